@@ -1,10 +1,12 @@
 # How our own code is compiled: warnings are errors, sanitizers where asked for, ccache where present.
 
 find_program( CCACHE ccache )
+mark_as_advanced( CCACHE )
 if( CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER )
    set( CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE} )
 endif()
 
+# Every target of ours links this privately; it is never handed on to those who use the library.
 add_library( LdpCompile INTERFACE )
 target_compile_options( LdpCompile INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Werror )
 

@@ -1,10 +1,11 @@
 # libLdp.so.0 and its static twin, made from the same objects. Neither links anything but the C++ runtime.
 
-file( GLOB LDP_SOURCES CONFIGURE_DEPENDS framework/*/*.cpp decode/*.cpp model/*.cpp )
+file( GLOB LDP_SOURCES CONFIGURE_DEPENDS
+   ${PROJECT_SOURCE_DIR}/framework/*/*.cpp ${PROJECT_SOURCE_DIR}/decode/*.cpp ${PROJECT_SOURCE_DIR}/model/*.cpp )
 
 add_library( LdpObjects OBJECT ${LDP_SOURCES} )
 set_target_properties( LdpObjects PROPERTIES POSITION_INDEPENDENT_CODE ON )
-target_include_directories( LdpObjects PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> )
+target_include_directories( LdpObjects PRIVATE ${PROJECT_SOURCE_DIR}/include )
 target_link_libraries( LdpObjects PRIVATE LdpCompile )
 
 foreach( kind SHARED STATIC )
@@ -15,5 +16,10 @@ foreach( kind SHARED STATIC )
       $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}> )
    target_compile_features( Ldp_${target} PUBLIC cxx_std_20 )
    set_target_properties( Ldp_${target} PROPERTIES
-      OUTPUT_NAME Ldp EXPORT_NAME ${target} SOVERSION 0 VERSION ${PROJECT_VERSION} )
+      LINKER_LANGUAGE CXX OUTPUT_NAME Ldp EXPORT_NAME ${target} SOVERSION 0 VERSION ${PROJECT_VERSION} )
 endforeach()
+
+# What the library needs must come from what it links. (A sanitizer's runtime comes with the program instead.)
+if( NOT LDP_SANITIZE )
+   target_link_options( Ldp_shared PRIVATE LINKER:--no-undefined )
+endif()

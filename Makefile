@@ -1,0 +1,53 @@
+# The usual commands. Each is a line over CMake's presets (CMakePresets.json) or a script; nothing is decided here.
+
+PREFIX ?= /usr/local
+FUZZ_SECONDS ?= 60
+JOBS ?= $(shell nproc)
+
+.PHONY: help setup build demo test sanitize bench fuzz format format-check docs install
+
+help:
+	@echo "make demo       decode a capture of real routers"
+	@echo "make test       build everything, run the whole suite"
+	@echo "make sanitize   the same with clang++ under address and undefined-behaviour sanitizers"
+	@echo "make bench      run the benchmarks"
+	@echo "make fuzz       run each fuzz target for FUZZ_SECONDS (60)"
+	@echo "make docs       reference documentation, into build/release/docs/html"
+	@echo "make format     put all sources into the project's format; format-check only looks"
+	@echo "make install    install into PREFIX (/usr/local)"
+
+setup:
+	@scripts/setup.sh
+
+build/%/build.ninja: setup
+	cmake --preset $*
+
+build: build/release/build.ninja
+	cmake --build --preset release
+
+demo: build/release/build.ninja
+	cmake --build --preset release --target ldptool
+	scripts/demo.sh build/release/bin/ldptool
+
+test: build
+	ctest --preset release -j $(JOBS)
+
+sanitize: build/sanitize/build.ninja
+	cmake --build --preset sanitize
+	ctest --preset sanitize -j $(JOBS)
+
+bench: build
+	scripts/bench.sh build/release/bin
+
+fuzz: build/fuzz/build.ninja
+	cmake --build --preset fuzz
+	scripts/fuzz.sh $(FUZZ_SECONDS) build/fuzz
+
+format format-check: setup
+	scripts/format.sh $@
+
+docs: build/release/build.ninja
+	cmake --build --preset release --target docs
+
+install: build
+	cmake --install build/release --prefix $(PREFIX)

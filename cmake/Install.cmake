@@ -1,0 +1,25 @@
+# What `cmake --install` gives: headers, both libraries, ldptool with its manual page, and two ways for others to find the
+# library: the CMake package Ldp (targets Ldp::shared and Ldp::static) and Ldp.pc. All of it can be moved to another prefix.
+
+include( CMakePackageConfigHelpers )
+
+install( DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN *.h )
+install( TARGETS Ldp_shared Ldp_static EXPORT LdpTargets )
+
+# The package has no dependencies, so the list of targets is the whole of it.
+set( package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Ldp )
+install( EXPORT LdpTargets FILE LdpConfig.cmake NAMESPACE Ldp:: DESTINATION ${package_dir} )
+write_basic_package_version_file( LdpConfigVersion.cmake COMPATIBILITY SameMinorVersion )
+install( FILES ${PROJECT_BINARY_DIR}/LdpConfigVersion.cmake DESTINATION ${package_dir} )
+
+set( pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig )
+file( RELATIVE_PATH prefix_from_pc ${CMAKE_INSTALL_PREFIX}/${pkgconfig_dir} ${CMAKE_INSTALL_PREFIX} )
+configure_file( ${PROJECT_SOURCE_DIR}/cmake/Ldp.pc.in ${PROJECT_BINARY_DIR}/Ldp.pc @ONLY )
+install( FILES ${PROJECT_BINARY_DIR}/Ldp.pc DESTINATION ${pkgconfig_dir} )
+
+if( TARGET ldptool )
+   file( RELATIVE_PATH lib_from_bin ${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR} )
+   set_target_properties( ldptool PROPERTIES INSTALL_RPATH $ORIGIN/${lib_from_bin} )
+   install( TARGETS ldptool )
+   install( FILES ${PROJECT_SOURCE_DIR}/docs/ldptool.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 OPTIONAL )
+endif()

@@ -1,0 +1,40 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that the build, the tests and the documentation need, as far as they are
+# missing. Says nothing and asks no network when nothing is missing.
+#
+#   scripts/setup.sh                 what `make demo`, `make test` and all other targets need
+#   scripts/setup.sh --comparison    also the decoders that bench/capture.sh is measured against
+set -euo pipefail
+
+packages=(
+   g++ cmake ninja-build ccache pkg-config python3 git
+   clang clang-format libclang-rt-14-dev                           # second compiler, fuzzer and sanitizer runtimes
+   libtins-dev libpcap-dev libcli11-dev nlohmann-json3-dev         # ldptool
+   libgtest-dev librapidcheck-dev libbenchmark-dev                 # tests, benchmarks
+   doxygen
+)
+case "${1:-}" in
+   "") ;;
+   --comparison) packages+=( tcpdump tshark ) ;;
+   *) echo "usage: scripts/setup.sh [--comparison]" >&2; exit 2 ;;
+esac
+
+if ! command -v dpkg-query >/dev/null; then
+   echo "setup.sh: not a Debian system; please see to the equivalents of: ${packages[*]}" >&2
+   exit 0
+fi
+
+# dpkg-query fails when it does not know a name at all; what it prints tells enough.
+installed=$( dpkg-query -W -f '${Package}:${db:Status-Status}\n' "${packages[@]}" 2>/dev/null || true )
+missing=()
+for package in "${packages[@]}"; do
+   grep -qxF "${package}:installed" <<<"$installed" || missing+=( "$package" )
+done
+[[ ${#missing[@]} -gt 0 ]] || exit 0
+
+echo "setup.sh: installing ${missing[*]}"
+as_root=()
+[[ $EUID -eq 0 ]] || as_root=( sudo )
+apt() { "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq "$@"; }
+apt update
+apt install -y --no-install-recommends "${missing[@]}"
