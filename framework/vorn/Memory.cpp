@@ -1,0 +1,8 @@
+#include "Vorn/Memory.h"
+
+namespace Vorn {
+
+bool VFPtrInterface::threadSafePointers_ = false;
+MemClass memClasses_[memClassNum];
+
+} // namespace Vorn

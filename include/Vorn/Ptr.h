@@ -1,0 +1,167 @@
+/// \file
+/// Counted objects and the pointer that counts them.
+///
+/// `PtrInterface` is the base of everything that lives by reference count: it holds the table of virtual
+/// operations, the reference word and a word of status flags. `Ptr< T >` is the one way to hold such an
+/// object. `NrcPtrInterface` is the empty base of views laid over foreign bytes, which nobody counts.
+#pragma once
+
+#include "Vorn/Assert.h"
+#include "Vorn/Memory.h"
+
+#include <type_traits>
+#include <utility>
+
+namespace Vorn {
+
+class NotifieeList;
+struct VornType;
+
+/// Adds one to a reference word of any kind (object, string, bucket), atomically where the process asks for
+/// it.
+inline void refInc( U32 & word ) noexcept {
+   if ( VFPtrInterface::threadSafePointers_ ) [[unlikely]] {
+      __atomic_fetch_add( &word, 1u, __ATOMIC_RELAXED );
+   } else {
+      ++word;
+   }
+}
+
+/// Subtracts one from a reference word and returns what is left.
+inline U32 refDec( U32 & word ) noexcept {
+   if ( VFPtrInterface::threadSafePointers_ ) [[unlikely]]
+      return __atomic_sub_fetch( &word, 1u, __ATOMIC_ACQ_REL );
+   return --word;
+}
+
+/// Base of a view laid straight over bytes that somebody else owns. It has no data and no virtual operation,
+/// so a derived view is exactly its fields; it lives no longer than the bytes.
+class NrcPtrInterface {};
+
+/// Base of every reference-counted object. Objects are made by factories, held by `Ptr`, and destroyed when
+/// the last reference goes; they are neither copied nor deleted by hand.
+class VORN_API PtrInterface : public VFPtrInterface {
+ public:
+   /// Bits of the reference word that count. Bits 29 and 31 are flags: a word with only those set counts as
+   /// zero.
+   static constexpr U32 referenceMask = 0x5fffffff;
+   /// Set in the reference word while the object is being destroyed. It lies under the mask, so that a
+   /// reference taken and dropped on the way down does not destroy the object twice.
+   static constexpr U32 beingDestroyed = 0x40000000;
+
+   PtrInterface() noexcept = default;
+   PtrInterface( PtrInterface const & ) = delete;
+   PtrInterface & operator=( PtrInterface const & ) = delete;
+
+   /// The observers of this object; null for a type that cannot be observed.
+   virtual NotifieeList * notifieeList() const;
+   /// Called with true as the last step of an object's creation, by its factory.
+   virtual void hasNotificationActiveIs( bool active );
+   /// Called with true when the last reference has gone, before the destructor runs.
+   virtual void zeroReferencesIs( bool zero );
+   /// The record of the object's own type.
+   virtual VornType const * fwkType() const = 0;
+   virtual ~PtrInterface();
+
+   /// References held, without the flags.
+   U32 references() const noexcept { return refs_ & referenceMask; }
+
+   /// Takes one reference. `Ptr` does this; nobody else needs to.
+   void referenceInc() const noexcept { refInc( refs_ ); }
+   /// Drops one reference, the last of which destroys the object.
+   void referenceDec() const noexcept {
+      if ( ( refDec( refs_ ) & referenceMask ) == 0 ) [[unlikely]]
+         handleZeroRef();
+   }
+
+   /// Destroys the object, which nobody refers to any more.
+   void handleZeroRef() const noexcept;
+
+ protected:
+   mutable U32 refs_ = 0;   ///< reference count and its flags
+   mutable U32 status_ = 0; ///< status flags of the framework
+};
+
+/// Strong pointer to a counted object, one word. Null when empty. Copying takes a reference, destruction and
+/// overwriting drop one. `Ptr< T const >` gives read access only.
+template< class T >
+class Ptr {
+ public:
+   using element_type = T;
+
+   constexpr Ptr() noexcept = default;
+   constexpr Ptr( std::nullptr_t ) noexcept {}
+   Ptr( T * object ) noexcept : object_( object ) { inc(); }
+   Ptr( Ptr const & other ) noexcept : object_( other.object_ ) { inc(); }
+   Ptr( Ptr && other ) noexcept : object_( std::exchange( other.object_, nullptr ) ) {}
+   template< class U >
+   requires std::is_convertible_v< U *, T * > Ptr( Ptr< U > const & other )
+   noexcept : object_( other.ptr() ) { inc(); }
+   template< class U >
+   requires std::is_convertible_v< U *, T * > Ptr( Ptr< U > && other )
+   noexcept : object_( other.release() ) {}
+   ~Ptr() {
+      if ( object_ ) object_->referenceDec();
+   }
+
+   /// The old object is dropped last, so that its destructor already sees the new value here.
+   Ptr & operator=( Ptr other ) noexcept {
+      std::swap( object_, other.object_ );
+      return *this;
+   }
+
+   /// The object, with no reference of the caller's own.
+   T * ptr() const noexcept { return object_; }
+   T * operator->() const noexcept { return object_; }
+   T & operator*() const noexcept { return *object_; }
+   explicit operator bool() const noexcept { return object_ != nullptr; }
+   bool operator!() const noexcept { return !object_; }
+
+   /// Hands the reference over to the caller and leaves this pointer empty.
+   T * release() noexcept { return std::exchange( object_, nullptr ); }
+
+   /// Pointers compare by identity of the object.
+   template< class U >
+   friend bool operator==( Ptr const & a, Ptr< U > const & b ) noexcept {
+      return a.ptr() == b.ptr();
+   }
+   friend bool operator==( Ptr const & a, std::nullptr_t ) noexcept { return !a.object_; }
+
+ private:
+   void inc() const noexcept {
+      if ( object_ ) object_->referenceInc();
+   }
+
+   T * object_ = nullptr;
+};
+
+/// A new object of type `T` with notification active, as every factory returns it.
+template< class T, class... Args >
+Ptr< T > newObject( Args &&... args ) {
+   Ptr< T > object( new T( std::forward< Args >( args )... ) );
+   object->hasNotificationActiveIs( true );
+   return object;
+}
+
+} // namespace Vorn
+
+/// Stands first in every concrete counted class: its type record, and memory that is tracked per type.
+/// The record itself is defined by VORN_OBJECT_RECORD in the class's source file.
+#define VORN_OBJECT( Type )                                                                                  \
+ public:                                                                                                     \
+   static ::Vorn::VornType const _vornType;                                                                  \
+   ::Vorn::VornType const * fwkType() const override { return &_vornType; }                                  \
+   static void * operator new( std::size_t size ) {                                                          \
+      void * block = ::Vorn::vornMemAlloc( size );                                                           \
+      vornAllocTrackTypeInfo_.trackAllocation( size );                                                       \
+      return block;                                                                                          \
+   }                                                                                                         \
+   static void operator delete( void * block, std::size_t size ) noexcept {                                  \
+      vornAllocTrackTypeInfo_.trackDeallocation( size );                                                     \
+      ::Vorn::vornMemFree( block, size );                                                                    \
+   }                                                                                                         \
+   /** Live objects of this very type. */                                                                    \
+   static ::Vorn::AllocTrackTypeInfo const & allocTrack() { return vornAllocTrackTypeInfo_; }                \
+                                                                                                             \
+ private:                                                                                                    \
+   static ::Vorn::AllocTrackTypeInfo vornAllocTrackTypeInfo_;

@@ -1,0 +1,202 @@
+/// \file
+/// Text forms of values, both ways. `valueToStrep` writes a value so that the strict reader,
+/// `sequenceToValue`, reads back an equal one. Composite values read `Value('Ns::Type', ** {'a1': v1, 'a2':
+/// v2})`, enumerations by the name of the enumerator, strings in single quotes.
+///
+/// A reader consumes exactly what it knows and leaves the iterator behind it; anything else raises
+/// RangeException.
+#pragma once
+
+#include "Vorn/Exception.h"
+#include "Vorn/VornType.h"
+
+#include <array>
+#include <concepts>
+#include <iosfwd>
+#include <tuple>
+
+namespace Vorn {
+
+/// `True` or `False`.
+VORN_API String boolToStrep( bool value );
+/// Decimal digits.
+VORN_API String valueToStrep( unsigned long long value );
+/// The shortest decimal that reads back as the same number.
+VORN_API String valueToStrep( double value );
+/// In single quotes; quote and backslash escaped, octets that do not print as `\xNN`.
+VORN_API String valueToStrep( String const & value );
+
+String valueToStrep( std::same_as< bool > auto value ) { return boolToStrep( value ); }
+template< std::unsigned_integral T >
+requires( !std::same_as< T, bool > && !std::same_as< T, unsigned long long > ) String
+     valueToStrep( T value ) {
+   return valueToStrep( static_cast< unsigned long long >( value ) );
+}
+
+/// Moves `it` over the exact literal, or raises RangeException.
+VORN_API void needString( String::IteratorConst & it, String::IteratorConst const & end,
+                          char const * literal );
+
+/// Reads decimal digits up to `max`.
+VORN_API U64 unsignedFromSequence( String::IteratorConst & it, String::IteratorConst const & end, U64 max );
+VORN_API void sequenceToValue( String::IteratorConst & it, String::IteratorConst const & end, bool * value );
+VORN_API void sequenceToValue( String::IteratorConst & it, String::IteratorConst const & end,
+                               double * value );
+VORN_API void sequenceToValue( String::IteratorConst & it, String::IteratorConst const & end,
+                               String * value );
+template< std::unsigned_integral T >
+requires( !std::same_as< T, bool > ) void sequenceToValue( String::IteratorConst & it,
+                                                           String::IteratorConst const & end, T * value ) {
+   *value = T( unsignedFromSequence( it, end, T( ~T( 0 ) ) ) );
+}
+
+/// Raises the failure again with the attribute's name in front.
+[[noreturn]] VORN_API void rethrowFromDeserializeAttr( RangeException const & failure,
+                                                       char const * attrName );
+
+/// Reads one attribute's value; a failure names the attribute.
+template< class T >
+T deserializeAttr( String::IteratorConst & it, String::IteratorConst const & end, char const * attrName ) {
+   T value{};
+   try {
+      sequenceToValue( it, end, &value );
+   } catch ( RangeException const & failure ) {
+      rethrowFromDeserializeAttr( failure, attrName );
+   }
+   return value;
+}
+
+/// Raises RangeException unless `it` stands at the end of `text`.
+VORN_API void strepToValueEnd( String const & text, String::IteratorConst it );
+
+/// Reads a whole text into `*value`, which stays as it was if the text is refused.
+template< class T >
+void strepToValue( String const & text, T * value ) {
+   auto it = text.begin();
+   T read{};
+   sequenceToValue( it, text.end(), &read );
+   strepToValueEnd( text, it );
+   *value = std::move( read );
+}
+
+/// Text forms of enumerations by their record: the enumerator's name, or the number in decimal where no
+/// enumerator has it.
+template< class Word >
+struct EnumType;
+
+template<>
+struct VORN_API EnumType< unsigned int > {
+   /// Name of the enumerator with that value, or null.
+   static char const * name( unsigned int value, VornType const * type ) noexcept;
+   static String valueToStrep( unsigned int value, VornType const * type );
+   static unsigned int sequenceToValue( String::IteratorConst & it, String::IteratorConst const & end,
+                                        VornType const * type );
+};
+
+/// One named part of a composite text: how it is read from and put into a value of type `T`.
+template< class Get, class Set >
+struct TextField {
+   char const * name;
+   Get get;
+   Set set;
+};
+template< class Get, class Set >
+TextField( char const *, Get, Set ) -> TextField< Get, Set >;
+
+/// Joins `'name': value` pairs into the composite form of `typeName`.
+VORN_API String compositeText( char const * typeName, char const * const * names, String const * values,
+                               std::size_t count );
+
+/// The composite form of `value`. The parts are turned into text from the last to the first.
+template< class T, class... Fields >
+String compositeToStrep( char const * typeName, T const & value, Fields const &... fields ) {
+   constexpr std::size_t count = sizeof...( Fields );
+   std::array< char const *, count > const names{ fields.name... };
+   std::array< String, count > texts;
+   auto const all = std::tie( fields... );
+   auto const one = [&]< std::size_t i >() { texts[i] = valueToStrep( std::get< i >( all ).get( value ) ); };
+   [&]< std::size_t... i >( std::index_sequence< i... > ) {
+      ( one.template operator()< count - 1 - i >(), ... );
+   }
+   ( std::index_sequence_for< Fields... >{} );
+   return compositeText( typeName, names.data(), texts.data(), count );
+}
+
+/// Reads the composite form; the parts must stand in the order of the fields.
+template< class T, class... Fields >
+void sequenceToComposite( char const * typeName, String::IteratorConst & it,
+                          String::IteratorConst const & end, T * value, Fields const &... fields ) {
+   needString( it, end, "Value('" );
+   needString( it, end, typeName );
+   needString( it, end, "', ** {" );
+   bool first = true;
+   auto const one = [&]( auto const & field ) {
+      needString( it, end, first ? "'" : ", '" );
+      needString( it, end, field.name );
+      needString( it, end, "': " );
+      first = false;
+      using Part = std::remove_cvref_t< decltype( field.get( *value ) ) >;
+      field.set( *value, deserializeAttr< Part >( it, end, field.name ) );
+   };
+   ( one( fields ), ... );
+   needString( it, end, "})" );
+}
+
+} // namespace Vorn
+
+/// Declares the text forms of value type `Type`, inside its namespace.
+#define VORN_TEXT( Type )                                                                                    \
+   VORN_API ::Vorn::String valueToStrep( Type const & value );                                               \
+   VORN_API void sequenceToValue( ::Vorn::String::IteratorConst & it,                                        \
+                                  ::Vorn::String::IteratorConst const & end, Type * value );                 \
+   VORN_API std::ostream & operator<<( std::ostream & out, Type const & value );
+
+/// Makes `operator<<` of `Type` from its text form. Stands in the source file.
+#define VORN_TEXT_STREAM( Type )                                                                             \
+   std::ostream & operator<<( std::ostream & out, Type const & value ) {                                     \
+      return out << valueToStrep( value );                                                                   \
+   }
+
+/// Part `x` of a composite, read by `x()` and written by `xIs( v )`.
+#define VORN_TEXT_FIELD( x )                                                                                 \
+   ::Vorn::TextField {                                                                                       \
+#x, []( auto const & value ) { return value.x(); }, []( auto & value,                                  \
+                                                              auto const & part ) { value.x##Is( part ); }   \
+   }
+
+/// Defines the text forms of a composite from its fields, in their order. Stands in the source file.
+#define VORN_TEXT_COMPOSITE( Namespace, Type, ... )                                                          \
+   ::Vorn::String valueToStrep( Type const & value ) {                                                       \
+      return ::Vorn::compositeToStrep( #Namespace "::" #Type, value, __VA_ARGS__ );                          \
+   }                                                                                                         \
+   void sequenceToValue( ::Vorn::String::IteratorConst & it, ::Vorn::String::IteratorConst const & end,      \
+                         Type * value ) {                                                                    \
+      Type read{};                                                                                           \
+      ::Vorn::sequenceToComposite( #Namespace "::" #Type, it, end, &read, __VA_ARGS__ );                     \
+      *value = read;                                                                                         \
+   }                                                                                                         \
+   VORN_TEXT_STREAM( Type )
+
+/// Declares enumeration `Type` from a list macro whose rows are `X( name, value, ... )`, with its record and
+/// text forms. Rows may have further columns, which this macro leaves to others.
+#define VORN_ENUM( Type, LIST )                                                                              \
+   enum Type : U32 { LIST( VORN_ENUMERATOR ) };                                                              \
+   VORN_API extern ::Vorn::VornType const Type##_vornType;                                                   \
+   VORN_TEXT( Type )                                                                                         \
+   inline ::Vorn::VornType const * vornTypeOf( Type ) { return &Type##_vornType; }
+#define VORN_ENUMERATOR( name, number, ... ) name = number,
+
+/// Defines the record and the text forms of an enumeration. Stands in the source file.
+#define VORN_ENUM_RECORD( Namespace, Type, LIST )                                                            \
+   static ::Vorn::VornAttr const Type##_enumerators[] = { LIST( VORN_ENUMERATOR_RECORD ){ nullptr, 0 } };    \
+   ::Vorn::VornType const Type##_vornType{ #Namespace "::" #Type, nullptr, Type##_enumerators,               \
+                                           sizeof( U32 ), U32( std::size( Type##_enumerators ) - 1 ) };      \
+   ::Vorn::String valueToStrep( Type const & value ) {                                                       \
+      return ::Vorn::EnumType< unsigned int >::valueToStrep( value, &Type##_vornType );                      \
+   }                                                                                                         \
+   void sequenceToValue( ::Vorn::String::IteratorConst & it, ::Vorn::String::IteratorConst const & end,      \
+                         Type * value ) {                                                                    \
+      *value = Type( ::Vorn::EnumType< unsigned int >::sequenceToValue( it, end, &Type##_vornType ) );       \
+   }                                                                                                         \
+   VORN_TEXT_STREAM( Type )
+#define VORN_ENUMERATOR_RECORD( name, number, ... ) { #name, ::Vorn::enumeratorFlags( U32( number ) ) },
