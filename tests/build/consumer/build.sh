@@ -1,0 +1,35 @@
+#!/usr/bin/env bash
+# Builds main.cpp against an installed copy of the library, as a project of its own would, and runs it.
+#
+#   build.sh package_shared|package_static|pkgconfig_shared|pkgconfig_static COMPILER PREFIX
+set -euo pipefail
+way=$1 compiler=$2 prefix=$( realpath "$3" )
+source=$( dirname "$( realpath "$0" )" )
+build=$prefix-$way
+rm -rf "$build"
+mkdir -p "$build"
+
+case "$way" in
+   package_*)
+      cmake -G Ninja -S "$source" -B "$build" -D CMAKE_CXX_COMPILER="$compiler" -D CMAKE_PREFIX_PATH="$prefix" -D KIND="${way#package_}"
+      cmake --build "$build"
+      ;;
+   pkgconfig_*)
+      PKG_CONFIG_PATH=$( dirname "$( find "$prefix" -name Ldp.pc )" )
+      export PKG_CONFIG_PATH
+      libdir=$( pkg-config --variable=libdir Ldp )
+      case "$way" in
+         *_shared) read -ra libraries <<<"$( pkg-config --libs Ldp ) -Wl,-rpath,$libdir" ;;
+         *_static) libraries=( "$libdir/libLdp.a" ) ;;
+      esac
+      read -ra flags <<<"$( pkg-config --cflags Ldp )"
+      "$compiler" -std=c++20 "${flags[@]}" "$source/main.cpp" "${libraries[@]}" -o "$build/consumer"
+      ;;
+esac
+
+"$build/consumer"
+needed=$( readelf --dynamic "$build/consumer" )
+case "$way" in
+   *_shared) [[ $needed == *"[libLdp.so.0]"* ]] ;;
+   *_static) [[ $needed != *libLdp* ]] ;;
+esac || { echo "build.sh: $way does not link the library that way" >&2; exit 1; }

@@ -1,0 +1,90 @@
+#!/usr/bin/env python3
+"""Dependencies point one way: tools -> model -> framework, tools -> decode -> framework.
+
+Reads the #include lines of the tree (first argument) and names every one that points elsewhere. The library includes, besides
+itself, only standard headers and the few system headers listed here. Exit 1 if something was named.
+"""
+
+import pathlib
+import re
+import sys
+
+# Whose header include/Ldp/STEM.h is. A new stem is entered here by hand: it is a decision, not a guess.
+DECODE_STEMS = set("LdpHdr LdpPwHdr LdpTlvParser LdpGenMsgParser LdpPwGenMsgParser LdpMsgParser LdpProtoParam LdpUtils"
+                   " PwTypes".split())
+MODEL_STEMS = set("LdpConfig LdpStatus LdpGr LdpLink LdpTarget LdpTargetServer LdpAdj LdpPeer LdpTcpConn LdpTcpServer"
+                  " LdpSession LdpCommon LdpFec LdpFecSession LdpFecFilter LdpLabelAlloc LdpIndex LdpTypes LdpP2mpFec"
+                  " LdpP2mpFecSessionLocalState LdpP2mpFecSessionRemoteState LdpP2mpOpaqueTable PwConfig PwFecSession"
+                  " LdpTrace".split())
+
+# The values that decode and model share: status codes, identifiers, FEC values, pseudowire types.
+SHARED_WITH_MODEL = {"LdpHdr.h", "LdpPwHdr.h", "PwTypes.h"}
+
+MAY_INCLUDE = {
+    "framework": {"framework"},
+    "decode": {"decode", "framework"},
+    "model": {"model", "framework"},
+    "tools": {"tools", "model", "decode", "framework"},
+    "examples": {"model", "decode", "framework"},
+}
+LIBRARY = {"framework", "decode", "model"}
+
+# Beside the C++ standard headers, which have neither folder nor suffix.
+SYSTEM_HEADERS = {"cxxabi.h", "fcntl.h", "unistd.h", "time.h", "immintrin.h", "emmintrin.h", "x86intrin.h",
+                  "arpa/inet.h", "netinet/in.h", "sys/mman.h", "sys/socket.h", "sys/stat.h", "sys/types.h"}
+
+INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.M)
+
+
+def owner(path):
+    """The layer that a file, given relative to the root, belongs to; None outside of all layers."""
+    parts = path.parts
+    if parts[0] == "include":
+        if parts[1] != "Ldp":
+            return "framework"
+        stem = path.stem
+        return "decode" if stem in DECODE_STEMS else "model" if stem in MODEL_STEMS else "unknown"
+    return parts[0] if parts[0] in MAY_INCLUDE else None
+
+
+def resolve(root, including, name):
+    """The file of the tree that an include line means, relative to the root; None if it is none of ours."""
+    for base in (including.parent, pathlib.Path("include"), pathlib.Path(".")):
+        candidate = base / name
+        if (root / candidate).is_file():
+            return pathlib.Path((root / candidate).resolve().relative_to(root))
+    return None
+
+
+def offences(root):
+    """One text for each include line that points where it must not."""
+    for path in sorted(p.relative_to(root) for top in ("include", *MAY_INCLUDE) for p in (root / top).rglob("*.*")
+                       if p.suffix in {".h", ".cpp"}):
+        layer = owner(path)
+        if layer == "unknown":
+            yield f"{path}: is this decode or model? enter the stem in tests/build/layering.py"
+            continue
+        for bracket, name in INCLUDE.findall((root / path).read_text(encoding="utf-8")):
+            found = resolve(root, path, name)
+            if found is None:
+                standard = "/" not in name and "." not in name
+                if layer in LIBRARY and not (bracket == "<" and (standard or name in SYSTEM_HEADERS)):
+                    yield f"{path}: includes {name}, which is neither of the library nor a standard header"
+                continue
+            target = owner(found)
+            shared = layer == "model" and found.parts[:2] == ("include", "Ldp") and found.name in SHARED_WITH_MODEL
+            if target not in MAY_INCLUDE[layer] and not shared:
+                yield f"{path}: {layer} includes {found}, which belongs to {target or found.parts[0]}"
+            if path.parts[0] in {"include", "examples"} and found.parts[0] not in {"include", path.parts[0]}:
+                yield f"{path}: a public header or example includes {found}, which is not installed"
+
+
+def main():
+    root = pathlib.Path(sys.argv[1]).resolve()
+    found = list(offences(root))
+    print("\n".join(found) or "every include points the right way")
+    sys.exit(1 if found else 0)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,57 @@
+#!/usr/bin/env python3
+"""layering.py itself: a sound tree passes, and each kind of wrong include is named."""
+
+import pathlib
+import tempfile
+import unittest
+
+import layering
+
+SOUND = {
+    "include/Vorn/Ptr.h": "#include <memory>\n",
+    "include/Ldp/LdpHdr.h": "#include <Vorn/Ptr.h>\n",
+    "include/Ldp/LdpMsgParser.h": '#include "LdpHdr.h"\n',
+    "include/Ldp/LdpAdj.h": "#include <Ldp/LdpHdr.h>\n",
+    "decode/LdpMsgParser.cpp": '#include <Ldp/LdpMsgParser.h>\n#include "Walk.h"\n#include <algorithm>\n',
+    "decode/Walk.h": "#include <Ldp/LdpHdr.h>\n",
+    "framework/vorn/Ptr.cpp": "#include <Vorn/Ptr.h>\n#include <sys/mman.h>\n",
+    "tools/ldptool/main.cpp": "#include <Ldp/LdpMsgParser.h>\n#include <Ldp/LdpAdj.h>\n#include <tins/tins.h>\n",
+}
+
+WRONG = [
+    ("framework on decode", "framework/vorn/Ptr.cpp", "#include <Ldp/LdpHdr.h>"),
+    ("framework header on model", "include/Vorn/Ptr.h", "#include <Ldp/LdpAdj.h>"),
+    ("decode on model", "decode/LdpMsgParser.cpp", "#include <Ldp/LdpAdj.h>"),
+    ("decode on tools", "decode/LdpMsgParser.cpp", '#include "../tools/ldptool/main.cpp"'),
+    ("model on a parser", "model/LdpAdj.cpp", "#include <Ldp/LdpMsgParser.h>"),
+    ("public header on a private one", "include/Ldp/LdpMsgParser.h", '#include "../../decode/Walk.h"'),
+    ("library on a tool's library", "decode/Walk.h", "#include <tins/tins.h>"),
+    ("library on a test's library", "framework/vorn/Ptr.cpp", " # include <gtest/gtest.h>"),
+    ("library on JSON", "include/Vorn/Ptr.h", "#include <nlohmann/json.hpp>"),
+    ("library on a header that is nowhere", "decode/Walk.h", '#include "Gone.h"'),
+    ("example on a private header", "examples/one.cpp", '#include "../decode/Walk.h"'),
+    ("header of no known stem", "include/Ldp/LdpNew.h", ""),
+]
+
+
+class Layering(unittest.TestCase):
+    def offences(self, changes):
+        with tempfile.TemporaryDirectory() as folder:
+            root = pathlib.Path(folder).resolve()
+            for name, text in (SOUND | changes).items():
+                (root / name).parent.mkdir(parents=True, exist_ok=True)
+                (root / name).write_text(text)
+            return list(layering.offences(root))
+
+    def test_sound_tree(self):
+        self.assertEqual(self.offences({}), [])
+
+    def test_each_wrong_include_is_named(self):
+        for what, path, line in WRONG:
+            with self.subTest(what):
+                found = self.offences({path: SOUND.get(path, "") + line + "\n"})
+                self.assertEqual([one.split(":")[0] for one in found], [path])
+
+
+if __name__ == "__main__":
+    unittest.main()
