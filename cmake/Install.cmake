@@ -13,12 +13,12 @@ write_basic_package_version_file( LdpConfigVersion.cmake COMPATIBILITY SameMinor
 install( FILES ${PROJECT_BINARY_DIR}/LdpConfigVersion.cmake DESTINATION ${package_dir} )
 
 set( pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig )
-file( RELATIVE_PATH prefix_from_pc ${CMAKE_INSTALL_PREFIX}/${pkgconfig_dir} ${CMAKE_INSTALL_PREFIX} )
+cmake_path( RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX}/${pkgconfig_dir} OUTPUT_VARIABLE prefix_from_pc )
 configure_file( ${PROJECT_SOURCE_DIR}/cmake/Ldp.pc.in ${PROJECT_BINARY_DIR}/Ldp.pc @ONLY )
 install( FILES ${PROJECT_BINARY_DIR}/Ldp.pc DESTINATION ${pkgconfig_dir} )
 
 if( TARGET ldptool )
-   file( RELATIVE_PATH lib_from_bin ${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR} )
+   cmake_path( RELATIVE_PATH CMAKE_INSTALL_LIBDIR BASE_DIRECTORY ${CMAKE_INSTALL_BINDIR} OUTPUT_VARIABLE lib_from_bin )
    set_target_properties( ldptool PROPERTIES INSTALL_RPATH $ORIGIN/${lib_from_bin} )
    install( TARGETS ldptool )
    install( FILES ${PROJECT_SOURCE_DIR}/docs/ldptool.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 OPTIONAL )
