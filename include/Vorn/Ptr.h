@@ -94,12 +94,13 @@ class Ptr {
    Ptr( T * object ) noexcept : object_( object ) { inc(); }
    Ptr( Ptr const & other ) noexcept : object_( other.object_ ) { inc(); }
    Ptr( Ptr && other ) noexcept : object_( std::exchange( other.object_, nullptr ) ) {}
-   template< class U >
-   requires std::is_convertible_v< U *, T * > Ptr( Ptr< U > const & other )
-   noexcept : object_( other.ptr() ) { inc(); }
-   template< class U >
-   requires std::is_convertible_v< U *, T * > Ptr( Ptr< U > && other )
-   noexcept : object_( other.release() ) {}
+   /// From a pointer to a derived class, or to the same class with write access.
+   template< class U, class = std::enable_if_t< std::is_convertible_v< U *, T * > > >
+   Ptr( Ptr< U > const & other ) noexcept : object_( other.ptr() ) {
+      inc();
+   }
+   template< class U, class = std::enable_if_t< std::is_convertible_v< U *, T * > > >
+   Ptr( Ptr< U > && other ) noexcept : object_( other.release() ) {}
    ~Ptr() {
       if ( object_ ) object_->referenceDec();
    }

@@ -1,0 +1,13 @@
+#include "Pseudowire/Types.h"
+
+namespace Pseudowire {
+
+VORN_ENUM_RECORD( Pseudowire, PseudowireType, PSEUDOWIRE_TYPES )
+
+PseudowireType PseudowireTypeInstance( Vorn::String const & text ) {
+   PseudowireType type{};
+   Vorn::strepToValue( text, &type );
+   return type;
+}
+
+} // namespace Pseudowire

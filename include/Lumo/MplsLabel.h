@@ -1,0 +1,32 @@
+/// \file
+/// MPLS label values.
+#pragma once
+
+#include "Vorn/Strep.h"
+
+namespace Lumo {
+
+/// A label value: 20 bits on the wire (RFC 3032, 2.1), and a few values above that which no packet carries.
+class VORN_API MplsLabel {
+ public:
+   static constexpr U32 min = 0;
+   /// Stands for no label, one above the 20-bit range.
+   static constexpr U32 null = 0x100000;
+   /// The largest value that a label may hold.
+   static constexpr U32 luWithdraw = 0x800000;
+
+   constexpr MplsLabel() noexcept = default;
+   /// Throws RangeException for a value above `luWithdraw`.
+   explicit MplsLabel( U32 value );
+
+   constexpr U32 value() const noexcept { return value_; }
+   U32 hash() const noexcept { return value_ * 0x9e3779b1u; }
+
+   friend constexpr auto operator<=>( MplsLabel, MplsLabel ) noexcept = default;
+
+ private:
+   U32 value_ = null;
+};
+VORN_TEXT( MplsLabel )
+
+} // namespace Lumo

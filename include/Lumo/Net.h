@@ -1,0 +1,147 @@
+/// \file
+/// Network-order integers in place: exactly as wide as the integer, at any alignment, read and written by
+/// bytes. Every field of a wire view is one of these or is built on one.
+#pragma once
+
+#include "Vorn/Strep.h"
+
+namespace Lumo {
+
+/// One octet of a wire format.
+class NetU8 {
+ public:
+   constexpr NetU8() noexcept = default;
+   constexpr explicit NetU8( U8 value ) noexcept : v0_( value ) {}
+
+   constexpr U8 value() const noexcept { return v0_; }
+   constexpr void valueIs( U8 value ) noexcept { v0_ = value; }
+
+   friend constexpr bool operator==( NetU8, NetU8 ) noexcept = default;
+   friend constexpr bool operator<( NetU8 a, NetU8 b ) noexcept { return a.v0_ < b.v0_; }
+
+ private:
+   U8 v0_ = 0;
+};
+
+/// A 16-bit big-endian integer of a wire format.
+class NetU16 {
+ public:
+   constexpr NetU16() noexcept = default;
+   /// From a value in host order.
+   constexpr explicit NetU16( U16 value ) noexcept { valueIs( value ); }
+
+   /// The value in host order.
+   constexpr U16 value() const noexcept { return U16( v_[0] << 8 | v_[1] ); }
+   constexpr void valueIs( U16 value ) noexcept {
+      v_[0] = U8( value >> 8 );
+      v_[1] = U8( value );
+   }
+   /// What the constructor takes to make an equal value.
+   constexpr U16 ctorValue() const noexcept { return value(); }
+
+   /// The two octets in wire order.
+   constexpr U8 v0() const noexcept { return v_[0]; }
+   constexpr U8 v1() const noexcept { return v_[1]; }
+   constexpr void v0Is( U8 octet ) noexcept { v_[0] = octet; }
+   constexpr void v1Is( U8 octet ) noexcept { v_[1] = octet; }
+
+   constexpr U32 hash() const noexcept {
+      U32 x = ( U32( value() ) ^ 61 ) * 9;
+      x = ( x ^ ( x >> 4 ) ) * 668265261;
+      return x ^ ( x >> 15 );
+   }
+   friend constexpr bool operator==( NetU16, NetU16 ) noexcept = default;
+   friend constexpr bool operator<( NetU16 a, NetU16 b ) noexcept { return a.value() < b.value(); }
+
+ protected:
+   /// The bits of `mask`, shifted down so that its lowest bit is bit 0.
+   template< U16 mask >
+   constexpr U16 bits() const noexcept {
+      return U16( ( value() & mask ) / ( mask & -mask ) );
+   }
+   /// Replaces the bits of `mask` by the low bits of `part`; the others stay.
+   template< U16 mask >
+   constexpr void bitsIs( U32 part ) noexcept {
+      valueIs( U16( ( value() & ~mask ) | ( ( part * ( mask & -mask ) ) & mask ) ) );
+   }
+
+ private:
+   U8 v_[2] = {};
+};
+
+/// A 32-bit big-endian integer of a wire format.
+class NetU32 {
+ public:
+   constexpr NetU32() noexcept = default;
+   /// From a value in host order.
+   constexpr explicit NetU32( U32 value ) noexcept { valueIs( value ); }
+
+   /// The value in host order.
+   constexpr U32 value() const noexcept {
+      return U32( v_[0] ) << 24 | U32( v_[1] ) << 16 | U32( v_[2] ) << 8 | v_[3];
+   }
+   constexpr void valueIs( U32 value ) noexcept {
+      v_[0] = U8( value >> 24 );
+      v_[1] = U8( value >> 16 );
+      v_[2] = U8( value >> 8 );
+      v_[3] = U8( value );
+   }
+   /// What the constructor takes to make an equal value.
+   constexpr U32 ctorValue() const noexcept { return value(); }
+
+   /// The four octets in wire order.
+   constexpr U8 v0() const noexcept { return v_[0]; }
+   constexpr U8 v1() const noexcept { return v_[1]; }
+   constexpr U8 v2() const noexcept { return v_[2]; }
+   constexpr U8 v3() const noexcept { return v_[3]; }
+   constexpr void v0Is( U8 octet ) noexcept { v_[0] = octet; }
+   constexpr void v1Is( U8 octet ) noexcept { v_[1] = octet; }
+   constexpr void v2Is( U8 octet ) noexcept { v_[2] = octet; }
+   constexpr void v3Is( U8 octet ) noexcept { v_[3] = octet; }
+
+   constexpr U32 hash() const noexcept {
+      U32 const v = value();
+      U32 x = ( v ^ 61 ^ ( v >> 16 ) ) * 9;
+      x = ( x ^ ( x >> 4 ) ) * 668265261;
+      return x ^ ( x >> 15 );
+   }
+   friend constexpr bool operator==( NetU32, NetU32 ) noexcept = default;
+   friend constexpr bool operator<( NetU32 a, NetU32 b ) noexcept { return a.value() < b.value(); }
+
+ protected:
+   /// The bits of `mask`, shifted down so that its lowest bit is bit 0.
+   template< U32 mask >
+   constexpr U32 bits() const noexcept {
+      return ( value() & mask ) / ( mask & -mask );
+   }
+   /// Replaces the bits of `mask` by the low bits of `part`; the others stay.
+   template< U32 mask >
+   constexpr void bitsIs( U32 part ) noexcept {
+      valueIs( ( value() & ~mask ) | ( ( part * ( mask & -mask ) ) & mask ) );
+   }
+
+ private:
+   U8 v_[4] = {};
+};
+
+static_assert( sizeof( NetU8 ) == 1 && alignof( NetU8 ) == 1 );
+static_assert( sizeof( NetU16 ) == 2 && alignof( NetU16 ) == 1 );
+static_assert( sizeof( NetU32 ) == 4 && alignof( NetU32 ) == 1 );
+
+/// In decimal, the value in host order.
+inline Vorn::String valueToStrep( NetU8 const & value ) { return Vorn::valueToStrep( value.value() ); }
+inline Vorn::String valueToStrep( NetU16 const & value ) { return Vorn::valueToStrep( value.value() ); }
+inline Vorn::String valueToStrep( NetU32 const & value ) { return Vorn::valueToStrep( value.value() ); }
+
+/// Reads a decimal number into a network-order integer.
+template< class Net >
+requires( std::same_as< Net, NetU8 > || std::same_as< Net, NetU16 > ||
+          std::same_as< Net, NetU32 > ) void sequenceToValue( Vorn::String::IteratorConst & it,
+                                                              Vorn::String::IteratorConst const & end,
+                                                              Net * value ) {
+   decltype( value->value() ) host;
+   Vorn::sequenceToValue( it, end, &host );
+   value->valueIs( host );
+}
+
+} // namespace Lumo
