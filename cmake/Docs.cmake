@@ -2,8 +2,11 @@
 
 find_package( Doxygen QUIET )
 if( DOXYGEN_FOUND )
-   configure_file( ${PROJECT_SOURCE_DIR}/docs/Doxyfile.in ${PROJECT_BINARY_DIR}/docs/Doxyfile @ONLY )
+   foreach( file Doxyfile Doxyfile.strict )
+      configure_file( ${PROJECT_SOURCE_DIR}/docs/${file}.in ${PROJECT_BINARY_DIR}/docs/${file} @ONLY )
+   endforeach()
    add_custom_target( docs
+      COMMAND Doxygen::doxygen ${PROJECT_BINARY_DIR}/docs/Doxyfile.strict
       COMMAND Doxygen::doxygen ${PROJECT_BINARY_DIR}/docs/Doxyfile
       COMMAND ${CMAKE_COMMAND} -E echo "reference documentation: ${PROJECT_BINARY_DIR}/docs/html/index.html"
       WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} VERBATIM )
