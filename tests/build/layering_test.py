@@ -9,17 +9,19 @@ import layering
 
 SOUND = {
     "include/Vorn/Ptr.h": "#include <memory>\n",
-    "include/Ldp/LdpHdr.h": "#include <Vorn/Ptr.h>\n",
-    "include/Ldp/LdpMsgParser.h": '#include "LdpHdr.h"\n',
-    "include/Ldp/LdpAdj.h": "#include <Ldp/LdpHdr.h>\n",
+    "include/Ldp/LdpIdentifier.h": "#include <Vorn/Ptr.h>\n",
+    "decode/LdpIdentifier.cpp": '#include "Ldp/LdpIdentifier.h"\n',
+    "include/Ldp/LdpMsgParser.h": '#include "LdpIdentifier.h"\n',
+    "include/Ldp/LdpAdj.h": "#include <Ldp/LdpIdentifier.h>\n",
+    "model/LdpAdj.cpp": "#include <Ldp/LdpAdj.h>\n",
     "decode/LdpMsgParser.cpp": '#include <Ldp/LdpMsgParser.h>\n#include "Walk.h"\n#include <algorithm>\n',
-    "decode/Walk.h": "#include <Ldp/LdpHdr.h>\n",
+    "decode/Walk.h": "#include <Ldp/LdpIdentifier.h>\n",
     "framework/vorn/Ptr.cpp": "#include <Vorn/Ptr.h>\n#include <sys/mman.h>\n",
     "tools/ldptool/main.cpp": "#include <Ldp/LdpMsgParser.h>\n#include <Ldp/LdpAdj.h>\n#include <tins/tins.h>\n",
 }
 
 WRONG = [
-    ("framework on decode", "framework/vorn/Ptr.cpp", "#include <Ldp/LdpHdr.h>"),
+    ("framework on decode", "framework/vorn/Ptr.cpp", "#include <Ldp/LdpIdentifier.h>"),
     ("framework header on model", "include/Vorn/Ptr.h", "#include <Ldp/LdpAdj.h>"),
     ("decode on model", "decode/LdpMsgParser.cpp", "#include <Ldp/LdpAdj.h>"),
     ("decode on tools", "decode/LdpMsgParser.cpp", '#include "../tools/ldptool/main.cpp"'),
@@ -30,7 +32,7 @@ WRONG = [
     ("library on JSON", "include/Vorn/Ptr.h", "#include <nlohmann/json.hpp>"),
     ("library on a header that is nowhere", "decode/Walk.h", '#include "Gone.h"'),
     ("example on a private header", "examples/one.cpp", '#include "../decode/Walk.h"'),
-    ("header of no known stem", "include/Ldp/LdpNew.h", ""),
+    ("header of neither layer", "include/Ldp/LdpNew.h", ""),
 ]
 
 
