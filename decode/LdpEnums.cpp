@@ -1,0 +1,13 @@
+#include "Ldp/LdpEnums.h"
+
+namespace Ldp {
+
+VORN_ENUM_RECORD( Ldp, LdpMsgType, LDP_MSG_TYPES )
+VORN_ENUM_RECORD( Ldp, LdpTlvType, LDP_TLV_TYPES )
+VORN_ENUM_RECORD( Ldp, LdpStatusCode, LDP_STATUS_CODES )
+VORN_ENUM_RECORD( Ldp, LdpFecElementType, LDP_FEC_ELEMENT_TYPES )
+VORN_ENUM_RECORD( Ldp, LdpPwIntfParamSubTlvType, LDP_PW_INTF_PARAM_SUB_TLV_TYPES )
+
+Vorn::String stringValue( LdpStatusCode status ) { return valueToStrep( status ); }
+
+} // namespace Ldp

@@ -1,0 +1,60 @@
+#include "Ldp/LdpFecHdr.h"
+
+#include "Vorn/Hash.h"
+
+#include <algorithm>
+
+namespace Ldp {
+
+VORN_TEXT_COMPOSITE( Ldp, LdpFecTlvP2mpOpaqueLength, VORN_TEXT_FIELD( totalOpaqueLen ) )
+VORN_TEXT_COMPOSITE( Ldp, LdpMPBasicOpaqueValueElementHdr, VORN_TEXT_FIELD( type ),
+                     VORN_TEXT_FIELD( opaqueLenNbo ) )
+VORN_TEXT_COMPOSITE( Ldp, LdpGenericLSPId, VORN_TEXT_FIELD( type ), VORN_TEXT_FIELD( opaqueLenNbo ),
+                     VORN_TEXT_FIELD( opaqueId ) )
+VORN_TEXT_COMPOSITE( Ldp, LdpP2mpFecElement, VORN_TEXT_FIELD( rootIp ), VORN_TEXT_FIELD( opaqueStr ) )
+
+Vorn::String LdpP2mpFecElement::stringValue() const { return rootIp_.stringValue() + "_" + opaqueStr_; }
+
+Vorn::String LdpP2mpFecGenericOpaqueId::stringValue() const {
+   return rootIp_.stringValue() + "_" + Vorn::valueToStrep( gOpaqueId_ );
+}
+
+void LdpP2mpFecGenericOpaqueId::stringValueIs( Vorn::String const & text ) {
+   auto it = text.begin();
+   LdpP2mpFecGenericOpaqueId read;
+   sequenceToValue( it, text.end(), &read );
+   if ( it != text.end() ) Vorn::throwRangeException( "Invalid LdpP2mpFecGenericOpaqueId" );
+   *this = read;
+}
+
+U32 LdpP2mpFecGenericOpaqueId::hash() const noexcept {
+   Vorn::Hash hash;
+   U32 const root = rootIp_.hash();
+   hash.mix< 4 >( &root );
+   hash.mix< 4 >( &gOpaqueId_ );
+   return hash.result();
+}
+
+Vorn::String valueToStrep( LdpP2mpFecGenericOpaqueId const & value ) { return value.stringValue(); }
+
+void sequenceToValue( Vorn::String::IteratorConst & it, Vorn::String::IteratorConst const & end,
+                      LdpP2mpFecGenericOpaqueId * value ) {
+   try {
+      auto const bar = std::find( it, end, '_' );
+      auto at = it;
+      Lumo::IpGenAddr root;
+      sequenceToValue( at, bar, &root );
+      if ( at != bar ) Vorn::throwRangeException( "octets behind the root" );
+      Vorn::needString( at, end, "_" );
+      U32 gOpaqueId;
+      Vorn::sequenceToValue( at, end, &gOpaqueId );
+      it = at;
+      *value = LdpP2mpFecGenericOpaqueId( root, gOpaqueId );
+   } catch ( Vorn::RangeException const & ) {
+      Vorn::throwRangeException( "Invalid LdpP2mpFecGenericOpaqueId" );
+   }
+}
+
+VORN_TEXT_STREAM( LdpP2mpFecGenericOpaqueId )
+
+} // namespace Ldp

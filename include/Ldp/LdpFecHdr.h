@@ -1,0 +1,201 @@
+/// \file
+/// Wire forms of the FEC elements (RFC 5036, 3.4.1; RFC 6388, 2.2), and the values of multicast LDP.
+///
+/// The headers are views in the manner of `LdpHdr.h`, laid over the first octet of an element; the elements
+/// of pseudowires stand in `LdpPwHdr.h`. The opaque value of a P2MP element stays opaque: the records of what
+/// stands inside it are for tools, and the FEC parser does not read them.
+#pragma once
+
+#include "Ldp/LdpEnums.h"
+#include "Lumo/Ip.h"
+#include "Lumo/Net.h"
+
+namespace Ldp {
+
+/// The type octet of a FEC element.
+class VORN_API LdpFecTlvElementHdrTypeField : public Lumo::NetU8 {
+ public:
+   using NetU8::NetU8;
+
+   U8 type() const noexcept { return value(); }
+   void typeIs( U8 type ) noexcept { valueIs( type ); }
+};
+
+/// What every FEC element begins with. A Wildcard element is this octet alone.
+class VORN_API LdpFecTlvElementHdr : public Vorn::NrcPtrInterface {
+ public:
+   LdpFecTlvElementHdrTypeField typeField() const noexcept { return typeField_; }
+   void typeFieldIs( LdpFecTlvElementHdrTypeField field ) noexcept { typeField_ = field; }
+   LdpFecElementType type() const noexcept { return LdpFecElementType( typeField_.type() ); }
+   void typeIs( LdpFecElementType type ) noexcept { typeField_.typeIs( U8( type ) ); }
+
+ private:
+   LdpFecTlvElementHdrTypeField typeField_;
+};
+static_assert( sizeof( LdpFecTlvElementHdr ) == 1 );
+
+/// Wildcard element (RFC 5036, 3.4.1).
+class VORN_API LdpFecTlvWildcardElementHdr : public LdpFecTlvElementHdr {};
+static_assert( sizeof( LdpFecTlvWildcardElementHdr ) == 1 );
+
+/// Prefix element: 4 octets, then the leading octets of the prefix, as many as `prefixBits` needs.
+class VORN_API LdpFecTlvPrefixElementHdr : public LdpFecTlvElementHdr {
+ public:
+   Lumo::NetU16 familyNbo() const noexcept { return family_; }
+   void familyNboIs( Lumo::NetU16 family ) noexcept { family_ = family; }
+   Lumo::AddressFamily family() const noexcept { return Lumo::AddressFamily( family_.value() ); }
+   /// Prefix length in bits.
+   U8 prefixBits() const noexcept { return prefixBits_; }
+   void prefixBitsIs( U8 bits ) noexcept { prefixBits_ = bits; }
+
+ private:
+   Lumo::NetU16 family_;
+   U8 prefixBits_ = 0;
+};
+static_assert( sizeof( LdpFecTlvPrefixElementHdr ) == 4 && alignof( LdpFecTlvPrefixElementHdr ) == 1 );
+
+/// Host Address element: 4 octets, then the address. It left the protocol with RFC 5036 and is still
+/// accepted.
+class VORN_API LdpFecTlvHostAddressElementHdr : public LdpFecTlvElementHdr {
+ public:
+   Lumo::NetU16 familyNbo() const noexcept { return family_; }
+   void familyNboIs( Lumo::NetU16 family ) noexcept { family_ = family; }
+   Lumo::AddressFamily family() const noexcept { return Lumo::AddressFamily( family_.value() ); }
+   /// Length of the address in octets, not bits.
+   U8 hostAddrLen() const noexcept { return hostAddrLen_; }
+   void hostAddrLenIs( U8 octets ) noexcept { hostAddrLen_ = octets; }
+
+ private:
+   Lumo::NetU16 family_;
+   U8 hostAddrLen_ = 0;
+};
+static_assert( sizeof( LdpFecTlvHostAddressElementHdr ) == 4 &&
+               alignof( LdpFecTlvHostAddressElementHdr ) == 1 );
+
+/// P2MP element (RFC 6388, 2.2): 4 octets, the root address, the opaque length, the opaque value.
+class VORN_API LdpFecTlvP2mpElementHdr : public LdpFecTlvElementHdr {
+ public:
+   Lumo::NetU16 familyNbo() const noexcept { return family_; }
+   void familyNboIs( Lumo::NetU16 family ) noexcept { family_ = family; }
+   Lumo::AddressFamily family() const noexcept { return Lumo::AddressFamily( family_.value() ); }
+   /// Length of the root address in octets.
+   U8 rootIpLenOctets() const noexcept { return rootIpLenOctets_; }
+   void rootIpLenOctetsIs( U8 octets ) noexcept { rootIpLenOctets_ = octets; }
+
+ private:
+   Lumo::NetU16 family_;
+   U8 rootIpLenOctets_ = 0;
+};
+static_assert( sizeof( LdpFecTlvP2mpElementHdr ) == 4 && alignof( LdpFecTlvP2mpElementHdr ) == 1 );
+
+/// The opaque length of a P2MP element: the octets of all its opaque sub-elements, their headers included,
+/// and nothing else.
+class VORN_API LdpFecTlvP2mpOpaqueLength {
+ public:
+   Lumo::NetU16 totalOpaqueLen() const noexcept { return totalOpaqueLen_; }
+   void totalOpaqueLenIs( Lumo::NetU16 octets ) noexcept { totalOpaqueLen_ = octets; }
+
+   friend bool operator==( LdpFecTlvP2mpOpaqueLength, LdpFecTlvP2mpOpaqueLength ) noexcept = default;
+
+ private:
+   Lumo::NetU16 totalOpaqueLen_;
+};
+static_assert( sizeof( LdpFecTlvP2mpOpaqueLength ) == 2 );
+VORN_TEXT( LdpFecTlvP2mpOpaqueLength )
+
+/// Head of any one opaque sub-element (RFC 6388, 2.3).
+class VORN_API LdpMPBasicOpaqueValueElementHdr {
+ public:
+   U8 type() const noexcept { return type_; }
+   void typeIs( U8 type ) noexcept { type_ = type; }
+   /// Length of the sub-element's value, in octets.
+   Lumo::NetU16 opaqueLenNbo() const noexcept { return opaqueLen_; }
+   void opaqueLenNboIs( Lumo::NetU16 octets ) noexcept { opaqueLen_ = octets; }
+
+   friend bool operator==( LdpMPBasicOpaqueValueElementHdr const &,
+                           LdpMPBasicOpaqueValueElementHdr const & ) noexcept = default;
+
+ private:
+   U8 type_ = 0;
+   Lumo::NetU16 opaqueLen_;
+};
+static_assert( sizeof( LdpMPBasicOpaqueValueElementHdr ) == 3 );
+VORN_TEXT( LdpMPBasicOpaqueValueElementHdr )
+
+/// Generic LSP identifier (RFC 6388, 2.3.1): that head with a 32-bit identifier behind it.
+class VORN_API LdpGenericLSPId {
+ public:
+   U8 type() const noexcept { return type_; }
+   void typeIs( U8 type ) noexcept { type_ = type; }
+   Lumo::NetU16 opaqueLenNbo() const noexcept { return opaqueLen_; }
+   void opaqueLenNboIs( Lumo::NetU16 octets ) noexcept { opaqueLen_ = octets; }
+   Lumo::NetU32 opaqueId() const noexcept { return opaqueId_; }
+   void opaqueIdIs( Lumo::NetU32 id ) noexcept { opaqueId_ = id; }
+
+   friend bool operator==( LdpGenericLSPId const &, LdpGenericLSPId const & ) noexcept = default;
+
+ private:
+   U8 type_ = 0;
+   Lumo::NetU16 opaqueLen_;
+   Lumo::NetU32 opaqueId_;
+};
+static_assert( sizeof( LdpGenericLSPId ) == 7 );
+VORN_TEXT( LdpGenericLSPId )
+
+/// What a parsed P2MP element says: the root of the tree, and the opaque value as it stood on the wire.
+class VORN_API LdpP2mpFecElement {
+ public:
+   Lumo::IpGenAddr const & rootIp() const noexcept { return rootIp_; }
+   void rootIpIs( Lumo::IpGenAddr const & rootIp ) noexcept { rootIp_ = rootIp; }
+   /// Raw octets of the opaque value; any octet may occur, zero included.
+   Vorn::String const & opaqueStr() const noexcept { return opaqueStr_; }
+   void opaqueStrIs( Vorn::String const & opaqueStr ) noexcept { opaqueStr_ = opaqueStr; }
+
+   /// Root, "_", and the raw octets.
+   Vorn::String stringValue() const;
+
+   /// Whether the value equals a default one.
+   bool operator!() const noexcept { return *this == LdpP2mpFecElement(); }
+   friend bool operator==( LdpP2mpFecElement const &, LdpP2mpFecElement const & ) noexcept = default;
+
+ private:
+   Lumo::IpGenAddr rootIp_;
+   Vorn::String opaqueStr_;
+};
+VORN_TEXT( LdpP2mpFecElement )
+
+/// Identity of a P2MP FEC whose opaque value is a generic LSP identifier.
+class VORN_API LdpP2mpFecGenericOpaqueId {
+ public:
+   static constexpr char const * defaultAttribute = "stringValue";
+
+   LdpP2mpFecGenericOpaqueId() noexcept = default;
+   LdpP2mpFecGenericOpaqueId( Lumo::IpGenAddr const & rootIp, U32 gOpaqueId ) noexcept
+        : rootIp_( rootIp ), gOpaqueId_( gOpaqueId ) {}
+
+   Lumo::IpGenAddr const & rootIp() const noexcept { return rootIp_; }
+   U32 gOpaqueId() const noexcept { return gOpaqueId_; }
+
+   /// Root, "_", identifier in decimal.
+   Vorn::String stringValue() const;
+   /// Reads that form, whole. Throws RangeException, and then the value stays as it was.
+   void stringValueIs( Vorn::String const & text );
+
+   U32 hash() const noexcept;
+   /// Whether the value equals a default one.
+   bool operator!() const noexcept { return *this == LdpP2mpFecGenericOpaqueId(); }
+   friend bool operator==( LdpP2mpFecGenericOpaqueId const &,
+                           LdpP2mpFecGenericOpaqueId const & ) noexcept = default;
+   /// By root, then by identifier.
+   friend bool operator<( LdpP2mpFecGenericOpaqueId const & a,
+                          LdpP2mpFecGenericOpaqueId const & b ) noexcept {
+      return a.rootIp_ == b.rootIp_ ? a.gOpaqueId_ < b.gOpaqueId_ : a.rootIp_ < b.rootIp_;
+   }
+
+ private:
+   Lumo::IpGenAddr rootIp_;
+   U32 gOpaqueId_ = 0;
+};
+VORN_TEXT( LdpP2mpFecGenericOpaqueId )
+
+} // namespace Ldp
