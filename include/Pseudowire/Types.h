@@ -16,6 +16,7 @@ class Number {
 
    constexpr Word value() const noexcept { return value_; }
    friend constexpr auto operator<=>( Number, Number ) noexcept = default;
+   friend constexpr bool operator==( Number, Number ) noexcept = default;
    friend constexpr bool operator==( Number a, Word b ) noexcept { return a.value_ == b; }
 
    /// In decimal.

@@ -1,0 +1,89 @@
+#include "Ldp/LdpPwHdr.h"
+
+#include <cstring>
+
+namespace Ldp {
+
+VORN_TEXT_COMPOSITE( Ldp, LdpFecTlvPwIdElementHdrTypeField, VORN_TEXT_FIELD( v0 ), VORN_TEXT_FIELD( v1 ) )
+VORN_TEXT_COMPOSITE( Ldp, LdpPwVccvParamField, VORN_TEXT_FIELD( v0 ), VORN_TEXT_FIELD( v1 ) )
+VORN_TEXT_COMPOSITE( Ldp, LdpPwIntfParamFlags, VORN_TEXT_FIELD( intfMtu ), VORN_TEXT_FIELD( intfDesc ),
+                     VORN_TEXT_FIELD( requestedVlanId ), VORN_TEXT_FIELD( fragIndicator ),
+                     VORN_TEXT_FIELD( vccvParam ) )
+VORN_TEXT_COMPOSITE( Ldp, LdpPwStatusField, VORN_TEXT_FIELD( v0 ), VORN_TEXT_FIELD( v1 ),
+                     VORN_TEXT_FIELD( v2 ), VORN_TEXT_FIELD( v3 ) )
+
+namespace {
+
+constexpr U8 pwIdEnd = 4; // octets of PW info that a PW ID takes
+
+/// The parameters of fixed size are all 4 octets long, head included.
+LdpStatusCode validateFourOctets( LdpPwIntfParamSubTlv const & subTlv ) {
+   return subTlv.length() == 4 ? success : badTlvLength;
+}
+
+} // namespace
+
+Pseudowire::PseudowireId LdpFecTlvPwIdElementHdr::pwId() const noexcept {
+   Lumo::NetU32 pwId;
+   if ( pwInfoLen() >= pwIdEnd ) {
+      std::memcpy( &pwId, reinterpret_cast< U8 const * >( this ) + sizeof *this, sizeof pwId );
+   }
+   return Pseudowire::PseudowireId( pwId.value() );
+}
+
+void LdpFecTlvPwIdElementHdr::pwIdIs( Pseudowire::PseudowireId pwId ) {
+   VORN_ASSERT( pwInfoLen() >= 4 );
+   Lumo::NetU32 const wire( pwId.value() );
+   std::memcpy( reinterpret_cast< U8 * >( this ) + sizeof *this, &wire, sizeof wire );
+}
+
+LdpStatusCode LdpPwIntfMtuSubTlv::validate() const {
+   VORN_ASSERT( type() == Ldp::intfMtu );
+   return validateFourOctets( *this );
+}
+
+Vorn::String LdpPwIntfDescSubTlv::description() const {
+   if ( length() < tlvHdrSizeExclude ) return {};
+   return Vorn::String( reinterpret_cast< char const * >( this ) + tlvHdrSizeExclude,
+                        std::size_t( length() - tlvHdrSizeExclude ) );
+}
+
+LdpStatusCode LdpPwIntfDescSubTlv::validate() const {
+   VORN_ASSERT( type() == Ldp::intfDesc );
+   // In 8 bits, so that lengths of 0 and 1 wrap and fail as well.
+   U8 const textLength = U8( length() - tlvHdrSizeExclude );
+   return textLength <= maxLength - tlvHdrSizeExclude ? success : badTlvLength;
+}
+
+LdpStatusCode LdpPwRequestedVlanIdSubTlv::validate() const {
+   VORN_ASSERT( type() == Ldp::requestedVlanId );
+   return validateFourOctets( *this );
+}
+
+LdpStatusCode LdpPwFragIndicatorSubTlv::validate() const {
+   VORN_ASSERT( type() == Ldp::fragIndicator );
+   return validateFourOctets( *this );
+}
+
+LdpStatusCode LdpPwVccvParamSubTlv::validate() const {
+   VORN_ASSERT( type() == Ldp::vccvParam );
+   return validateFourOctets( *this );
+}
+
+void LdpPwIntfParamFlags::valueIs( U32 value ) {
+   if ( value > all_ ) Vorn::throwRangeException( "LdpPwIntfParamFlags::value > 0x1f not allowed" );
+   value_ = value;
+}
+
+LdpStatusCode LdpPwStatusTlv::validate() const {
+   LdpStatusCode const status = validateTlvHdr();
+   return status != success ? status : validateLength( 4 );
+}
+
+Vorn::String LdpPwStatusTlv::stringValue() const {
+   LdpStatusCode const status = validate();
+   if ( status != success ) return "Error LdpPwStatusTlv: " + valueToStrep( status );
+   return Vorn::format( "LdpPwStatusTlv: 0x%.8x", pwStatusField_.value() );
+}
+
+} // namespace Ldp

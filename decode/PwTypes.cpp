@@ -1,0 +1,89 @@
+#include "Ldp/PwTypes.h"
+
+#include "Vorn/Hash.h"
+
+#include <algorithm>
+
+namespace Ldp {
+
+using Vorn::String;
+
+VORN_TEXT_COMPOSITE( Ldp, PwFwdEqvClassParams, VORN_TEXT_FIELD( groupId ), VORN_TEXT_FIELD( mtu ),
+                     VORN_TEXT_FIELD( intfDescription ), VORN_TEXT_FIELD( requestedVlanId ),
+                     VORN_TEXT_FIELD( fragCapable ), VORN_TEXT_FIELD( vccvCcTypes ),
+                     VORN_TEXT_FIELD( vccvCvTypes ) )
+VORN_TEXT_COMPOSITE( Ldp, PwFwdEqvClassInfo, VORN_TEXT_FIELD( fwdEqvClass ), VORN_TEXT_FIELD( params ) )
+
+String PwFwdEqvClass::stringValue() const {
+   return "pw" + valueToStrep( pwId_ ) + ":" + valueToStrep( pwType_ ) + ":cbit" +
+          ( controlWord_ ? "1" : "0" );
+}
+
+void PwFwdEqvClass::stringValueIs( String const & text ) {
+   auto it = text.begin();
+   PwFwdEqvClass read;
+   sequenceToValue( it, text.end(), &read );
+   if ( it != text.end() ) Vorn::throwRangeException( "Invalid PwFwdEqvClass" );
+   *this = read;
+}
+
+U32 PwFwdEqvClass::hash() const noexcept {
+   Vorn::Hash hash;
+   U32 const pwId = pwId_.value();
+   U32 const pwType = pwType_;
+   hash.mix< 4 >( &pwId );
+   hash.mix< 4 >( &pwType );
+   hash.mix< 1 >( &controlWord_ );
+   return hash.result();
+}
+
+bool operator<( PwFwdEqvClass const & a, PwFwdEqvClass const & b ) noexcept {
+   if ( a.pwId_ != b.pwId_ ) return a.pwId_ < b.pwId_;
+   if ( a.pwType_ != b.pwType_ ) return std::int32_t( a.pwType_ ) < std::int32_t( b.pwType_ );
+   return a.controlWord_ < b.controlWord_;
+}
+
+String valueToStrep( PwFwdEqvClass const & value ) { return value.stringValue(); }
+
+void sequenceToValue( String::IteratorConst & it, String::IteratorConst const & end, PwFwdEqvClass * value ) {
+   try {
+      auto at = it;
+      Pseudowire::PseudowireId pwId;
+      Vorn::needString( at, end, "pw" );
+      sequenceToValue( at, end, &pwId );
+      Vorn::needString( at, end, ":" );
+      auto const colon = std::find( at, end, ':' );
+      auto const pwType = Pseudowire::PseudowireTypeInstance( String( at, std::size_t( colon - at ) ) );
+      at = colon;
+      Vorn::needString( at, end, ":cbit" );
+      bool const controlWord = at != end && *at == '1';
+      Vorn::needString( at, end, controlWord ? "1" : "0" );
+      // The last part is exactly "cbit" and one digit; what stands behind it in a longer text is the
+      // caller's, but not another digit or a further part.
+      if ( at != end && ( *at == ':' || ( *at >= '0' && *at <= '9' ) ) ) {
+         Vorn::throwRangeException( "more behind the C bit" );
+      }
+      it = at;
+      *value = PwFwdEqvClass( pwId, pwType, controlWord );
+   } catch ( Vorn::RangeException const & ) {
+      Vorn::throwRangeException( "Invalid PwFwdEqvClass" );
+   }
+}
+
+VORN_TEXT_STREAM( PwFwdEqvClass )
+
+String PwFwdEqvClassParams::stringValue() const {
+   String text = "groupId=" + valueToStrep( groupId_ ) + " mtu=" + Vorn::valueToStrep( mtu_ );
+   text += " intfDescription=\"" + intfDescription_ + "\"";
+   text += " reqVlanId=" + valueToStrep( requestedVlanId_ );
+   text += fragCapable_ ? " fragCapable=1" : " fragCapable=0";
+   // As one character and not as a number: a quirk of this text alone, which stays.
+   text += " vccvCcTypes=" + String( &vccvCcTypes_, 1 );
+   return text += " vccvCvTypes=" + valueToStrep( vccvCvTypes_ );
+}
+
+String PwFwdEqvClassInfo::stringValue() const {
+   return fwdEqvClass_.stringValue() + " " + params_.stringValue();
+}
+
+} // namespace Ldp
