@@ -25,7 +25,7 @@ MAY_INCLUDE = {
 LIBRARY = {"framework", "decode", "model"}
 
 # Beside the C++ standard headers, which have neither folder nor suffix.
-SYSTEM_HEADERS = {"cxxabi.h", "fcntl.h", "unistd.h", "time.h", "immintrin.h", "emmintrin.h", "x86intrin.h",
+SYSTEM_HEADERS = {"cxxabi.h", "fcntl.h", "unistd.h", "time.h", "immintrin.h", "emmintrin.h", "x86intrin.h", "pthread.h",
                   "arpa/inet.h", "netinet/in.h", "sys/mman.h", "sys/socket.h", "sys/stat.h", "sys/types.h"}
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.M)

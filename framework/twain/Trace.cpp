@@ -1,0 +1,49 @@
+#include "Twain/Trace.h"
+
+#include "Mendo/Text.h"
+
+U16 Ldp::callDepth = 0;
+
+__attribute__( ( weak ) ) unsigned int instId( ... ) { return 0; }
+
+namespace Twain {
+
+void SkeinConverter::appendPrintable( std::string_view octets ) { Mendo::appendPrintable( text_, octets ); }
+
+void SkeinConverter::appendHex( void const * data, std::size_t size ) {
+   Mendo::appendHex( text_, data, size );
+}
+
+void writeLine( Vorn::TraceHandle const & handle, Site const & site, SkeinConverter & line ) {
+   alignas( Vorn::TraceHelper ) unsigned char where[sizeof( Vorn::TraceHelper )];
+   auto * const helper = Vorn::TraceHelper::createIfEnabled( handle, site.level, where );
+   Vorn::EnsureTraceHelperIsDestroyed const ensure( helper );
+   if ( !helper ) return;
+   helper->textIs( line.takeText() );
+   helper->trace( site.file, site.line, site.function );
+}
+
+void FunctionTrace::registerFunction( Skein::TraceFile & file, Site const & site, int & msgId,
+                                      char const * name ) noexcept {
+   if ( msgId < 0 ) return;
+   Skein::MsgDesc desc( file, &msgId, site.file, site.line, true );
+   desc.functionIs( site.function, U8( site.level ) );
+   desc << "[";
+   desc.format().put( Skein::Item::u16 );
+   desc << "]"
+        << " " << name;
+   desc.finish();
+}
+
+void FunctionTrace::functionText( Vorn::TraceHandle const & handle, Site const & site,
+                                  char const * name ) noexcept {
+   try {
+      SkeinConverter line;
+      if ( unsigned int const id = instId() ) line << "#" << id << " ";
+      line << "[" << Ldp::callDepth << "] ";
+      line.appendText( name );
+      writeLine( handle, site, line );
+   } catch ( ... ) {} // dropped, as any line that fails
+}
+
+} // namespace Twain

@@ -1,0 +1,192 @@
+/// \file
+/// Trace statements. One statement feeds both traces: the ring, always, once it stands; and the text trace,
+/// if the level of the module's facility is on. A source file that traces names its facility once:
+///
+///     namespace Ldp {
+///     namespace {
+///     VORN_TRACE_FACILITY( "LdpGenMsgParser" )
+///     }
+///     }
+///
+///     void LdpTlvGroupParser::parseTlvGroup() {
+///        TWAIN_FUNCTION( "LdpTlvGroupParser::parseTlvGroup" );
+///        TWAIN_TRACE( 6, "   Msg/TLV ", index, ": offset ", cur, ", size ", total );
+///     }
+///
+/// String literals among the arguments are the pieces of the message; everything else is data
+/// (Twain/Codec.h). An argument is evaluated once for each trace that is on: not at all if neither is, twice
+/// if both are. So it must not have effects, and what is costly belongs into a `Twain::Lazy`. Nothing that a
+/// statement does alters an outcome or throws.
+#pragma once
+
+#include "Twain/Codec.h"
+#include "Vorn/Trace.h"
+
+namespace Ldp {
+
+/// How deep the decoders are nested. A plain variable of the process.
+VORN_API extern U16 callDepth;
+
+} // namespace Ldp
+
+/// A hook for the program: what it returns other than 0 stands as `#` and the number at the beginning of the
+/// text lines of function entries. The library's own, a weak symbol that any definition overrides, returns 0.
+VORN_API unsigned int instId( ... );
+
+namespace Twain {
+
+/// A place in the source that traces.
+struct Site {
+   char const * file; ///< stem of the source file
+   int line;
+   char const * function;
+   Vorn::TraceFacility::FacilityLevel level;
+};
+
+/// The stem of a path: `LdpHdr` of `decode/LdpHdr.cpp`.
+template< std::size_t size >
+struct FileStem {
+   consteval FileStem( char const ( &path )[size] ) {
+      std::size_t begin = 0, end = size - 1;
+      for ( std::size_t i = 0; i < size; ++i ) {
+         if ( path[i] == '/' ) begin = i + 1, end = size - 1;
+         if ( path[i] == '.' && i > begin ) end = i;
+      }
+      for ( std::size_t i = begin; i < end; ++i )
+         text[i - begin] = path[i];
+   }
+   char text[size]{};
+};
+
+/// Arguments on their way into code that runs seldom: numbers by value, so that the caller may keep them in
+/// registers.
+template< class T >
+using Pass = std::conditional_t< std::is_scalar_v< T >, T, T const & >;
+
+/// Registers a call site whose id is not above 0 yet.
+template< class... Args >
+[[gnu::cold, gnu::noinline]] void registerSite( Skein::TraceFile & file, Site const & site, int & msgId,
+                                                bool block, Pass< Args >... args ) noexcept {
+   if ( msgId < 0 ) return;
+   Skein::MsgDesc desc( file, &msgId, site.file, site.line, block );
+   desc.functionIs( site.function, U8( site.level ) );
+   auto const describe = [&]< class T >( T const & arg ) {
+      if constexpr ( requires { Codec< T >::describe( desc.format(), arg ); } ) {
+         Codec< T >::describe( desc.format(), arg );
+      } else {
+         Codec< T >::describe( desc.format() );
+      }
+   };
+   ( describe( args ), ... );
+   desc.finish();
+}
+
+/// Writes one record.
+template< class... Args >
+[[gnu::always_inline]] inline void traceRing( Site const & site, int & msgId,
+                                              Args const &... args ) noexcept {
+   static_assert( 10 + ( 0 + ... + Codec< Args >::maxBytes ) <= Skein::maxRecordBytes,
+                  "too much for one record" );
+   Skein::TraceFile * const file = Skein::defaultSkeinHandle.traceFile();
+   if ( !file ) return;
+   if ( msgId <= 0 ) [[unlikely]] {
+      registerSite< Args... >( *file, site, msgId, false, args... );
+      if ( msgId <= 0 ) return;
+   }
+   Skein::RingBuf record;
+   record.startMsg( *file, msgId );
+   ( Codec< Args >::put( record, args ), ... );
+   record.endMsg();
+}
+
+/// Writes a finished line.
+VORN_API void writeLine( Vorn::TraceHandle const & handle, Site const & site, SkeinConverter & line );
+
+/// Builds and writes one line. A line that fails is dropped.
+template< class... Args >
+[[gnu::cold, gnu::noinline]] void traceText( Vorn::TraceHandle const & handle, Site const & site,
+                                             Pass< Args >... args ) noexcept {
+   try {
+      SkeinConverter line;
+      static_cast< void >( ( line << ... << args ) );
+      writeLine( handle, site, line );
+   } catch ( ... ) {}
+}
+/// Deduces the arguments' types for `traceText`.
+template< class... Args >
+[[gnu::always_inline]] inline void passText( Vorn::TraceHandle const & handle, Site const & site,
+                                             Args const &... args ) noexcept {
+   traceText< Args... >( handle, site, args... );
+}
+
+/// Whether a text line of that level is wanted by anybody.
+inline bool textWanted( Vorn::TraceHandle const & handle,
+                        Vorn::TraceFacility::FacilityLevel level ) noexcept {
+   return handle.enabled( level ) || Vorn::coverageStream_;
+}
+
+/// The trace of a function's entry and, in the ring, of its end, whichever way that comes.
+class VORN_API FunctionTrace {
+ public:
+   /// `name` is the class-qualified name with `() ` behind it.
+   template< std::size_t size >
+   [[gnu::always_inline]] FunctionTrace( Vorn::TraceHandle const & handle, Site const & site, int & msgId,
+                                         char const ( &name )[size] ) noexcept {
+      ++Ldp::callDepth;
+      if ( Skein::TraceFile * const file = Skein::defaultSkeinHandle.traceFile() ) {
+         if ( msgId <= 0 ) [[unlikely]]
+            registerFunction( *file, site, msgId, name );
+         if ( msgId > 0 ) [[likely]] {
+            Skein::RingBuf record;
+            record.startMsg( *file, msgId, true );
+            record.put( Ldp::callDepth );
+            record.endMsg();
+            timer_.open( *file, &msgId );
+         }
+      }
+      if ( textWanted( handle, site.level ) ) [[unlikely]]
+         functionText( handle, site, name );
+   }
+   FunctionTrace( FunctionTrace const & ) = delete;
+   ~FunctionTrace() { --Ldp::callDepth; }
+
+ private:
+   static void registerFunction( Skein::TraceFile & file, Site const & site, int & msgId,
+                                 char const * name ) noexcept;
+   static void functionText( Vorn::TraceHandle const & handle, Site const & site,
+                             char const * name ) noexcept;
+
+   Skein::BlockTimerMsg timer_;
+};
+
+} // namespace Twain
+
+/// Defines `_defaultTraceHandle()`, the module's way to its facility. Stands in an unnamed namespace of the
+/// source file.
+#define VORN_TRACE_FACILITY( name )                                                                          \
+   ::Vorn::TraceHandle & _defaultTraceHandle() {                                                             \
+      static ::Vorn::TraceHandle handle( name, false );                                                      \
+      return handle;                                                                                         \
+   }
+
+// clang-format off
+#define TWAIN_SITE( level_ )                                                                                 \
+   static constexpr ::Twain::FileStem twainStem_( __FILE__ );                                                \
+   static constexpr ::Twain::Site twainSite_{ twainStem_.text, __LINE__, __func__, level_ };                 \
+   static int twainMsgId_ = 0;
+// clang-format on
+
+/// Traces its arguments behind the level, into both traces.
+#define TWAIN_TRACE( level, ... )                                                                            \
+   do {                                                                                                      \
+      TWAIN_SITE( level )                                                                                    \
+      ::Twain::traceRing( twainSite_, twainMsgId_, __VA_ARGS__ );                                            \
+      if ( ::Twain::textWanted( _defaultTraceHandle(), level ) ) [[unlikely]]                                \
+         ::Twain::passText( _defaultTraceHandle(), twainSite_, __VA_ARGS__ );                                \
+   } while ( false )
+
+/// Traces the entry into a function, at level 8, and its end. Stands first in the function; `name` is a
+/// literal.
+#define TWAIN_FUNCTION( name )                                                                               \
+   TWAIN_SITE( 8 )                                                                                           \
+   ::Twain::FunctionTrace const twainFunction_( _defaultTraceHandle(), twainSite_, twainMsgId_, name "() " )
