@@ -4,7 +4,7 @@
 
 U16 Ldp::callDepth = 0;
 
-__attribute__( ( weak ) ) unsigned int instId( ... ) { return 0; }
+__attribute__( ( weak ) ) unsigned int Ldp::instId( ... ) { return 0; }
 
 namespace Twain {
 
@@ -39,7 +39,7 @@ void FunctionTrace::functionText( Vorn::TraceHandle const & handle, Site const &
                                   char const * name ) noexcept {
    try {
       SkeinConverter line;
-      if ( unsigned int const id = instId() ) line << "#" << id << " ";
+      if ( unsigned int const id = Ldp::instId() ) line << "#" << id << " ";
       line << "[" << Ldp::callDepth << "] ";
       line.appendText( name );
       writeLine( handle, site, line );

@@ -27,11 +27,11 @@ namespace Ldp {
 /// How deep the decoders are nested. A plain variable of the process.
 VORN_API extern U16 callDepth;
 
-} // namespace Ldp
-
 /// A hook for the program: what it returns other than 0 stands as `#` and the number at the beginning of the
 /// text lines of function entries. The library's own, a weak symbol that any definition overrides, returns 0.
 VORN_API unsigned int instId( ... );
+
+} // namespace Ldp
 
 namespace Twain {
 
