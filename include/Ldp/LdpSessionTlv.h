@@ -118,12 +118,8 @@ class VORN_API LdpCommonSessionParamTlvAdField : public Lumo::NetU8 {
 /// Common Session Parameters TLV (RFC 5036, 3.5.3).
 class VORN_API LdpCommonSessionParamTlv : public LdpTlvHdr {
  public:
-   /// The one protocol version there is.
-   static constexpr U16 supportedVersion = 1;
    /// Shortest keep-alive time that a session can have, in seconds.
    static constexpr U16 minKeepAliveTime = 3;
-   /// Largest PDU that this library receives, in octets.
-   static constexpr U16 pduLengthLimit = 9600;
 
    Lumo::NetU16 protocolVersionNbo() const noexcept { return protocolVersion_; }
    Lumo::NetU16 keepAliveTimeNbo() const noexcept { return keepAliveTime_; }

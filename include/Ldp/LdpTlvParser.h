@@ -1,0 +1,223 @@
+/// \file
+/// Parsers of one TLV: a packet, an offset, and the typed view of what stands there.
+///
+/// The message parsers lay their views themselves and do not use these classes; they are for whoever has an
+/// offset and wants a counted object that keeps the packet alive. A parser judges nothing by itself:
+/// `validate()` does, and the caller answers for the TLV lying in the packet, normally by having walked its
+/// message first.
+///
+/// A getter asked where the fields are not in the packet gives zero, false or a default value, and the text
+/// is empty. Setters and `validate()` act on the bytes at the offset directly.
+#pragma once
+
+#include "Ldp/LdpLabelTlv.h"
+#include "Ldp/LdpPwHdr.h"
+#include "Ldp/LdpSessionTlv.h"
+#include "Lumo/Pkt.h"
+
+namespace Ldp {
+
+/// Parser of any TLV: its header.
+class VORN_API LdpTlvParser : public Vorn::PtrInterface {
+   VORN_OBJECT( LdpTlvParser )
+
+ public:
+   /// `offset` counts from the packet's front, here and everywhere in the decoders.
+   LdpTlvParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   ~LdpTlvParser() override;
+
+   Vorn::Ptr< Lumo::Pkt > const & pkt() const noexcept { return pkt_; }
+   U32 offset() const noexcept { return offset_; }
+   /// View of the header, at the offset whatever the packet holds there.
+   LdpTlvHdr const * header() const noexcept { return header_; }
+
+   bool unknown() const noexcept { return hasHeader() && header_->unknown(); }
+   bool forwardUnknown() const noexcept { return hasHeader() && header_->forwardUnknown(); }
+   LdpTlvType type() const noexcept { return hasHeader() ? header_->type() : LdpTlvType( 0 ); }
+   U16 length() const noexcept { return hasHeader() ? header_->length() : U16( 0 ); }
+
+ protected:
+   /// Lays the header's view. It does no bounds check.
+   void handleHeader() noexcept;
+   /// Whether so many octets from the offset on lie in the packet.
+   bool hasOctets( U64 octets ) const noexcept { return offset_ + octets <= pkt_->frontBytes(); }
+   bool hasHeader() const noexcept { return hasOctets( sizeof( LdpTlvHdr ) ); }
+
+   Vorn::Ptr< Lumo::Pkt > pkt_;
+   U32 offset_;
+   LdpTlvHdr * header_ = nullptr;
+};
+VORN_API Vorn::Ptr< LdpTlvParser > ldpTlvParserFactory( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset );
+
+/// What the parsers of one kind of TLV share: the view as that kind, its judgement and its text.
+template< class Body >
+class LdpBodyTlvParser : public LdpTlvParser {
+ public:
+   using LdpTlvParser::LdpTlvParser;
+
+   /// The TLV as its kind; null where it is not wholly in the packet.
+   Body const * header2() const noexcept { return hasBody() ? body() : nullptr; }
+   Body * header2() noexcept { return hasBody() ? body() : nullptr; }
+
+   LdpStatusCode validate() const { return body()->validate(); }
+   Vorn::String stringValue() const { return hasBody() ? body()->stringValue() : Vorn::String(); }
+
+ protected:
+   Body * body() const noexcept { return static_cast< Body * >( header_ ); }
+
+ private:
+   bool hasBody() const noexcept {
+      // A body without fields of its own reads as far as its length reaches.
+      constexpr bool variable = sizeof( Body ) == sizeof( LdpTlvHdr );
+      return variable ? hasHeader() && hasOctets( sizeof( LdpTlvHdr ) + U64( header_->length() ) )
+                      : hasOctets( sizeof( Body ) );
+   }
+};
+
+/// A field of the view, read through the parser.
+#define LDP_TLV_GETTER( Type, x )                                                                            \
+   Type x() const {                                                                                          \
+      auto const * view = this->header2();                                                                   \
+      return view ? view->x() : Type{};                                                                      \
+   }
+/// A field of the view, read and written through the parser.
+#define LDP_TLV_FIELD( Type, x )                                                                             \
+   LDP_TLV_GETTER( Type, x )                                                                                 \
+   void x##Is( Type const & value ) { this->body()->x##Is( value ); }
+/// Opens a parser class over `Body`.
+#define LDP_TLV_PARSER( Type )                                                                               \
+   VORN_OBJECT( Type )                                                                                       \
+ public:                                                                                                     \
+   using LdpBodyTlvParser::LdpBodyTlvParser;                                                                 \
+   ~Type() override;
+
+/// Parser of a Common Hello Parameters TLV.
+class VORN_API LdpCommonHelloTlvParser : public LdpBodyTlvParser< LdpCommonHelloTlv > {
+   LDP_TLV_PARSER( LdpCommonHelloTlvParser )
+   LDP_TLV_FIELD( U16, holdTime )
+   LDP_TLV_FIELD( bool, targetedHello )
+   LDP_TLV_FIELD( bool, requestSendTargetedHello )
+};
+
+/// Parser of an IPv4 Transport Address TLV.
+class VORN_API LdpIpTransportAddrTlvParser : public LdpBodyTlvParser< LdpIpTransportAddrTlv > {
+   LDP_TLV_PARSER( LdpIpTransportAddrTlvParser )
+   LDP_TLV_FIELD( Lumo::IpAddr, ipAddr )
+};
+
+/// Parser of a Configuration Sequence Number TLV.
+class VORN_API LdpConfigSeqNumTlvParser : public LdpBodyTlvParser< LdpConfigSeqNumTlv > {
+   LDP_TLV_PARSER( LdpConfigSeqNumTlvParser )
+   LDP_TLV_FIELD( U32, configSeqNum )
+};
+
+/// Parser of an IPv6 Transport Address TLV.
+class VORN_API LdpIp6TransportAddrTlvParser : public LdpBodyTlvParser< LdpIp6TransportAddrTlv > {
+   LDP_TLV_PARSER( LdpIp6TransportAddrTlvParser )
+   LDP_TLV_FIELD( Lumo::Ip6Addr, ip6Addr )
+};
+
+/// Parser of a Common Session Parameters TLV.
+class VORN_API LdpCommonSessionParamTlvParser : public LdpBodyTlvParser< LdpCommonSessionParamTlv > {
+   LDP_TLV_PARSER( LdpCommonSessionParamTlvParser )
+   LDP_TLV_FIELD( U16, protocolVersion )
+   LDP_TLV_FIELD( U16, keepAliveTime )
+   LDP_TLV_FIELD( bool, advDiscipline )
+   LDP_TLV_FIELD( bool, loopDetect )
+   LDP_TLV_FIELD( U8, pathVecLim )
+   LDP_TLV_FIELD( U16, maxPduLength )
+   LDP_TLV_FIELD( LdpIdentifier, recvLdpIdentifier )
+};
+
+/// Parser of a Fault Tolerant Session TLV.
+class VORN_API LdpFtSessionTlvParser : public LdpBodyTlvParser< LdpFtSessionTlv > {
+   LDP_TLV_PARSER( LdpFtSessionTlvParser )
+   LDP_TLV_FIELD( U32, ftRecoveryTime )
+   LDP_TLV_FIELD( U32, ftReconnectTimeout )
+   LDP_TLV_FIELD( U16, learnFromNetwork )
+   LDP_TLV_FIELD( LdpFtSessionFlags, ftFlags )
+};
+
+/// Parser of a Generic Label TLV.
+class VORN_API LdpGenLabelTlvParser : public LdpBodyTlvParser< LdpGenLabelTlv > {
+   LDP_TLV_PARSER( LdpGenLabelTlvParser )
+   LDP_TLV_FIELD( Lumo::MplsLabel, label )
+};
+
+/// Parser of a Label Request Message ID TLV.
+class VORN_API LdpLabelReqMsgIdTlvParser : public LdpBodyTlvParser< LdpLabelReqMsgIdTlv > {
+   LDP_TLV_PARSER( LdpLabelReqMsgIdTlvParser )
+   LDP_TLV_FIELD( U32, reqMsgId )
+};
+
+/// Parser of a Hop Count TLV.
+class VORN_API LdpHopCountTlvParser : public LdpBodyTlvParser< LdpHopCountTlv > {
+   LDP_TLV_PARSER( LdpHopCountTlvParser )
+   LDP_TLV_FIELD( U8, hopCount )
+};
+
+/// Parser of a Path Vector TLV.
+class VORN_API LdpPathVectorTlvParser : public LdpBodyTlvParser< LdpPathVectorTlv > {
+   LDP_TLV_PARSER( LdpPathVectorTlvParser )
+   LDP_TLV_GETTER( U32, lsrIdNum )
+   Lumo::IpAddr lsrId( U32 position ) const noexcept;
+   U32 lsrIdPosition( Lumo::IpAddr const & lsrId ) const noexcept;
+};
+
+/// Parser of a Status TLV.
+class VORN_API LdpStatusTlvParser : public LdpBodyTlvParser< LdpStatusTlv > {
+   LDP_TLV_PARSER( LdpStatusTlvParser )
+   LDP_TLV_FIELD( bool, statusError )
+   LDP_TLV_FIELD( bool, statusForwardUnknown )
+   LDP_TLV_FIELD( LdpStatusCode, statusData )
+   LDP_TLV_FIELD( U32, msgId )
+   LDP_TLV_FIELD( LdpMsgType, msgType )
+};
+
+/// Parser of an Address List TLV.
+class VORN_API LdpAddressListTlvParser : public LdpBodyTlvParser< LdpAddressListTlv > {
+   LDP_TLV_PARSER( LdpAddressListTlvParser )
+   LDP_TLV_GETTER( Lumo::AddressFamily, family )
+   LDP_TLV_GETTER( U16, numAddress )
+   /// The address at that position, which is below `numAddress()`: anything else asserts.
+   Lumo::IpGenAddr address( U16 position ) const;
+};
+
+/// Parser of a PW Status TLV.
+class VORN_API LdpPwStatusTlvParser : public LdpBodyTlvParser< LdpPwStatusTlv > {
+   LDP_TLV_PARSER( LdpPwStatusTlvParser )
+   LDP_TLV_FIELD( LdpPwStatusField, pwStatusField )
+   /// False as well where there is no TLV to say so.
+   bool pwForwarding() const { return header2() && pwStatusField().pwForwarding(); }
+   bool pwNotForwarding() const { return pwStatusField().pwNotForwarding(); }
+   bool localACIngrRecvFault() const { return pwStatusField().localACIngrRecvFault(); }
+   bool localACEgrTransFault() const { return pwStatusField().localACEgrTransFault(); }
+   bool localPsnPwIngrRecvFault() const { return pwStatusField().localPsnPwIngrRecvFault(); }
+   bool localPsnPwEgrTransFault() const { return pwStatusField().localPsnPwEgrTransFault(); }
+};
+
+#undef LDP_TLV_GETTER
+#undef LDP_TLV_FIELD
+#undef LDP_TLV_PARSER
+
+/// The factory of each parser.
+#define LDP_TLV_PARSERS( X )                                                                                 \
+   X( LdpCommonHelloTlvParser, ldpCommonHelloTlvParserFactory )                                              \
+   X( LdpIpTransportAddrTlvParser, ldpIpTransportAddrTlvParserFactory )                                      \
+   X( LdpConfigSeqNumTlvParser, ldpConfigSeqNumTlvParserFactory )                                            \
+   X( LdpIp6TransportAddrTlvParser, ldpIp6TransportAddrTlvParserFactory )                                    \
+   X( LdpCommonSessionParamTlvParser, ldpCommonSessionParamTlvParserFactory )                                \
+   X( LdpFtSessionTlvParser, ldpFtSessionTlvParserFactory )                                                  \
+   X( LdpGenLabelTlvParser, ldpGenLabelTlvParserFactory )                                                    \
+   X( LdpLabelReqMsgIdTlvParser, ldpLabelReqMsgIdTlvParserFactory )                                          \
+   X( LdpHopCountTlvParser, ldpHopCountTlvParserFactory )                                                    \
+   X( LdpPathVectorTlvParser, ldpPathVectorTlvParserFactory )                                                \
+   X( LdpStatusTlvParser, ldpStatusTlvParserFactory )                                                        \
+   X( LdpAddressListTlvParser, ldpAddressListTlvParserFactory )                                              \
+   X( LdpPwStatusTlvParser, ldpPwStatusTlvParserFactory )
+#define LDP_TLV_PARSER_FACTORY( Type, factory )                                                              \
+   VORN_API Vorn::Ptr< Type > factory( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset );
+LDP_TLV_PARSERS( LDP_TLV_PARSER_FACTORY )
+#undef LDP_TLV_PARSER_FACTORY
+
+} // namespace Ldp
