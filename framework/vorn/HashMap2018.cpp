@@ -1,0 +1,337 @@
+#include "Vorn/HashMap2018Generic.h"
+
+#include <algorithm>
+#include <bit>
+
+namespace Vorn {
+
+AllocTrackTypeInfo HashMap2018Generic::vornAllocTrackTypeInfo_{ nullptr };
+
+namespace {
+
+constexpr U32 freeWord = 0xffffffff; // in every slot behind those in use
+
+} // namespace
+
+// Insertion.
+
+HashMap2018LinkNodeBase * HashMap2018Generic::newMemberSlow( VTable const & vt, U32 word, BktHdr * bucket,
+                                                             U32 slot, Node & node ) {
+   if ( !bucket ) {
+      HashMap2018NodeSourceColl sources;
+      sources.runIs( &node, 1, false );
+      bucket = newBucket( vt, firstCapacity, 1, sources );
+      bucket->words()[0] = word;
+      root_ = bucket;
+   } else {
+      bucket = roomMake( vt, word, bucket, slot );
+      U32 const used = bucket->used();
+      bool const copy = bucket->shared();
+      U32 const capacity = bucket->capacity();
+      if ( used < capacity && !copy ) {
+         insertInPlace( vt, word, bucket, slot, node );
+      } else {
+         HashMap2018NodeSourceColl sources;
+         sources.runIs( bucket->nodes(), slot, copy );
+         sources.runIs( &node, 1, false );
+         sources.runIs( nodeAt( vt, bucket, slot ), used - slot, copy );
+         U32 const newCapacity = used < capacity ? capacity : std::min( capacity * 2, BktHdr::maxSlots );
+         BktHdr * const grown = newBucket( vt, newCapacity, used + 1, sources );
+         U32 * const words = std::copy_n( bucket->words(), slot, grown->words() );
+         *words = word;
+         std::copy_n( bucket->words() + slot, used - slot, words + 1 );
+         bucketReplace( vt, word, bucket, grown );
+         bucket = grown;
+      }
+   }
+   ++members_;
+   ++modificationCount_;
+   return nodeAt( vt, bucket, slot );
+}
+
+/// Splits buckets and doubles the directory until the bucket of `word` has a free slot, or is rightly full
+/// and to be built anew with more slots. Returns that bucket and adjusts the slot where the new member
+/// belongs.
+HashMap2018BktHdr * HashMap2018Generic::roomMake( VTable const & vt, U32 word, BktHdr * bucket, U32 & slot ) {
+   for ( ;; ) {
+      U32 const capacity = bucket->capacity();
+      U32 const used = bucket->used();
+      if ( used < capacity || capacity < ( directoryBits_ ? splitCapacity : 2 * splitCapacity ) )
+         return bucket;
+      U32 const * const words = bucket->words();
+      U32 const low = std::min( words[0] & ~HashHelper::markBit, word );
+      U32 const high = std::max( words[used - 1] & ~HashHelper::markBit, word );
+      auto const commonBits = U32( std::countl_zero( low ^ high ) );
+      bool const atLimit = capacity == BktHdr::maxSlots;
+      if ( commonBits < directoryBits_ ) {
+         bucket = bucketSplit( vt, word, bucket, slot );
+      } else if ( commonBits < maxDirectoryBits &&
+                  ( atLimit || members_ >> directoryBits_ >= directoryLoad ) ) {
+         directoryDouble();
+      } else {
+         VORN_ASSERT_TEXT( !atLimit, "bucketSlots <= 16383" );
+         return bucket;
+      }
+   }
+}
+
+/// Divides the directory entries of the bucket, and its members with them, between two buckets.
+HashMap2018BktHdr * HashMap2018Generic::bucketSplit( VTable const & vt, U32 word, BktHdr * bucket,
+                                                     U32 & slot ) {
+   bucket = bucketUnshare( vt, word, bucket );
+   U32 const half = ( 1u << entriesBits( directoryIndex( word ), bucket ) ) >> 1;
+   U32 const middle = ( directoryIndex( word ) | half ) & ~( half - 1 );
+   U32 const boundary = middle << ( 32 - directoryBits_ );
+   U32 const used = bucket->used();
+   U32 * const words = bucket->words();
+   U32 const lower = lowerBound( words, bucket->capacity(), boundary );
+
+   HashMap2018NodeSourceColl sources;
+   sources.runIs( nodeAt( vt, bucket, lower ), used - lower, false );
+   U32 const upperNum = used - lower;
+   BktHdr * const upper =
+        newBucket( vt, std::max( splitCapacity, std::bit_ceil( upperNum + 1 ) ), upperNum, sources );
+   std::copy_n( words + lower, upperNum, upper->words() );
+   // What has moved out is taken off the top of the old block, which goes on as the lower half.
+   vt.shift( vt, bucket->nodes(), nullptr, used, lower, -int( upperNum ) );
+   std::fill_n( words + lower, upperNum, freeWord );
+   bucket->usedIs( lower );
+   std::fill_n( directory() + middle, half, upper );
+   if ( word < boundary ) return bucket;
+   slot -= lower;
+   return upper;
+}
+
+void HashMap2018Generic::directoryDouble() {
+   std::size_t const entries = std::size_t( 1 ) << directoryBits_;
+   auto ** const doubled = static_cast< BktHdr ** >( vornMemAlloc( 2 * entries * sizeof( BktHdr * ) ) );
+   BktHdr * const only = static_cast< BktHdr * >( root_ );
+   BktHdr * const * const old = directoryBits_ ? directory() : &only;
+   for ( std::size_t i = 0; i < entries; ++i ) {
+      doubled[2 * i] = doubled[2 * i + 1] = old[i];
+   }
+   if ( directoryBits_ ) vornMemFree( root_, entries * sizeof( BktHdr * ) );
+   root_ = doubled;
+   ++directoryBits_;
+}
+
+// Buckets.
+
+HashMap2018BktHdr * HashMap2018Generic::newBucket( VTable const & vt, U32 capacity, U32 used,
+                                                   HashMap2018NodeSourceColl const & sources ) {
+   capacity = std::min( capacity, BktHdr::maxSlots );
+   std::size_t const offset = BktHdr::nodeOffset( capacity );
+   auto * const block =
+        static_cast< char * >( vornMemAlloc( offset + std::size_t( capacity ) * vt.nodeSize ) );
+   auto * const bucket = new ( block + offset - sizeof( BktHdr ) ) BktHdr( capacity, used );
+   std::fill_n( bucket->words() + used, capacity - used, freeWord );
+   vornAllocTrackTypeInfo_.trackAllocation( offset );
+   vt.newBucketAssemble( vt, capacity, bucket->nodes(), sources );
+   return bucket;
+}
+
+/// The bucket itself, if only the map refers to it; else a copy of it, which takes its place.
+HashMap2018BktHdr * HashMap2018Generic::bucketUnshare( VTable const & vt, U32 word, BktHdr * bucket ) {
+   if ( !bucket->shared() ) return bucket;
+   U32 const used = bucket->used();
+   HashMap2018NodeSourceColl sources;
+   sources.runIs( bucket->nodes(), used, true );
+   BktHdr * const own = newBucket( vt, bucket->capacity(), used, sources );
+   std::copy_n( bucket->words(), used, own->words() );
+   bucketReplace( vt, word, bucket, own );
+   return own;
+}
+
+void HashMap2018Generic::bucketReplace( VTable const & vt, U32 word, BktHdr * old,
+                                        BktHdr * bucket ) noexcept {
+   if ( directoryBits_ ) {
+      U32 const index = directoryIndex( word );
+      U32 const entries = 1u << entriesBits( index, old );
+      std::fill_n( directory() + ( index & ~( entries - 1 ) ), entries, bucket );
+   } else {
+      root_ = bucket;
+   }
+   vt.bktHdrRefDec( old );
+}
+
+/// The bucket stands in 2 to this power entries, which begin at a multiple of their number.
+U32 HashMap2018Generic::entriesBits( U32 index, BktHdr * bucket ) const noexcept {
+   U32 bits = 0;
+   while ( bits < directoryBits_ && directory()[index ^ 1u << bits] == bucket ) {
+      ++bits;
+   }
+   return bits;
+}
+
+U32 HashMap2018Generic::lowerBoundLarge( U32 const * words, U32 capacity, U32 word ) noexcept {
+   return U32( std::lower_bound( words, words + capacity, word ) - words );
+}
+
+void HashMap2018Generic::refIncChecked( BktHdr * bucket ) noexcept {
+   VORN_ASSERT_TEXT( ( bucket->refWord() & BktHdr::refMask ) != BktHdr::refMask, "bucketReferences <= 15" );
+   refInc( bucket->refWord() );
+}
+
+/// The first bucket with members in entry `index` of the directory or behind it, or null.
+HashMap2018BktHdr * HashMap2018Generic::nextBucket( U32 index ) const noexcept {
+   for ( ; index < 1u << directoryBits_; ++index ) {
+      BktHdr * const bucket = directoryBits_ ? directory()[index] : static_cast< BktHdr * >( root_ );
+      if ( bucket && bucket->used() ) return bucket;
+   }
+   return nullptr;
+}
+
+template< class Visit >
+void HashMap2018Generic::bucketsVisit( Visit visit ) noexcept {
+   BktHdr * const only = static_cast< BktHdr * >( root_ );
+   if ( !only ) return;
+   BktHdr * const * const entries = directoryBits_ ? directory() : &only;
+   for ( U32 i = 0, end = 1u << directoryBits_; i < end; ++i ) {
+      // Neighbouring entries may lead to one bucket.
+      if ( i + 1 == end || entries[i + 1] != entries[i] ) visit( entries[i] );
+   }
+}
+
+// Deletion.
+
+bool HashMap2018Generic::deleteMemberG( VTable const & vt, HashHelper const & key, void * out ) {
+   BktHdr * const bucket = bucketOf( key.word() );
+   if ( !bucket ) return false;
+   auto const [slot, found] = position( vt, bucket, key );
+   if ( !found ) return false;
+   BktHdr * const own = bucketUnshare( vt, key.word(), bucket );
+   U32 const used = own->used();
+   U32 * const words = own->words();
+   vt.place( vt, out, nodeAt( vt, own, slot ), VTable::move );
+   vt.shift( vt, own->nodes(), nullptr, used, slot, -1 );
+   std::copy( words + slot + 1, words + used, words + slot );
+   words[used - 1] = freeWord;
+   own->usedIs( used - 1 );
+   ++modificationCount_;
+   if ( --members_ == 0 ) emptyAllBuckets( vt );
+   return true;
+}
+
+void HashMap2018Generic::emptyAllBuckets( VTable const & vt ) noexcept {
+   if ( !root_ ) return;
+   // The map is empty before the first node is destroyed: a destructor may look at it, or insert.
+   HashMap2018Generic old( vt, 0 );
+   std::swap( root_, old.root_ );
+   std::swap( directoryBits_, old.directoryBits_ );
+   members_ = 0;
+   ++modificationCount_;
+   old.bucketsVisit( [&]( BktHdr * bucket ) { vt.bktHdrRefDec( bucket ); } );
+   if ( old.directoryBits_ ) vornMemFree( old.root_, sizeof( BktHdr * ) << old.directoryBits_ );
+}
+
+// Mark and sweep.
+
+void HashMap2018Generic::vornMarkAllForDeletionG( VTable const & ) noexcept {
+   bucketsVisit( []( BktHdr * bucket ) {
+      U32 * const words = bucket->words();
+      for ( U32 i = 0; i < bucket->used(); ++i ) {
+         words[i] |= HashHelper::markBit;
+      }
+   } );
+}
+
+void HashMap2018Generic::vornMarkedForDeletionGIs( VTable const & vt, HashHelper const & key,
+                                                   bool marked ) noexcept {
+   BktHdr * const bucket = bucketOf( key.word() );
+   if ( !bucket ) return;
+   auto const [slot, found] = position( vt, bucket, key );
+   if ( found ) bucket->words()[slot] = key.word() | ( marked ? HashHelper::markBit : 0 );
+}
+
+void HashMap2018Generic::trivialNewBucketAssemble( VTable const & vt, void * destination,
+                                                   HashMap2018NodeSourceColl const & sources ) noexcept {
+   auto * to = static_cast< char * >( destination );
+   for ( auto const & run : sources ) {
+      std::size_t const bytes = std::size_t( run.count ) * vt.nodeSize;
+      std::memcpy( to, static_cast< void * >( run.nodes ), bytes );
+      to += bytes;
+   }
+}
+
+// Iteration.
+
+HashMap2018IteratorGeneric::HashMap2018IteratorGeneric( HashMap2018Generic const & map,
+                                                        VTable const & vt ) noexcept
+     : map_( &map ), vt_( &vt ) {
+   standIs( map.nextBucket( 0 ), 0 );
+}
+
+HashMap2018IteratorGeneric::HashMap2018IteratorGeneric( HashMap2018Generic const & map, VTable const & vt,
+                                                        HashHelper const & key ) noexcept
+     : map_( &map ), vt_( &vt ) {
+   if ( BktHdr * const bucket = map.bucketOf( key.word() ) )
+      standAtOrBehind( key.word(), bucket, HashMap2018Generic::position( vt, bucket, key ).slot );
+}
+
+HashMap2018IteratorGeneric::HashMap2018IteratorGeneric( HashMap2018IteratorGeneric const & other ) noexcept
+     : map_( other.map_ ), vt_( other.vt_ ) {
+   standIs( other.bucket_, other.slot_ );
+}
+
+HashMap2018IteratorGeneric & HashMap2018IteratorGeneric::operator=(
+     HashMap2018IteratorGeneric other ) noexcept {
+   std::swap( map_, other.map_ );
+   std::swap( vt_, other.vt_ );
+   std::swap( bucket_, other.bucket_ );
+   std::swap( slot_, other.slot_ );
+   return *this;
+}
+
+void HashMap2018IteratorGeneric::standIs( BktHdr * bucket, U32 slot ) noexcept {
+   // The old bucket goes last: it may be destroyed, and what its nodes held may look here.
+   BktHdr * const old = bucket_;
+   if ( bucket && bucket != old ) HashMap2018Generic::refIncChecked( bucket );
+   bucket_ = bucket;
+   slot_ = U16( slot );
+   if ( old && old != bucket ) vt_->bktHdrRefDec( old );
+}
+
+/// On the slot of that bucket, or if there is none, at the start of the next bucket with members.
+void HashMap2018IteratorGeneric::standAtOrBehind( U32 word, BktHdr * bucket, U32 slot ) noexcept {
+   if ( slot < bucket->used() ) return standIs( bucket, slot );
+   U32 index = map_->directoryIndex( word ) + 1;
+   while ( index < 1u << map_->directoryBits_ && map_->directory()[index] == bucket ) {
+      ++index;
+   }
+   standIs( map_->nextBucket( index ), 0 );
+}
+
+/// Where the node stands in the map now, or would stand behind: the slot of the first member that does not
+/// precede it.
+HashMap2018IteratorGeneric::Live HashMap2018IteratorGeneric::live() const noexcept {
+   BktHdr * const bucket = map_->bucketOf( word() );
+   if ( bucket == bucket_ || !bucket ) return { bucket, slot_, bucket != nullptr };
+   U32 const * const words = bucket->words();
+   U32 slot = HashMap2018Generic::lowerBound( words, bucket->capacity(), word() );
+   for ( ; slot < bucket->used() && words[slot] <= ( word() | HashHelper::markBit ); ++slot ) {
+      U32 const order = vt_->compareOrLruUnlink( nullptr, currNodeMaybeStale(),
+                                                 HashMap2018Generic::nodeAt( *vt_, bucket, slot ) );
+      if ( order != 2 ) return { bucket, slot, order == 0 };
+   }
+   return { bucket, slot, false };
+}
+
+void HashMap2018IteratorGeneric::advanceSlow() noexcept {
+   Live const now = live();
+   if ( !now.bucket ) return standIs( nullptr, 0 );
+   standAtOrBehind( word(), now.bucket, now.slot + now.found );
+}
+
+HashMap2018LinkNodeBase * HashMap2018IteratorGeneric::currNodeNonStale() const noexcept {
+   if ( !bucket_ ) return nullptr;
+   Live const now = live();
+   return now.found ? HashMap2018Generic::nodeAt( *vt_, now.bucket, now.slot ) : nullptr;
+}
+
+bool HashMap2018IteratorGeneric::markedForDeletion() const noexcept {
+   if ( !bucket_ ) return false;
+   Live const now = live();
+   return now.found && ( now.bucket->words()[now.slot] & HashHelper::markBit );
+}
+
+} // namespace Vorn
