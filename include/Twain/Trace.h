@@ -162,10 +162,13 @@ class VORN_API FunctionTrace {
 } // namespace Twain
 
 /// Defines `_defaultTraceHandle()`, the module's way to its facility. Stands in an unnamed namespace of the
-/// source file.
+/// source file. Statements have the test for the handle in line, and its making elsewhere.
 #define VORN_TRACE_FACILITY( name )                                                                          \
-   ::Vorn::TraceHandle & _defaultTraceHandle() {                                                             \
-      static ::Vorn::TraceHandle handle( name, false );                                                      \
+   [[gnu::cold, gnu::noinline]] ::Vorn::TraceHandle makeTraceHandle_() {                                     \
+      return ::Vorn::TraceHandle( name, false );                                                             \
+   }                                                                                                         \
+   [[gnu::always_inline]] inline ::Vorn::TraceHandle & _defaultTraceHandle() {                               \
+      static ::Vorn::TraceHandle handle( makeTraceHandle_() );                                               \
       return handle;                                                                                         \
    }
 
@@ -181,8 +184,9 @@ class VORN_API FunctionTrace {
    do {                                                                                                      \
       TWAIN_SITE( level )                                                                                    \
       ::Twain::traceRing( twainSite_, twainMsgId_, __VA_ARGS__ );                                            \
-      if ( ::Twain::textWanted( _defaultTraceHandle(), level ) ) [[unlikely]]                                \
-         ::Twain::passText( _defaultTraceHandle(), twainSite_, __VA_ARGS__ );                                \
+      ::Vorn::TraceHandle const & twainHandle_ = _defaultTraceHandle();                                      \
+      if ( ::Twain::textWanted( twainHandle_, level ) ) [[unlikely]]                                         \
+         ::Twain::passText( twainHandle_, twainSite_, __VA_ARGS__ );                                         \
    } while ( false )
 
 /// Traces the entry into a function, at level 8, and its end. Stands first in the function; `name` is a
