@@ -1,5 +1,5 @@
-# What `cmake --install` gives: headers, both libraries, ldptool with its manual page, and two ways for others to find the
-# library: the CMake package Ldp (targets Ldp::shared and Ldp::static) and Ldp.pc. All of it can be moved to another prefix.
+# What `cmake --install` gives beside ldptool: headers, both libraries, and two ways for others to find them: the CMake package
+# Ldp (targets Ldp::shared and Ldp::static) and Ldp.pc. All of it can be moved to another prefix.
 
 include( CMakePackageConfigHelpers )
 
@@ -16,10 +16,3 @@ set( pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig )
 cmake_path( RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX}/${pkgconfig_dir} OUTPUT_VARIABLE prefix_from_pc )
 configure_file( ${PROJECT_SOURCE_DIR}/cmake/Ldp.pc.in ${PROJECT_BINARY_DIR}/Ldp.pc @ONLY )
 install( FILES ${PROJECT_BINARY_DIR}/Ldp.pc DESTINATION ${pkgconfig_dir} )
-
-if( TARGET ldptool )
-   cmake_path( RELATIVE_PATH CMAKE_INSTALL_LIBDIR BASE_DIRECTORY ${CMAKE_INSTALL_BINDIR} OUTPUT_VARIABLE lib_from_bin )
-   set_target_properties( ldptool PROPERTIES INSTALL_RPATH $ORIGIN/${lib_from_bin} )
-   install( TARGETS ldptool )
-   install( FILES ${PROJECT_SOURCE_DIR}/docs/ldptool.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 OPTIONAL )
-endif()
