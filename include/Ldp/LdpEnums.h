@@ -26,6 +26,9 @@ namespace Ldp {
    X( LdpLabelAbortReq, 1028 )
 VORN_ENUM( LdpMsgType, LDP_MSG_TYPES )
 
+/// Whether the type is one of those: any other message is refused by its type alone.
+VORN_API bool ldpIsKnownMsgType( LdpMsgType type ) noexcept;
+
 /// TLV types (RFC 5036, 3.3 and 3.7, and the IANA registry): the 14 bits behind the U and F bits. The third
 /// column says whether header validation knows the type.
 ///

@@ -1,0 +1,158 @@
+#include "Ldp/LdpGenMsgParser.h"
+
+#include "Codecs.h"
+#include "Ldp/LdpMsgParser.h"
+#include "Ldp/LdpProtoParam.h"
+#include "Ldp/LdpUtils.h"
+
+namespace Ldp {
+
+namespace {
+
+VORN_TRACE_FACILITY( "LdpGenMsgParser" )
+
+} // namespace
+
+VORN_OBJECT_RECORD( Ldp, LdpTlvGroupParser, nullptr )
+VORN_OBJECT_RECORD( Ldp, LdpPduParser, nullptr )
+
+LdpTlvGroupParser::~LdpTlvGroupParser() = default;
+
+Vorn::Ptr< LdpTlvGroupParser > LdpTlvGroupParser::named( Vorn::Ptr< LdpTlvGroupParser > & child,
+                                                         Vorn::Name const & name ) {
+   if ( !child || child->name() != name ) child = Vorn::newObject< LdpTlvGroupParser >( name );
+   return child;
+}
+
+U32 LdpTlvGroupParser::tlvOffset( U32 index ) const noexcept {
+   auto const * node = tlvOffset_[index];
+   return node ? node->value() : 0;
+}
+
+void LdpTlvGroupParser::refuse( Vorn::String const & reason ) {
+   reason_ = reason;
+   TWAIN_TRACE( 5, reason_ );
+   statusCode_ = badTlvLength;
+}
+
+bool LdpTlvGroupParser::parseTlvGroup() {
+   TWAIN_FUNCTION( "LdpTlvGroupParser::parseTlvGroup" );
+   VORN_ASSERT( pkt_->frontBytes() >= offset_ );
+   U8 const * const front = pkt_->front();
+   U64 const frontBytes = pkt_->frontBytes();
+   TWAIN_TRACE( 6, "Parse packet frontBytes: ", frontBytes, ", offset: ", offset_, ", size ", size_ );
+   statusCode_ = success;
+   if ( size_ == 0 ) return true;
+   if ( U64( offset_ ) + size_ > frontBytes ) {
+      refuse( Vorn::format( "Packet is too small, size: %zd", ssize_t( frontBytes ) ) );
+      return true;
+   }
+   if ( U64( offset_ ) + sizeof( LdpTlvHdr ) > frontBytes ) {
+      refuse( "Msg/Tlv header is corrupted" );
+      return true;
+   }
+   U64 cur = offset_;
+   U64 octets = 0;
+   for ( U32 index = 0;; ++index ) {
+      auto const * header = reinterpret_cast< LdpTlvHdr const * >( front + cur );
+      // In 16 bits, as the length field is: lengths of 65533 to 65535 move on by 1 to 3 octets, and whoever
+      // gets such a unit refuses it by its length.
+      U16 const total = header->totalLength();
+      TWAIN_TRACE( 6, "   Msg/TLV ", index, ": offset ", U32( cur ), ", size ", total );
+      // A length of 65532 would hold the walk in its place. A peer can send it; that it ends the process is
+      // intended.
+      VORN_ASSERT( header->totalLength() > 0 );
+      octets += total;
+      if ( octets > size_ ) {
+         refuse( "Msg/Tlv is corrupted/truncated" );
+         return true;
+      }
+      tlvOffset_.valueIs( index, U32( cur ) );
+      cur += total;
+      if ( octets == size_ ) return true;
+      // Against the packet, not the run: a header that the run cuts short may be completed by the octets
+      // behind it, and then its total tells.
+      if ( cur + sizeof( LdpTlvHdr ) > frontBytes ) {
+         refuse( "Msg/Tlv header is corrupted" );
+         return true;
+      }
+   }
+}
+
+Vorn::Ptr< LdpPduParser > ldpPduParserFactory( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset ) {
+   return Vorn::newObject< LdpPduParser >( pkt, offset );
+}
+
+LdpPduParser::LdpPduParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset )
+     : pkt_( std::move( pkt ) ), offset_( offset ) {
+   handleHeader();
+   tlvGroupParserIs( Vorn::Name() );
+   handleInitialized();
+}
+
+LdpPduParser::~LdpPduParser() = default;
+
+void LdpPduParser::handleHeader() noexcept {
+   header_ = reinterpret_cast< LdpPduHdr const * >( pkt_->front() + offset_ );
+}
+
+Vorn::Ptr< LdpTlvGroupParser > LdpPduParser::tlvGroupParserIs( Vorn::Name const & name ) {
+   return LdpTlvGroupParser::named( tlvGroupParser_, name );
+}
+
+Vorn::Ptr< LdpTlvGroupParser > LdpPduParser::tlvGroupParserDel() {
+   return std::exchange( tlvGroupParser_, nullptr );
+}
+
+void LdpPduParser::refuse( LdpStatusCode status, Vorn::String const & reason ) {
+   statusCode_ = status;
+   reason_ = reason;
+   TWAIN_TRACE( 5, reason_ );
+}
+
+void LdpPduParser::handleInitialized() {
+   TWAIN_FUNCTION( "LdpPduParser::handleInitialized" );
+   VORN_ASSERT( header_ );
+   VORN_ASSERT( pkt_->frontBytes() >= offset_ );
+   U64 const frontBytes = pkt_->frontBytes();
+   if ( offset_ + minBytes > frontBytes ) {
+      return refuse( badPduLength, Vorn::format( "PDU too small, size = %zd", ssize_t( frontBytes ) ) );
+   }
+   U16 const total = header_->totalLength();
+   if ( total > LdpProtoParam::ldpPktBufferSize ) {
+      return refuse( badPduLength, Vorn::format( "PDU length field too big, length = %d", total ) );
+   }
+   if ( total < minTotalLength ) {
+      return refuse( badPduLength, Vorn::format( "PDU length field too small, length = %d", total ) );
+   }
+   if ( header_->version() != LdpProtoParam::ldpProtocolVersion ) {
+      return refuse( badVersion, Vorn::format( "LDP Version %d not supported", header_->version() ) );
+   }
+   TWAIN_TRACE( 9, "   LdpHeader: ", *header_ );
+
+   // Whether the packet holds what the length claims is for the walk to find.
+   tlvGroupParser_->pktIs( pkt_ );
+   tlvGroupParser_->offsetIs( offset_ + U32( sizeof( LdpPduHdr ) ) );
+   tlvGroupParser_->sizeIs( total - U32( sizeof( LdpPduHdr ) ) );
+   tlvGroupParser_->parseTlvGroup();
+   if ( tlvGroupParser_->valid() ) {
+      statusCode_ = success;
+   } else {
+      // One code for any bad framing; the walker keeps its own.
+      statusCode_ = malformedTlv;
+      reason_ = "LDP PDU Messages are malformed";
+   }
+}
+
+Vorn::String LdpPduParser::stringValue() const {
+   if ( !validLdpPdu() ) return "Error LDP PDU: " + reason_;
+   Vorn::String text = header_->stringValue();
+   U32 const num = messageNum();
+   for ( U32 i = 0; i < num; ++i ) {
+      text += Vorn::format( "\n%d: ", int( i ) );
+      text += ldpMsgParserGet( pkt_, messageOffset( i ) )->stringValue();
+   }
+   return text += "\n";
+}
+
+} // namespace Ldp

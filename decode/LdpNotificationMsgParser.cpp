@@ -1,0 +1,83 @@
+#include "Codecs.h"
+#include "Ldp/LdpMsgParser.h"
+#include "Vorn/VornType.h"
+
+namespace Ldp {
+
+namespace {
+
+VORN_TRACE_FACILITY( "LdpMsgParser" )
+
+} // namespace
+
+VORN_OBJECT_RECORD( Ldp, LdpNotificationMsgParser, &LdpMsgParser::_vornType )
+
+Vorn::Ptr< LdpNotificationMsgParser > ldpNotificationMsgParserFactory( Vorn::Ptr< Lumo::Pkt > const & pkt,
+                                                                       U32 offset ) {
+   return Vorn::newObject< LdpNotificationMsgParser >( pkt, offset );
+}
+
+LdpNotificationMsgParser::LdpNotificationMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset )
+     : LdpMsgParser( std::move( pkt ), offset ) {
+   handleInitialized();
+}
+
+LdpNotificationMsgParser::~LdpNotificationMsgParser() = default;
+
+void LdpNotificationMsgParser::handleInitialized() {
+   TWAIN_FUNCTION( "LdpNotificationMsgParser::handleInitialized" );
+   initialized_ = true;
+   VORN_ASSERT( msgHdr_ );
+   if ( !validMsg() ) return;
+   VORN_ASSERT_TEXT( msgHdr_->type() == LdpNotification, "msgHdr_->type() == LdpNotification_" );
+   if ( tlvNum() == 0 ) return refuse( missingMessageParams, "Missing Status TLV" );
+   if ( tlv( 0 )->type() != statusTlv ) return refuse( missingMessageParams, "1st TLV is not Status TLV" );
+   auto const * status = static_cast< LdpStatusTlv const * >( tlv( 0 ) );
+   if ( status->length() != sizeof( LdpStatusTlv ) - sizeof( LdpTlvHdr ) ) {
+      return refuse( malformedTlv, "Status TLV is not the right size" );
+   }
+   // Only the low 30 bits count: neither E nor F hides a pseudowire's status.
+   if ( status->statusData() == pwStatus && !handlePwStatus() ) return;
+   msgStatusTlv_ = status;
+   statusCode_ = success;
+}
+
+/// The TLVs behind the status of a pseudowire: places are fixed, and what stands behind them is passed over.
+bool LdpNotificationMsgParser::handlePwStatus() {
+   auto const refused = [this]( LdpStatusCode status, Vorn::String const & reason ) {
+      refuse( status, reason );
+      return false;
+   };
+   if ( tlvNum() < 3 ) return refused( missingMessageParams, "Missing PW Status TLVs" );
+   if ( tlv( 1 )->type() != pwStatusTlv )
+      return refused( missingMessageParams, "2nd TLV is not PW Status TLV" );
+   auto const * pwStatus = static_cast< LdpPwStatusTlv const * >( tlv( 1 ) );
+   LdpStatusCode const status = pwStatus->validate();
+   if ( status != success ) return refused( status, "LdpPwStatusTlv validation failure" );
+   if ( tlv( 2 )->type() != fecTlv ) {
+      return refused( missingMessageParams, "FecTlv is not the 3rd TLV in the message" );
+   }
+   msgFecTlv_ = tlv( 2 );
+   ldpFecTlvParserIs( pkt_, tlvOffset( 2 ), nullptr );
+   if ( !ldpFecTlvParser_->valid() )
+      return refused( ldpFecTlvParser_->statusCode(), ldpFecTlvParser_->reason() );
+   if ( ldpFecTlvParser_->fecElements() == 0 ) {
+      return refused( missingMessageParams, "PW FEC TLV has no FEC elements" );
+   }
+   if ( ldpFecTlvParser_->fecElement( 0 )->type() != pwIdElement ) {
+      return refused( missingMessageParams, "PW FEC TLV element is not PWID FEC element" );
+   }
+   msgPwStatusTlv_ = pwStatus;
+   return true;
+}
+
+Vorn::String LdpNotificationMsgParser::stringValue() const {
+   if ( !validMsg() ) return "Invalid LDP Notification Msg: " + reason();
+   Vorn::String text = headingText( "LDP Notification Msg:\n" ) + "   " + msgStatusTlv()->stringValue();
+   if ( msgPwStatusTlv_ ) {
+      text += "\n   " + msgPwStatusTlv_->stringValue() + "\n   " + ldpFecTlvParser()->stringValue();
+   }
+   return text;
+}
+
+} // namespace Ldp

@@ -1,0 +1,73 @@
+#include "Ldp/LdpUtils.h"
+
+namespace Ldp {
+
+bool statusCodeEBitForStatusCode( LdpStatusCode status ) {
+   switch ( status ) {
+#define E_BIT_COLUMN( name, number, eBit, text )                                                             \
+   case name: return eBit;
+      LDP_STATUS_CODES( E_BIT_COLUMN )
+#undef E_BIT_COLUMN
+   }
+   VORN_ASSERT( !"Missing status code E-bit definition" );
+   return false;
+}
+
+Vorn::String sessionStateStrForStatusCode( LdpStatusCode status ) {
+   char const * known = nullptr;
+   switch ( status ) {
+#define TEXT_COLUMN( name, number, eBit, text )                                                              \
+   case name: known = text; break;
+      LDP_STATUS_CODES( TEXT_COLUMN )
+#undef TEXT_COLUMN
+   }
+   return known ? Vorn::String( known ) : stringValue( status );
+}
+
+U8 hopCountInc( U8 rcvdHopCount ) {
+   VORN_ASSERT( rcvdHopCount < ( 0xFF - 1 ) && "Internal Error" );
+   return rcvdHopCount ? U8( rcvdHopCount + 1 ) : rcvdHopCount;
+}
+
+ReentrantAssert::ReentrantAssert( bool * flag ) : flag_( flag ) {
+   VORN_ASSERT( !*flag );
+   *flag_ = true;
+}
+
+bool isManagementOrInternalInterface( Lumo::IntfId const & intfId ) {
+   return isInternalIntfId( intfId ) || isMgmtIntfId( intfId );
+}
+
+bool isLoopbackInterface( Lumo::IntfId const & intfId ) { return isLoopbackIntfId( intfId ); }
+
+bool isLdpSupportedInterface( Lumo::IntfId const & intfId, bool loopbackCounts ) {
+   return isVlanIntfId( intfId ) || isPortChannelIntfId( intfId ) || isEthIntfId( intfId ) ||
+          isSubIntfId( intfId ) || ( loopbackCounts && isLoopbackIntfId( intfId ) );
+}
+
+Vorn::Ptr< LdpMsgParser > ldpMsgParserGet( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset ) {
+   VORN_ASSERT( pkt );
+   VORN_ASSERT( pkt->front() );
+   VORN_ASSERT( pkt->frontBytes() );
+   Vorn::Ptr< LdpMsgParser > parser = ldpMsgParserFactory( pkt, offset );
+   if ( !parser->validMsg() || !parser->msgHdr() ) return parser;
+   // The typed parser judges header and framing once more. KeepAlive has nothing to add, and Capability is
+   // left plain: intended.
+   switch ( parser->msgHdr()->type() ) {
+   case LdpNotification: return ldpNotificationMsgParserFactory( pkt, offset );
+   case LdpHello: return ldpHelloMsgParserFactory( pkt, offset );
+   case LdpInit: return ldpInitMsgParserFactory( pkt, offset );
+   case LdpAddress: return ldpAddressMsgParserFactory( pkt, offset );
+   case LdpAddressWithdraw: return ldpAddressWithdrawMsgParserFactory( pkt, offset );
+   case LdpLabelMapping: return ldpLabelMappingMsgParserFactory( pkt, offset );
+   case LdpLabelRequest: return ldpLabelRequestMsgParserFactory( pkt, offset );
+   case LdpLabelWithdraw: return ldpLabelWithdrawMsgParserFactory( pkt, offset );
+   case LdpLabelRelease: return ldpLabelReleaseMsgParserFactory( pkt, offset );
+   case LdpLabelAbortReq: return ldpLabelAbortReqMsgParserFactory( pkt, offset );
+   case LdpKeepAlive:
+   case LdpCapability: break;
+   }
+   return parser;
+}
+
+} // namespace Ldp

@@ -1,0 +1,158 @@
+/// \file
+/// The FEC TLV (RFC 5036, 3.4.1): a row of FEC elements, parsed into objects that own their values and
+/// outlive the packet.
+///
+/// One received input never returns from here, and is required to: a P2MP element with 256 octets or more
+/// behind its first octet's place, because the octet dump of the trace counts in 8 bits. Ask `ldpPduGuard`
+/// (LdpUtils.h) first where peers are not trusted.
+#pragma once
+
+#include "Ldp/LdpFecHdr.h"
+#include "Ldp/LdpProtoParam.h"
+#include "Ldp/LdpTlvParser.h"
+#include "Ldp/PwTypes.h"
+#include "Mpls/FwdEqvClass.h"
+#include "Vorn/HashMap2018.h"
+
+namespace Ldp {
+
+/// A parsed FEC element. One object has room for the values of all kinds; the accessors of a value assert
+/// unless the element is of its kind.
+class VORN_API LdpFecTlvElement : public Vorn::PtrInterface {
+   VORN_OBJECT( LdpFecTlvElement )
+
+ public:
+   LdpFecTlvElement() noexcept = default;
+   ~LdpFecTlvElement() override;
+
+   virtual LdpFecElementType type() const;
+   /// Text of the element. The base has none and asserts.
+   virtual Vorn::String stringValue() const;
+
+   /// The FEC of a Prefix or Host Address element; the default FEC of a Wildcard.
+   Mpls::FwdEqvClass const & fwdEqvCls() const;
+   void fwdEqvClsIs( Mpls::FwdEqvClass const & fec );
+   /// The pseudowire FEC of a PW ID element.
+   PwFwdEqvClassInfo const & pwFwdEqvCls() const;
+   void pwFwdEqvClsIs( PwFwdEqvClassInfo const & fec );
+   /// Root and opaque value of a P2MP element.
+   LdpP2mpFecElement const & p2mpFecElem() const;
+   void p2mpFecElemIs( LdpP2mpFecElement const & fec );
+
+ private:
+   void assertIp() const;
+   void assertPw() const;
+   void assertP2mp() const;
+
+   LdpFecElementType type_ = wildcardElement;
+   Mpls::FwdEqvClass fwdEqvCls_;
+   PwFwdEqvClassInfo pwFwdEqvCls_;
+   LdpP2mpFecElement p2mpFecElem_;
+};
+
+/// Wildcard: all FECs of the message's kind.
+class VORN_API LdpFecTlvWildcardElement : public LdpFecTlvElement {
+   VORN_OBJECT( LdpFecTlvWildcardElement )
+
+ public:
+   ~LdpFecTlvWildcardElement() override;
+   Vorn::String stringValue() const override;
+};
+
+/// An address prefix.
+class VORN_API LdpFecTlvPrefixElement : public LdpFecTlvElement {
+   VORN_OBJECT( LdpFecTlvPrefixElement )
+
+ public:
+   ~LdpFecTlvPrefixElement() override;
+   LdpFecElementType type() const override { return prefixElement; }
+   Vorn::String stringValue() const override;
+};
+
+/// A host address; its FEC equals that of a prefix of full length.
+class VORN_API LdpFecTlvHostAddrElement : public LdpFecTlvElement {
+   VORN_OBJECT( LdpFecTlvHostAddrElement )
+
+ public:
+   ~LdpFecTlvHostAddrElement() override;
+   LdpFecElementType type() const override { return hostAddrElement; }
+   Vorn::String stringValue() const override;
+};
+
+/// A point-to-multipoint LSP (RFC 6388).
+class VORN_API LdpFecTlvP2mpElement : public LdpFecTlvElement {
+   VORN_OBJECT( LdpFecTlvP2mpElement )
+
+ public:
+   ~LdpFecTlvP2mpElement() override;
+   LdpFecElementType type() const override { return p2mpElement; }
+   /// Root, number of opaque octets, and those octets in hexadecimal, joined by "_".
+   Vorn::String stringValue() const override;
+};
+
+VORN_API Vorn::Ptr< LdpFecTlvWildcardElement > ldpFecTlvWildcardElementFactory();
+VORN_API Vorn::Ptr< LdpFecTlvPrefixElement > ldpFecTlvPrefixElementFactory();
+VORN_API Vorn::Ptr< LdpFecTlvHostAddrElement > ldpFecTlvHostAddrElementFactory();
+VORN_API Vorn::Ptr< LdpFecTlvP2mpElement > ldpFecTlvP2mpElementFactory();
+
+/// Parses a FEC TLV at construction. It throws nothing on what the packet holds.
+class VORN_API LdpFecTlvParser : public LdpTlvParser {
+   VORN_OBJECT( LdpFecTlvParser )
+
+ public:
+   using FecElements = Vorn::HashMap2018< LdpFecTlvParser, U32, Vorn::Ptr< LdpFecTlvElement > >;
+
+   /// Parses the TLV at `offset`. `param` says whether a Wildcard must stand alone; null means that it must.
+   LdpFecTlvParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, Vorn::Ptr< LdpProtoParam const > param );
+   ~LdpFecTlvParser() override;
+
+   Vorn::Ptr< LdpProtoParam const > const & ldpProtoParam() const noexcept { return ldpProtoParam_; }
+
+   bool valid() const noexcept { return statusCode_ == success; }
+   LdpStatusCode statusCode() const noexcept { return statusCode_; }
+   /// Text of the failure; empty for a good TLV.
+   Vorn::String const & reason() const noexcept { return reason_; }
+   void reasonIs( Vorn::String const & reason ) { reason_ = reason; }
+
+   /// The element at that position, from 0; null behind the last. After a failure the elements in front of
+   /// the bad one are there.
+   Vorn::Ptr< LdpFecTlvElement > fecElement( U32 index ) const;
+   /// Puts an element at a position; null removes it.
+   void fecElementIs( U32 index, Vorn::Ptr< LdpFecTlvElement > const & element );
+   void fecElementDel( U32 index ) { fecElement_.del( index ); }
+   void fecElementDelAll() { fecElement_.delAll(); }
+   /// Number of elements.
+   U32 fecElements() const noexcept { return fecElement_.members(); }
+
+   /// Whether a Wildcard was met, or a PW ID element without a PW ID.
+   bool hasWildcardFecElement() const noexcept { return hasWildcardFecElement_; }
+
+   bool initialized() const noexcept { return initialized_; }
+   void initializedIs( bool initialized ) noexcept { initialized_ = initialized; }
+
+   /// The elements' texts in brackets, whether or not the TLV is good.
+   Vorn::String stringValue() const;
+
+   /// Walks the elements, which the constructor has done. True on failure.
+   bool parseElements();
+
+ private:
+   void handleInitialized() { parseElements(); }
+   bool refuse( LdpStatusCode status, Vorn::String const & reason );
+   bool parseWildcard( U32 & cur, U32 end, bool strict, U32 index );
+   bool parsePrefix( U32 & cur, U32 end, U32 index );
+   bool parseHostAddr( U32 & cur, U32 end, U32 index );
+   bool parseP2mp( U32 & cur, U32 end, U32 index );
+   bool parsePwId( U32 & cur, U32 end, U32 index );
+
+   Vorn::Ptr< LdpProtoParam const > ldpProtoParam_;
+   LdpStatusCode statusCode_ = success;
+   bool hasWildcardFecElement_ = false;
+   bool initialized_ = false;
+   Vorn::String reason_;
+   FecElements fecElement_;
+};
+VORN_API Vorn::Ptr< LdpFecTlvParser > ldpFecTlvParserFactory(
+     Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset, Vorn::Ptr< LdpProtoParam const > const & param );
+
+} // namespace Ldp

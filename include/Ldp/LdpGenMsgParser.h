@@ -1,0 +1,142 @@
+/// \file
+/// Framing: the walk over a run of type-length units, and the PDU parser that stands on it.
+///
+/// `LdpPduParser` is where decoding begins: it judges a PDU's header and finds where each message starts.
+/// Construction is parsing; a finished parser is a record of the outcome. It holds its packet, and its views
+/// live as long as that.
+///
+/// One received input ends the process here, and is required to: a unit, message or TLV, whose length field
+/// is 65532, so that its total length wraps to 0. Ask `ldpPduGuard` (LdpUtils.h) first where peers are not
+/// trusted.
+#pragma once
+
+#include "Ldp/LdpHdr.h"
+#include "Lumo/Pkt.h"
+#include "Vorn/HashMap2018.h"
+
+namespace Ldp {
+
+/// Finds where each unit of a byte run begins: the messages of a PDU, or the TLVs of a message. It knows
+/// nothing of what it walks but the outline that both share: 16 bits of type and flags, 16 bits of length.
+class VORN_API LdpTlvGroupParser : public Vorn::PtrInterface {
+   VORN_OBJECT( LdpTlvGroupParser )
+
+ public:
+   explicit LdpTlvGroupParser( Vorn::Name name ) : name_( std::move( name ) ) {}
+   ~LdpTlvGroupParser() override;
+
+   /// The walker of that name in the place of `child`: the present one if it has the name, else a new one.
+   static Vorn::Ptr< LdpTlvGroupParser > named( Vorn::Ptr< LdpTlvGroupParser > & child,
+                                                Vorn::Name const & name );
+
+   Vorn::Name const & name() const noexcept { return name_; }
+   /// The packet, and the run of `size` octets at `offset` in it; set before the walk.
+   Vorn::Ptr< Lumo::Pkt > const & pkt() const noexcept { return pkt_; }
+   void pktIs( Vorn::Ptr< Lumo::Pkt > const & pkt ) noexcept {
+      if ( !( pkt_ == pkt ) ) pkt_ = pkt;
+   }
+   U32 offset() const noexcept { return offset_; }
+   void offsetIs( U32 offset ) noexcept { offset_ = offset; }
+   U32 size() const noexcept { return size_; }
+   void sizeIs( U32 size ) noexcept { size_ = size; }
+
+   /// Whether the walk found the run good; nobody may use the units of a run that is not.
+   bool valid() const noexcept { return statusCode_ == success; }
+   LdpStatusCode statusCode() const noexcept { return statusCode_; }
+   /// Text of the failure. A new walk does not clear it.
+   Vorn::String const & reason() const noexcept { return reason_; }
+
+   /// Offset of the unit at that index, from the packet's front; 0 for an index that the walk did not reach.
+   U32 tlvOffset( U32 index ) const noexcept;
+   void tlvOffsetIs( U32 index, U32 offset ) { tlvOffset_.valueIs( index, offset ); }
+   void tlvOffsetDel( U32 index ) { tlvOffset_.del( index ); }
+   void tlvOffsetDelAll() { tlvOffset_.delAll(); }
+   /// Number of units found.
+   U32 tlvNum() const noexcept { return tlvOffset_.members(); }
+
+   /// Walks the run. True in every case: `valid()` is the outcome. Units that an earlier walk found stay
+   /// unless this one reaches their index.
+   bool parseTlvGroup();
+
+ private:
+   void refuse( Vorn::String const & reason );
+
+   Vorn::Name name_;
+   Vorn::Ptr< Lumo::Pkt > pkt_;
+   U32 offset_ = 0;
+   U32 size_ = 0;
+   Vorn::String reason_;
+   LdpStatusCode statusCode_ = success;
+   Vorn::HashMap2018< LdpTlvGroupParser, U32, U32 > tlvOffset_;
+};
+
+/// Judges one PDU: its header, its length, and the framing of its messages.
+class VORN_API LdpPduParser : public Vorn::PtrInterface {
+   VORN_OBJECT( LdpPduParser )
+
+ public:
+   /// Octets that the buffer holds at least: the PDU header and one message header.
+   static constexpr U64 minBytes = sizeof( LdpPduHdr ) + sizeof( LdpMsgHdr );
+   /// Smallest total length: the PDU header and the 4 octets that a message has at least.
+   static constexpr U16 minTotalLength = sizeof( LdpPduHdr ) + LdpMsgHdr::msgHdrSizeExclude;
+
+   /// Judges the PDU at `offset`, which lies in the packet: an offset behind its end asserts.
+   LdpPduParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   ~LdpPduParser() override;
+
+   Vorn::Ptr< Lumo::Pkt > const & pkt() const noexcept { return pkt_; }
+   U32 offset() const noexcept { return offset_; }
+   /// View of the header, at the offset whatever the packet holds there.
+   LdpPduHdr const * header() const noexcept { return header_; }
+
+   /// Fields of the header; zero where the header is not wholly in the packet.
+   U16 version() const noexcept { return hasHeader() ? header_->version() : U16( 0 ); }
+   U16 length() const noexcept { return hasHeader() ? header_->length() : U16( 0 ); }
+   U16 totalLength() const noexcept { return hasHeader() ? header_->totalLength() : U16( 0 ); }
+   LdpIdentifier ldpIdentifier() const noexcept {
+      return hasHeader() ? header_->ldpIdentifier() : LdpIdentifier();
+   }
+
+   LdpStatusCode statusCode() const noexcept { return statusCode_; }
+   /// Text of the failure; empty for a good PDU.
+   Vorn::String const & reason() const noexcept { return reason_; }
+   /// Whether the PDU may be used.
+   bool validLdpPdu() const noexcept { return statusCode_ == success; }
+
+   /// The walker over the messages.
+   Vorn::Ptr< LdpTlvGroupParser > const & tlvGroupParser() const noexcept { return tlvGroupParser_; }
+   /// The walker of that name: the present one if it has the name, else a new one in its place.
+   Vorn::Ptr< LdpTlvGroupParser > tlvGroupParserIs( Vorn::Name const & name );
+   /// Drops the walker and returns it.
+   Vorn::Ptr< LdpTlvGroupParser > tlvGroupParserDel();
+
+   /// Number of messages.
+   U32 messageNum() const noexcept { return tlvGroupParser_ ? tlvGroupParser_->tlvNum() : 0; }
+   /// Offset of the message at that index, from the packet's front.
+   U32 messageOffset( U32 index ) const noexcept {
+      return tlvGroupParser_ ? tlvGroupParser_->tlvOffset( index ) : 0;
+   }
+
+   bool initialized() const noexcept { return initialized_; }
+   /// The judgement, which the constructor runs.
+   void handleInitialized();
+
+   /// Header and text of each message, which it decodes for the purpose.
+   Vorn::String stringValue() const;
+
+ private:
+   void handleHeader() noexcept;
+   void refuse( LdpStatusCode status, Vorn::String const & reason );
+   bool hasHeader() const noexcept { return U64( offset_ ) + sizeof( LdpPduHdr ) <= pkt_->frontBytes(); }
+
+   Vorn::Ptr< Lumo::Pkt > pkt_;
+   U32 offset_;
+   bool initialized_ = false;
+   LdpStatusCode statusCode_ = success;
+   LdpPduHdr const * header_ = nullptr;
+   Vorn::String reason_;
+   Vorn::Ptr< LdpTlvGroupParser > tlvGroupParser_;
+};
+VORN_API Vorn::Ptr< LdpPduParser > ldpPduParserFactory( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset );
+
+} // namespace Ldp

@@ -1,0 +1,404 @@
+/// \file
+/// Parsers of messages: one class for each type that has TLVs of its own to judge, over one base that judges
+/// the header and the framing.
+///
+/// Construction is parsing. A finished parser says in `validMsg()`, `statusCode()` and `reason()` how the
+/// message fared, and its views point at the TLVs that were found. The parser keeps the packet; a view lives
+/// as long as the packet does and is owned by nobody. A view that is set on a good message has passed every
+/// check; on a refused message the views found so far stay set and are not to be used.
+///
+/// The agent gets its parser from `ldpMsgParserGet` (LdpUtils.h), which picks the class by the message's
+/// type.
+#pragma once
+
+#include "Ldp/LdpFecTlvParser.h"
+#include "Ldp/LdpGenMsgParser.h"
+#include "Ldp/LdpLabelTlv.h"
+#include "Ldp/LdpPwHdr.h"
+#include "Ldp/LdpSessionTlv.h"
+#include "Vorn/RbTreeMap.h"
+
+namespace Ldp {
+
+struct LdpMsgRules;
+
+/// Base of the message parsers, and the whole parser of a message without TLVs of its own, such as KeepAlive:
+/// the header (RFC 5036, 3.5), the framing of the TLVs, and whether all their types may be taken.
+class VORN_API LdpMsgParser : public Vorn::PtrInterface {
+   VORN_OBJECT( LdpMsgParser )
+
+ public:
+   /// Largest message that is taken, header included, in octets.
+   static constexpr U16 maxTotalLength = 4096;
+
+   /// Parses the message at `offset`, which lies in the packet: an offset behind its end asserts.
+   LdpMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   ~LdpMsgParser() override;
+
+   /// Text of the message, or of what is wrong with it.
+   virtual Vorn::String stringValue() const;
+
+   Vorn::Ptr< Lumo::Pkt > const & pkt() const noexcept { return pkt_; }
+   U32 offset() const noexcept { return offset_; }
+   /// View of the header, at the offset whatever the packet holds there.
+   LdpMsgHdr const * msgHdr() const noexcept { return msgHdr_; }
+
+   /// Fields of the header; zero where the header is not wholly in the packet.
+   bool unknown() const noexcept { return hasHeader() && msgHdr_->unknown(); }
+   LdpMsgType type() const noexcept { return hasHeader() ? msgHdr_->type() : LdpMsgType( 0 ); }
+   U32 msgId() const noexcept { return hasHeader() ? msgHdr_->msgId() : 0; }
+   U16 length() const noexcept { return hasHeader() ? msgHdr_->length() : U16( 0 ); }
+   U16 totalLength() const noexcept { return hasHeader() ? msgHdr_->totalLength() : U16( 0 ); }
+
+   LdpStatusCode statusCode() const noexcept { return statusCode_; }
+   /// Text of the failure. Empty for a good message, except that a good Initialization says "success".
+   Vorn::String const & reason() const noexcept { return reason_; }
+   /// Whether the message may be used. A message to be ignored is not valid: `unknownMessageTypeIgnore` tells
+   /// it from one to be reported.
+   bool validMsg() const noexcept { return statusCode_ == success; }
+
+   /// The walker over the TLVs.
+   Vorn::Ptr< LdpTlvGroupParser > const & tlvGroupParser() const noexcept { return tlvGroupParser_; }
+   /// The walker of that name: the present one if it has the name, else a new one in its place.
+   Vorn::Ptr< LdpTlvGroupParser > tlvGroupParserIs( Vorn::Name const & name );
+   /// Drops the walker and returns it.
+   Vorn::Ptr< LdpTlvGroupParser > tlvGroupParserDel();
+   /// Number of TLVs.
+   U32 tlvNum() const noexcept { return tlvGroupParser_ ? tlvGroupParser_->tlvNum() : 0; }
+   /// Offset of the TLV at that index, from the packet's front.
+   U32 tlvOffset( U32 index ) const noexcept {
+      return tlvGroupParser_ ? tlvGroupParser_->tlvOffset( index ) : 0;
+   }
+
+   /// The FEC TLV, where the message's kind looks for one.
+   LdpTlvHdr const * msgFecTlv() const noexcept { return msgFecTlv_; }
+   /// Its parser.
+   Vorn::Ptr< LdpFecTlvParser > const & ldpFecTlvParser() const noexcept { return ldpFecTlvParser_; }
+   /// Parses the FEC TLV at that offset and keeps the parser, in the place of an earlier one.
+   Vorn::Ptr< LdpFecTlvParser > ldpFecTlvParserIs( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset,
+                                                   Vorn::Ptr< LdpProtoParam const > const & param );
+   /// Drops the FEC parser and returns it.
+   Vorn::Ptr< LdpFecTlvParser > ldpFecTlvParserDel();
+   /// The Status TLV, where the message's kind looks for one.
+   LdpStatusTlv const * msgStatusTlv() const noexcept { return msgStatusTlv_; }
+
+ protected:
+   /// The TLV at that index.
+   LdpTlvHdr const * tlv( U32 index ) const noexcept {
+      return reinterpret_cast< LdpTlvHdr const * >( pkt_->front() + tlvOffset( index ) );
+   }
+   void refuse( LdpStatusCode status, Vorn::String const & reason );
+   /// Judges the message by the rules of its type: what a subclass's constructor runs behind the base's.
+   void obey( LdpMsgRules const & rules );
+   /// The checks of `obey` that come before any TLV is looked at; false if the message is refused already.
+   bool opens( LdpMsgRules const & rules );
+   /// The checks of `obey` behind those.
+   void obeyTlvs( LdpMsgRules const & rules );
+   /// A good message's heading and id, with which its text begins.
+   Vorn::String headingText( char const * heading ) const;
+
+   Vorn::Ptr< Lumo::Pkt > pkt_;
+   U32 offset_;
+   LdpStatusCode statusCode_ = success;
+   LdpMsgHdr const * msgHdr_ = nullptr;
+   Vorn::String reason_;
+   Vorn::Ptr< LdpTlvGroupParser > tlvGroupParser_;
+   LdpTlvHdr const * msgFecTlv_ = nullptr;
+   Vorn::Ptr< LdpFecTlvParser > ldpFecTlvParser_;
+   LdpStatusTlv const * msgStatusTlv_ = nullptr;
+
+ private:
+   void handleHeader();
+   bool hasOctets( U64 octets ) const noexcept { return offset_ + octets <= pkt_->frontBytes(); }
+   bool hasHeader() const noexcept { return hasOctets( LdpMsgHdr::ldpMsgHdrSize ); }
+   bool obeyTlv( LdpMsgRules const & rules, U32 index );
+   bool obeyFecTlv( LdpMsgRules const & rules, U32 index );
+};
+
+/// Hello (RFC 5036, 3.5.2): Common Hello Parameters first, then at most one kind of transport address, and a
+/// configuration sequence number.
+class VORN_API LdpHelloMsgParser : public LdpMsgParser {
+   VORN_OBJECT( LdpHelloMsgParser )
+
+ public:
+   LdpHelloMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   ~LdpHelloMsgParser() override;
+   Vorn::String stringValue() const override;
+
+   /// Set on every good message.
+   LdpCommonHelloTlv const * msgCommonHelloTlv() const noexcept { return msgCommonHelloTlv_; }
+   LdpIpTransportAddrTlv const * msgIpTransportTlv() const noexcept { return msgIpTransportTlv_; }
+   LdpIp6TransportAddrTlv const * msgIp6TransportTlv() const noexcept { return msgIp6TransportTlv_; }
+   LdpConfigSeqNumTlv const * msgConfigSeqTlv() const noexcept { return msgConfigSeqTlv_; }
+   bool initialized() const noexcept { return initialized_; }
+   void handleInitialized();
+
+ private:
+   LdpCommonHelloTlv const * msgCommonHelloTlv_ = nullptr;
+   LdpIpTransportAddrTlv const * msgIpTransportTlv_ = nullptr;
+   LdpIp6TransportAddrTlv const * msgIp6TransportTlv_ = nullptr;
+   LdpConfigSeqNumTlv const * msgConfigSeqTlv_ = nullptr;
+   bool initialized_ = false;
+};
+
+/// What Initialization and Capability messages share: the capability TLVs (RFC 5561), in order of their
+/// types.
+class VORN_API LdpCapabilityParser : public LdpMsgParser {
+   VORN_OBJECT( LdpCapabilityParser )
+
+ public:
+   using Capabilities = Vorn::RbTreeMap< LdpCapabilityParser, LdpTlvType, LdpCapabilityParameterTlv const * >;
+
+   LdpCapabilityParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   ~LdpCapabilityParser() override;
+
+   /// All of them, in ascending order of type.
+   Capabilities const & capabilities() const noexcept { return capabilities_; }
+   /// The capability of that type, or null.
+   LdpCapabilityParameterTlv const * capabilities( LdpTlvType type ) const;
+   bool capabilitiesHas( LdpTlvType type ) const { return capabilities( type ) != nullptr; }
+   /// Adds the capability or replaces its view; null removes it.
+   void capabilitiesIs( LdpTlvType type, LdpCapabilityParameterTlv const * capability );
+   void capabilitiesDel( LdpTlvType type ) { capabilities_.del( type ); }
+   void capabilitiesDelAll() { capabilities_.delAll(); }
+   /// Tells the observers of a capability. A parser has no observers, so there is nobody to tell.
+   void capabilitiesNotify( LdpTlvType ) const noexcept {}
+   /// Gathers the capability TLVs of the message; of a type that repeats, the last.
+   void parseCapabilityTlvs();
+
+ protected:
+   /// A line for each capability.
+   Vorn::String capabilitiesText() const;
+
+ private:
+   Capabilities capabilities_;
+};
+
+/// Initialization (RFC 5036, 3.5.3): Common Session Parameters first, then capabilities and the Fault
+/// Tolerant Session TLV.
+class VORN_API LdpInitMsgParser : public LdpCapabilityParser {
+   VORN_OBJECT( LdpInitMsgParser )
+
+ public:
+   LdpInitMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   ~LdpInitMsgParser() override;
+   Vorn::String stringValue() const override;
+
+   /// Set on every good message.
+   LdpCommonSessionParamTlv const * msgSessionParamTlv() const noexcept { return msgSessionParamTlv_; }
+   LdpFtSessionTlv const * msgFtSessionTlv() const noexcept { return msgFtSessionTlv_; }
+   bool initialized() const noexcept { return initialized_; }
+   void handleInitialized();
+
+ private:
+   LdpCommonSessionParamTlv const * msgSessionParamTlv_ = nullptr;
+   LdpFtSessionTlv const * msgFtSessionTlv_ = nullptr;
+   bool initialized_ = false;
+};
+
+/// Capability (RFC 5561, 7). `ldpMsgParserGet` leaves such a message a plain `LdpMsgParser`; who wants its
+/// capabilities builds this class.
+class VORN_API LdpCapabilityMsgParser : public LdpCapabilityParser {
+   VORN_OBJECT( LdpCapabilityMsgParser )
+
+ public:
+   LdpCapabilityMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   ~LdpCapabilityMsgParser() override;
+   Vorn::String stringValue() const override;
+
+   bool initialized() const noexcept { return initialized_; }
+   void handleInitialized();
+
+ private:
+   bool initialized_ = false;
+};
+
+/// Notification (RFC 5036, 3.5.1): a Status TLV first; with the status of a pseudowire (RFC 8077, 5.4.2) a PW
+/// Status TLV and a FEC TLV behind it.
+class VORN_API LdpNotificationMsgParser : public LdpMsgParser {
+   VORN_OBJECT( LdpNotificationMsgParser )
+
+ public:
+   LdpNotificationMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   ~LdpNotificationMsgParser() override;
+   Vorn::String stringValue() const override;
+
+   /// Set on a good pseudowire status notification only.
+   LdpPwStatusTlv const * msgPwStatusTlv() const noexcept { return msgPwStatusTlv_; }
+   bool initialized() const noexcept { return initialized_; }
+   void handleInitialized();
+
+ private:
+   bool handlePwStatus();
+
+   LdpPwStatusTlv const * msgPwStatusTlv_ = nullptr;
+   bool initialized_ = false;
+};
+
+/// Address (RFC 5036, 3.5.5): an Address List TLV first.
+class VORN_API LdpAddressMsgParser : public LdpMsgParser {
+   VORN_OBJECT( LdpAddressMsgParser )
+
+ public:
+   LdpAddressMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   ~LdpAddressMsgParser() override;
+   Vorn::String stringValue() const override;
+
+   /// Set on every good message.
+   LdpAddressListTlv const * addressListTlv() const noexcept { return addressListTlv_; }
+   bool initialized() const noexcept { return initialized_; }
+   void handleInitialized();
+
+ private:
+   LdpAddressListTlv const * addressListTlv_ = nullptr;
+   bool initialized_ = false;
+};
+
+/// Address Withdraw (RFC 5036, 3.5.6): an Address List TLV first.
+class VORN_API LdpAddressWithdrawMsgParser : public LdpMsgParser {
+   VORN_OBJECT( LdpAddressWithdrawMsgParser )
+
+ public:
+   LdpAddressWithdrawMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   ~LdpAddressWithdrawMsgParser() override;
+   Vorn::String stringValue() const override;
+
+   /// Set on every good message.
+   LdpAddressListTlv const * addressListTlv() const noexcept { return addressListTlv_; }
+   bool initialized() const noexcept { return initialized_; }
+   void handleInitialized();
+
+ private:
+   LdpAddressListTlv const * addressListTlv_ = nullptr;
+   bool initialized_ = false;
+};
+
+/// Label Mapping (RFC 5036, 3.5.7): FEC and label, with a good FEC that is no wildcard.
+class VORN_API LdpLabelMappingMsgParser : public LdpMsgParser {
+   VORN_OBJECT( LdpLabelMappingMsgParser )
+
+ public:
+   LdpLabelMappingMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   ~LdpLabelMappingMsgParser() override;
+   Vorn::String stringValue() const override;
+
+   /// Set on every good message.
+   LdpGenLabelTlv const * msgGenLabelTlv() const noexcept { return msgGenLabelTlv_; }
+   LdpLabelReqMsgIdTlv const * msgReqMsgIdTlv() const noexcept { return msgReqMsgIdTlv_; }
+   LdpHopCountTlv const * msgHopCountTlv() const noexcept { return msgHopCountTlv_; }
+   LdpPathVectorTlv const * msgPathVectorTlv() const noexcept { return msgPathVectorTlv_; }
+   LdpPwStatusTlv const * msgPwStatusTlv() const noexcept { return msgPwStatusTlv_; }
+   bool initialized() const noexcept { return initialized_; }
+   void handleInitialized();
+
+ private:
+   LdpGenLabelTlv const * msgGenLabelTlv_ = nullptr;
+   LdpLabelReqMsgIdTlv const * msgReqMsgIdTlv_ = nullptr;
+   LdpHopCountTlv const * msgHopCountTlv_ = nullptr;
+   LdpPathVectorTlv const * msgPathVectorTlv_ = nullptr;
+   LdpPwStatusTlv const * msgPwStatusTlv_ = nullptr;
+   bool initialized_ = false;
+};
+
+/// Label Request (RFC 5036, 3.5.8): a good FEC that is no wildcard.
+class VORN_API LdpLabelRequestMsgParser : public LdpMsgParser {
+   VORN_OBJECT( LdpLabelRequestMsgParser )
+
+ public:
+   LdpLabelRequestMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   ~LdpLabelRequestMsgParser() override;
+   Vorn::String stringValue() const override;
+
+   LdpHopCountTlv const * msgHopCountTlv() const noexcept { return msgHopCountTlv_; }
+   LdpPathVectorTlv const * msgPathVectorTlv() const noexcept { return msgPathVectorTlv_; }
+   bool initialized() const noexcept { return initialized_; }
+   void handleInitialized();
+
+ private:
+   LdpHopCountTlv const * msgHopCountTlv_ = nullptr;
+   LdpPathVectorTlv const * msgPathVectorTlv_ = nullptr;
+   bool initialized_ = false;
+};
+
+/// Label Withdraw (RFC 5036, 3.5.10): a good FEC, wildcards included; the label is optional.
+class VORN_API LdpLabelWithdrawMsgParser : public LdpMsgParser {
+   VORN_OBJECT( LdpLabelWithdrawMsgParser )
+
+ public:
+   LdpLabelWithdrawMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   ~LdpLabelWithdrawMsgParser() override;
+   Vorn::String stringValue() const override;
+
+   LdpGenLabelTlv const * msgGenLabelTlv() const noexcept { return msgGenLabelTlv_; }
+   bool initialized() const noexcept { return initialized_; }
+   void handleInitialized();
+
+ private:
+   LdpGenLabelTlv const * msgGenLabelTlv_ = nullptr;
+   bool initialized_ = false;
+};
+
+/// Label Release (RFC 5036, 3.5.11): a FEC, which is not judged: ask `ldpFecTlvParser()` whether it is
+/// `valid()` before using it. The label is optional.
+class VORN_API LdpLabelReleaseMsgParser : public LdpMsgParser {
+   VORN_OBJECT( LdpLabelReleaseMsgParser )
+
+ public:
+   LdpLabelReleaseMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   ~LdpLabelReleaseMsgParser() override;
+   Vorn::String stringValue() const override;
+
+   LdpGenLabelTlv const * msgGenLabelTlv() const noexcept { return msgGenLabelTlv_; }
+   bool initialized() const noexcept { return initialized_; }
+   void handleInitialized();
+
+ private:
+   LdpGenLabelTlv const * msgGenLabelTlv_ = nullptr;
+   bool initialized_ = false;
+};
+
+/// Label Abort Request (RFC 5036, 3.5.9): a good FEC that is no wildcard, and the id of the request.
+class VORN_API LdpLabelAbortReqMsgParser : public LdpMsgParser {
+   VORN_OBJECT( LdpLabelAbortReqMsgParser )
+
+ public:
+   LdpLabelAbortReqMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   ~LdpLabelAbortReqMsgParser() override;
+   Vorn::String stringValue() const override;
+
+   /// Set on every good message.
+   LdpLabelReqMsgIdTlv const * msgReqMsgIdTlv() const noexcept { return msgReqMsgIdTlv_; }
+   bool initialized() const noexcept { return initialized_; }
+   void handleInitialized();
+
+ private:
+   LdpLabelReqMsgIdTlv const * msgReqMsgIdTlv_ = nullptr;
+   bool initialized_ = false;
+};
+
+/// Makes the parser of that class.
+VORN_API Vorn::Ptr< LdpMsgParser > ldpMsgParserFactory( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset );
+VORN_API Vorn::Ptr< LdpHelloMsgParser > ldpHelloMsgParserFactory( Vorn::Ptr< Lumo::Pkt > const & pkt,
+                                                                  U32 offset );
+VORN_API Vorn::Ptr< LdpInitMsgParser > ldpInitMsgParserFactory( Vorn::Ptr< Lumo::Pkt > const & pkt,
+                                                                U32 offset );
+VORN_API Vorn::Ptr< LdpCapabilityMsgParser > ldpCapabilityMsgParserFactory(
+     Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset );
+VORN_API Vorn::Ptr< LdpNotificationMsgParser > ldpNotificationMsgParserFactory(
+     Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset );
+VORN_API Vorn::Ptr< LdpAddressMsgParser > ldpAddressMsgParserFactory( Vorn::Ptr< Lumo::Pkt > const & pkt,
+                                                                      U32 offset );
+VORN_API Vorn::Ptr< LdpAddressWithdrawMsgParser > ldpAddressWithdrawMsgParserFactory(
+     Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset );
+VORN_API Vorn::Ptr< LdpLabelMappingMsgParser > ldpLabelMappingMsgParserFactory(
+     Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset );
+VORN_API Vorn::Ptr< LdpLabelRequestMsgParser > ldpLabelRequestMsgParserFactory(
+     Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset );
+VORN_API Vorn::Ptr< LdpLabelWithdrawMsgParser > ldpLabelWithdrawMsgParserFactory(
+     Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset );
+VORN_API Vorn::Ptr< LdpLabelReleaseMsgParser > ldpLabelReleaseMsgParserFactory(
+     Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset );
+VORN_API Vorn::Ptr< LdpLabelAbortReqMsgParser > ldpLabelAbortReqMsgParserFactory(
+     Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset );
+
+} // namespace Ldp

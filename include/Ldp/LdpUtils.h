@@ -1,0 +1,70 @@
+/// \file
+/// Utilities of the protocol: the dispatch from a message's type to its parser, the guard that stands before
+/// the parsers, and small facts about status codes and interfaces.
+#pragma once
+
+#include "Ldp/LdpMsgParser.h"
+#include "Lumo/IntfId.h"
+
+namespace Ldp {
+
+/// E bit (fatal error) that a notification of that status carries (RFC 5036, 3.9). A value that is no status
+/// code asserts.
+VORN_API bool statusCodeEBitForStatusCode( LdpStatusCode status );
+
+/// Text of a session's state that ended in that status; for a value that is no status code, the number.
+VORN_API Vorn::String sessionStateStrForStatusCode( LdpStatusCode status );
+
+/// Hop count to send on for a received one (RFC 5036, 3.4.4): one more, but 0, which is unknown, stays 0. The
+/// caller has ruled out 254 and 255: they assert.
+VORN_API U8 hopCountInc( U8 rcvdHopCount );
+
+/// Scope guard over a flag of the caller's: entering a guarded scope while another is open on the same flag
+/// asserts. It neither locks nor waits.
+class VORN_API ReentrantAssert {
+ public:
+   explicit ReentrantAssert( bool * flag );
+   ReentrantAssert( ReentrantAssert const & ) = delete;
+   ReentrantAssert & operator=( ReentrantAssert const & ) = delete;
+   ~ReentrantAssert() { *flag_ = false; }
+
+ private:
+   bool * flag_;
+};
+
+VORN_API bool isManagementOrInternalInterface( Lumo::IntfId const & intfId );
+VORN_API bool isLoopbackInterface( Lumo::IntfId const & intfId );
+/// Whether LDP can run there: VLAN, port-channel, Ethernet and sub-interfaces, and loopbacks if they count.
+VORN_API bool isLdpSupportedInterface( Lumo::IntfId const & intfId, bool loopbackCounts );
+
+/// The parser of the message at that offset: of its type's class if header and framing are good, else a plain
+/// `LdpMsgParser` that says what is wrong. KeepAlive and Capability messages stay plain.
+///
+/// The packet is there and not empty, and the offset lies in it: anything else asserts.
+VORN_API Vorn::Ptr< LdpMsgParser > ldpMsgParserGet( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset );
+
+/// What `ldpPduGuard` found.
+struct LdpPduGuardResult {
+   enum Input : U8 {
+      none,             ///< the PDU and all its messages can be parsed, printed and read
+      wrappedUnit,      ///< a message or TLV with a length field of 65532, which ends the process
+      unboundedP2mpDump ///< a P2MP element of 256 octets or more, which its parser never returns from
+   };
+   Input input;
+   /// Offset of the unit's first octet, or of the P2MP element's type octet, from the packet's front.
+   U32 offset;
+
+   explicit operator bool() const noexcept { return input != none; }
+   friend bool operator==( LdpPduGuardResult const &, LdpPduGuardResult const & ) noexcept = default;
+};
+
+/// Whether parsing the PDU at that offset, and then each of its messages by `ldpMsgParserGet`, would meet an
+/// input that ends or hangs the process, and which first. Exact both ways: what passes can be parsed, and
+/// what is refused would be fatal. It allocates nothing and traces nothing; who has untrusted peers asks it
+/// before every PDU.
+///
+/// A message of a type that `ldpMsgParserGet` leaves plain is judged as that; its other parsers meet nothing
+/// more.
+VORN_API LdpPduGuardResult ldpPduGuard( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset );
+
+} // namespace Ldp
