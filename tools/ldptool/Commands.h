@@ -1,0 +1,20 @@
+#pragma once
+
+// The subcommands of ldptool. Each adds itself to the program's arguments; when it is chosen it runs from its
+// callback and leaves with its exit status by throwing CLI::RuntimeError.
+
+namespace CLI {
+class App;
+}
+
+namespace LdpTool {
+
+// What the program's exit status means.
+constexpr int exitGood = 0;
+constexpr int exitBadMessage = 1; ///< the input held a message or PDU that is not valid
+constexpr int exitUsage = 2;      ///< wrong arguments, unreadable input, unwritable output
+
+void addDecodeCommand( CLI::App & app );
+void addRingCommand( CLI::App & app );
+
+} // namespace LdpTool

@@ -1,0 +1,107 @@
+#include "Decoder.h"
+
+#include "Words.h"
+
+#include <iostream>
+
+namespace LdpTool {
+
+using namespace Ldp;
+
+namespace {
+
+// The typed parser of a valid message, or null. It is what the dispatch returns for such a message; the
+// dispatch comes to it by way of a plain parser, which is half of the work and needed only where the typed
+// parser has no place.
+Vorn::Ptr< LdpMsgParser > typedParser( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset, LdpMsgType type ) {
+   Vorn::Ptr< LdpMsgParser > parser;
+   switch ( type ) {
+   case LdpNotification: parser = ldpNotificationMsgParserFactory( pkt, offset ); break;
+   case LdpHello: parser = ldpHelloMsgParserFactory( pkt, offset ); break;
+   case LdpInit: parser = ldpInitMsgParserFactory( pkt, offset ); break;
+   case LdpAddress: parser = ldpAddressMsgParserFactory( pkt, offset ); break;
+   case LdpAddressWithdraw: parser = ldpAddressWithdrawMsgParserFactory( pkt, offset ); break;
+   case LdpLabelMapping: parser = ldpLabelMappingMsgParserFactory( pkt, offset ); break;
+   case LdpLabelRequest: parser = ldpLabelRequestMsgParserFactory( pkt, offset ); break;
+   case LdpLabelWithdraw: parser = ldpLabelWithdrawMsgParserFactory( pkt, offset ); break;
+   case LdpLabelRelease: parser = ldpLabelReleaseMsgParserFactory( pkt, offset ); break;
+   case LdpLabelAbortReq: parser = ldpLabelAbortReqMsgParserFactory( pkt, offset ); break;
+   default: return {};
+   }
+   return parser->validMsg() ? parser : nullptr;
+}
+
+} // namespace
+
+Decoder::Decoder( Reporter & reporter, Selection selection, Output & idle )
+     : reporter_( reporter ), selection_( std::move( selection ) ), idle_( idle ) {}
+
+void Decoder::onPdu( Origin const & origin, Octets octets ) {
+   Vorn::Ptr< Lumo::Pkt > const pkt = Lumo::Pkt::borrow( octets.data(), octets.size() );
+   if ( LdpPduGuardResult const fatal = ldpPduGuard( pkt, 0 ); fatal ) {
+      ++bad_;
+      reporter_.onFatalPdu( { origin, octets, nullptr }, fatal );
+      return;
+   }
+   Vorn::Ptr< LdpPduParser > const parser = ldpPduParserFactory( pkt, 0 );
+   Pdu const pdu{ origin, octets, parser.ptr() };
+   if ( parser->validLdpPdu() ) {
+      decodeMessages( pdu, pkt );
+   } else {
+      ++bad_;
+      reporter_.onBadPdu( pdu );
+   }
+}
+
+void Decoder::decodeMessages( Pdu const & pdu, Vorn::Ptr< Lumo::Pkt > const & pkt ) {
+   pduReported_ = false;
+   U32 const messageNum = pdu.parser->messageNum();
+   for ( U32 i = 0; i < messageNum; ++i ) {
+      U32 const offset = pdu.parser->messageOffset( i );
+      auto const type = LdpMsgType( ( pdu.octets[offset] << 8 | pdu.octets[offset + 1] ) & 0x7fff );
+      if ( !selection_.types.empty() && !selection_.types.contains( type ) ) continue;
+      if ( auto const typed = typedParser( pkt, offset, type ) ) {
+         report( *typed, pdu );
+      } else {
+         report( *ldpMsgParserGet( pkt, offset ), pdu );
+      }
+   }
+}
+
+void Decoder::report( LdpMsgParser const & parser, Pdu const & pdu ) {
+   Vorn::Ptr< LdpCapabilityMsgParser > capability;
+   if ( parser.type() == LdpCapability && parser.validMsg() ) {
+      capability = ldpCapabilityMsgParserFactory( parser.pkt(), parser.offset() );
+   }
+   Message const message{ parser, capability.ptr() };
+   if ( message.bad() ) {
+      ++bad_;
+   } else if ( selection_.badOnly ) {
+      return;
+   }
+   if ( !pduReported_ ) reporter_.onPdu( pdu );
+   pduReported_ = true;
+   ++messages_;
+   reporter_.onMessage( message );
+}
+
+void Decoder::onGap( Origin const & origin, Gap const & gap ) {
+   gaps_.missing += gap.missing;
+   gaps_.skipped += gap.skipped;
+   std::string text;
+   if ( gap.missing ) text = std::to_string( gap.missing ) + " octets missing, ";
+   text += std::to_string( gap.skipped ) + " octets skipped ";
+   text += gap.atEnd ? "at the end of the conversation" : "before the next PDU";
+   onWarning( origin, text );
+}
+
+// Messages printed so far go first, so that a terminal shows all in order.
+void Decoder::onWarning( Origin const & origin, std::string const & text ) {
+   idle_.flush();
+   std::cerr << "ldptool: frame " << origin.arrival.frame << ": " << originText( origin ) << ": " << text
+             << '\n';
+}
+
+void Decoder::onIdle() { idle_.flush(); }
+
+} // namespace LdpTool
