@@ -197,7 +197,7 @@ int initialize( char const * fileNameFormat, SizeSpec * sizes, char const * fold
    Ring & ring = Ring::ring();
    std::scoped_lock const lock( ring.mutex );
    if ( ring.on() ) return 0;
-   if ( !*fileNameFormat || sizeBits < 16 || sizeBits > 40 ) return EINVAL;
+   if ( !*fileNameFormat || sizeBits < 16 || sizeBits > 32 ) return EINVAL;
    U64 const descriptionsBytes = U64( descriptionsKiB ) * 1024;
    U64 const most = U64( 1 ) << sizeBits;
    U64 ringBytes = U64( ( sizes ? *sizes : SizeSpec() ).ringKiB ) * 1024;

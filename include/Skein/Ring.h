@@ -36,7 +36,7 @@ struct SizeSpec {
 /// \param sizes sizes of the ring, or null for the defaults.
 /// \param folder folder that the path is relative to; null: the working folder.
 /// \param instance what `%d` stands for; 0: the process id.
-/// \param sizeBits the file is never made larger than 2 to this power (16 to 40); the ring is cut to fit.
+/// \param sizeBits the file is never made larger than 2 to this power (16 to 32); the ring is cut to fit.
 /// \param multiThreading whether several threads may trace.
 /// \param keepPrevious whether a ring that is found under the same name is kept, as NAME.old; else it is
 /// removed. \param descriptionsKiB room for the descriptions of call sites. \return 0 when the ring stands,

@@ -83,18 +83,16 @@ template< class... Args >
 
 /// Writes one record.
 template< class... Args >
-[[gnu::always_inline]] inline void traceRing( Site const & site, int & msgId,
+[[gnu::always_inline]] inline void traceRing( Skein::TraceFile & file, Site const & site, int & msgId,
                                               Args const &... args ) noexcept {
    static_assert( 10 + ( 0 + ... + Codec< Args >::maxBytes ) <= Skein::maxRecordBytes,
                   "too much for one record" );
-   Skein::TraceFile * const file = Skein::defaultSkeinHandle.traceFile();
-   if ( !file ) return;
    if ( msgId <= 0 ) [[unlikely]] {
-      registerSite< Args... >( *file, site, msgId, false, args... );
+      registerSite< Args... >( file, site, msgId, false, args... );
       if ( msgId <= 0 ) return;
    }
    Skein::RingBuf record;
-   record.startMsg( *file, msgId );
+   record.startMsg( file, msgId );
    ( Codec< Args >::put( record, args ), ... );
    record.endMsg();
 }
@@ -183,7 +181,8 @@ class VORN_API FunctionTrace {
 #define TWAIN_TRACE( level, ... )                                                                            \
    do {                                                                                                      \
       TWAIN_SITE( level )                                                                                    \
-      ::Twain::traceRing( twainSite_, twainMsgId_, __VA_ARGS__ );                                            \
+      if ( auto * const twainFile_ = ::Skein::defaultSkeinHandle.traceFile() )                               \
+         ::Twain::traceRing( *twainFile_, twainSite_, twainMsgId_, __VA_ARGS__ );                            \
       ::Vorn::TraceHandle const & twainHandle_ = _defaultTraceHandle();                                      \
       if ( ::Twain::textWanted( twainHandle_, level ) ) [[unlikely]]                                         \
          ::Twain::passText( twainHandle_, twainSite_, __VA_ARGS__ );                                         \
