@@ -9,7 +9,7 @@ bool statusCodeEBitForStatusCode( LdpStatusCode status ) {
       LDP_STATUS_CODES( E_BIT_COLUMN )
 #undef E_BIT_COLUMN
    }
-   VORN_ASSERT( !"Missing status code E-bit definition" );
+   VORN_ASSERT_TEXT( false, "!\"Missing status code E-bit definition\"" );
    return false;
 }
 
