@@ -8,6 +8,16 @@ VORN_ENUM_RECORD( Ldp, LdpStatusCode, LDP_STATUS_CODES )
 VORN_ENUM_RECORD( Ldp, LdpFecElementType, LDP_FEC_ELEMENT_TYPES )
 VORN_ENUM_RECORD( Ldp, LdpPwIntfParamSubTlvType, LDP_PW_INTF_PARAM_SUB_TLV_TYPES )
 
+bool ldpIsKnownMsgType( LdpMsgType type ) noexcept {
+   switch ( type ) {
+#define KNOWN_TYPE( name, ... ) case name:
+      LDP_MSG_TYPES( KNOWN_TYPE )
+#undef KNOWN_TYPE
+      return true;
+   default: return false;
+   }
+}
+
 Vorn::String stringValue( LdpStatusCode status ) { return valueToStrep( status ); }
 
 } // namespace Ldp
