@@ -33,28 +33,31 @@ class RatioReporter : public benchmark::BenchmarkReporter {
    }
 
    void Finalize() override {
-      std::string group;
-      double base = 1;
-      for ( Row const & row : rows_ ) {
-         std::string const thisGroup = row.name.substr( 0, row.name.find( '/' ) );
-         if ( thisGroup != group ) {
-            group = thisGroup;
-            base = row.time;
-            std::printf( "\n| %s | ns | ratio | counted |\n|---|---|---|---|\n", group.c_str() );
-         }
-         std::string counted;
-         for ( auto const & [name, counter] : row.counters ) {
-            char text[64];
-            std::snprintf( text, sizeof text, "%s %.4g", name.c_str(), counter.value );
-            counted += ( counted.empty() ? "" : ", " ) + std::string( text );
-         }
-         std::printf( "| %s | %.1f | %.2f | %s |\n", row.name.substr( row.name.find( '/' ) + 1 ).c_str(),
-                      row.time, row.time / base, counted.c_str() );
+      std::vector< std::string > printed;
+      for ( Row const & first : rows_ ) {
+         std::string const group = first.group();
+         if ( std::find( printed.begin(), printed.end(), group ) != printed.end() ) continue;
+         printed.push_back( group );
+         std::printf( "\n| %s | ns | ratio | counted |\n|---|---|---|---|\n", group.c_str() );
+         for ( Row const & row : rows_ )
+            if ( row.group() == group ) row.print( first.time );
       }
    }
 
  private:
    struct Row {
+      std::string group() const { return name.substr( 0, name.find( '/' ) ); }
+      void print( double base ) const {
+         std::string counted;
+         for ( auto const & [what, counter] : counters ) {
+            char text[64];
+            std::snprintf( text, sizeof text, "%.4g %s", counter.value, what.c_str() );
+            counted += ( counted.empty() ? "" : ", " ) + std::string( text );
+         }
+         std::printf( "| %s | %.1f | %.2f | %s |\n", name.substr( name.find( '/' ) + 1 ).c_str(), time,
+                      time / base, counted.c_str() );
+      }
+
       std::string name;
       double time;
       benchmark::UserCounters counters;
