@@ -1,17 +1,19 @@
 #!/usr/bin/env bash
-# Builds main.cpp against an installed copy of the library, as a project of its own would, and runs it.
+# Builds an example against an installed copy of the library, as a project of its own would, and runs it.
 #
 #   build.sh package_shared|package_static|pkgconfig_shared|pkgconfig_static COMPILER PREFIX
 set -euo pipefail
 way=$1 compiler=$2 prefix=$( realpath "$3" )
 source=$( dirname "$( realpath "$0" )" )
+program=$source/../../../examples/decode_buffer.cpp
 build=$prefix-$way
 rm -rf "$build"
 mkdir -p "$build"
 
 case "$way" in
    package_*)
-      cmake -G Ninja -S "$source" -B "$build" -D CMAKE_CXX_COMPILER="$compiler" -D CMAKE_PREFIX_PATH="$prefix" -D KIND="${way#package_}"
+      cmake -G Ninja -S "$source" -B "$build" -D CMAKE_CXX_COMPILER="$compiler" -D CMAKE_PREFIX_PATH="$prefix" \
+         -D KIND="${way#package_}" -D PROGRAM="$program"
       cmake --build "$build"
       ;;
    pkgconfig_*)
@@ -23,7 +25,7 @@ case "$way" in
          *_static) libraries=( "$libdir/libLdp.a" ) ;;
       esac
       read -ra flags <<<"$( pkg-config --cflags Ldp )"
-      "$compiler" -std=c++20 "${flags[@]}" "$source/main.cpp" "${libraries[@]}" -o "$build/consumer"
+      "$compiler" -std=c++20 "${flags[@]}" "$program" "${libraries[@]}" -o "$build/consumer"
       ;;
 esac
 
