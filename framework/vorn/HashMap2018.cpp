@@ -93,7 +93,7 @@ HashMap2018BktHdr * HashMap2018Generic::bucketSplit( VTable const & vt, U32 word
         newBucket( vt, std::max( splitCapacity, std::bit_ceil( upperNum + 1 ) ), upperNum, sources );
    std::copy_n( words + lower, upperNum, upper->words() );
    // What has moved out is taken off the top of the old block, which goes on as the lower half.
-   vt.shift( vt, bucket->nodes(), nullptr, used, lower, -int( upperNum ) );
+   if ( upperNum ) vt.shift( vt, bucket->nodes(), nullptr, used, lower, -int( upperNum ) );
    std::fill_n( words + lower, upperNum, freeWord );
    bucket->usedIs( lower );
    std::fill_n( directory() + middle, half, upper );
