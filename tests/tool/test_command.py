@@ -36,7 +36,7 @@ class Forms(unittest.TestCase):
     def test_full(self):
         out = decode_hex([GOOD], "--full").out
         self.assertEqual(out, (
-            "line 1 LdpPduHdr: Ver(1),Len(38),LdpId: 10.0.0.9:0\n"
+            "line 1 LdpPduHdr: Ver(1),Len(30),LdpId: 10.0.0.9:0\n"
             "LDP Hello Msg:\n   Msg Id: 1,   CommonHelloTlv: HT(15),0,0\n"
             "LdpKeepAlive, Id: 0x00000002, numTlv: 0\n"))
         self.assertIn("Error LDP PDU: LDP Version 7 not supported\n", decode_hex([pdu(keepalive(9), version=7)], "--full").out)
@@ -87,7 +87,7 @@ class Mistakes(unittest.TestCase):
     def test_arguments(self):
         for arguments, words in (
             ([], "subcommand"), (["decode"], "one of FILE, -i IFACE and --hex FILE"), (["decode", BASIC, "--hex", "-"], "one of FILE"),
-            (["decode", BASIC, "--json", "--full"], "excludes"), (["decode", BASIC, "--nonsense"], "--nonsense"), (["nonsense"], "nonsense"),
+            (["decode", BASIC, "--json", "--full"], "excludes"), (["decode", BASIC, "--nonsense"], "--nonsense"), (["nonsense"], "subcommand"),
             (["decode", BASIC, "--filter", "hallo"], "'hallo'"), (["decode", BASIC, "--filter", "0x8000"], "'0x8000'"),
             (["decode", BASIC, "--filter", ""], "''"), (["decode", BASIC, "--filter"], "--filter"),
             (["decode", "-i", "no-such-interface"], "no-such-interface"),

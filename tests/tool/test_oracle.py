@@ -10,7 +10,25 @@ from ldpcap import CAPTURES, run
 
 # Messages that this decoder refuses and the dissector prints: (status, reason, why). Their header fields are compared all the
 # same. The key is (capture, frame, number of the PDU in the frame, number of the message in the PDU).
-REFUSED = {}
+MAC_WITHDRAW = ("malformedTlv", "malformedTlv", "a MAC withdraw (RFC 4762): its address list is empty, which is no address list here")
+IGNORED = "unknownMessageTypeIgnore"
+REFUSED = {
+    ("pw-targeted", 84, 1, 1): MAC_WITHDRAW,
+    ("pw-targeted", 86, 1, 1): MAC_WITHDRAW,
+    ("pw-targeted", 107, 1, 1): MAC_WITHDRAW,
+    ("pw-targeted", 110, 1, 1): MAC_WITHDRAW,
+    ("synthetic-mixed", 11, 1, 1): ("malformedTlv", "mbbCapabilityTlv TLV is not the right size", "it has 2 octets instead of 1"),
+    ("synthetic-mixed", 27, 1, 4): ("unknownFec", "Unhandled FEC TLV Element type 0x08", "MP2MP elements are not handled"),
+    ("synthetic-mixed", 27, 1, 5): ("unknownFec", "Unhandled FEC TLV Element type 0x07", "MP2MP elements are not handled"),
+    ("synthetic-mixed", 30, 1, 3): ("unknownFec", "Invalid FEC PW ID Element: Unknown PW type 0x0011", "not an Ethernet pseudowire"),
+    ("synthetic-mixed", 30, 1, 4): ("unknownTlv", "Unknown TLV Type: 2412", "generalized pseudowires are not handled"),
+    ("synthetic-mixed", 30, 1, 5): ("unknownTlv", "Unknown TLV Type: 2411", "generalized pseudowires are not handled"),
+    ("synthetic-mixed", 34, 1, 1): (IGNORED, "Unknown Message Type: 15873", "vendor-private, to be ignored by its U bit"),
+    ("synthetic-mixed", 34, 1, 2): (IGNORED, "Unknown Message Type: 16130", "experimental, to be ignored by its U bit"),
+    ("synthetic-mixed", 34, 1, 3): (IGNORED, "Unknown Message Type: 1911", "unknown, to be ignored by its U bit"),
+    ("synthetic-mixed", 73, 1, 2): ("missingMessageParams", "Missing LdpGenLabelTlv", "an ATM label is passed over"),
+    ("synthetic-mixed", 73, 1, 3): ("missingMessageParams", "Missing LdpGenLabelTlv", "a Frame Relay label is passed over"),
+}
 
 # Messages that only this decoder finds.
 ADDITIONAL = {
@@ -19,7 +37,9 @@ ADDITIONAL = {
 }
 
 # Fields of valid messages that the dissector prints and this decoder does not: (capture, frame, field).
-PASSED_OVER = {}
+PASSED_OVER = {
+    ("synthetic-mixed", 24, "lbl_req_id"): "a Label Request Message ID TLV has no meaning in a Notification",
+}
 
 CAPABILITIES = {0x0506, 0x0507, 0x0508, 0x0509, 0x050A, 0x050B, 0x050C, 0x050D, 0x050E, 0x050F, 0x0603}
 

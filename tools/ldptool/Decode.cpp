@@ -155,7 +155,7 @@ void addDecodeCommand( CLI::App & app ) {
    command.add_option( "--filter", *types, "look at messages of these types only, and at bad PDUs" )
         ->type_name( "TYPE,..." )
         ->delimiter( ',' )
-        ->expected( 1 );
+        ->allow_extra_args( false );
    command.add_flag( "--bad", options->selection.badOnly, "print only what is bad" );
    command.footer( examples );
    command.callback( [options, types] {

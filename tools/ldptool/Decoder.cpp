@@ -55,10 +55,14 @@ void Decoder::onPdu( Origin const & origin, Octets octets ) {
 
 void Decoder::decodeMessages( Pdu const & pdu, Vorn::Ptr< Lumo::Pkt > const & pkt ) {
    pduReported_ = false;
+   // The messages fill a valid PDU, so their lengths lead from one to the next. That is what the parser's map
+   // of offsets says too, without a look-up for each message.
    U32 const messageNum = pdu.parser->messageNum();
-   for ( U32 i = 0; i < messageNum; ++i ) {
-      U32 const offset = pdu.parser->messageOffset( i );
-      auto const type = LdpMsgType( ( pdu.octets[offset] << 8 | pdu.octets[offset + 1] ) & 0x7fff );
+   U32 offset = sizeof( LdpPduHdr );
+   for ( U32 i = 0, next; i < messageNum; ++i, offset = next ) {
+      U8 const * const unit = pdu.octets.data() + offset;
+      auto const type = LdpMsgType( ( unit[0] << 8 | unit[1] ) & 0x7fff );
+      next = offset + totalOfLength( U16( unit[2] << 8 | unit[3] ) );
       if ( !selection_.types.empty() && !selection_.types.contains( type ) ) continue;
       if ( auto const typed = typedParser( pkt, offset, type ) ) {
          report( *typed, pdu );

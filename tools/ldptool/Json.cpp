@@ -283,6 +283,9 @@ void JsonReporter::onFatalPdu( Pdu const & pdu, LdpPduGuardResult const & fatal 
    write( json );
 }
 
-void JsonReporter::write( Json const & object ) { out_ << object.dump() << '\n'; }
+void JsonReporter::write( Json const & object ) {
+   constexpr bool onlyAscii = true; // so that no reader takes an octet for a line end
+   out_ << object.dump( -1, ' ', onlyAscii ) << '\n';
+}
 
 } // namespace LdpTool
