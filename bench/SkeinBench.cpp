@@ -96,4 +96,12 @@ void functionTrace( benchmark::State & state ) {
 }
 BENCHMARK( functionTrace )->Name( "trace/function entry and end, two records with a time" );
 
+void functionInBlock( benchmark::State & state ) {
+   ringOn();
+   TWAIN_FUNCTION( "functionInBlock" );
+   for ( auto _ : state )
+      function();
+}
+BENCHMARK( functionInBlock )->Name( "trace/function within a function, one record with a time" );
+
 } // namespace

@@ -76,19 +76,10 @@ class VORN_API TraceFile {
 /// A record being written: `startMsg`, a `put` for each argument, `endMsg`.
 class RingBuf {
  public:
-   /// Begins a record of that message. The clock goes into it if `timed`, or if no block is open around it;
-   /// otherwise its time is bounded by the records of that block that have one.
-   void startMsg( TraceFile & file, int msgId, bool timed = false ) noexcept {
-      if ( file.block_->used > blockBytes - maxRecordBytes ) [[unlikely]]
-         file.nextBlock();
-      block_ = file.block_;
-      at_ = reinterpret_cast< char * >( block_ ) + block_->used;
-      if ( timed || file.openBlocks_ == 0 ) {
-         put( U16( msgId | clockFlag ) );
-         put( clock() );
-      } else {
-         put( U16( msgId ) );
-      }
+   /// Begins a record of that message. The clock goes into it only if no block is open around it: reading it
+   /// costs more than all the rest, and a record within a block is bounded by the times of its neighbours.
+   void startMsg( TraceFile & file, int msgId ) noexcept {
+      start( file, U16( msgId ), file.openBlocks_ == 0 );
    }
 
    /// Adds the octets of a number.
@@ -108,8 +99,8 @@ class RingBuf {
       U16 const length = U16( cut ? maxOctets : size );
       put( U16( length | ( cut ? cutFlag : 0 ) ) );
       if ( !length ) return;
-      std::memmove( at_, data,
-                    length ); // g++ makes a slow string instruction of a memcpy of at most 256 octets
+      // g++ makes a slow string instruction of a memcpy of at most 256 octets.
+      std::memmove( at_, data, length );
       at_ += length;
    }
 
@@ -121,6 +112,19 @@ class RingBuf {
 
  private:
    friend class BlockTimerMsg;
+   void start( TraceFile & file, U16 word, bool timed ) noexcept {
+      if ( file.block_->used > blockBytes - maxRecordBytes ) [[unlikely]]
+         file.nextBlock();
+      block_ = file.block_;
+      at_ = reinterpret_cast< char * >( block_ ) + block_->used;
+      if ( timed ) {
+         put( U16( word | clockFlag ) );
+         put( clock() );
+      } else {
+         put( word );
+      }
+   }
+
    Block * block_;
    char * at_;
 };
@@ -152,7 +156,7 @@ class BlockTimerMsg {
  public:
    BlockTimerMsg() noexcept = default;
    BlockTimerMsg( BlockTimerMsg const & ) = delete;
-   /// Takes over a message whose record has just been written, timed. `msgId` is that of the call site.
+   /// Takes over a message whose record has just been written. `msgId` is that of the call site.
    void open( TraceFile & file, int const * msgId ) noexcept {
       ++file.openBlocks_;
       msgId_ = msgId;
@@ -164,7 +168,7 @@ class BlockTimerMsg {
       if ( !file || *msgId_ <= 0 || !file->openBlocks_ ) [[unlikely]]
          return;
       RingBuf record;
-      record.startMsg( *file, *msgId_ | closeFlag, true );
+      record.start( *file, U16( *msgId_ | closeFlag ), true );
       record.endMsg();
       --file->openBlocks_;
    }

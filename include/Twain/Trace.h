@@ -136,7 +136,7 @@ class VORN_API FunctionTrace {
             registerFunction( *file, site, msgId, name );
          if ( msgId > 0 ) [[likely]] {
             Skein::RingBuf record;
-            record.startMsg( *file, msgId, true );
+            record.startMsg( *file, msgId );
             record.put( Ldp::callDepth );
             record.endMsg();
             timer_.open( *file, &msgId );

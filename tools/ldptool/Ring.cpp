@@ -66,7 +66,8 @@ std::string lineOf( RingRecord const & record, bool threaded ) {
    line += "end of " + printable( record.text );
    if ( record.took ) {
       if ( line.back() != ' ' ) line += ' ';
-      line += "after " + std::to_string( record.took ) + " ns";
+      line += std::string( "took " ) + ( record.exact ? "" : "at most " ) + std::to_string( record.took ) +
+              " ns";
    }
    return line + "\n";
 }
@@ -75,7 +76,7 @@ std::string jsonOf( RingRecord const & record ) {
    static constexpr char const * kinds[] = { "message", "open", "close" };
    nlohmann::ordered_json object;
    object["time"] = timeText( record.nanoseconds );
-   object["exact"] = record.timed;
+   object["timed"] = record.timed;
    object["kind"] = kinds[record.kind];
    object["thread"] = record.writer;
    object["depth"] = record.depth;
@@ -84,7 +85,7 @@ std::string jsonOf( RingRecord const & record ) {
    object["function"] = printable( record.site->function );
    object["level"] = record.site->level;
    object["text"] = printable( record.text );
-   if ( record.took ) object["nanoseconds"] = record.took;
+   if ( record.took ) object[record.exact ? "took" : "tookAtMost"] = record.took;
    return object.dump() + "\n";
 }
 

@@ -202,6 +202,7 @@ bool RingReader::readRecord( std::string_view & octets, BlockAt const & block, W
                                        [&]( RingRecord const & o ) { return o.site == record.site; } );
       if ( match != open.rend() ) {
          record.text = match->text;
+         record.exact = match->timed;
          if ( record.nanoseconds > match->nanoseconds ) record.took = record.nanoseconds - match->nanoseconds;
          open.erase( match.base() - 1, open.end() );
       }

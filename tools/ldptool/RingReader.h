@@ -38,7 +38,8 @@ struct RingRecord {
    Kind kind = message;
    bool timed = false;  // whether it has a time of its own
    U64 nanoseconds = 0; // since 1970-01-01 UTC; of an untimed record, that of the last timed one
-   U64 took = 0;        // of a close whose open is there too: nanoseconds in between
+   U64 took = 0;        // of a close whose open is there too: nanoseconds in between, at most
+   bool exact = false;  // they are exact: the open was timed
    U32 writer = 0;      // thread that wrote it, from 1
    U32 depth = 0;       // blocks open around it, as far as the ring reaches back
    std::string text;    // of a close, that of its open, or the function's name
