@@ -135,6 +135,8 @@ class Result:
         self.out = process.stdout.decode("latin-1")
         self.err = process.stderr.decode("latin-1")
         self.raw = process.stdout
+        # Anything else there is a sanitizer's report, whose exit status could pass for one of the program's own.
+        assert all(line.startswith("ldptool: ") for line in self.err.splitlines()), self.err
 
     @property
     def objects(self):

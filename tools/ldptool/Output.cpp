@@ -50,7 +50,10 @@ Output & Output::addLong( std::string_view text ) {
 
 Output & Output::decimal( std::uint64_t number ) {
    if ( room() < longestNumber ) flush();
-   end_ = std::to_chars( end_, end_ + longestNumber, number ).ptr;
+   // Nearly every number has 32 bits, and those divide faster.
+   end_ = number == std::uint32_t( number )
+               ? std::to_chars( end_, end_ + longestNumber, std::uint32_t( number ) ).ptr
+               : std::to_chars( end_, end_ + longestNumber, number ).ptr;
    return *this;
 }
 
