@@ -169,10 +169,12 @@ class VORN_API LdpP2mpFecGenericOpaqueId {
  public:
    static constexpr char const * defaultAttribute = "stringValue";
 
+   /// The default has no root and identifier 0.
    LdpP2mpFecGenericOpaqueId() noexcept = default;
    LdpP2mpFecGenericOpaqueId( Lumo::IpGenAddr const & rootIp, U32 gOpaqueId ) noexcept
         : rootIp_( rootIp ), gOpaqueId_( gOpaqueId ) {}
 
+   /// Address of the root, and the identifier that the root gave the LSP.
    Lumo::IpGenAddr const & rootIp() const noexcept { return rootIp_; }
    U32 gOpaqueId() const noexcept { return gOpaqueId_; }
 
@@ -181,6 +183,7 @@ class VORN_API LdpP2mpFecGenericOpaqueId {
    /// Reads that form, whole. Throws RangeException, and then the value stays as it was.
    void stringValueIs( Vorn::String const & text );
 
+   /// Equal values have equal hashes.
    U32 hash() const noexcept;
    /// Whether the value equals a default one.
    bool operator!() const noexcept { return *this == LdpP2mpFecGenericOpaqueId(); }

@@ -25,6 +25,7 @@ class VORN_API LdpFecTlvElement : public Vorn::PtrInterface {
    LdpFecTlvElement() noexcept = default;
    ~LdpFecTlvElement() override;
 
+   /// Kind of the element.
    virtual LdpFecElementType type() const;
    /// Text of the element. The base has none and asserts.
    virtual Vorn::String stringValue() const;
@@ -90,6 +91,7 @@ class VORN_API LdpFecTlvP2mpElement : public LdpFecTlvElement {
    Vorn::String stringValue() const override;
 };
 
+/// New elements without a value.
 VORN_API Vorn::Ptr< LdpFecTlvWildcardElement > ldpFecTlvWildcardElementFactory();
 VORN_API Vorn::Ptr< LdpFecTlvPrefixElement > ldpFecTlvPrefixElementFactory();
 VORN_API Vorn::Ptr< LdpFecTlvHostAddrElement > ldpFecTlvHostAddrElementFactory();
@@ -106,8 +108,10 @@ class VORN_API LdpFecTlvParser : public LdpTlvParser {
    LdpFecTlvParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, Vorn::Ptr< LdpProtoParam const > param );
    ~LdpFecTlvParser() override;
 
+   /// What the constructor was given; may be null.
    Vorn::Ptr< LdpProtoParam const > const & ldpProtoParam() const noexcept { return ldpProtoParam_; }
 
+   /// Whether the elements may be used; what is wrong if not.
    bool valid() const noexcept { return statusCode_ == success; }
    LdpStatusCode statusCode() const noexcept { return statusCode_; }
    /// Text of the failure; empty for a good TLV.
@@ -127,6 +131,7 @@ class VORN_API LdpFecTlvParser : public LdpTlvParser {
    /// Whether a Wildcard was met, or a PW ID element without a PW ID.
    bool hasWildcardFecElement() const noexcept { return hasWildcardFecElement_; }
 
+   /// A mark for the caller: parsing neither sets nor reads it.
    bool initialized() const noexcept { return initialized_; }
    void initializedIs( bool initialized ) noexcept { initialized_ = initialized; }
 
@@ -152,6 +157,7 @@ class VORN_API LdpFecTlvParser : public LdpTlvParser {
    Vorn::String reason_;
    FecElements fecElement_;
 };
+/// A new parser, which has parsed.
 VORN_API Vorn::Ptr< LdpFecTlvParser > ldpFecTlvParserFactory(
      Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset, Vorn::Ptr< LdpProtoParam const > const & param );
 

@@ -29,6 +29,7 @@ class VORN_API LdpTlvGroupParser : public Vorn::PtrInterface {
    static Vorn::Ptr< LdpTlvGroupParser > named( Vorn::Ptr< LdpTlvGroupParser > & child,
                                                 Vorn::Name const & name );
 
+   /// What the walker's owner calls it.
    Vorn::Name const & name() const noexcept { return name_; }
    /// The packet, and the run of `size` octets at `offset` in it; set before the walk.
    Vorn::Ptr< Lumo::Pkt > const & pkt() const noexcept { return pkt_; }
@@ -84,6 +85,7 @@ class VORN_API LdpPduParser : public Vorn::PtrInterface {
    LdpPduParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
    ~LdpPduParser() override;
 
+   /// What the constructor was given.
    Vorn::Ptr< Lumo::Pkt > const & pkt() const noexcept { return pkt_; }
    U32 offset() const noexcept { return offset_; }
    /// View of the header, at the offset whatever the packet holds there.
@@ -97,6 +99,7 @@ class VORN_API LdpPduParser : public Vorn::PtrInterface {
       return hasHeader() ? header_->ldpIdentifier() : LdpIdentifier();
    }
 
+   /// The verdict.
    LdpStatusCode statusCode() const noexcept { return statusCode_; }
    /// Text of the failure; empty for a good PDU.
    Vorn::String const & reason() const noexcept { return reason_; }
@@ -117,6 +120,7 @@ class VORN_API LdpPduParser : public Vorn::PtrInterface {
       return tlvGroupParser_ ? tlvGroupParser_->tlvOffset( index ) : 0;
    }
 
+   /// False: judging does not change it, which is intended.
    bool initialized() const noexcept { return initialized_; }
    /// The judgement, which the constructor runs.
    void handleInitialized();
@@ -137,6 +141,7 @@ class VORN_API LdpPduParser : public Vorn::PtrInterface {
    Vorn::String reason_;
    Vorn::Ptr< LdpTlvGroupParser > tlvGroupParser_;
 };
+/// A new parser, which has judged.
 VORN_API Vorn::Ptr< LdpPduParser > ldpPduParserFactory( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset );
 
 } // namespace Ldp

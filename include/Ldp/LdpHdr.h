@@ -62,6 +62,7 @@ class VORN_API LdpPduHdr : public Vorn::NrcPtrInterface {
    /// Octets that the length field does not count: version and length.
    static constexpr U16 pduHdrSizeExclude = 4;
 
+   /// The raw fields.
    Lumo::NetU16 versionNbo() const noexcept { return version_; }
    void versionNboIs( Lumo::NetU16 version ) noexcept { version_ = version; }
    Lumo::NetU16 lengthNbo() const noexcept { return length_; }
@@ -70,11 +71,13 @@ class VORN_API LdpPduHdr : public Vorn::NrcPtrInterface {
    LdpIdentifier const & ldpIdentifier() const noexcept { return ldpIdentifier_; }
    void ldpIdentifierIs( LdpIdentifier const & ldpIdentifier ) noexcept { ldpIdentifier_ = ldpIdentifier; }
 
+   /// Version of the protocol; 1 is the only one.
    U16 version() const noexcept { return version_.value(); }
    /// Octets behind the length field.
    U16 length() const noexcept { return length_.value(); }
    U16 totalLength() const noexcept { return totalOfLength( length() ); }
 
+   /// Text of all fields.
    Vorn::String stringValue() const;
 
  private:
@@ -92,6 +95,7 @@ class VORN_API LdpMsgHdr : public Vorn::NrcPtrInterface {
    /// Octets of the whole header.
    static constexpr U16 ldpMsgHdrSize = 8;
 
+   /// The raw fields.
    LdpHdrMsgUbitAndTypeField msgUbitAndTypeField() const noexcept { return msgUbitAndTypeField_; }
    void msgUbitAndTypeFieldIs( LdpHdrMsgUbitAndTypeField field ) noexcept { msgUbitAndTypeField_ = field; }
    Lumo::NetU16 lengthNbo() const noexcept { return length_; }
@@ -99,6 +103,7 @@ class VORN_API LdpMsgHdr : public Vorn::NrcPtrInterface {
    Lumo::NetU32 msgIdNbo() const noexcept { return msgId_; }
    void msgIdNboIs( Lumo::NetU32 msgId ) noexcept { msgId_ = msgId; }
 
+   /// U bit: the receiver is to ignore the message silently if it does not know the type.
    bool unknown() const noexcept { return msgUbitAndTypeField_.unknown(); }
    void unknownIs( U32 unknown ) noexcept { msgUbitAndTypeField_.unknownIs( unknown ); }
    LdpMsgType type() const noexcept { return LdpMsgType( msgUbitAndTypeField_.type() ); }
@@ -122,11 +127,13 @@ class VORN_API LdpTlvHdr : public Vorn::NrcPtrInterface {
    /// Octets that the length field does not count: the whole header.
    static constexpr U16 tlvHdrSizeExclude = 4;
 
+   /// The raw fields.
    LdpTlvTypeField tlvTypeField() const noexcept { return tlvTypeField_; }
    void tlvTypeFieldIs( LdpTlvTypeField field ) noexcept { tlvTypeField_ = field; }
    Lumo::NetU16 lengthNbo() const noexcept { return length_; }
    void lengthNboIs( Lumo::NetU16 length ) noexcept { length_ = length; }
 
+   /// U and F bit: whether a receiver that does not know the type ignores the TLV silently, and forwards it.
    bool unknown() const noexcept { return tlvTypeField_.unknown(); }
    void unknownIs( U32 unknown ) noexcept { tlvTypeField_.unknownIs( unknown ); }
    bool forwardUnknown() const noexcept { return tlvTypeField_.forwardUnknown(); }

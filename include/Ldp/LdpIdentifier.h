@@ -20,6 +20,7 @@ class VORN_API LdpIdentifier {
    constexpr void tmpLsrIdIs( U32 lsrId ) noexcept { lsrId_.valueIs( lsrId ); }
    constexpr void tmpLblSpaceIs( U16 lblSpace ) noexcept { lblSpace_.valueIs( lblSpace ); }
 
+   /// Hash of both parts.
    U32 hash() const noexcept {
       U32 h = lsrId() * 32767 - 1;
       h = ( h ^ ( h >> 12 ) ) * 5;

@@ -30,6 +30,7 @@ class VORN_API LdpGenLabelTlv : public LdpTlvHdr {
    /// Replaces the 20 bits of the label, of which it takes the low ones, and keeps the reserved bits.
    void labelIs( Lumo::MplsLabel label ) noexcept { labelField_.labelNboIs( label.value() ); }
 
+   /// `success`, or `badTlvLength` for any length but 4.
    LdpStatusCode validate() const;
    Vorn::String stringValue() const;
 
@@ -45,6 +46,7 @@ class VORN_API LdpLabelReqMsgIdTlv : public LdpTlvHdr {
    U32 reqMsgId() const noexcept { return reqMsgId_.value(); }
    void reqMsgIdIs( U32 msgId ) noexcept { reqMsgId_.valueIs( msgId ); }
 
+   /// `success`, or `badTlvLength` for any length but 4.
    LdpStatusCode validate() const;
    Vorn::String stringValue() const;
 
@@ -60,6 +62,7 @@ class VORN_API LdpHopCountTlv : public LdpTlvHdr {
    U8 hopCount() const noexcept { return hopCount_; }
    void hopCountIs( U8 hops ) noexcept { hopCount_ = hops; }
 
+   /// `success`, or `badTlvLength` for any length but 1.
    LdpStatusCode validate() const;
    Vorn::String stringValue() const;
 
@@ -79,6 +82,7 @@ class VORN_API LdpPathVectorTlv : public LdpTlvHdr {
    /// The first position of that id, counted from 1; 0 when it is absent.
    U32 lsrIdPosition( Lumo::IpAddr const & lsrId ) const noexcept;
 
+   /// `success`, or `badTlvLength` when there is no id.
    LdpStatusCode validate() const;
    Vorn::String stringValue() const;
 };
@@ -109,6 +113,7 @@ class VORN_API LdpStatusTlv : public LdpTlvHdr {
    Lumo::NetU32 msgIdNbo() const noexcept { return msgId_; }
    Lumo::NetU16 msgTypeNbo() const noexcept { return msgType_; }
 
+   /// The status, and its two bits.
    LdpStatusCode statusData() const noexcept { return LdpStatusCode( statusCode_.statusDataNbo() ); }
    /// Replaces the low 30 bits, of which a status has no more on the wire, and keeps E and F.
    void statusDataIs( LdpStatusCode status ) noexcept { statusCode_.statusDataNboIs( status ); }
@@ -123,6 +128,7 @@ class VORN_API LdpStatusTlv : public LdpTlvHdr {
    LdpMsgType msgType() const noexcept { return LdpMsgType( msgType_.value() ); }
    void msgTypeIs( LdpMsgType type ) noexcept { msgType_.valueIs( U16( type ) ); }
 
+   /// `success`, or `badTlvLength` for any length but 10.
    LdpStatusCode validate() const;
    Vorn::String stringValue() const;
 
@@ -139,6 +145,7 @@ static_assert( sizeof( LdpStatusTlv ) == 14 && alignof( LdpStatusTlv ) == 1 );
 /// whose total wraps (65533 to 65535) covers nothing: no family, no address.
 class VORN_API LdpAddressListTlv : public LdpTlvHdr {
  public:
+   /// The raw field; 0 when the TLV is too short to hold it.
    Lumo::NetU16 addressFamilyNbo() const noexcept;
    /// IPv4 or IPv6, or any other number that was sent; 0 when the TLV is too short to hold it.
    Lumo::AddressFamily family() const noexcept;
@@ -147,6 +154,7 @@ class VORN_API LdpAddressListTlv : public LdpTlvHdr {
    /// The address at that position, which is below `numAddress()`: anything else asserts.
    Lumo::IpGenAddr address( U16 position ) const;
 
+   /// Header first; `unsupportedAddressFamily` for neither IPv4 nor IPv6, `malformedTlv` for no address.
    LdpStatusCode validate() const;
    Vorn::String stringValue() const;
 

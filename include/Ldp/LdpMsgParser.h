@@ -38,6 +38,7 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    /// Text of the message, or of what is wrong with it.
    virtual Vorn::String stringValue() const;
 
+   /// What the constructor was given.
    Vorn::Ptr< Lumo::Pkt > const & pkt() const noexcept { return pkt_; }
    U32 offset() const noexcept { return offset_; }
    /// View of the header, at the offset whatever the packet holds there.
@@ -50,6 +51,7 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    U16 length() const noexcept { return hasHeader() ? msgHdr_->length() : U16( 0 ); }
    U16 totalLength() const noexcept { return hasHeader() ? msgHdr_->totalLength() : U16( 0 ); }
 
+   /// The verdict.
    LdpStatusCode statusCode() const noexcept { return statusCode_; }
    /// Text of the failure. Empty for a good message, except that a good Initialization says "success".
    Vorn::String const & reason() const noexcept { return reason_; }
@@ -97,6 +99,7 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    /// A good message's heading and id, with which its text begins.
    Vorn::String headingText( char const * heading ) const;
 
+   /// What the getters show.
    Vorn::Ptr< Lumo::Pkt > pkt_;
    U32 offset_;
    LdpStatusCode statusCode_ = success;
@@ -206,6 +209,7 @@ class VORN_API LdpCapabilityMsgParser : public LdpCapabilityParser {
    ~LdpCapabilityMsgParser() override;
    Vorn::String stringValue() const override;
 
+   /// Whether the judgement has run to its end, and the judgement, which the constructor runs.
    bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
 
@@ -309,6 +313,7 @@ class VORN_API LdpLabelRequestMsgParser : public LdpMsgParser {
    ~LdpLabelRequestMsgParser() override;
    Vorn::String stringValue() const override;
 
+   /// Optional TLVs; null where the message has none.
    LdpHopCountTlv const * msgHopCountTlv() const noexcept { return msgHopCountTlv_; }
    LdpPathVectorTlv const * msgPathVectorTlv() const noexcept { return msgPathVectorTlv_; }
    bool initialized() const noexcept { return initialized_; }
@@ -329,6 +334,7 @@ class VORN_API LdpLabelWithdrawMsgParser : public LdpMsgParser {
    ~LdpLabelWithdrawMsgParser() override;
    Vorn::String stringValue() const override;
 
+   /// The label; null for all labels of the FEC.
    LdpGenLabelTlv const * msgGenLabelTlv() const noexcept { return msgGenLabelTlv_; }
    bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
@@ -348,6 +354,7 @@ class VORN_API LdpLabelReleaseMsgParser : public LdpMsgParser {
    ~LdpLabelReleaseMsgParser() override;
    Vorn::String stringValue() const override;
 
+   /// The label; null for all labels of the FEC.
    LdpGenLabelTlv const * msgGenLabelTlv() const noexcept { return msgGenLabelTlv_; }
    bool initialized() const noexcept { return initialized_; }
    void handleInitialized();

@@ -18,9 +18,11 @@ class VORN_API LdpProtoParam : public Vorn::PtrInterface {
    /// The one version of the protocol.
    static constexpr U16 ldpProtocolVersion = 1;
 
+   /// The parameters of the VRF of that name, with their defaults.
    explicit LdpProtoParam( Vorn::Name name ) : name_( std::move( name ) ) {}
    ~LdpProtoParam() override;
 
+   /// Name of the VRF.
    Vorn::Name const & name() const noexcept { return name_; }
    /// Whether a Wildcard element must be alone in its FEC TLV (RFC 5036, 3.4.1). True by default.
    bool fecTlvStrictPrefixWildcardOnlyElement() const noexcept { return strictWildcard_; }
@@ -31,6 +33,7 @@ class VORN_API LdpProtoParam : public Vorn::PtrInterface {
    bool strictWildcard_ = true;
 };
 
+/// New parameters, with their defaults.
 VORN_API Vorn::Ptr< LdpProtoParam > ldpProtoParamFactory( Vorn::Name const & name );
 
 } // namespace Ldp

@@ -24,6 +24,7 @@ class VORN_API LdpFecTlvPwIdElement : public LdpFecTlvElement {
  private:
    LdpPwIntfParamFlags parsedIntfParams_;
 };
+/// A new element without a value.
 VORN_API Vorn::Ptr< LdpFecTlvPwIdElement > ldpFecTlvPwIdElementFactory();
 
 /// Parses the PW ID element at `currOffset` of the parser's packet, in a FEC TLV whose value ends at

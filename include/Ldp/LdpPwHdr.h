@@ -40,6 +40,7 @@ class VORN_API LdpFecTlvPwIdElementHdr : public LdpFecTlvElementHdr {
    Lumo::NetU32 groupIdNbo() const noexcept { return groupId_; }
    void groupIdNboIs( Lumo::NetU32 groupId ) noexcept { groupId_ = groupId; }
 
+   /// The group, the C bit (a control word is used) and the type.
    Pseudowire::GroupId groupId() const noexcept { return Pseudowire::GroupId( groupId_.value() ); }
    void groupIdIs( Pseudowire::GroupId groupId ) noexcept { groupId_.valueIs( groupId.value() ); }
    bool controlWord() const noexcept { return pwTypeField_.controlWordBit(); }
@@ -66,6 +67,7 @@ class VORN_API LdpPwIntfParamSubTlv : public Vorn::NrcPtrInterface {
    /// Octets of the head.
    static constexpr U8 tlvHdrSizeExclude = 2;
 
+   /// The code of the parameter, raw and as an enumerator.
    U8 typeField() const noexcept { return typeField_; }
    void typeFieldIs( U8 code ) noexcept { typeField_ = code; }
    LdpPwIntfParamSubTlvType type() const noexcept { return LdpPwIntfParamSubTlvType( typeField_ ); }
@@ -233,6 +235,7 @@ class VORN_API LdpPwStatusTlv : public LdpTlvHdr {
    LdpPwStatusField pwStatusField() const noexcept { return pwStatusField_; }
    void pwStatusFieldIs( LdpPwStatusField field ) noexcept { pwStatusField_ = field; }
 
+   /// Header first; `badTlvLength` for any length but 4.
    LdpStatusCode validate() const;
    Vorn::String stringValue() const;
 

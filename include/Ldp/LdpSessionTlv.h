@@ -47,6 +47,7 @@ class VORN_API LdpCommonHelloTlv : public LdpTlvHdr {
       targetHelloField_.requestSendTargetedHelloIs( request );
    }
 
+   /// `success`, or `badTlvLength` for any length but 4.
    LdpStatusCode validate() const;
    Vorn::String stringValue() const;
 
@@ -62,6 +63,7 @@ class VORN_API LdpIpTransportAddrTlv : public LdpTlvHdr {
    Lumo::IpAddr ipAddr() const noexcept { return ipAddr_; }
    void ipAddrIs( Lumo::IpAddr const & ipAddr ) noexcept { ipAddr_ = ipAddr; }
 
+   /// `success`, or `badTlvLength` for any length but 4.
    LdpStatusCode validate() const;
    Vorn::String stringValue() const;
 
@@ -77,6 +79,7 @@ class VORN_API LdpConfigSeqNumTlv : public LdpTlvHdr {
    U32 configSeqNum() const noexcept { return configSeqNum_.value(); }
    void configSeqNumIs( U32 number ) noexcept { configSeqNum_.valueIs( number ); }
 
+   /// `success`, or `badTlvLength` for any length but 4.
    LdpStatusCode validate() const;
    Vorn::String stringValue() const;
 
@@ -91,6 +94,7 @@ class VORN_API LdpIp6TransportAddrTlv : public LdpTlvHdr {
    Lumo::Ip6Addr ip6Addr() const noexcept { return ip6Addr_; }
    void ip6AddrIs( Lumo::Ip6Addr const & ip6Addr ) noexcept { ip6Addr_ = ip6Addr; }
 
+   /// `success`, or `badTlvLength` for any length but 16.
    LdpStatusCode validate() const;
    Vorn::String stringValue() const;
 
@@ -121,12 +125,14 @@ class VORN_API LdpCommonSessionParamTlv : public LdpTlvHdr {
    /// Shortest keep-alive time that a session can have, in seconds.
    static constexpr U16 minKeepAliveTime = 3;
 
+   /// The raw fields.
    Lumo::NetU16 protocolVersionNbo() const noexcept { return protocolVersion_; }
    Lumo::NetU16 keepAliveTimeNbo() const noexcept { return keepAliveTime_; }
    LdpCommonSessionParamTlvAdField adField() const noexcept { return adField_; }
    void adFieldIs( LdpCommonSessionParamTlvAdField field ) noexcept { adField_ = field; }
    Lumo::NetU16 maxPduLengthNbo() const noexcept { return maxPduLength_; }
 
+   /// Version of the protocol; 1 is the only one.
    U16 protocolVersion() const noexcept { return protocolVersion_.value(); }
    void protocolVersionIs( U16 version ) noexcept { protocolVersion_.valueIs( version ); }
    /// Proposed keep-alive time in seconds.
@@ -146,6 +152,8 @@ class VORN_API LdpCommonSessionParamTlv : public LdpTlvHdr {
    LdpIdentifier const & recvLdpIdentifier() const noexcept { return recvLdpIdentifier_; }
    void recvLdpIdentifierIs( LdpIdentifier const & receiver ) noexcept { recvLdpIdentifier_ = receiver; }
 
+   /// Header first, then length, version, keep-alive time and maximum PDU length, each with a code of its
+   /// own.
    LdpStatusCode validate() const;
    Vorn::String stringValue() const;
 
@@ -201,6 +209,7 @@ class VORN_API LdpFtSessionTlv : public LdpTlvHdr {
    U16 learnFromNetwork() const noexcept { return ftFlags_.learnFromNetwork(); }
    void learnFromNetworkIs( U16 flag ) noexcept { ftFlags_.learnFromNetworkIs( flag ); }
 
+   /// Header first; `badTlvLength` for any length but 12; `malformedTlv` for flags that do not go together.
    LdpStatusCode validate() const;
    Vorn::String stringValue() const;
 

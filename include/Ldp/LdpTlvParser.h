@@ -26,11 +26,13 @@ class VORN_API LdpTlvParser : public Vorn::PtrInterface {
    LdpTlvParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
    ~LdpTlvParser() override;
 
+   /// What the constructor was given.
    Vorn::Ptr< Lumo::Pkt > const & pkt() const noexcept { return pkt_; }
    U32 offset() const noexcept { return offset_; }
    /// View of the header, at the offset whatever the packet holds there.
    LdpTlvHdr const * header() const noexcept { return header_; }
 
+   /// Fields of the header.
    bool unknown() const noexcept { return hasHeader() && header_->unknown(); }
    bool forwardUnknown() const noexcept { return hasHeader() && header_->forwardUnknown(); }
    LdpTlvType type() const noexcept { return hasHeader() ? header_->type() : LdpTlvType( 0 ); }
@@ -43,10 +45,12 @@ class VORN_API LdpTlvParser : public Vorn::PtrInterface {
    bool hasOctets( U64 octets ) const noexcept { return offset_ + octets <= pkt_->frontBytes(); }
    bool hasHeader() const noexcept { return hasOctets( sizeof( LdpTlvHdr ) ); }
 
+   /// What the getters show.
    Vorn::Ptr< Lumo::Pkt > pkt_;
    U32 offset_;
    LdpTlvHdr * header_ = nullptr;
 };
+/// A new parser.
 VORN_API Vorn::Ptr< LdpTlvParser > ldpTlvParserFactory( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset );
 
 /// What the parsers of one kind of TLV share: the view as that kind, its judgement and its text.
@@ -59,10 +63,12 @@ class LdpBodyTlvParser : public LdpTlvParser {
    Body const * header2() const noexcept { return hasBody() ? body() : nullptr; }
    Body * header2() noexcept { return hasBody() ? body() : nullptr; }
 
+   /// The body's judgement and text.
    LdpStatusCode validate() const { return body()->validate(); }
    Vorn::String stringValue() const { return hasBody() ? body()->stringValue() : Vorn::String(); }
 
  protected:
+   /// The TLV as its kind, wherever it stands.
    Body * body() const noexcept { return static_cast< Body * >( header_ ); }
 
  private:

@@ -32,6 +32,7 @@ class VORN_API ReentrantAssert {
    bool * flag_;
 };
 
+/// What kind of interface it is, by its name.
 VORN_API bool isManagementOrInternalInterface( Lumo::IntfId const & intfId );
 VORN_API bool isLoopbackInterface( Lumo::IntfId const & intfId );
 /// Whether LDP can run there: VLAN, port-channel, Ethernet and sub-interfaces, and loopbacks if they count.
@@ -54,6 +55,7 @@ struct LdpPduGuardResult {
    /// Offset of the unit's first octet, or of the P2MP element's type octet, from the packet's front.
    U32 offset;
 
+   /// Whether there is a fatal input.
    explicit operator bool() const noexcept { return input != none; }
    friend bool operator==( LdpPduGuardResult const &, LdpPduGuardResult const & ) noexcept = default;
 };

@@ -13,11 +13,13 @@ class VORN_API PwFwdEqvClass {
  public:
    static constexpr char const * defaultAttribute = "stringValue";
 
+   /// The default has no PW ID and no type.
    PwFwdEqvClass() noexcept = default;
    PwFwdEqvClass( Pseudowire::PseudowireId pwId, Pseudowire::PseudowireType pwType,
                   bool controlWord ) noexcept
         : pwId_( pwId ), pwType_( pwType ), controlWord_( controlWord ) {}
 
+   /// The identity as it was sent.
    Pseudowire::PseudowireId pwId() const noexcept { return pwId_; }
    Pseudowire::PseudowireType pwType() const noexcept { return pwType_; }
    /// C bit: a control word is used.
@@ -25,10 +27,12 @@ class VORN_API PwFwdEqvClass {
    /// The PW type as a number.
    U32 pwTypeValue() const noexcept { return pwType_; }
 
+   /// The text form above.
    Vorn::String stringValue() const;
    /// Reads that form, whole. Throws RangeException, and then the value stays as it was.
    void stringValueIs( Vorn::String const & text );
 
+   /// Equal values have equal hashes.
    U32 hash() const noexcept;
    /// Whether the value equals a default one.
    bool operator!() const noexcept { return *this == PwFwdEqvClass(); }
@@ -49,6 +53,7 @@ class VORN_API PwFwdEqvClassParams {
  public:
    static constexpr U32 unspecifiedMtu = 0;
 
+   /// The group of the FEC.
    Pseudowire::GroupId groupId() const noexcept { return groupId_; }
    void groupIdIs( Pseudowire::GroupId groupId ) noexcept { groupId_ = groupId; }
    /// Interface MTU in octets.
@@ -94,6 +99,7 @@ class VORN_API PwFwdEqvClassInfo {
    PwFwdEqvClassParams const & params() const noexcept { return params_; }
    void paramsIs( PwFwdEqvClassParams const & params ) noexcept { params_ = params; }
 
+   /// Parts of the two.
    Pseudowire::PseudowireId pwId() const noexcept { return fwdEqvClass_.pwId(); }
    Pseudowire::GroupId groupId() const noexcept { return params_.groupId(); }
    void groupIdIs( Pseudowire::GroupId groupId ) noexcept { params_.groupIdIs( groupId ); }
