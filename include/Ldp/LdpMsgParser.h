@@ -209,7 +209,7 @@ class VORN_API LdpCapabilityMsgParser : public LdpCapabilityParser {
    ~LdpCapabilityMsgParser() override;
    Vorn::String stringValue() const override;
 
-   /// Whether the judgement has run to its end, and the judgement, which the constructor runs.
+   /// The mark that the judgement sets, and the judgement, which the constructor runs.
    bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
 

@@ -1,0 +1,51 @@
+#!/usr/bin/env python3
+"""Whether include/Ldp is documented without a gap.
+
+Reads what Doxygen says of undocumented things (standard input) and lets pass what a reader of the header would call documented: a comment
+speaks for its paragraph, that is for the declarations below it down to the next blank line, and the comment of a class for the class's first
+paragraph. The rest is printed, with exit status 1, and so is anything else that Doxygen warns of.
+"""
+
+import pathlib
+import re
+import sys
+
+MEMBER = re.compile(r"(.*?):(\d+): (?:warning|error): Member .* is not documented\.$")
+CLASS_HEAD = re.compile(r"\s*(template<.*>\s*)?(class|struct)\b.*\{$")
+# What may stand between the head of a class and its first paragraph.
+OPENING = re.compile(r"\s*((public|protected|private):|VORN_OBJECT\(.*|LDP_TLV_PARSER\(.*|using .*;|)$")
+# What the first line of a paragraph stands below.
+BOUNDARY = re.compile(f"{OPENING.pattern}|{CLASS_HEAD.pattern}|}}")
+
+
+def undocumented_paragraph(lines, index):
+    """The index of the first line of the paragraph that the line stands in, or None if a comment speaks for it."""
+    first = index
+    while not BOUNDARY.match(lines[first - 1]):
+        first -= 1
+    above = first - 1
+    while OPENING.match(lines[above]):
+        above -= 1
+    spoken_for = CLASS_HEAD.match(lines[above]) or any("///" in line for line in lines[first:index + 1])
+    return None if spoken_for else first
+
+
+def main():
+    gaps = set()
+    for line in filter(None, map(str.strip, sys.stdin)):
+        found = MEMBER.match(line)
+        if not found:
+            gaps.add(line)
+            continue
+        path, number = found.groups()
+        lines = pathlib.Path(path).read_text().split("\n")
+        first = undocumented_paragraph(lines, int(number) - 1)
+        if first is not None:
+            gaps.add(f"{path}:{first + 1}: no comment speaks for {lines[first].strip()}")
+    for gap in sorted(gaps):
+        print(gap)
+    sys.exit(1 if gaps else 0)
+
+
+if __name__ == "__main__":
+    main()
