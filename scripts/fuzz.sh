@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs every fuzz target of a fuzz build for a number of seconds each, beginning from the corpus in
-# fuzz/corpus/TARGET. What a target finds on its way stays in the build folder; an input that breaks it is kept
+# Runs every fuzz target of a fuzz build for a number of seconds each, beginning from the inputs in
+# fuzz/corpus/TARGET and fuzz/kept/TARGET. What a target finds on its way stays in the build folder; an input that breaks it is kept
 # in BUILD/artifacts and named at the end.
 #
 #   scripts/fuzz.sh SECONDS [BUILD [TARGET...]]      BUILD is build/fuzz unless given
@@ -25,7 +25,9 @@ for target in "${targets[@]}"; do
    found=$build/corpus/$target # the first folder that libFuzzer is given takes the new inputs
    mkdir -p "$found"
    kept=()
-   [[ ! -d fuzz/corpus/$target ]] || kept=( "fuzz/corpus/$target" )
+   for folder in "fuzz/corpus/$target" "fuzz/kept/$target"; do
+      [[ ! -d $folder ]] || kept+=( "$folder" )
+   done
    log=$build/$target.log
    echo "== $target, $seconds s"
    if "$build/bin/$target" -max_total_time="$seconds" -print_final_stats=1 -rss_limit_mb=4096 -timeout=10 \
