@@ -12,8 +12,8 @@
 
 #include "Lumo/Pkt.h"
 
-#include <arpa/inet.h>
 #include <cctype>
+#include <cstdio>
 #include <initializer_list>
 #include <stdexcept>
 #include <string>
@@ -50,7 +50,7 @@ inline Octets octets( std::string_view hex ) {
    return out;
 }
 
-inline std::size_t size( std::string_view hex ) { return octets( hex ).size(); }
+inline std::size_t octetNum( std::string_view hex ) { return octets( hex ).size(); }
 
 inline Hex hexOf( Octets const & octets ) {
    Hex out;
@@ -68,9 +68,9 @@ inline Hex u32( U32 v ) { return u16( v >> 16 ) + u16( v & 0xffff ); }
 inline Hex text( std::string_view s ) { return hexOf( Octets( s.begin(), s.end() ) ); }
 inline Hex repeat( std::size_t count, U8 octet ) { return hexOf( Octets( count, octet ) ); }
 inline Hex ip( char const * address ) {
-   in_addr a{};
-   if ( inet_pton( AF_INET, address, &a ) != 1 ) throw std::invalid_argument( "not an IPv4 address" );
-   return u32( ntohl( a.s_addr ) );
+   unsigned a, b, c, d;
+   if ( std::sscanf( address, "%u.%u.%u.%u", &a, &b, &c, &d ) != 4 ) throw std::invalid_argument( address );
+   return u32( a << 24 | b << 16 | c << 8 | d );
 }
 /// Its first `count` octets.
 inline Hex first( std::size_t count, std::string_view hex ) {
@@ -84,7 +84,7 @@ inline Hex tlvLen( U32 type, U32 length, std::string_view value = {} ) {
    return u16( type ) + u16( length ) + Hex( value ) + ' ';
 }
 inline Hex tlv( U32 type, std::string_view value = {} ) {
-   return tlvLen( type, U32( size( value ) ), value );
+   return tlvLen( type, U32( octetNum( value ) ), value );
 }
 
 inline Hex join( std::initializer_list< Hex > parts ) {
@@ -97,7 +97,7 @@ inline Hex msgLen( U32 type, U32 length, U32 id, std::initializer_list< Hex > tl
    return tlvLen( type, length, u32( id ) + join( tlvs ) );
 }
 inline Hex msg( U32 type, U32 id, std::initializer_list< Hex > tlvs = {} ) {
-   return msgLen( type, U32( 4 + size( join( tlvs ) ) ), id, tlvs );
+   return msgLen( type, U32( 4 + octetNum( join( tlvs ) ) ), id, tlvs );
 }
 
 inline Hex pduLen( U32 length, char const * lsrId, U32 labelSpace, std::initializer_list< Hex > msgs,
@@ -105,7 +105,7 @@ inline Hex pduLen( U32 length, char const * lsrId, U32 labelSpace, std::initiali
    return u16( version ) + u16( length ) + ip( lsrId ) + u16( labelSpace ) + join( msgs );
 }
 inline Hex pdu( char const * lsrId, U32 labelSpace, std::initializer_list< Hex > msgs, U32 version = 1 ) {
-   return pduLen( U32( 6 + size( join( msgs ) ) ), lsrId, labelSpace, msgs, version );
+   return pduLen( U32( 6 + octetNum( join( msgs ) ) ), lsrId, labelSpace, msgs, version );
 }
 
 /// A packet that owns exactly those octets, so that a sanitizer sees a read behind them.
