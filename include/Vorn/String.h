@@ -41,7 +41,7 @@ class VORN_API String {
    bool operator!() const noexcept { return empty(); }
    /// The octets, with a zero octet behind the last.
    char const * charPtr() const noexcept {
-      return data_ ? reinterpret_cast< char const * >( data_ + 1 ) : "";
+      return data_ ? reinterpret_cast< char const * >( data_ + 1 ) : nothing_;
    }
    IteratorConst begin() const noexcept { return charPtr(); }
    IteratorConst end() const noexcept { return charPtr() + bytes(); }
@@ -72,6 +72,9 @@ class VORN_API String {
    };
    void release() noexcept;
    static Data * newData( std::size_t bytes );
+
+   // An object, not a literal, which need not have the same address twice: begin() and end() must agree.
+   static constexpr char nothing_[1] = {};
 
    Data * data_ = nullptr; // null exactly when the string is empty
 };
