@@ -6,14 +6,22 @@ namespace Lumo {
 
 VORN_OBJECT_RECORD( Lumo, Pkt, nullptr )
 
+namespace {
+
+/// The front of a packet without octets, such as an empty datagram makes: a place, though nothing is there.
+constexpr U8 noOctets = 0;
+
+} // namespace
+
 Pkt::Pkt( void const * data, std::size_t bytes )
      : owned_( static_cast< U8 const * >( data ), static_cast< U8 const * >( data ) + bytes ),
-       front_( owned_.data() ), frontBytes_( bytes ) {}
+       front_( bytes ? owned_.data() : &noOctets ), frontBytes_( bytes ) {}
 
 Pkt::~Pkt() = default;
 
 Vorn::Ptr< Pkt > Pkt::borrow( void const * data, std::size_t bytes ) {
-   return Vorn::Ptr< Pkt >( new Pkt( Borrowed(), static_cast< U8 const * >( data ), bytes ) );
+   auto const * octets = bytes ? static_cast< U8 const * >( data ) : &noOctets;
+   return Vorn::Ptr< Pkt >( new Pkt( Borrowed(), octets, bytes ) );
 }
 
 Vorn::Ptr< Pkt > pktFactory( void const * data, std::size_t bytes ) {

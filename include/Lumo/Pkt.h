@@ -22,7 +22,7 @@ class VORN_API Pkt : public Vorn::PtrInterface {
    /// Nothing is copied.
    static Vorn::Ptr< Pkt > borrow( void const * data, std::size_t bytes );
 
-   /// First byte of the contiguous data.
+   /// First byte of the contiguous data; a place even where there is none.
    U8 const * front() const noexcept { return front_; }
    /// Bytes from `front()` on.
    U64 frontBytes() const noexcept { return frontBytes_; }

@@ -194,8 +194,8 @@ TEST( LdpMsgParserGet, typedParserMayRefuseWhatThePlainOneTook ) {
 
 TEST( LdpMsgParserGet, assertsItsArguments ) {
    EXPECT_ASSERTION( ldpMsgParserGet( nullptr, 0 ), "pkt" );
-   EXPECT_ASSERTION( ldpMsgParserGet( Lumo::Pkt::borrow( nullptr, 0 ), 0 ), "pkt->front()" );
-   EXPECT_ASSERTION( ldpMsgParserGet( Lumo::Pkt::borrow( "", 0 ), 0 ), "pkt->frontBytes()" );
+   EXPECT_ASSERTION( ldpMsgParserGet( Lumo::Pkt::borrow( nullptr, 1 ), 0 ), "pkt->front()" );
+   EXPECT_ASSERTION( ldpMsgParserGet( pkt( "" ), 0 ), "pkt->frontBytes()" );
    EXPECT_ASSERTION( ldpMsgParserGet( pkt( "00" ), 2 ), "pkt_->frontBytes() >= offset_" );
 }
 
