@@ -1,0 +1,171 @@
+// The walk over a run of type-length units, messages or TLVs.
+
+#include "Expect.h"
+
+#include "Ldp/LdpGenMsgParser.h"
+
+using namespace Ldp;
+using namespace Wire;
+
+namespace {
+
+Vorn::Ptr< LdpTlvGroupParser > walk( Vorn::Ptr< Lumo::Pkt > const & packet, U32 offset, U32 size ) {
+   auto const group = Vorn::newObject< LdpTlvGroupParser >( Vorn::Name() );
+   group->pktIs( packet );
+   group->offsetIs( offset );
+   group->sizeIs( size );
+   EXPECT_TRUE( group->parseTlvGroup() ); // in every case
+   return group;
+}
+
+std::vector< U32 > unitsOf( LdpTlvGroupParser const & group ) {
+   std::vector< U32 > offsets;
+   for ( U32 i = 0; i < group.tlvNum(); ++i ) {
+      offsets.push_back( group.tlvOffset( i ) );
+   }
+   return offsets;
+}
+
+struct Row {
+   char const * name;
+   Hex packet;
+   U32 offset;
+   U32 size;
+   char const * reason; ///< empty for a good run
+   std::vector< U32 > units;
+};
+
+TEST( GroupParser, walks ) {
+   Hex const ab = tlv( 1, "aa" ) + tlv( 2, "bb cc" ); // 5 and 6 octets
+   std::vector< Row > const rows{
+      { "empty run, whatever stands there", "ffff fffc", 0, 0, "", {} },
+      { "empty run at the packet's end", "ffff", 2, 0, "", {} },
+      { "one unit without a value", tlv( 1 ), 0, 4, "", { 0 } },
+      { "one unit with a length of the run less 4", tlv( 1, "010203" ), 0, 7, "", { 0 } },
+      { "two units", ab, 0, 11, "", { 0, 5 } },
+      { "two units behind other octets", "ff ff ff" + ab, 3, 11, "", { 3, 8 } },
+      { "octets behind the run are not looked at", ab + "ffff fffc", 0, 11, "", { 0, 5 } },
+      { "run past the packet", ab, 0, 12, "Packet is too small, size: 11", {} },
+      { "run past the packet from an offset", "ff" + ab, 1, 12, "Packet is too small, size: 12", {} },
+      { "3 octets of header at the packet's end", "000100", 0, 3, "Msg/Tlv header is corrupted", {} },
+      { "1 octet of header, completed behind the run", tlv( 1 ), 0, 1, "Msg/Tlv is corrupted/truncated", {} },
+      { "first unit past the run", tlv( 1, "0102" ), 0, 5, "Msg/Tlv is corrupted/truncated", {} },
+      { "second unit one octet past the run", ab + "00", 0, 10, "Msg/Tlv is corrupted/truncated", { 0 } },
+      { "second unit past run and packet",
+        tlv( 1, "aa" ) + tlvLen( 2, 3, "bb cc" ),
+        0,
+        11,
+        "Msg/Tlv is corrupted/truncated",
+        { 0 } },
+      { "second header cut short by the packet",
+        tlv( 1, "aa" ) + "0002 00",
+        0,
+        8,
+        "Msg/Tlv header is corrupted",
+        { 0 } },
+      { "second header cut short by the run, completed behind it",
+        tlv( 1, "aa" ) + "0002 0000",
+        0,
+        8,
+        "Msg/Tlv is corrupted/truncated",
+        { 0 } },
+      { "flag bits play no part", tlv( uBit | fBit | 1, "aa" ) + tlv( 0xffff, "" ), 0, 9, "", { 0, 5 } },
+      { "length that wraps to a total of 1: the next header is 1 octet on",
+        "0000 fffd 0000 00",
+        0,
+        6,
+        "Msg/Tlv is corrupted/truncated",
+        { 0 } },
+      { "total of 2, then a good unit", "0000 fffe 0000", 0, 2, "", { 0 } },
+      { "total of 3, filling the run", "0000 ffff", 0, 3, "", { 0 } },
+      { "total of 1, filling the run", "0000 fffd", 0, 1, "", { 0 } },
+      // At 0 length fffe, total 2; at 2 type fffe, length 0, total 4.
+      { "total of 2, whose length is the next unit's type", "0000 fffe 0000", 0, 6, "", { 0, 2 } },
+   };
+   for ( Row const & row : rows ) {
+      SCOPED_TRACE( row.name );
+      auto const group = walk( pkt( row.packet ), row.offset, row.size );
+      bool const good = !*row.reason;
+      EXPECT_EQ( group->valid(), good );
+      EXPECT_EQ( group->statusCode(), good ? success : badTlvLength );
+      EXPECT_EQ( group->reason(), row.reason );
+      EXPECT_EQ( unitsOf( *group ), row.units );
+   }
+}
+
+TEST( GroupParser, wrappedLengthsMoveOnOneToThreeOctets ) {
+   // From 0: length fffd, total 1. From 1: octets 00 ff fd 00, length fd00, past the run.
+   auto group = walk( pkt( "0000 fffd 00" ), 0, 5 );
+   EXPECT_EQ( group->reason(), "Msg/Tlv is corrupted/truncated" );
+   EXPECT_EQ( unitsOf( *group ), ( std::vector< U32 >{ 0 } ) );
+   // From 0: length ffff, total 3. From 3: octets ff 00 00 01, length 1, total 5.
+   group = walk( pkt( "0000 ffff 0000 01 07" ), 0, 8 );
+   EXPECT_TRUE( group->valid() );
+   EXPECT_EQ( unitsOf( *group ), ( std::vector< U32 >{ 0, 3 } ) );
+}
+
+TEST( GroupParser, lengthOf65532EndsTheProcess ) {
+   char const * const text = "header->totalLength() > 0";
+   EXPECT_ASSERTION( walk( pkt( "0000 fffc" ), 0, 4 ), text );
+   EXPECT_ASSERTION( walk( pkt( tlv( 1, "aa" ) + "0000 fffc" ), 0, 9 ), text );
+   // Met before the unit is held against its run, also when octets behind the run complete its header.
+   EXPECT_ASSERTION( walk( pkt( "0000 fffc" ), 0, 1 ), text );
+   EXPECT_ASSERTION( walk( pkt( tlv( 1, "aa" ) + "0000 fffc" ), 0, 6 ), text );
+   // But not when the packet ends within that header, or the run before it.
+   EXPECT_FALSE( walk( pkt( tlv( 1, "aa" ) + "0000 ff" ), 0, 8 )->valid() );
+   EXPECT_TRUE( walk( pkt( tlv( 1, "aa" ) + "0000 fffc" ), 0, 5 )->valid() );
+}
+
+TEST( GroupParser, assertsItsOffset ) {
+   EXPECT_ASSERTION( walk( pkt( "0000" ), 3, 0 ), "pkt_->frontBytes() >= offset_" );
+}
+
+TEST( GroupParser, offsetAndSizeDoNotWrap ) {
+   // Their sum is 4 in 32 bits.
+   auto const packet = pkt( Octets( 16 ) );
+   auto const group = walk( packet, 8, 0xfffffffc );
+   EXPECT_EQ( group->reason(), "Packet is too small, size: 16" );
+}
+
+TEST( GroupParser, secondWalkOverwritesWhatItReaches ) {
+   auto const packet = pkt( tlv( 1 ) + tlv( 2 ) + tlv( 3 ) + tlvLen( 4, 9 ) );
+   auto const group = walk( packet, 0, 16 );
+   EXPECT_FALSE( group->valid() );
+   EXPECT_EQ( unitsOf( *group ), ( std::vector< U32 >{ 0, 4, 8 } ) ); // found before the failure
+
+   group->offsetIs( 4 );
+   group->sizeIs( 4 );
+   group->parseTlvGroup();
+   EXPECT_TRUE( group->valid() );
+   EXPECT_EQ( group->statusCode(), success );
+   EXPECT_EQ( group->reason(), "Msg/Tlv is corrupted/truncated" ); // a new walk does not clear it
+   EXPECT_EQ( unitsOf( *group ), ( std::vector< U32 >{ 4, 4, 8 } ) );
+}
+
+TEST( GroupParser, offsetsAreAnOrdinaryCollection ) {
+   auto const group = walk( pkt( tlv( 1 ) + tlv( 2 ) ), 0, 8 );
+   EXPECT_EQ( group->tlvOffset( 2 ), 0u );
+   group->tlvOffsetIs( 7, 99 );
+   EXPECT_EQ( group->tlvNum(), 3u );
+   EXPECT_EQ( group->tlvOffset( 7 ), 99u );
+   group->tlvOffsetDel( 1 );
+   EXPECT_EQ( group->tlvNum(), 2u );
+   EXPECT_EQ( group->tlvOffset( 1 ), 0u );
+   group->tlvOffsetDelAll();
+   EXPECT_EQ( group->tlvNum(), 0u );
+}
+
+TEST( GroupParser, manyUnits ) {
+   Hex all;
+   for ( int i = 0; i < 2390; ++i ) {
+      all += tlv( 1 );
+   }
+   auto const group = walk( pkt( all ), 0, 4 * 2390 );
+   EXPECT_TRUE( group->valid() );
+   ASSERT_EQ( group->tlvNum(), 2390u );
+   for ( U32 i = 0; i < 2390; ++i ) {
+      ASSERT_EQ( group->tlvOffset( i ), 4 * i );
+   }
+}
+
+} // namespace
