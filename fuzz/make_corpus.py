@@ -1,0 +1,281 @@
+#!/usr/bin/env python3
+"""Makes the seed corpora of the decoders' fuzz targets: fuzz/corpus/{PduFuzz,MessageFuzz,FecTlvFuzz}.
+
+One part is cut from tests/captures: of PDUs that differ in nothing but their values one is taken. The other part is
+made by hand below, each input named by what it shows. Run it again after a change here; it writes over what it made
+before and removes nothing.
+"""
+
+import os
+import struct
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+CAPTURES = os.path.join(HERE, os.pardir, "tests", "captures")
+PORT = 646
+MOST_PER_CAPTURE = 40
+LARGEST = 1500  # octets of a PDU from a capture
+
+# The classes of MessageFuzz.cpp, in their order: index into it by message type.
+CLASSES = [None, 0x100, 0x200, 0x202, 1, 0x300, 0x301, 0x400, 0x401, 0x402, 0x403, 0x404]
+
+
+# Captures --------------------------------------------------------------------------------------------------------
+
+
+def frames(path):
+    with open(path, "rb") as file:
+        data = file.read()
+    link = struct.unpack_from("<I", data, 20)[0]
+    at = 24
+    while at + 16 <= len(data):
+        size = struct.unpack_from("<I", data, at + 8)[0]
+        yield link, data[at + 16 : at + 16 + size]
+        at += 16 + size
+
+
+def payload(link, frame):
+    """The UDP or TCP payload of a frame on the protocol's port."""
+    at = 16 if link == 113 else 14
+    kind = struct.unpack_from("!H", frame, at - 2)[0]
+    if kind == 0x8100:
+        kind = struct.unpack_from("!H", frame, at + 2)[0]
+        at += 4
+    if kind == 0x0800:
+        proto, end = frame[at + 9], at + struct.unpack_from("!H", frame, at + 2)[0]
+        at += (frame[at] & 15) * 4
+    elif kind == 0x86DD:
+        proto, end = frame[at + 6], at + 40 + struct.unpack_from("!H", frame, at + 4)[0]
+        at += 40
+    else:
+        return b""
+    if proto not in (6, 17) or PORT not in struct.unpack_from("!HH", frame, at):
+        return b""
+    return frame[at + (8 if proto == 17 else (frame[at + 12] >> 4) * 4) : end]
+
+
+def pdus(octets):
+    while len(octets) >= 18 and octets[:2] == b"\0\1":
+        total = struct.unpack_from("!H", octets, 2)[0] + 4
+        if not 18 <= total <= len(octets):
+            return
+        yield octets[:total]
+        octets = octets[total:]
+
+
+def units(run):
+    while len(run) >= 4:
+        total = struct.unpack_from("!H", run, 2)[0] + 4
+        yield run[:total]
+        run = run[total:]
+
+
+def messages(pdu):
+    return list(units(pdu[10:]))
+
+
+def shape(message):
+    """What a parser could tell apart: types, lengths, and the first octet of each value."""
+    return (message[:2],) + tuple((tlv[:4], tlv[4:5]) for tlv in units(message[8:]))
+
+
+def captured():
+    """Names and PDUs, one of each shape; of a PDU with many messages the first of each shape."""
+    seen = set()
+    for name in sorted(os.listdir(CAPTURES)):
+        if not name.endswith(".pcap"):
+            continue
+        taken = 0
+        for link, frame in frames(os.path.join(CAPTURES, name)):
+            for pdu in pdus(payload(link, frame)):
+                fresh = []
+                for message in messages(pdu):
+                    if shape(message) not in seen:
+                        seen.add(shape(message))
+                        fresh.append(message)
+                body = b"".join(fresh)
+                if not fresh or len(body) > LARGEST or taken == MOST_PER_CAPTURE:
+                    continue
+                taken += 1
+                yield "%s-%02d" % (name[:-5], taken), header(len(body) + 6, pdu[4:10]) + body
+
+
+# By hand ---------------------------------------------------------------------------------------------------------
+
+
+def header(length, ident=b"\x0a\0\0\1\0\0"):
+    return struct.pack("!HH", 1, length & 0xFFFF) + ident
+
+
+def pdu(*parts, length=None):
+    body = b"".join(parts)
+    return header(len(body) + 6 if length is None else length) + body
+
+
+def message(kind, *parts, length=None):
+    body = b"\0\0\0\7" + b"".join(parts)
+    return struct.pack("!HH", kind, len(body) if length is None else length) + body
+
+
+def tlv(kind, value=b"", length=None):
+    return struct.pack("!HH", kind, len(value) if length is None else length) + value
+
+
+PREFIX = b"\2\0\1\x18\x0a\1\2"
+PREFIX6 = b"\2\0\2\x40" + b"\x20\1\x0d\xb8\0\0\0\1"
+HOST = b"\3\0\1\4\x0a\1\2\3"
+PWID = b"\x80\x80\5\x1d\0\0\0\1\0\0\0\x64" + b"\1\4\5\xdc" + b"\3\5abc" + b"\6\4\0\x0a" + b"\x09\4\0\1" + b"\x0c\4\3\2" + b"\x42\4xy"
+PWID_GROUP = b"\x80\0\5\0\0\0\0\1"
+FEC = tlv(0x100, PREFIX)
+LABEL = tlv(0x200, b"\0\0\0\x64")
+STATUS = tlv(0x300, b"\0\0\0\x0a\0\0\0\0\0\0")
+PW_STATUS_OF_STATUS = tlv(0x300, b"\0\0\0\x28\0\0\0\0\0\0")
+PW_STATUS = tlv(0x96A, b"\0\0\0\x1f")
+REQ_ID = tlv(0x600, b"\0\0\0\5")
+HOPS = tlv(0x103, b"\5")
+PATH = tlv(0x104, b"\x0a\0\0\1\x0a\0\0\2")
+HELLO = tlv(0x400, b"\0\x0f\xc0\0")
+SESSION = tlv(0x500, b"\0\1\0\xb4\xc0\x20\x10\0\x0a\0\0\2\0\0")
+FT = tlv(0x503, b"\x80\x0b\0\0\0\0\x75\x30\0\0\xea\x60"[:12])
+CAPABILITIES = b"".join(tlv(0x8000 | kind, b"\x80") for kind in (0x506, 0x507, 0x508, 0x509, 0x50A, 0x50B, 0x50D, 0x50E, 0x50F, 0x603))
+KEEP_ALIVE = message(0x201)
+
+
+def p2mp(size, root=b"\x0a\0\0\1"):
+    """A P2MP element of that many octets, its type octet included."""
+    opaque = size - 6 - len(root)
+    return b"\6\0\1" + bytes([len(root)]) + root + struct.pack("!H", opaque) + bytes(range(256))[:opaque].ljust(opaque, b"x")
+
+
+GOOD = {
+    "notification": message(1, STATUS, tlv(0x8304, b"zz")),
+    "notification-pw-status": message(1, PW_STATUS_OF_STATUS, PW_STATUS, tlv(0x100, PWID)),
+    "hello-ipv4": message(0x100, HELLO, tlv(0x401, b"\x0a\0\0\1"), tlv(0x402, b"\0\0\0\1")),
+    "hello-ipv6": message(0x100, HELLO, tlv(0x403, b"\x20\1\x0d\xb8" + 11 * b"\0" + b"\1")),
+    "init": message(0x200, SESSION, FT, CAPABILITIES),
+    "keep-alive": KEEP_ALIVE,
+    "capability": message(0x202, CAPABILITIES),
+    "address-ipv4": message(0x300, tlv(0x101, b"\0\1\x0a\0\0\1\x0a\0\0\2")),
+    "address-ipv6": message(0x300, tlv(0x101, b"\0\2\x20\1\x0d\xb8" + 11 * b"\0" + b"\1")),
+    "address-withdraw": message(0x301, tlv(0x101, b"\0\1\x0a\0\0\1")),
+    "mapping": message(0x400, FEC, LABEL, REQ_ID, HOPS, PATH, PW_STATUS),
+    "mapping-pwid": message(0x400, tlv(0x100, PWID), LABEL),
+    "request": message(0x401, tlv(0x100, PREFIX6), HOPS, PATH),
+    "withdraw": message(0x402, tlv(0x100, b"\1"), LABEL, STATUS),
+    "release": message(0x403, tlv(0x100, HOST), LABEL, STATUS),
+    "release-refused-fec": message(0x403, tlv(0x100, b"\5"), LABEL),
+    "abort": message(0x404, FEC, REQ_ID),
+}
+
+FEC_VALUES = {
+    "empty": b"",
+    "wildcard": b"\1",
+    "wildcard-and-prefix": b"\1" + PREFIX,
+    "prefix-and-wildcard": PREFIX + b"\1",
+    "prefixes": PREFIX + PREFIX6 + b"\2\0\1\0",
+    "host": HOST,
+    "pwid": PWID,
+    "pwid-group": PWID_GROUP,
+    "pwid-and-prefix": PWID + PREFIX,
+    "p2mp-255": p2mp(255),
+    "p2mp-256": p2mp(256),
+    "p2mp-short-root": p2mp(20, b"\x0a\1"),
+    "p2mp-behind-prefix": PREFIX + p2mp(300),
+    "unknown-element": b"\x81\0\0",
+}
+
+
+def with_length(unit, length):
+    return unit[:2] + struct.pack("!H", length) + unit[4:]
+
+
+def odd_lengths(good):
+    """A message and its first TLV with each length that is easily got wrong."""
+    exact = len(good) - 4
+    for length in (0, 1, 3, 4, exact - 1, exact + 1, 0x0FFC, 0x0FFD, 0xFFFB, 0xFFFC, 0xFFFD, 0xFFFE, 0xFFFF):
+        yield "message-length-%d" % length, with_length(good, length)
+    if len(good) > 8:
+        first = struct.unpack_from("!H", good, 10)[0]
+        for length in (0, 1, 2, first - 1, first + 1, 0xFFFB, 0xFFFC, 0xFFFD, 0xFFFE, 0xFFFF):
+            yield "tlv-length-%d" % length, good[:8] + with_length(good[8:], length)
+
+
+def by_hand_pdus():
+    yield "all-good-messages", pdu(*GOOD.values())
+    for name, good in GOOD.items():
+        yield name, pdu(good)
+    for name, odd in odd_lengths(GOOD["mapping"]):
+        yield "mapping-" + name, pdu(odd)
+        yield "mapping-behind-keep-alive-" + name, pdu(KEEP_ALIVE, odd, KEEP_ALIVE)
+    for length in (0, 9, 10, 13, 14, 9596, 9597, 0xFFFB, 0xFFFC, 0xFFFD, 0xFFFF):
+        yield "pdu-length-%d" % length, pdu(KEEP_ALIVE, length=length)
+    largest = message(0x200, SESSION, tlv(0x8000 | 0x3333, b"x" * (4096 - 8 - 18 - 4)))
+    yield "largest-pdu", pdu(largest, largest, message(0x100, HELLO, tlv(0x3E00, b"y" * (9600 - 10 - 2 * 4096 - 8 - 8 - 4))))
+    big = p2mp(256)
+    yield "fatal-p2mp-mapping", pdu(message(0x400, tlv(0x100, big), LABEL))
+    yield "fatal-p2mp-withdraw-behind-good", pdu(KEEP_ALIVE, message(0x402, tlv(0x100, big)))
+    yield "fatal-p2mp-release", pdu(message(0x403, tlv(0x100, big)))
+    yield "fatal-p2mp-request", pdu(message(0x401, tlv(0x100, big)))
+    yield "fatal-p2mp-abort", pdu(message(0x404, tlv(0x100, big), REQ_ID))
+    yield "fatal-p2mp-pw-status", pdu(message(1, PW_STATUS_OF_STATUS, PW_STATUS, tlv(0x100, big)))
+    yield "fatal-p2mp-then-wrapped", pdu(message(0x402, tlv(0x100, big)), message(0x201, length=4), tlv(1, length=65532))
+    yield "p2mp-255-mapping", pdu(message(0x400, tlv(0x100, p2mp(255)), LABEL))
+    yield "p2mp-256-too-few-tlvs", pdu(message(0x400, tlv(0x100, big)))
+    yield "p2mp-256-second-tlv", pdu(message(0x402, LABEL, tlv(0x100, big)))
+    yield "p2mp-256-unknown-tlv-behind", pdu(message(0x402, tlv(0x100, big), tlv(0x3333)))
+    yield "p2mp-256-in-hello", pdu(message(0x100, HELLO, tlv(0x100, big)))
+    yield "p2mp-256-in-plain-notification", pdu(message(1, STATUS, PW_STATUS, tlv(0x100, big)))
+    yield "p2mp-256-no-p2mp-in-pw-status", pdu(message(1, PW_STATUS_OF_STATUS, tlv(0x100, big), PW_STATUS))
+    yield "p2mp-256-behind-prefix", pdu(message(0x402, tlv(0x100, PREFIX + big)))
+    yield "fatal-wrapped-tlv-in-unread-message-type", pdu(message(0x201, tlv(0x3333, length=65532)))
+    yield "wrapped-tlv-in-unknown-message", pdu(message(0x3000, tlv(0x100, length=65532)))
+    yield "wrapped-tlv-behind-run", pdu(message(0x201, tlv(0x100, b"", 1), b"\0"), tlv(0x100, length=65532))
+    # The header of the second TLV lies half in the message behind: 65532 is met before the run's end is.
+    yield "fatal-wrapped-header-completed-behind-run", pdu(message(0x201, tlv(0x103, b"\1"), b"\1\0"), b"\xff\xfc\0\4\0\0\0\7\0\0")
+    yield "fatal-wrapped-message-behind-p2mp", pdu(message(0x402, tlv(0x100, big)), message(0x201, length=65532))
+    # Total lengths of 1 to 3 overlap what follows, which then is a header.
+    yield "wrapped-tlv-65533-then-65532", pdu(message(0x402, b"\1\0\xff\xfd\xff\xfc\0\0"))
+    yield "message-3-octets-header-in-next", pdu(tlv(0x201, length=65535), tlv(0x100, length=0), KEEP_ALIVE)
+
+
+def write(target, name, octets):
+    folder = os.path.join(HERE, "corpus", target)
+    os.makedirs(folder, exist_ok=True)
+    with open(os.path.join(folder, name), "wb") as file:
+        file.write(octets)
+
+
+def message_input(octets):
+    kind = struct.unpack_from("!H", octets)[0] & 0x7FFF
+    return bytes([CLASSES.index(kind) if kind in CLASSES else 0, 0]) + octets
+
+
+def main():
+    seen = set()
+    for name, octets in captured():
+        write("PduFuzz", "capture-" + name, b"\0" + octets)
+        for index, one in enumerate(messages(octets)):
+            for fec in units(one[8:]):
+                if fec[:2] == b"\1\0" and (fec[2:5], fec[8:10]) not in seen:
+                    seen.add((fec[2:5], fec[8:10]))
+                    write("FecTlvFuzz", "capture-%s-%d" % (name, index), b"\0" + fec)
+    for name, octets in by_hand_pdus():
+        write("PduFuzz", name, b"\0" + octets)
+    write("PduFuzz", "at-offset-3", b"\3" + b"\xff\xfc\0" + pdu(*GOOD.values()) + b"trailing")
+    write("PduFuzz", "wrapped-fec-tlv-in-large-packet", b"\x80" + pdu(message(0x402, b"\1\0\xff\xfd", b"\6\0\1\0")))
+    for name, good in GOOD.items():
+        write("MessageFuzz", name, message_input(good))
+        for size in range(1, 12):
+            if name == "mapping":
+                write("MessageFuzz", "mapping-cut-to-%d" % size, message_input(good)[: 2 + size])
+    for name in ("notification-pw-status", "hello-ipv4", "init", "address-ipv4", "mapping"):
+        for odd, octets in odd_lengths(GOOD[name]):
+            write("MessageFuzz", name + "-" + odd, message_input(octets))
+    for name, value in FEC_VALUES.items():
+        write("FecTlvFuzz", name, b"\0" + tlv(0x100, value))
+    for length in (0, 1, len(PREFIX) - 1, len(PREFIX) + 1, 0xFFFC, 0xFFFD, 0xFFFF):
+        write("FecTlvFuzz", "prefix-tlv-length-%d" % length, b"\0" + tlv(0x100, PREFIX, length))
+    write("FecTlvFuzz", "header-cut-short", b"\0\1\0\0")
+
+
+if __name__ == "__main__":
+    main()
