@@ -1,0 +1,288 @@
+// The PW ID FEC element and its interface parameters.
+
+#include "Expect.h"
+
+#include "Ldp/LdpPwGenMsgParser.h"
+
+using namespace Ldp;
+using namespace Wire;
+
+namespace {
+
+Vorn::Ptr< LdpFecTlvParser > fecOf( Hex const & value ) {
+   return ldpFecTlvParserFactory( pkt( "ff" + tlv( fecTlv, value ) ), 1, nullptr );
+}
+
+/// An element of PW type 5 with PW ID 100 in group 1 and those parameters.
+Hex pwId( Hex const & params ) {
+   return "80 0005" + u8( U32( 4 + octetNum( params ) ) ) + "00000001 00000064" + params;
+}
+/// What the elements that `pwId` makes print in front of their parameters.
+Vorn::String const head = "pw100:pwTypeRaw:cbit0 groupId=1 mtu=";
+
+struct Row {
+   char const * name;
+   Hex value;
+   LdpStatusCode status;
+   char const * reason;
+};
+
+void expectRefused( std::vector< Row > const & rows ) {
+   for ( Row const & row : rows ) {
+      SCOPED_TRACE( row.name );
+      auto const parser = fecOf( row.value );
+      EXPECT_EQ( parser->statusCode(), row.status );
+      EXPECT_EQ( parser->reason(), row.reason );
+      EXPECT_EQ( parser->fecElements(), 0u );
+      EXPECT_FALSE( parser->hasWildcardFecElement() );
+   }
+}
+
+TEST( PwId, refusedHeads ) {
+   char const * const noHead = "Invalid FEC PW ID Element: TLV is too small";
+   char const * const small = "Invalid FEC PW ID Element: TLV value is too small";
+   char const * const infoLen = "Invalid FEC PW ID Element: TLV value length must be 0 or >= 4";
+   expectRefused( {
+        { "1 octet", "80", malformedTlv, noHead },
+        { "7 octets", "80 0005 00 000000", malformedTlv, noHead },
+        { "PW type 6", "80 0006 00 00000001", unknownFec,
+          "Invalid FEC PW ID Element: Unknown PW type 0x0006" },
+        { "PW type 0", "80 0000 00 00000001", unknownFec,
+          "Invalid FEC PW ID Element: Unknown PW type 0x0000" },
+        { "PW type 3", "80 0003 00 00000001", unknownFec,
+          "Invalid FEC PW ID Element: Unknown PW type 0x0003" },
+        { "C bit is no part of the type", "80 8007 00 00000001", unknownFec,
+          "Invalid FEC PW ID Element: Unknown PW type 0x0007" },
+        { "largest type", "80 ffff 00 00000001", unknownFec,
+          "Invalid FEC PW ID Element: Unknown PW type 0x7fff" },
+        { "type is judged before the length", "80 0006 ff 00000001", unknownFec,
+          "Invalid FEC PW ID Element: Unknown PW type 0x0006" },
+        { "info of 4 past the TLV", "80 0005 04 00000001 000000", malformedTlv, small },
+        { "info of 255 past the TLV", "80 0005 ff 00000001 00000064", malformedTlv, small },
+        { "info of 1 past the TLV: size is judged first", "80 0005 01 00000001", malformedTlv, small },
+        { "info of 1", "80 0005 01 00000001 00", badTlvLength, infoLen },
+        { "info of 2", "80 0005 02 00000001 0000", badTlvLength, infoLen },
+        { "info of 3", "80 0005 03 00000001 000000", badTlvLength, infoLen },
+        { "PW ID 0", "80 0005 04 00000001 00000000", malformedTlv,
+          "Invalid FEC PW ID Element: PW ID cannot be 0" },
+        { "PW ID 0 is judged before the parameters", "80 0005 05 00000001 00000000 01", malformedTlv,
+          "Invalid FEC PW ID Element: PW ID cannot be 0" },
+   } );
+}
+
+TEST( PwId, refusedParameters ) {
+   char const * const noHead = "Invalid PW Intf param element: TLV is too small";
+   char const * const small = "Invalid PW Intf param element: TLV value is too small";
+   char const * const mtu = "Invalid PW Intf param element: PW MTU validation failure";
+   char const * const desc = "Invalid PW Intf param element: PW Description validation failure";
+   char const * const vlan = "Invalid PW Intf param element: Requested VLAN Id validation failure";
+   char const * const frag = "Invalid PW Intf param element: Fragmentation indicator validation failure";
+   char const * const vccv = "Invalid PW Intf param element: VCCV param validation failure";
+   char const * const unknownLength = "Invalid PW Intf param element: Unrecognized packet invalid length";
+   expectRefused( {
+        { "1 octet over", pwId( "01" ), malformedTlv, noHead },
+        { "1 octet over behind a good one", pwId( "01 04 05dc 01" ), malformedTlv, noHead },
+
+        { "MTU of 3 octets", pwId( "01 04 05" ), malformedTlv, small },
+        { "MTU of 2 octets, whatever its length", pwId( "01 02" ), malformedTlv, small },
+        { "MTU of length 3", pwId( "01 03 05dc" ), badTlvLength, mtu },
+        { "MTU of length 6", pwId( "01 06 05dc 0000" ), badTlvLength, mtu },
+        { "MTU of length 0", pwId( "01 00 05dc" ), badTlvLength, mtu },
+        { "VLAN of 3 octets", pwId( "06 04 00" ), malformedTlv, small },
+        { "VLAN of length 5", pwId( "06 05 000a 00" ), badTlvLength, vlan },
+        { "VLAN 4095", pwId( "06 04 0fff" ), unknownFec,
+          "Invalid PW Intf param element: Vlan id out of bounds (4095)" },
+        { "VLAN 65535", pwId( "06 04 ffff" ), unknownFec,
+          "Invalid PW Intf param element: Vlan id out of bounds (65535)" },
+        { "fragmentation of 3 octets", pwId( "09 04 00" ), malformedTlv, small },
+        { "fragmentation of length 2", pwId( "09 02 0001" ), badTlvLength, frag },
+        { "VCCV of 3 octets", pwId( "0c 04 00" ), malformedTlv, small },
+        { "VCCV of length 8", pwId( "0c 08 0102 00000000" ), badTlvLength, vccv },
+
+        { "description of length 83", pwId( "03 53" + repeat( 81, 0x61 ) ), badTlvLength, desc },
+        { "description of length 255", pwId( "03 ff 61" ), badTlvLength, desc },
+        { "description of length 0", pwId( "03 00 61" ), badTlvLength, desc },
+        { "description of length 1", pwId( "03 01 61" ), badTlvLength, desc },
+        { "description past the element", pwId( "03 04 61" ), malformedTlv, small },
+        { "its length is judged before what remains", pwId( "03 53" ), badTlvLength, desc },
+
+        { "unknown code of length 1", pwId( "c8 01" ), badTlvLength, unknownLength },
+        { "unknown code of length 0", pwId( "c8 00 0000" ), badTlvLength, unknownLength },
+        { "code 0 of length 0", pwId( "00 00" ), badTlvLength, unknownLength },
+        { "unknown code past the element", pwId( "c8 05 0000" ), malformedTlv,
+          "Invalid FEC PW ID Element: TLV value length mismatch. Expected 8 octets but found -1 octets." },
+        { "unknown code far past the element", pwId( "01 04 05dc c8 ff" ), malformedTlv,
+          "Invalid FEC PW ID Element: TLV value length mismatch. Expected 10 octets but found -253 octets." },
+        // The element ends where its length says, although the TLV goes on.
+        { "known code past the element, within the TLV", pwId( "01 04" ) + "05dc", malformedTlv, small },
+        { "unknown code past the element, within the TLV", pwId( "c8 04" ) + "0000", malformedTlv,
+          "Invalid FEC PW ID Element: TLV value length mismatch. Expected 6 octets but found -2 octets." },
+   } );
+}
+
+TEST( PwId, good ) {
+   struct GoodRow {
+      char const * name;
+      Hex value;
+      Vorn::String text;
+      U32 flags;
+   };
+   for ( GoodRow const & row : {
+              GoodRow{ "no parameter", pwId( "" ), head + "n/a", 0 },
+              { "MTU", pwId( "01 04 05dc" ), head + "1500", 1 },
+              { "MTU of 0", pwId( "01 04 0000" ), head + "0", 1 },
+              { "description", pwId( "03 06 65746830" ), head + "n/a intfDescription=\"eth0\"", 2 },
+              { "empty description", pwId( "03 02" ), head + "n/a intfDescription=\"\"", 2 },
+              { "longest description", pwId( "03 52" + repeat( 80, 0x61 ) ),
+                head + "n/a intfDescription=\"" + std::string( 80, 'a' ).c_str() + "\"", 2 },
+              { "no VLAN", pwId( "06 04 0000" ), head + "n/a reqVlanId=0", 4 },
+              { "VLAN 4094", pwId( "06 04 0ffe" ), head + "n/a reqVlanId=4094", 4 },
+              { "no fragmentation", pwId( "09 04 0000" ), head + "n/a fragCapable=0", 8 },
+              { "fragmentation", pwId( "09 04 0100" ), head + "n/a fragCapable=1", 8 },
+              { "VCCV: numbers here", pwId( "0c 04 4102" ), head + "n/a vccvCcTypes=65 vccvCvTypes=2", 16 },
+              { "all, in another order", pwId( "0c 04 0102 09 04 0001 06 04 000a 03 03 78 01 04 05dc" ),
+                head + "1500 intfDescription=\"x\" reqVlanId=10 fragCapable=1 vccvCcTypes=1 vccvCvTypes=2",
+                31 },
+              { "of repeats the last counts", pwId( "01 04 05dc 01 04 2328" ), head + "9000", 1 },
+              { "unknown code, then another", pwId( "c8 06 01020304 01 04 05dc" ), head + "1500", 1 },
+              { "unknown code without a value, to the end", pwId( "01 04 05dc c8 02" ), head + "1500", 1 },
+         } ) {
+      SCOPED_TRACE( row.name );
+      auto const parser = fecOf( row.value );
+      ASSERT_TRUE( parser->valid() ) << parser->reason();
+      ASSERT_EQ( parser->fecElements(), 1u );
+      EXPECT_FALSE( parser->hasWildcardFecElement() );
+      auto const element = parser->fecElement( 0 );
+      EXPECT_EQ( element->type(), pwIdElement );
+      EXPECT_EQ( element->stringValue(), row.text );
+      EXPECT_EQ( static_cast< LdpFecTlvPwIdElement const & >( *element ).parsedIntfParams().value(),
+                 row.flags );
+   }
+}
+
+TEST( PwId, value ) {
+   auto const element =
+        fecOf( "80 8004 1e ffffffff fffffffe 01 04 05dc 03 06 65007830 06 04 000a 09 04 0001 0c 04 4102"
+               "c8 04 0000" )
+             ->fecElement( 0 );
+   ASSERT_TRUE( element );
+   PwFwdEqvClassInfo const & info = element->pwFwdEqvCls();
+   EXPECT_EQ( info.fwdEqvClass(),
+              PwFwdEqvClass( Pseudowire::PseudowireId( 0xfffffffe ), Pseudowire::pwTypeTagged, true ) );
+   EXPECT_EQ( info.groupId(), Pseudowire::GroupId( 0xffffffff ) );
+   EXPECT_EQ( info.params().mtu(), 1500u );
+   EXPECT_EQ( info.intfDescription(), Vorn::String( "e\0x0", 4 ) ); // zero octets stay
+   EXPECT_EQ( info.requestedVlanId(), Bridging::VlanIdOrNone( 10 ) );
+   EXPECT_TRUE( info.params().fragCapable() );
+   EXPECT_EQ( info.params().vccvCcTypes(), 0x41 );
+   EXPECT_EQ( info.params().vccvCvTypes(), Pseudowire::VccvCvTypes( 2 ) );
+   // What was not sent has its default.
+   PwFwdEqvClassParams const bare = fecOf( pwId( "" ) )->fecElement( 0 )->pwFwdEqvCls().params();
+   EXPECT_EQ( bare.groupId(), Pseudowire::GroupId( 1 ) );
+   EXPECT_EQ( bare.mtu(), PwFwdEqvClassParams::unspecifiedMtu );
+   EXPECT_EQ( bare.intfDescription(), "" );
+   EXPECT_EQ( bare.requestedVlanId(), Bridging::VlanIdOrNone() );
+}
+
+TEST( PwId, withoutAPwIdItIsAWildcard ) {
+   auto const parser = fecOf( "80 0005 00 00000007" );
+   EXPECT_TRUE( parser->valid() );
+   EXPECT_TRUE( parser->hasWildcardFecElement() );
+   EXPECT_EQ( parser->fecElement( 0 )->pwFwdEqvCls().pwId(), Pseudowire::PseudowireId( 0 ) );
+   EXPECT_EQ( parser->stringValue(), "[pw0:pwTypeRaw:cbit0 groupId=7 mtu=n/a]" );
+   // One that may stand among others.
+   auto const mixed = fecOf( "02 0001 08 0a 80 0005 00 00000007 80 8004 00 00000008" + pwId( "01 04 05dc" ) );
+   EXPECT_TRUE( mixed->valid() );
+   EXPECT_TRUE( mixed->hasWildcardFecElement() );
+   EXPECT_EQ( mixed->stringValue(), "[10.0.0.0/8, pw0:pwTypeRaw:cbit0 groupId=7 mtu=n/a, "
+                                    "pw0:pwTypeTagged:cbit1 groupId=8 mtu=n/a, " +
+                                         head + "1500]" );
+}
+
+TEST( PwId, parsingFunction ) {
+   // As it is called for an element at 5 in a TLV that ends at 21.
+   auto const parser = fecOf( "" );
+   auto const at = [&]( Hex const & value ) {
+      return ldpFecTlvParserFactory( pkt( "0100 0000"
+                                          "ff" +
+                                          value ),
+                                     0, nullptr );
+   };
+   auto const good = at( pwId( "01 04 05dc" ) + "ff" );
+   auto element = ldpFecTlvPwIdElementFactory();
+   U32 offset = 5;
+   EXPECT_EQ( parseFecTlvPwIdElement( good.ptr(), offset, 22, *element ), success );
+   EXPECT_EQ( offset, 21u ); // behind the element
+
+   // Behind the element as soon as its length is known to fit, also after a failure; the flags gathered so
+   // far stay, and no value is written.
+   auto const bad = at( pwId( "01 04 05dc 06 04 0fff" ) );
+   element = ldpFecTlvPwIdElementFactory();
+   offset = 5;
+   EXPECT_EQ( parseFecTlvPwIdElement( bad.ptr(), offset, 25, *element ), unknownFec );
+   EXPECT_EQ( offset, 25u );
+   EXPECT_EQ( element->parsedIntfParams().value(), LdpPwIntfParamFlags::intfMtu_ );
+   EXPECT_TRUE( !element->pwFwdEqvCls() );
+   EXPECT_EQ( bad->reason(), "Invalid PW Intf param element: Vlan id out of bounds (4095)" );
+
+   offset = 5;
+   EXPECT_EQ( parseFecTlvPwIdElement( bad.ptr(), offset, 24, *element ), malformedTlv );
+   EXPECT_EQ( offset, 5u ); // refused before that
+   offset = 6;
+   EXPECT_ASSERTION( parseFecTlvPwIdElement( bad.ptr(), offset, 5, *element ), "cur <= endOffset" );
+}
+
+// ---- the views ----
+
+TEST( PwHdr, elementHead ) {
+   Octets bytes = octets( "80 ffff 04 01020304 05060708" );
+   auto * head = reinterpret_cast< LdpFecTlvPwIdElementHdr * >( bytes.data() );
+   EXPECT_EQ( head->type(), pwIdElement );
+   EXPECT_TRUE( head->controlWord() );
+   EXPECT_EQ( U32( head->pwType() ), 0x7fffu );
+   EXPECT_EQ( head->groupId(), Pseudowire::GroupId( 0x01020304 ) );
+   EXPECT_EQ( head->pwId(), Pseudowire::PseudowireId( 0x05060708 ) );
+   head->pwTypeIs( Pseudowire::pwTypeRaw );
+   head->pwIdIs( Pseudowire::PseudowireId( 9 ) );
+   head->groupIdIs( Pseudowire::GroupId( 1 ) );
+   EXPECT_EQ( hexOf( bytes ), "808005040000000100000009" );
+   head->controlWordIs( false );
+   EXPECT_EQ( hexOf( bytes ), "800005040000000100000009" );
+   for ( U32 length = 0; length < 4; ++length ) {
+      head->pwInfoLenIs( U8( length ) );
+      EXPECT_EQ( head->pwId(), Pseudowire::PseudowireId( 0 ) );
+      EXPECT_ASSERTION( head->pwIdIs( Pseudowire::PseudowireId( 1 ) ), "pwInfoLen() >= 4" );
+   }
+}
+
+TEST( PwHdr, parametersJudgeTheirLength ) {
+   Octets bytes( 100, 0x61 );
+   auto const expectFour = [&]( auto const * subTlv, U8 code ) {
+      bytes[0] = code;
+      for ( U32 length = 0; length <= 255; ++length ) {
+         bytes[1] = U8( length );
+         ASSERT_EQ( subTlv->validate(), length == 4 ? success : badTlvLength ) << length;
+      }
+      bytes[0] = 0;
+      EXPECT_EXIT( static_cast< void >( subTlv->validate() ), testing::KilledBySignal( SIGABRT ),
+                   "Assertion `" );
+   };
+   expectFour( reinterpret_cast< LdpPwIntfMtuSubTlv * >( bytes.data() ), 1 );
+   expectFour( reinterpret_cast< LdpPwRequestedVlanIdSubTlv * >( bytes.data() ), 6 );
+   expectFour( reinterpret_cast< LdpPwFragIndicatorSubTlv * >( bytes.data() ), 9 );
+   expectFour( reinterpret_cast< LdpPwVccvParamSubTlv * >( bytes.data() ), 12 );
+   auto const * description = reinterpret_cast< LdpPwIntfDescSubTlv * >( bytes.data() );
+   bytes[0] = 3;
+   for ( U32 length = 0; length <= 255; ++length ) {
+      bytes[1] = U8( length );
+      ASSERT_EQ( description->validate(), length >= 2 && length <= 82 ? success : badTlvLength ) << length;
+   }
+   bytes[1] = 5;
+   EXPECT_EQ( description->description(), "aaa" );
+   EXPECT_EQ( description->totalLength(), 5 ); // the head counts
+   bytes[0] = 4;
+   EXPECT_EXIT( static_cast< void >( description->validate() ), testing::KilledBySignal( SIGABRT ),
+                "Assertion `" );
+}
+
+} // namespace
