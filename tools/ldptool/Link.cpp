@@ -11,9 +11,6 @@ namespace {
 constexpr std::uint16_t etherIpv4 = 0x0800;
 constexpr std::uint16_t etherIpv6 = 0x86dd;
 
-// DLT_LINUX_SLL2 is newer than some libpcap headers that can still read the files.
-constexpr int linkLinuxSll2 = 276;
-
 std::uint16_t read16( Octets octets, std::size_t at ) {
    return std::uint16_t( octets[at] << 8 | octets[at + 1] );
 }
@@ -121,7 +118,7 @@ bool linkTypeKnown( int linkType ) {
    switch ( linkType ) {
    case DLT_EN10MB:
    case DLT_LINUX_SLL:
-   case linkLinuxSll2:
+   case DLT_LINUX_SLL2:
    case DLT_RAW:
    case DLT_IPV4:
    case DLT_IPV6:
@@ -146,7 +143,7 @@ LinkResult parseLink( int linkType, Octets packet, Segment & segment, Octets & i
    switch ( linkType ) {
    case DLT_EN10MB: header = 14, typeAt = 12; break;
    case DLT_LINUX_SLL: header = 16, typeAt = 14; break;
-   case linkLinuxSll2: header = 20, typeAt = 0; break;
+   case DLT_LINUX_SLL2: header = 20, typeAt = 0; break;
    case DLT_NULL:
    case DLT_LOOP:
       header = 4;

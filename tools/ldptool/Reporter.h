@@ -50,8 +50,6 @@ class Reporter {
    virtual void onBadPdu( Pdu const & ) = 0;
    /// A PDU that must not be parsed.
    virtual void onFatalPdu( Pdu const &, Ldp::LdpPduGuardResult const & ) = 0;
-   /// No more input.
-   virtual void onEnd() {}
 };
 
 } // namespace LdpTool

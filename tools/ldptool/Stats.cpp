@@ -2,7 +2,7 @@
 
 #include "Words.h"
 
-#include <set>
+#include <algorithm>
 
 namespace LdpTool {
 
@@ -83,7 +83,7 @@ void StatsReporter::print( Output & out, CaptureCounters const * capture, Gap co
    row( "TCP octets skipped", gaps.skipped );
 }
 
-// A row for each type, a column for each peer would grow too wide: a block of rows for each peer instead.
+// Peers in columns would make the table too wide, so each has a block of rows.
 void StatsReporter::printMessages( Output & out ) const {
    ByType totals;
    std::uint64_t badMessages = 0;

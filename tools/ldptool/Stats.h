@@ -32,15 +32,11 @@ class StatsReporter : public Reporter {
       ByType messages;
    };
 
-   struct IdentifierLess {
-      bool operator()( Ldp::LdpIdentifier const & a, Ldp::LdpIdentifier const & b ) const { return a < b; }
-   };
-
    void bad( std::string_view status, std::string_view reason );
    void printMessages( Output & out ) const;
    void printBad( Output & out ) const;
 
-   std::map< Ldp::LdpIdentifier, Peer, IdentifierLess > peers_;
+   std::map< Ldp::LdpIdentifier, Peer > peers_;
    Peer otherPeers_;
    Peer * peer_ = nullptr;                      ///< of the PDU in hand
    std::map< std::string, std::uint64_t > bad_; ///< by status and reason, as printed
