@@ -8,31 +8,6 @@ namespace LdpTool {
 
 using namespace Ldp;
 
-namespace {
-
-// The typed parser of a valid message, or null. It is what the dispatch returns for such a message; the
-// dispatch comes to it by way of a plain parser, which is half of the work and needed only where the typed
-// parser has no place.
-Vorn::Ptr< LdpMsgParser > typedParser( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset, LdpMsgType type ) {
-   Vorn::Ptr< LdpMsgParser > parser;
-   switch ( type ) {
-   case LdpNotification: parser = ldpNotificationMsgParserFactory( pkt, offset ); break;
-   case LdpHello: parser = ldpHelloMsgParserFactory( pkt, offset ); break;
-   case LdpInit: parser = ldpInitMsgParserFactory( pkt, offset ); break;
-   case LdpAddress: parser = ldpAddressMsgParserFactory( pkt, offset ); break;
-   case LdpAddressWithdraw: parser = ldpAddressWithdrawMsgParserFactory( pkt, offset ); break;
-   case LdpLabelMapping: parser = ldpLabelMappingMsgParserFactory( pkt, offset ); break;
-   case LdpLabelRequest: parser = ldpLabelRequestMsgParserFactory( pkt, offset ); break;
-   case LdpLabelWithdraw: parser = ldpLabelWithdrawMsgParserFactory( pkt, offset ); break;
-   case LdpLabelRelease: parser = ldpLabelReleaseMsgParserFactory( pkt, offset ); break;
-   case LdpLabelAbortReq: parser = ldpLabelAbortReqMsgParserFactory( pkt, offset ); break;
-   default: return {};
-   }
-   return parser->validMsg() ? parser : nullptr;
-}
-
-} // namespace
-
 Decoder::Decoder( Reporter & reporter, Selection selection, Output & idle )
      : reporter_( reporter ), selection_( std::move( selection ) ), idle_( idle ) {}
 
@@ -64,11 +39,10 @@ void Decoder::decodeMessages( Pdu const & pdu, Vorn::Ptr< Lumo::Pkt > const & pk
       auto const type = LdpMsgType( ( unit[0] << 8 | unit[1] ) & 0x7fff );
       next = offset + totalOfLength( U16( unit[2] << 8 | unit[3] ) );
       if ( !selection_.types.empty() && !selection_.types.contains( type ) ) continue;
-      if ( auto const typed = typedParser( pkt, offset, type ) ) {
-         report( *typed, pdu );
-      } else {
-         report( *ldpMsgParserGet( pkt, offset ), pdu );
-      }
+      // The dispatch comes to the same parser of a good message by way of a plain one, which is half of the
+      // work. What it makes of any other message is for the dispatch alone to say.
+      auto const typed = ldpTypedMsgParser( pkt, offset, type );
+      report( typed && typed->validMsg() ? *typed : *ldpMsgParserGet( pkt, offset ), pdu );
    }
 }
 
