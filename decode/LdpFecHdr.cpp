@@ -6,12 +6,25 @@
 
 namespace Ldp {
 
-VORN_TEXT_COMPOSITE( Ldp, LdpFecTlvP2mpOpaqueLength, VORN_TEXT_FIELD( totalOpaqueLen ) )
 VORN_TEXT_COMPOSITE( Ldp, LdpMPBasicOpaqueValueElementHdr, VORN_TEXT_FIELD( type ),
                      VORN_TEXT_FIELD( opaqueLenNbo ) )
 VORN_TEXT_COMPOSITE( Ldp, LdpGenericLSPId, VORN_TEXT_FIELD( type ), VORN_TEXT_FIELD( opaqueLenNbo ),
                      VORN_TEXT_FIELD( opaqueId ) )
 VORN_TEXT_COMPOSITE( Ldp, LdpP2mpFecElement, VORN_TEXT_FIELD( rootIp ), VORN_TEXT_FIELD( opaqueStr ) )
+
+// A record of one number is that number.
+Vorn::String valueToStrep( LdpFecTlvP2mpOpaqueLength const & value ) {
+   return valueToStrep( value.totalOpaqueLen() );
+}
+
+void sequenceToValue( Vorn::String::IteratorConst & it, Vorn::String::IteratorConst const & end,
+                      LdpFecTlvP2mpOpaqueLength * value ) {
+   Lumo::NetU16 octets;
+   sequenceToValue( it, end, &octets );
+   value->totalOpaqueLenIs( octets );
+}
+
+VORN_TEXT_STREAM( LdpFecTlvP2mpOpaqueLength )
 
 Vorn::String LdpP2mpFecElement::stringValue() const { return rootIp_.stringValue() + "_" + opaqueStr_; }
 

@@ -133,9 +133,20 @@ inline Vorn::String valueToStrep( NetU8 const & value ) { return Vorn::valueToSt
 inline Vorn::String valueToStrep( NetU16 const & value ) { return Vorn::valueToStrep( value.value() ); }
 inline Vorn::String valueToStrep( NetU32 const & value ) { return Vorn::valueToStrep( value.value() ); }
 
-/// Reads a decimal number into a network-order integer.
+inline std::ostream & operator<<( std::ostream & out, NetU8 const & value ) {
+   return out << valueToStrep( value );
+}
+inline std::ostream & operator<<( std::ostream & out, NetU16 const & value ) {
+   return out << valueToStrep( value );
+}
+inline std::ostream & operator<<( std::ostream & out, NetU32 const & value ) {
+   return out << valueToStrep( value );
+}
+
+/// Reads a decimal number into a network-order integer, or into a field of one octet that stands on one. The
+/// wider fields have text forms of their own.
 template< class Net >
-requires( std::same_as< Net, NetU8 > || std::same_as< Net, NetU16 > ||
+requires( std::derived_from< Net, NetU8 > || std::same_as< Net, NetU16 > ||
           std::same_as< Net, NetU32 > ) void sequenceToValue( Vorn::String::IteratorConst & it,
                                                               Vorn::String::IteratorConst const & end,
                                                               Net * value ) {
