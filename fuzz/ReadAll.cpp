@@ -1,8 +1,4 @@
-#include "ReadAll.h"
-
-#include "Ldp/LdpPwGenMsgParser.h"
-
-#include <functional>
+#include "ReadValue.h"
 
 namespace Fuzz {
 
@@ -11,39 +7,6 @@ using namespace Ldp;
 namespace {
 
 U64 volatile sunk;
-
-// A value, through everything that its type has; its texts must read back as an equal one.
-template< class T >
-void read( Sink & sink, T const & value ) {
-   if constexpr ( std::is_integral_v< T > ) {
-      sink.take( U64( value ) );
-   } else {
-      if constexpr ( requires( Vorn::String::IteratorConst it, T v ) { sequenceToValue( it, it, &v ); } ) {
-         Vorn::String const text = valueToStrep( value );
-         sink.take( text );
-         T back{};
-         Vorn::strepToValue( text, &back );
-         VORN_ASSERT( back == value );
-      }
-      if constexpr ( requires( T v ) { v.stringValueIs( v.stringValue() ); } ) {
-         T back{};
-         back.stringValueIs( value.stringValue() );
-         VORN_ASSERT( back == value );
-      }
-      if constexpr ( requires { value.stringValue(); } ) sink.take( value.stringValue() );
-      if constexpr ( requires { value.value(); } ) sink.take( U64( value.value() ) );
-      if constexpr ( requires { value.hash(); } ) sink.take( value.hash() );
-      if constexpr ( requires { !value; } ) sink.take( !value );
-   }
-}
-
-void read( Sink & sink, Vorn::String const & text ) { sink.take( text ); }
-
-// `object`'s getters, which are members without arguments.
-template< class T, class... Getters >
-void readGetters( Sink & sink, T const & object, Getters... getters ) {
-   ( read( sink, std::invoke( getters, object ) ), ... );
-}
 
 void readFields( Sink & sink, LdpTlvHdr const & view ) {
    using View = LdpTlvHdr;
@@ -233,50 +196,6 @@ void readTlv( Sink & sink, Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset, LdpTl
    }
 }
 
-void readElement( Sink & sink, LdpFecTlvElement const & element ) {
-   read( sink, element.type() );
-   sink.take( element.stringValue() );
-   switch ( element.type() ) {
-   case wildcardElement:
-   case prefixElement:
-   case hostAddrElement: {
-      Mpls::FwdEqvClass const & fec = element.fwdEqvCls();
-      read( sink, fec );
-      read( sink, fec.prefix() );
-      read( sink, fec.prefix().address() );
-      sink.take( fec.prefix().len() );
-      break;
-   }
-   case p2mpElement: {
-      LdpP2mpFecElement const & fec = element.p2mpFecElem();
-      read( sink, fec );
-      read( sink, fec.rootIp() );
-      read( sink, fec.rootIp().ipAddr() );
-      read( sink, fec.rootIp().ip6Addr() );
-      read( sink, fec.opaqueStr() );
-      read( sink, LdpP2mpFecGenericOpaqueId( fec.rootIp(), fec.opaqueStr().hash() ) );
-      break;
-   }
-   case pwIdElement: {
-      using Params = PwFwdEqvClassParams;
-      using Flags = LdpPwIntfParamFlags;
-      PwFwdEqvClassInfo const & fec = element.pwFwdEqvCls();
-      read( sink, fec );
-      read( sink, fec.fwdEqvClass() );
-      read( sink, fec.params() );
-      readGetters( sink, fec.params(), &Params::groupId, &Params::mtu, &Params::intfDescription,
-                   &Params::requestedVlanId, &Params::fragCapable, &Params::vccvCcTypes,
-                   &Params::vccvCvTypes );
-      Flags const sent = dynamic_cast< LdpFecTlvPwIdElement const & >( element ).parsedIntfParams();
-      read( sink, sent );
-      readGetters( sink, sent, &Flags::intfMtu, &Flags::intfDesc, &Flags::requestedVlanId,
-                   &Flags::fragIndicator, &Flags::vccvParam );
-      break;
-   }
-   default: VORN_ASSERT_TEXT( false, "an element of a type that the FEC parser does not take" );
-   }
-}
-
 // What the parsers of one type of message add to the base. `views` are the getters of its views.
 template< class Parser, class... Views >
 void readAs( Sink & sink, LdpMsgParser const & base, Views... views ) {
@@ -300,22 +219,6 @@ void readCapabilities( Sink & sink, LdpMsgParser const & base ) {
 } // namespace
 
 Sink::~Sink() { sunk = sum_; }
-
-void readFecTlv( Sink & sink, LdpFecTlvParser const & parser ) {
-   readGetters( sink, parser, &LdpFecTlvParser::unknown, &LdpFecTlvParser::forwardUnknown,
-                &LdpFecTlvParser::type, &LdpFecTlvParser::length, &LdpFecTlvParser::statusCode,
-                &LdpFecTlvParser::reason, &LdpFecTlvParser::hasWildcardFecElement,
-                &LdpFecTlvParser::initialized );
-   VORN_ASSERT( parser.valid() == parser.reason().empty() );
-   U32 const num = parser.fecElements();
-   for ( U32 i = 0; i < num; ++i ) {
-      Vorn::Ptr< LdpFecTlvElement > const element = parser.fecElement( i );
-      VORN_ASSERT( element );
-      readElement( sink, *element );
-   }
-   VORN_ASSERT( !parser.fecElement( num ) );
-   sink.take( parser.stringValue() );
-}
 
 void readMessage( Sink & sink, LdpMsgParser const & parser ) {
    using Base = LdpMsgParser;
