@@ -67,17 +67,17 @@ void LdpCapabilityParser::capabilitiesIs( LdpTlvType type, LdpCapabilityParamete
 }
 
 void LdpCapabilityParser::parseCapabilityTlvs() {
-   U32 const num = tlvNum();
-   for ( U32 i = 0; i < num; ++i ) {
-      LdpTlvHdr const & tlv = *this->tlv( i );
+   eachTlv( [this]( U32, LdpTlvHdr const & tlv ) {
       auto const rule = CapabilityRule::of( tlv.type() );
-      if ( rule.kind == CapabilityRule::isNone ) continue;
+      if ( rule.kind == CapabilityRule::isNone ) return true;
       if ( !rule.obeyedBy( tlv ) ) {
-         return refuse( malformedTlv, valueToStrep( tlv.type() ) + " TLV is not the right size" );
+         refuse( malformedTlv, valueToStrep( tlv.type() ) + " TLV is not the right size" );
+         return false;
       }
       capabilitiesIs( tlv.type(), static_cast< LdpCapabilityParameterTlv const * >( &tlv ) );
       statusCode_ = success;
-   }
+      return true;
+   } );
 }
 
 Vorn::String LdpCapabilityParser::capabilitiesText() const {

@@ -71,13 +71,13 @@ void LdpMsgParser::handleHeader() {
    tlvGroupParser_->sizeIs( U32( total - LdpMsgHdr::ldpMsgHdrSize ) );
    tlvGroupParser_->parseTlvGroup();
    if ( !tlvGroupParser_->valid() ) return refuse( tlvGroupParser_->statusCode(), tlvGroupParser_->reason() );
-   U32 const num = tlvNum();
-   for ( U32 i = 0; i < num; ++i ) {
+   eachTlv( [this]( U32, LdpTlvHdr const & tlv ) {
       // A TLV to be ignored stays in the group, and the rules of the message pass over it.
-      LdpStatusCode const status = tlv( i )->validateTlvHdr();
-      if ( status == success || status == unknownMessageTypeIgnore ) continue;
-      return refuse( status, Vorn::format( "Unknown TLV Type: %d", int( tlv( i )->type() ) ) );
-   }
+      LdpStatusCode const status = tlv.validateTlvHdr();
+      if ( status == success || status == unknownMessageTypeIgnore ) return true;
+      refuse( status, Vorn::format( "Unknown TLV Type: %d", int( tlv.type() ) ) );
+      return false;
+   } );
 }
 
 Vorn::Ptr< LdpTlvGroupParser > LdpMsgParser::tlvGroupParserIs( Vorn::Name const & name ) {
@@ -128,18 +128,16 @@ void LdpMsgParser::obeyTlvs( LdpMsgRules const & rules ) {
    if ( rules.firstTlv && tlv( 0 )->type() != rules.tlvs.front().type ) {
       return refuse( missingMessageParams, rules.firstTlv );
    }
-   for ( U32 i = 0; i < num; ++i ) {
-      if ( !obeyTlv( rules, i ) ) return;
-   }
+   eachTlv( [&]( U32 index, LdpTlvHdr const & tlv ) { return obeyTlv( rules, index, tlv ); } );
+   if ( !validMsg() ) return;
    for ( LdpRequiredView const & view : rules.required ) {
       if ( !view.has( *this ) ) return refuse( missingMessageParams, view.reason );
    }
 }
 
-bool LdpMsgParser::obeyTlv( LdpMsgRules const & rules, U32 index ) {
-   LdpTlvHdr const & tlv = *this->tlv( index );
+bool LdpMsgParser::obeyTlv( LdpMsgRules const & rules, U32 index, LdpTlvHdr const & tlv ) {
    LdpTlvType const type = tlv.type();
-   if ( rules.fec && type == fecTlv ) return obeyFecTlv( rules, index );
+   if ( rules.fec && type == fecTlv ) return obeyFecTlv( rules, index, tlv );
    for ( LdpTlvRule const & rule : rules.tlvs ) {
       if ( rule.type != type ) continue;
       if ( rule.position.index != LdpTlvRule::Position::any && rule.position.index != index ) {
@@ -162,13 +160,13 @@ bool LdpMsgParser::obeyTlv( LdpMsgRules const & rules, U32 index ) {
    return true;
 }
 
-bool LdpMsgParser::obeyFecTlv( LdpMsgRules const & rules, U32 index ) {
+bool LdpMsgParser::obeyFecTlv( LdpMsgRules const & rules, U32 index, LdpTlvHdr const & tlv ) {
    if ( index != 0 ) {
       refuse( missingMessageParams, "FecTlv is not the 1st TLV in the message" );
       return false;
    }
-   msgFecTlv_ = tlv( index );
-   ldpFecTlvParserIs( pkt_, tlvOffset( index ), nullptr );
+   msgFecTlv_ = &tlv;
+   ldpFecTlvParserIs( pkt_, U32( reinterpret_cast< U8 const * >( &tlv ) - pkt_->front() ), nullptr );
    LdpFecTlvParser const & fec = *ldpFecTlvParser_;
    if ( !fec.valid() && rules.fec->refused != LdpFecRule::isForTheCaller ) {
       bool const keeps = rules.fec->refused == LdpFecRule::keepsItsCode;

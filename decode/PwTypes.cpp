@@ -37,12 +37,6 @@ U32 PwFwdEqvClass::hash() const noexcept {
    return hash.result();
 }
 
-bool operator<( PwFwdEqvClass const & a, PwFwdEqvClass const & b ) noexcept {
-   if ( a.pwId_ != b.pwId_ ) return a.pwId_ < b.pwId_;
-   if ( a.pwType_ != b.pwType_ ) return std::int32_t( a.pwType_ ) < std::int32_t( b.pwType_ );
-   return a.controlWord_ < b.controlWord_;
-}
-
 String valueToStrep( PwFwdEqvClass const & value ) { return value.stringValue(); }
 
 void sequenceToValue( String::IteratorConst & it, String::IteratorConst const & end, PwFwdEqvClass * value ) {

@@ -89,6 +89,18 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    LdpTlvHdr const * tlv( U32 index ) const noexcept {
       return reinterpret_cast< LdpTlvHdr const * >( pkt_->front() + tlvOffset( index ) );
    }
+   /// Calls `call( index, tlv )` for each TLV of a message whose framing is good, until it returns false. The
+   /// TLVs fill their run, so their lengths lead from one to the next, without a look-up for each.
+   template< class Call >
+   void eachTlv( Call const & call ) const {
+      U8 const * at = pkt_->front() + tlvGroupParser_->offset();
+      U32 const num = tlvNum();
+      for ( U32 i = 0; i < num; ++i ) {
+         auto const & tlv = *reinterpret_cast< LdpTlvHdr const * >( at );
+         at += tlv.totalLength();
+         if ( !call( i, tlv ) ) return;
+      }
+   }
    void refuse( LdpStatusCode status, Vorn::String const & reason );
    /// Judges the message by the rules of its type: what a subclass's constructor runs behind the base's.
    void obey( LdpMsgRules const & rules );
@@ -114,8 +126,8 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    void handleHeader();
    bool hasOctets( U64 octets ) const noexcept { return offset_ + octets <= pkt_->frontBytes(); }
    bool hasHeader() const noexcept { return hasOctets( LdpMsgHdr::ldpMsgHdrSize ); }
-   bool obeyTlv( LdpMsgRules const & rules, U32 index );
-   bool obeyFecTlv( LdpMsgRules const & rules, U32 index );
+   bool obeyTlv( LdpMsgRules const & rules, U32 index, LdpTlvHdr const & tlv );
+   bool obeyFecTlv( LdpMsgRules const & rules, U32 index, LdpTlvHdr const & tlv );
 };
 
 /// Hello (RFC 5036, 3.5.2): Common Hello Parameters first, then at most one kind of transport address, and a

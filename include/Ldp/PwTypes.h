@@ -38,7 +38,11 @@ class VORN_API PwFwdEqvClass {
    bool operator!() const noexcept { return *this == PwFwdEqvClass(); }
    friend bool operator==( PwFwdEqvClass const &, PwFwdEqvClass const & ) noexcept = default;
    /// By PW ID, then by type as a signed number, then by C bit.
-   friend bool operator<( PwFwdEqvClass const & a, PwFwdEqvClass const & b ) noexcept;
+   friend bool operator<( PwFwdEqvClass const & a, PwFwdEqvClass const & b ) noexcept {
+      if ( a.pwId_ != b.pwId_ ) return a.pwId_ < b.pwId_;
+      if ( a.pwType_ != b.pwType_ ) return std::int32_t( a.pwType_ ) < std::int32_t( b.pwType_ );
+      return a.controlWord_ < b.controlWord_;
+   }
 
  private:
    Pseudowire::PseudowireId pwId_;
