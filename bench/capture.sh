@@ -4,7 +4,8 @@
 #   bench/capture.sh [LDPTOOL [MEGABYTES]]        defaults: build/release/bin/ldptool 100
 #
 # The capture is many-initial.pcap over and over. 'aligned' puts one whole PDU into each segment, since tcpdump does not put
-# TCP together; 'split' lets PDUs straddle segments. Each figure is the best of three runs with the output to /dev/null.
+# TCP together; 'split' lets PDUs straddle segments. Each figure is the best of three runs with the output to /dev/null, in
+# seconds of processor time, which other work on the machine disturbs least.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 tool=${1:-$here/../build/release/bin/ldptool}
@@ -19,16 +20,15 @@ make_capture() { # MEGABYTES KIND: writes $work/KIND-MEGABYTES.pcap, prints its 
       sed 's/.*messages=\([0-9]*\).*/\1/'
 }
 
-# COMMAND...: prints seconds and peak memory in MiB of the best run.
+# COMMAND...: prints processor seconds and peak memory in MiB of the best run.
 measure() {
    python3 - "$runs" "$@" <<'PY'
-import os, subprocess, sys, time
+import os, subprocess, sys
 best = None
 for _ in range(int(sys.argv[1])):
-    begin = time.monotonic()
     process = subprocess.Popen(sys.argv[2:], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     _, status, usage = os.wait4(process.pid, 0)
-    seconds = time.monotonic() - begin
+    seconds = usage.ru_utime + usage.ru_stime
     if status:
         sys.exit(f"capture.sh: {sys.argv[2]} failed")
     if best is None or seconds < best[0]:
@@ -50,7 +50,7 @@ aligned=$work/aligned-$megabytes.pcap
 
 echo "$messages messages in $megabytes MB; $(nproc) cores, $(sed -n 's/^model name[^:]*: //p' /proc/cpuinfo | head -1)"
 echo
-echo "| command | capture | seconds | messages/s | times tcpdump | peak MiB |"
+echo "| command | capture | CPU seconds | messages/s | times tcpdump | peak MiB |"
 echo "|---|---|---|---|---|---|"
 base=
 if command -v tcpdump >/dev/null; then

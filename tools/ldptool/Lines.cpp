@@ -31,11 +31,23 @@ void LineReporter::onPdu( Pdu const & pdu ) {
    prefix_ += ' ';
    prefix_ += pdu.parser->ldpIdentifier().stringValue().view();
    prefix_ += ' ';
+   heading_.clear();
+}
+
+// What a line begins with, up to the message id. Most messages of a PDU are of one type, so it is kept.
+std::string const & LineReporter::heading( LdpMsgType type ) {
+   if ( heading_.empty() || type != headingType_ ) {
+      heading_ = prefix_;
+      heading_ += valueToStrep( type ).view();
+      heading_ += " id ";
+      headingType_ = type;
+   }
+   return heading_;
 }
 
 void LineReporter::onMessage( Message const & message ) {
    LdpMsgParser const & parser = message.parser;
-   out_ << prefix_ << parser.type() << " id " << parser.msgId();
+   out_ << heading( parser.type() ) << parser.msgId();
    if ( message.bad() ) {
       LdpMsgParser const & refused = message.capability ? *message.capability : parser;
       out_ << " BAD " << refused.statusCode() << ": ";

@@ -19,6 +19,7 @@ class LineReporter : public Reporter {
    void onFatalPdu( Pdu const & pdu, Ldp::LdpPduGuardResult const & fatal ) override;
 
  private:
+   std::string const & heading( Ldp::LdpMsgType type );
    void body( Message const & message );
    void hello( Ldp::LdpHelloMsgParser const & hello );
    void init( Ldp::LdpInitMsgParser const & init );
@@ -39,7 +40,9 @@ class LineReporter : public Reporter {
    void pwStatus( Ldp::LdpPwStatusTlv const * pwStatus );
 
    Output & out_;
-   std::string prefix_; ///< what all lines of a PDU begin with
+   std::string prefix_;  ///< what all lines of a PDU begin with
+   std::string heading_; ///< the same with a message type; empty until one is asked for
+   Ldp::LdpMsgType headingType_{};
 };
 
 } // namespace LdpTool
