@@ -243,6 +243,10 @@ def odd_lengths(good):
             yield "tlv-length-%d" % length, good[:8] + with_length(good[8:], length)
 
 
+# A FEC TLV of length 65535, so of total 3; its P2MP type octet lies in the header of the TLV behind, an ignored one.
+WRAPPED_P2MP = message(0x402, b"\1\0\xff\xff" + b"\6\0\1\0")
+
+
 def by_hand_pdus():
     yield "all-good-messages", pdu(*GOOD.values())
     for name, good in GOOD.items():
@@ -274,8 +278,20 @@ def by_hand_pdus():
     yield "wrapped-tlv-in-unknown-message", pdu(message(0x3000, tlv(0x100, length=65532)))
     yield "wrapped-tlv-behind-run", pdu(message(0x201, tlv(0x100, b"", 1), b"\0"), tlv(0x100, length=65532))
     # The header of the second TLV lies half in the message behind: 65532 is met before the run's end is.
-    yield "fatal-wrapped-header-completed-behind-run", pdu(message(0x201, tlv(0x103, b"\1"), b"\1\0"), b"\xff\xfc\0\4\0\0\0\7\0\0")
+    yield "fatal-wrapped-header-completed-behind-run", pdu(message(0x201, tlv(0x103, b"\1"), b"\1\0"), b"\xff\xfc\0\4\0\0\0\7")
     yield "fatal-wrapped-message-behind-p2mp", pdu(message(0x402, tlv(0x100, big)), message(0x201, length=65532))
+    wrapped = message(0x201, tlv(0x100, length=65532))
+    yield "fatal-two-in-order", pdu(message(0x402, tlv(0x100, big)), wrapped)
+    yield "wrapped-tlv-in-pdu-longer-than-packet", pdu(wrapped, length=len(wrapped) + 7)
+    yield "wrapped-message-in-pdu-longer-than-packet", pdu(tlv(0x201, b"\0\0\0\7", 65532), length=15)
+    yield "wrapped-tlv-in-message-longer-than-packet", pdu(KEEP_ALIVE, message(0x201, tlv(0x100, length=65532), length=9), length=24)
+    yield "wrapped-tlv-in-message-of-4097", pdu(message(0x201, tlv(0x100, length=65532), b"x" * (4097 - 12)))
+    yield "wrapped-message-in-pdu-of-9601", pdu(tlv(0x201, length=65532), b"x" * (9601 - 14))
+    yield "pw-status-two-tlvs", pdu(message(1, PW_STATUS_OF_STATUS, PW_STATUS))
+    yield "p2mp-256-label-for-pw-status", pdu(message(1, PW_STATUS_OF_STATUS, LABEL, tlv(0x100, big)))
+    yield "p2mp-256-pw-status-tlv-too-long", pdu(message(1, PW_STATUS_OF_STATUS, tlv(0x96A, b"\0\0\0\0\0"), tlv(0x100, big)))
+    yield "p2mp-256-status-tlv-too-long", pdu(message(1, tlv(0x300, b"\0\0\0\x28\0\0\0\0\0\0\0"), PW_STATUS, tlv(0x100, big)))
+    yield "p2mp-in-wrapped-fec-tlv", pdu(WRAPPED_P2MP)
     # Total lengths of 1 to 3 overlap what follows, which then is a header.
     yield "wrapped-tlv-65533-then-65532", pdu(message(0x402, b"\1\0\xff\xfd\xff\xfc\0\0"))
     yield "message-3-octets-header-in-next", pdu(tlv(0x201, length=65535), tlv(0x100, length=0), KEEP_ALIVE)
@@ -306,6 +322,7 @@ def main():
         write("PduFuzz", name, b"\0" + octets)
     write("PduFuzz", "at-offset-3", b"\3" + b"\xff\xfc\0" + pdu(*GOOD.values()) + b"trailing")
     write("PduFuzz", "wrapped-fec-tlv-in-large-packet", b"\x80" + pdu(message(0x402, b"\1\0\xff\xfd", b"\6\0\1\0")))
+    write("PduFuzz", "fatal-p2mp-in-wrapped-fec-tlv-in-large-packet", b"\x80" + pdu(WRAPPED_P2MP))
     for name, good in GOOD.items():
         write("MessageFuzz", name, message_input(good))
         for size in range(1, 12):
