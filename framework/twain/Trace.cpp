@@ -25,7 +25,7 @@ void writeLine( Vorn::TraceHandle const & handle, Site const & site, SkeinConver
 
 void FunctionTrace::registerFunction( Skein::TraceFile & file, Site const & site, int & msgId,
                                       char const * name ) noexcept {
-   if ( msgId < 0 ) return;
+   if ( Skein::givenMsgId( msgId ) < 0 ) return;
    Skein::MsgDesc desc( file, &msgId, site.file, site.line, true );
    desc.functionIs( site.function, U8( site.level ) );
    desc << "[";

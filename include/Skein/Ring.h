@@ -151,6 +151,10 @@ class VORN_API TraceHandle {
 /// The process's ring.
 VORN_API extern TraceHandle defaultSkeinHandle;
 
+/// A call site's message id, which another thread may be setting: 0 before the site is registered, below 0 if
+/// it could not be.
+inline int givenMsgId( int const & msgId ) noexcept { return __atomic_load_n( &msgId, __ATOMIC_RELAXED ); }
+
 /// Keeps a message open over a scope: its destructor closes the message with the time.
 class BlockTimerMsg {
  public:
@@ -165,10 +169,11 @@ class BlockTimerMsg {
    ~BlockTimerMsg() {
       if ( !msgId_ ) return;
       TraceFile * const file = defaultSkeinHandle.traceFile();
-      if ( !file || *msgId_ <= 0 || !file->openBlocks_ ) [[unlikely]]
+      int const id = givenMsgId( *msgId_ );
+      if ( !file || id <= 0 || !file->openBlocks_ ) [[unlikely]]
          return;
       RingBuf record;
-      record.start( *file, U16( *msgId_ | closeFlag ), true );
+      record.start( *file, U16( id | closeFlag ), true );
       record.endMsg();
       --file->openBlocks_;
    }

@@ -67,7 +67,7 @@ using Pass = std::conditional_t< std::is_scalar_v< T >, T, T const & >;
 template< class... Args >
 [[gnu::cold, gnu::noinline]] void registerSite( Skein::TraceFile & file, Site const & site, int & msgId,
                                                 bool block, Pass< Args >... args ) noexcept {
-   if ( msgId < 0 ) return;
+   if ( Skein::givenMsgId( msgId ) < 0 ) return;
    Skein::MsgDesc desc( file, &msgId, site.file, site.line, block );
    desc.functionIs( site.function, U8( site.level ) );
    auto const describe = [&]< class T >( T const & arg ) {
@@ -87,12 +87,14 @@ template< class... Args >
                                               Args const &... args ) noexcept {
    static_assert( 10 + ( 0 + ... + Codec< Args >::maxBytes ) <= Skein::maxRecordBytes,
                   "too much for one record" );
-   if ( msgId <= 0 ) [[unlikely]] {
+   int id = Skein::givenMsgId( msgId );
+   if ( id <= 0 ) [[unlikely]] {
       registerSite< Args... >( file, site, msgId, false, args... );
-      if ( msgId <= 0 ) return;
+      id = Skein::givenMsgId( msgId );
+      if ( id <= 0 ) return;
    }
    Skein::RingBuf record;
-   record.startMsg( file, msgId );
+   record.startMsg( file, id );
    ( Codec< Args >::put( record, args ), ... );
    record.endMsg();
 }
@@ -132,11 +134,14 @@ class VORN_API FunctionTrace {
                                          char const ( &name )[size] ) noexcept {
       ++Ldp::callDepth;
       if ( Skein::TraceFile * const file = Skein::defaultSkeinHandle.traceFile() ) {
-         if ( msgId <= 0 ) [[unlikely]]
+         int id = Skein::givenMsgId( msgId );
+         if ( id <= 0 ) [[unlikely]] {
             registerFunction( *file, site, msgId, name );
-         if ( msgId > 0 ) [[likely]] {
+            id = Skein::givenMsgId( msgId );
+         }
+         if ( id > 0 ) [[likely]] {
             Skein::RingBuf record;
-            record.startMsg( *file, msgId );
+            record.startMsg( *file, id );
             record.put( Ldp::callDepth );
             record.endMsg();
             timer_.open( *file, &msgId );
