@@ -46,7 +46,10 @@ struct IdentifierHash {
 template< class Key >
 Key keyOf( U32 number ) {
    if constexpr ( std::is_same_v< Key, U32 > ) {
-      return number * 2654435761u;
+      // Looks random, but no two are the same.
+      number = ( number ^ ( number >> 16 ) ) * 0x85ebca6bu;
+      number = ( number ^ ( number >> 13 ) ) * 0xc2b2ae35u;
+      return number ^ ( number >> 16 );
    } else {
       return { { 10, U8( number >> 16 ), U8( number >> 8 ), U8( number ), 0, 0 } };
    }
@@ -220,7 +223,7 @@ using Std = Theirs< std::unordered_map<
 
 template< class Key >
 void enterAll( char const * keyName ) {
-   for ( std::size_t const num : { 10, 1000, 100000, 1000000 } ) {
+   for ( std::size_t const num : { 10u, 1000u, 100000u, 1000000u } ) {
       auto const each = [&]( char const * work, Case base, Case ours, [[maybe_unused]] Case absl ) {
          std::string const group = std::string( work ) + " " + keyName;
          enter( group, "std::unordered_map", base, num );
@@ -245,7 +248,7 @@ void enterAll( char const * keyName ) {
 bool const entered = [] {
    enterAll< U32 >( "U32" );
    enterAll< Identifier >( "identifier" );
-   for ( std::size_t const num : { 2, 3, 8, 30 } ) {
+   for ( std::size_t const num : { 2u, 3u, 8u, 30u } ) {
       enter( "message", "std::unordered_map", message< Std< U32 > >, num );
       enter( "message", "Vorn::HashMap2018", message< Ours< U32 > >, num );
 #if defined( LDP_BENCH_ABSL )

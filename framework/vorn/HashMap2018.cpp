@@ -7,12 +7,6 @@ namespace Vorn {
 
 AllocTrackTypeInfo HashMap2018Generic::vornAllocTrackTypeInfo_{ nullptr };
 
-namespace {
-
-constexpr U32 freeWord = 0xffffffff; // in every slot behind those in use
-
-} // namespace
-
 // Insertion.
 
 HashMap2018LinkNodeBase * HashMap2018Generic::newMemberSlow( VTable const & vt, U32 word, BktHdr * bucket,
@@ -84,7 +78,7 @@ HashMap2018BktHdr * HashMap2018Generic::bucketSplit( VTable const & vt, U32 word
    U32 const boundary = middle << ( 32 - directoryBits_ );
    U32 const used = bucket->used();
    U32 * const words = bucket->words();
-   U32 const lower = lowerBound( words, bucket->capacity(), boundary );
+   U32 const lower = hashWordLowerBound( words, used, boundary );
 
    HashMap2018NodeSourceColl sources;
    sources.runIs( nodeAt( vt, bucket, lower ), used - lower, false );
@@ -94,7 +88,6 @@ HashMap2018BktHdr * HashMap2018Generic::bucketSplit( VTable const & vt, U32 word
    std::copy_n( words + lower, upperNum, upper->words() );
    // What has moved out is taken off the top of the old block, which goes on as the lower half.
    if ( upperNum ) vt.shift( vt, bucket->nodes(), nullptr, used, lower, -int( upperNum ) );
-   std::fill_n( words + lower, upperNum, freeWord );
    bucket->usedIs( lower );
    std::fill_n( directory() + middle, half, upper );
    if ( word < boundary ) return bucket;
@@ -121,23 +114,26 @@ HashMap2018BktHdr * HashMap2018Generic::newBucket( VTable const & vt, U32 capaci
                                                    HashMap2018NodeSourceColl const & sources ) {
    capacity = std::min( capacity, BktHdr::maxSlots );
    std::size_t const offset = BktHdr::nodeOffset( capacity );
-   auto * const block =
-        static_cast< char * >( vornMemAlloc( offset + std::size_t( capacity ) * vt.nodeSize ) );
+   auto * const block = static_cast< char * >( vornMemAlloc( BktHdr::blockBytes( capacity, vt.nodeSize ) ) );
    auto * const bucket = new ( block + offset - sizeof( BktHdr ) ) BktHdr( capacity, used );
-   std::fill_n( bucket->words() + used, capacity - used, freeWord );
    vornAllocTrackTypeInfo_.trackAllocation( offset );
    vt.newBucketAssemble( vt, capacity, bucket->nodes(), sources );
    return bucket;
 }
 
-/// The bucket itself, if only the map refers to it; else a copy of it, which takes its place.
-HashMap2018BktHdr * HashMap2018Generic::bucketUnshare( VTable const & vt, U32 word, BktHdr * bucket ) {
-   if ( !bucket->shared() ) return bucket;
+HashMap2018BktHdr * HashMap2018Generic::bucketCopy( VTable const & vt, BktHdr * bucket ) {
    U32 const used = bucket->used();
    HashMap2018NodeSourceColl sources;
    sources.runIs( bucket->nodes(), used, true );
-   BktHdr * const own = newBucket( vt, bucket->capacity(), used, sources );
-   std::copy_n( bucket->words(), used, own->words() );
+   BktHdr * const copy = newBucket( vt, bucket->capacity(), used, sources );
+   std::copy_n( bucket->words(), used, copy->words() );
+   return copy;
+}
+
+/// The bucket itself, if only the map refers to it; else a copy of it, which takes its place.
+HashMap2018BktHdr * HashMap2018Generic::bucketUnshare( VTable const & vt, U32 word, BktHdr * bucket ) {
+   if ( !bucket->shared() ) return bucket;
+   BktHdr * const own = bucketCopy( vt, bucket );
    bucketReplace( vt, word, bucket, own );
    return own;
 }
@@ -163,10 +159,6 @@ U32 HashMap2018Generic::entriesBits( U32 index, BktHdr * bucket ) const noexcept
    return bits;
 }
 
-U32 HashMap2018Generic::lowerBoundLarge( U32 const * words, U32 capacity, U32 word ) noexcept {
-   return U32( std::lower_bound( words, words + capacity, word ) - words );
-}
-
 void HashMap2018Generic::refIncChecked( BktHdr * bucket ) noexcept {
    VORN_ASSERT_TEXT( ( bucket->refWord() & BktHdr::refMask ) != BktHdr::refMask, "bucketReferences <= 15" );
    refInc( bucket->refWord() );
@@ -174,9 +166,17 @@ void HashMap2018Generic::refIncChecked( BktHdr * bucket ) noexcept {
 
 /// The first bucket with members in entry `index` of the directory or behind it, or null.
 HashMap2018BktHdr * HashMap2018Generic::nextBucket( U32 index ) const noexcept {
-   for ( ; index < 1u << directoryBits_; ++index ) {
+   constexpr U32 ahead = 4; // entries whose buckets a walk asks for before it needs them
+   U32 const entries = 1u << directoryBits_;
+   for ( ; index < entries; ++index ) {
       BktHdr * const bucket = directoryBits_ ? directory()[index] : static_cast< BktHdr * >( root_ );
-      if ( bucket && bucket->used() ) return bucket;
+      if ( !bucket || !bucket->used() ) continue;
+      if ( index + ahead < entries ) {
+         auto const * const later = reinterpret_cast< char const * >( directory()[index + ahead] );
+         __builtin_prefetch( later );
+         __builtin_prefetch( later + 64 );
+      }
+      return bucket;
    }
    return nullptr;
 }
@@ -192,25 +192,55 @@ void HashMap2018Generic::bucketsVisit( Visit visit ) noexcept {
    }
 }
 
-// Deletion.
+// Lookup in a bucket that is too large for one scan.
 
-bool HashMap2018Generic::deleteMemberG( VTable const & vt, HashHelper const & key, void * out ) {
-   BktHdr * const bucket = bucketOf( key.word() );
-   if ( !bucket ) return false;
+HashMap2018LinkNodeBase * HashMap2018Generic::lookupLarge( VTable const & vt, BktHdr * bucket,
+                                                           HashHelper const & key ) noexcept {
    auto const [slot, found] = position( vt, bucket, key );
-   if ( !found ) return false;
-   BktHdr * const own = bucketUnshare( vt, key.word(), bucket );
-   U32 const used = own->used();
-   U32 * const words = own->words();
-   vt.place( vt, out, nodeAt( vt, own, slot ), VTable::move );
-   vt.shift( vt, own->nodes(), nullptr, used, slot, -1 );
-   std::copy( words + slot + 1, words + used, words + slot );
-   words[used - 1] = freeWord;
-   own->usedIs( used - 1 );
-   ++modificationCount_;
-   if ( --members_ == 0 ) emptyAllBuckets( vt );
-   return true;
+   return found ? nodeAt( vt, bucket, slot ) : nullptr;
 }
+
+// Shrinking.
+
+/// Gives memory back after as many deletions as the directory has entries, if that pays.
+void HashMap2018Generic::thin( VTable const & vt ) noexcept {
+   deletions_ = 0;
+   if ( members_ == 0 ) {
+      emptyAllBuckets( vt );
+   } else if ( members_ >> directoryBits_ < thinLoad ) {
+      rebuild( vt );
+   }
+}
+
+/// Moves all members, in their order, into a table of the size that they need.
+void HashMap2018Generic::rebuild( VTable const & vt ) noexcept {
+   HashMap2018Generic old( vt, 0 );
+   std::swap( root_, old.root_ );
+   std::swap( directoryBits_, old.directoryBits_ );
+   U32 const entries = std::bit_floor( std::exchange( members_, 0 ) / directoryLoad );
+   if ( entries > 1 ) {
+      // All entries lead to one bucket, which splits while it is filled.
+      root_ = newBucket( vt, splitCapacity, 0, {} );
+      while ( directoryBits_ < U32( std::countr_zero( entries ) ) ) {
+         directoryDouble();
+      }
+   }
+   old.bucketsVisit( [&]( BktHdr * bucket ) {
+      if ( bucket->shared() ) {
+         BktHdr * const copy = bucketCopy( vt, bucket );
+         vt.bktHdrRefDec( std::exchange( bucket, copy ) );
+      }
+      for ( U32 slot = 0; slot < bucket->used(); ++slot ) {
+         U32 const word = bucket->words()[slot];
+         BktHdr * const last = bucketOf( word );
+         newMemberSlow( vt, word, last, last ? last->used() : 0, *nodeAt( vt, bucket, slot ) );
+      }
+      vt.bktHdrRefDec( bucket );
+   } );
+   if ( old.directoryBits_ ) vornMemFree( old.root_, sizeof( BktHdr * ) << old.directoryBits_ );
+}
+
+// Emptying.
 
 void HashMap2018Generic::emptyAllBuckets( VTable const & vt ) noexcept {
    if ( !root_ ) return;
@@ -219,6 +249,7 @@ void HashMap2018Generic::emptyAllBuckets( VTable const & vt ) noexcept {
    std::swap( root_, old.root_ );
    std::swap( directoryBits_, old.directoryBits_ );
    members_ = 0;
+   deletions_ = 0;
    ++modificationCount_;
    old.bucketsVisit( [&]( BktHdr * bucket ) { vt.bktHdrRefDec( bucket ); } );
    if ( old.directoryBits_ ) vornMemFree( old.root_, sizeof( BktHdr * ) << old.directoryBits_ );
@@ -269,8 +300,9 @@ HashMap2018IteratorGeneric::HashMap2018IteratorGeneric( HashMap2018Generic const
 }
 
 HashMap2018IteratorGeneric::HashMap2018IteratorGeneric( HashMap2018IteratorGeneric const & other ) noexcept
-     : map_( other.map_ ), vt_( other.vt_ ) {
-   standIs( other.bucket_, other.slot_ );
+     : map_( other.map_ ), vt_( other.vt_ ), bucket_( other.bucket_ ), node_( other.node_ ),
+       behind_( other.behind_ ), modificationCount_( other.modificationCount_ ) {
+   if ( bucket_ ) HashMap2018Generic::refIncChecked( bucket_ );
 }
 
 HashMap2018IteratorGeneric & HashMap2018IteratorGeneric::operator=(
@@ -278,7 +310,9 @@ HashMap2018IteratorGeneric & HashMap2018IteratorGeneric::operator=(
    std::swap( map_, other.map_ );
    std::swap( vt_, other.vt_ );
    std::swap( bucket_, other.bucket_ );
-   std::swap( slot_, other.slot_ );
+   std::swap( node_, other.node_ );
+   std::swap( behind_, other.behind_ );
+   std::swap( modificationCount_, other.modificationCount_ );
    return *this;
 }
 
@@ -287,7 +321,9 @@ void HashMap2018IteratorGeneric::standIs( BktHdr * bucket, U32 slot ) noexcept {
    BktHdr * const old = bucket_;
    if ( bucket && bucket != old ) HashMap2018Generic::refIncChecked( bucket );
    bucket_ = bucket;
-   slot_ = U16( slot );
+   node_ = bucket ? HashMap2018Generic::nodeAt( *vt_, bucket, slot ) : nullptr;
+   behind_ = bucket ? bucket->used() - 1 - slot : 0;
+   modificationCount_ = map_->modificationCount_;
    if ( old && old != bucket ) vt_->bktHdrRefDec( old );
 }
 
@@ -305,9 +341,9 @@ void HashMap2018IteratorGeneric::standAtOrBehind( U32 word, BktHdr * bucket, U32
 /// precede it.
 HashMap2018IteratorGeneric::Live HashMap2018IteratorGeneric::live() const noexcept {
    BktHdr * const bucket = map_->bucketOf( word() );
-   if ( bucket == bucket_ || !bucket ) return { bucket, slot_, bucket != nullptr };
+   if ( bucket == bucket_ || !bucket ) return { bucket, slot(), bucket != nullptr };
    U32 const * const words = bucket->words();
-   U32 slot = HashMap2018Generic::lowerBound( words, bucket->capacity(), word() );
+   U32 slot = hashWordLowerBound( words, bucket->used(), word() );
    for ( ; slot < bucket->used() && words[slot] <= ( word() | HashHelper::markBit ); ++slot ) {
       U32 const order = vt_->compareOrLruUnlink( nullptr, currNodeMaybeStale(),
                                                  HashMap2018Generic::nodeAt( *vt_, bucket, slot ) );

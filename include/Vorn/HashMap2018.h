@@ -295,6 +295,7 @@ class HashMap2018< Owner, Key, Value, KeyFunktor >::IteratorOf : public HashMap2
    NodeType * currNodeNonStale() const noexcept {
       return static_cast< NodeType * >( HashMap2018IteratorGeneric::currNodeNonStale() );
    }
+   void advance() noexcept { advanceBy( sizeof( NodeType ) ); }
    NodeType & operator*() const noexcept { return *currNodeMaybeStale(); }
    NodeType * operator->() const noexcept { return currNodeMaybeStale(); }
    IteratorOf & operator++() noexcept {
