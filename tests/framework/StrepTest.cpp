@@ -1,0 +1,122 @@
+// Text forms of the built-in values, and readers that take nothing but what they wrote.
+
+#include "Vorn/Strep.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+
+using Vorn::RangeException;
+using Vorn::sequenceToValue;
+using Vorn::String;
+using Vorn::valueToStrep;
+
+namespace {
+
+template< class T >
+void expectBothWays( T const & value, String const & text ) {
+   SCOPED_TRACE( text );
+   EXPECT_EQ( valueToStrep( value ), text );
+   T read{};
+   Vorn::strepToValue( text, &read );
+   EXPECT_EQ( read, value );
+}
+
+template< class T >
+void expectRefused( T const & before, std::initializer_list< String > texts ) {
+   for ( String const & text : texts ) {
+      SCOPED_TRACE( text );
+      T read = before;
+      EXPECT_THROW( Vorn::strepToValue( text, &read ), RangeException );
+      EXPECT_EQ( read, before );
+   }
+}
+
+TEST( Strep, bool_ ) {
+   expectBothWays( true, "True" );
+   expectBothWays( false, "False" );
+   expectRefused( true, { "", "true", "false", "1", "0", "Tru", "True ", " True", "TrueTrue" } );
+}
+
+TEST( Strep, integers ) {
+   expectBothWays( U8( 0 ), "0" );
+   expectBothWays( U8( 255 ), "255" );
+   expectBothWays( U16( 65535 ), "65535" );
+   expectBothWays( U32( 0xffffffff ), "4294967295" );
+   expectBothWays( U64( 0xffffffffffffffff ), "18446744073709551615" );
+   expectRefused( U8( 7 ), { "256", "-1", "+1", "", " 1", "1 ", "0x1", "1.0" } );
+   expectRefused( U16( 7 ), { "65536" } );
+   expectRefused( U32( 7 ), { "4294967296" } );
+   expectRefused( U64( 7 ), { "18446744073709551616" } );
+}
+
+TEST( Strep, doublesAreShortestAndReadBack ) {
+   expectBothWays( 0.1, "0.1" );
+   expectBothWays( 1.0, "1" );
+   expectBothWays( -2.5, "-2.5" );
+   expectBothWays( 1e300, "1e+300" );
+   expectBothWays( 0.1 + 0.2, "0.30000000000000004" );
+   for ( double const value :
+         { std::numeric_limits< double >::max(), std::numeric_limits< double >::denorm_min(), 1.0 / 3,
+           123456789.123456789, std::numeric_limits< double >::infinity() } ) {
+      double read = 0;
+      Vorn::strepToValue( valueToStrep( value ), &read );
+      EXPECT_EQ( read, value );
+   }
+   double read = 0;
+   Vorn::strepToValue( valueToStrep( std::nan( "" ) ), &read );
+   EXPECT_TRUE( std::isnan( read ) );
+   expectRefused( 7.0, { "", "x", "1,5", "1 ", " 1", "1e999" } );
+}
+
+TEST( Strep, stringsAreQuoted ) {
+   expectBothWays( String(), "''" );
+   expectBothWays( String( "plain \"text\"" ), "'plain \"text\"'" );
+   expectBothWays( String( "it's a \\" ), "'it\\'s a \\\\'" );
+   expectBothWays( String( "\0\t\n\x7f\x80\xff", 6 ), "'\\x00\\x09\\x0a\\x7f\\x80\\xff'" );
+   std::string all;
+   for ( int octet = 0; octet < 256; ++octet ) {
+      all += char( octet );
+   }
+   String read;
+   Vorn::strepToValue( valueToStrep( String( std::string_view( all ) ) ), &read );
+   EXPECT_EQ( read.view(), all );
+   expectRefused( String( "before" ),
+                  { "", "'", "text", "'text", "text'", "'te'xt'", "'\\'", "'\\n'", "'\\x0'", "'\\x0g'",
+                    "'\\xFF'", "'a' ", " 'a'", "\"a\"", String( "'\0'", 3 ), "'\xff'" } );
+}
+
+TEST( Strep, readersStopBehindWhatTheyTake ) {
+   String const text = "12, 'a', True}";
+   auto it = text.begin();
+   U32 number = 0;
+   String word;
+   bool flag = false;
+   sequenceToValue( it, text.end(), &number );
+   Vorn::needString( it, text.end(), ", " );
+   sequenceToValue( it, text.end(), &word );
+   Vorn::needString( it, text.end(), ", " );
+   sequenceToValue( it, text.end(), &flag );
+   EXPECT_EQ( number, 12u );
+   EXPECT_EQ( word, "a" );
+   EXPECT_TRUE( flag );
+   EXPECT_THROW( Vorn::strepToValueEnd( text, it ), RangeException );
+   EXPECT_THROW( Vorn::needString( it, text.end(), "})" ), RangeException ); // longer than what is left
+   EXPECT_EQ( text.end() - it, 1 );                                          // a refusal moves nothing
+   Vorn::needString( it, text.end(), "}" );
+   Vorn::strepToValueEnd( text, it );
+   Vorn::needString( it, text.end(), "" );
+}
+
+TEST( Strep, failureNamesTheAttribute ) {
+   String const text = "x";
+   auto it = text.begin();
+   try {
+      Vorn::deserializeAttr< U32 >( it, text.end(), "mtu" );
+      FAIL() << "taken";
+   } catch ( RangeException const & refused ) {
+      EXPECT_EQ( refused.message().view().find( "mtu: " ), 0u ) << refused.message();
+   }
+}
+
+} // namespace
