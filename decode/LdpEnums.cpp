@@ -1,5 +1,7 @@
 #include "Ldp/LdpEnums.h"
 
+#include "Vorn/ValueType.h"
+
 namespace Ldp {
 
 VORN_ENUM_RECORD( Ldp, LdpMsgType, LDP_MSG_TYPES )

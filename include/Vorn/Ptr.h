@@ -42,6 +42,8 @@ class NrcPtrInterface {};
 /// the last reference goes; they are neither copied nor deleted by hand.
 class VORN_API PtrInterface : public VFPtrInterface {
  public:
+   class NotifieeConst;
+
    /// Bits of the reference word that count. Bits 29 and 31 are flags: a word with only those set counts as
    /// zero.
    static constexpr U32 referenceMask = 0x5fffffff;
