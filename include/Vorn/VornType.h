@@ -151,23 +151,23 @@ struct BuiltinType {
    static VornType const record;
 };
 template<>
-VORN_API VornType BuiltinType< bool >::record const;
+VORN_API VornType const BuiltinType< bool >::record;
 template<>
-VORN_API VornType BuiltinType< U8 >::record const;
+VORN_API VornType const BuiltinType< U8 >::record;
 template<>
-VORN_API VornType BuiltinType< U16 >::record const;
+VORN_API VornType const BuiltinType< U16 >::record;
 template<>
-VORN_API VornType BuiltinType< U32 >::record const;
+VORN_API VornType const BuiltinType< U32 >::record;
 template<>
-VORN_API VornType BuiltinType< U64 >::record const;
+VORN_API VornType const BuiltinType< U64 >::record;
 template<>
-VORN_API VornType BuiltinType< double >::record const;
+VORN_API VornType const BuiltinType< double >::record;
 template<>
-VORN_API VornType BuiltinType< String >::record const;
+VORN_API VornType const BuiltinType< String >::record;
 template<>
-VORN_API VornType BuiltinType< Name >::record const;
+VORN_API VornType const BuiltinType< Name >::record;
 template<>
-VORN_API VornType BuiltinType< void >::record const;
+VORN_API VornType const BuiltinType< void >::record;
 
 /// Enters a record into the process-wide table, as each module's initialiser does while the library is
 /// loaded.
