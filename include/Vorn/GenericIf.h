@@ -162,7 +162,7 @@ VORN_API void recordLogIn( NboAttrLog::In & in, void * value, VornType const & t
 /// How one attribute is reached in an object. Made by the templates of AttributeOps.h.
 struct VornAttrOps {
    /// See `GenericIf::AttributeOp` and `Outcome`.
-   U32 ( *op )
+   U32( *op )
    ( void * result, void * object, VornAttr const & attr, U32 op, void const * key,
      void const * const * args );
    /// A new iterator from the first member, or from where `key` is or would be; null for no collection.

@@ -92,7 +92,7 @@ VORN_API bool hasLoggedAttr( VornType const & type );
 
 using ChangeFn = NotifieeChange const & (*)();
 
-template< class Self, class Type, Ptr< Type > Self::*field, auto const & change >
+template< class Self, class Type, Ptr< Type > Self::*field, auto change >
 inline constexpr VornAttrOps childOps{
    []( void * result, void * object, VornAttr const &, U32 op, void const *,
        void const * const * args ) -> U32 {
@@ -102,9 +102,9 @@ inline constexpr VornAttrOps childOps{
       case GenericIf::read: child = self.*field; break;
       case GenericIf::write:
          child = withArgs< CtorTypes< Type > >(
-              args, [&]( auto const &... arg ) { return childIs( self, self.*field, change, arg... ); } );
+              args, [&]( auto const &... arg ) { return childIs( self, self.*field, *change, arg... ); } );
          break;
-      case GenericIf::del: child = childDel( self, self.*field, change ); break;
+      case GenericIf::del: child = childDel( self, self.*field, *change ); break;
       default: return GenericIf::notApplicable;
       }
       if ( result ) resultIs( result, child );

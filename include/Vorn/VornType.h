@@ -110,7 +110,7 @@ struct VornType {
    /// Makes an object from pointers to its constructor arguments and stores the pointer in `*result`.
    void ( *genericIfConstructFromCtorArgs )( Ptr< PtrInterface > * result, void const * const * args );
    /// See GenericIf.h.
-   U32 ( *genericIfAttributeOp )
+   U32( *genericIfAttributeOp )
    ( void * result, void * object, VornAttr const & attr, U32 op, void const * key,
      void const * const * args );
    void * ( *genericIfIterator )( void * object, VornAttr const & attr,
