@@ -112,10 +112,8 @@ class HashMapVTable final : public HashMapVTableGeneric {
       return static_cast< Member const & >( member ).vornKey();
    }
 };
-// clang-format off
 template< class Member, class Key >
 inline HashMapVTable< Member, Key > const HashMapVTable< Member, Key >::instance;
-// clang-format on
 
 /// The typed map. `Member` is an entity whose `vornKey()` is its key.
 template< class Owner, class Member, class Key >
