@@ -23,6 +23,16 @@ template< class T >
 using Arg =
      std::conditional_t< std::is_trivially_copyable_v< T > && sizeof( T ) <= sizeof( void * ), T, T const & >;
 
+/// What a pointer points to; anything else is itself.
+template< class T >
+struct Pointee {
+   using Type = T;
+};
+template< class T >
+struct Pointee< Ptr< T > > {
+   using Type = std::remove_const_t< T >;
+};
+
 /// The record of a type: of a class its `_vornType`, of an enumeration its own, else that of `BuiltinType`.
 template< class T >
 constexpr VornType const * recordOf() {
@@ -168,14 +178,8 @@ struct FunctionOps< Self, function, Result ( Class::* )( Args... ) const >
 template< class Self, class T >
 constexpr VornAttr attrRecord( char const * name, VornKind kind, U32 id, VornReplication logged,
                                VornAttrOps const * ops ) {
-   return { name,
-            &Self::_vornType,
-            recordOf< T >(),
-            nullptr,
-            nullptr,
-            nullptr,
-            attrFlags( kind, id, logged, false ),
-            ops };
+   return { name,    &Self::_vornType, recordOf< typename Pointee< T >::Type >(), nullptr,
+            nullptr, nullptr,          attrFlags( kind, id, logged, false ),      ops };
 }
 
 /// The record of a keyed attribute.

@@ -73,6 +73,19 @@ Ptr< Type > childDel( Self & self, Ptr< Type > & field, NotifieeChange const & c
    return child;
 }
 
+/// The types of a member's constructor arguments: what it declares, else its key or name alone.
+template< class Type >
+struct CtorTypesOf {
+   using Types = std::tuple< std::remove_cvref_t< decltype( std::declval< Type const & >().vornKey() ) > >;
+};
+template< class Type >
+requires requires { typename Type::VornCtorTypes; }
+struct CtorTypesOf< Type > {
+   using Types = typename Type::VornCtorTypes;
+};
+template< class Type >
+using CtorTypes = typename CtorTypesOf< Type >::Types;
+
 /// Fails if a constructor argument of the present entity differs from the one given, and writes the mutable
 /// ones.
 VORN_API void reinstantiate( Entity & present, VornType const & type, void const * const * args );
@@ -82,10 +95,10 @@ template< class Self, class Map, class Key, class... More >
 auto memberIs( Self & self, Map & map, NotifieeChange const & change, Key const & key,
                More const &... more ) {
    using Type = std::remove_pointer_t< decltype( map.member( key ) ) >;
+   // In the types that the attributes have, since the comparison goes by their records.
+   CtorTypes< Type > const args( key, more... );
    if ( Ptr< Type > const present{ map.member( key ) } ) {
       if constexpr ( sizeof...( More ) != 0 ) {
-         // As the types that the attributes have, since the comparison goes by their records.
-         typename Type::VornCtorTypes const args( key, more... );
          std::apply(
               [&]( auto const &... arg ) {
                  void const * const pointers[] = { &arg... };
@@ -95,7 +108,8 @@ auto memberIs( Self & self, Map & map, NotifieeChange const & change, Key const 
       }
       return present;
    }
-   Ptr< Type > const member = newObject< Type >( key, more... );
+   Ptr< Type > const member =
+        std::apply( []( auto const &... arg ) { return newObject< Type >( arg... ); }, args );
    map.newMember( *member );
    member->parentIs( Ptr< Entity >( &self ) );
    self.notify( change, &key );

@@ -54,19 +54,6 @@ struct AttrTable< Entity > {
    static constexpr VornCtorArg const * ctorArgs = ctorTable.data();
 };
 
-/// The types of a member's constructor arguments: what it declares, else its key or name alone.
-template< class Type >
-struct CtorTypesOf {
-   using Types = std::tuple< std::remove_cvref_t< decltype( std::declval< Type const & >().vornKey() ) > >;
-};
-template< class Type >
-requires requires { typename Type::VornCtorTypes; }
-struct CtorTypesOf< Type > {
-   using Types = typename Type::VornCtorTypes;
-};
-template< class Type >
-using CtorTypes = typename CtorTypesOf< Type >::Types;
-
 /// Calls `call` with the arguments that reflection passed as pointers.
 template< class Types, class Call >
 decltype( auto ) withArgs( void const * const * args, Call const & call ) {
