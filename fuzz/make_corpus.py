@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Makes the seed corpora of the decoders' fuzz targets: fuzz/corpus/{PduFuzz,MessageFuzz,FecTlvFuzz}.
+"""Makes the seed corpora of the decoders' fuzz targets: fuzz/corpus/{PduFuzz,MessageFuzz,FecTlvFuzz,TextFuzz}.
 
 One part is cut from tests/captures: of PDUs that differ in nothing but their values one is taken. The other part is
 made by hand below, each input named by what it shows. Run it again after a change here; it writes over what it made
@@ -184,6 +184,47 @@ FEC_VALUES = {
 }
 
 
+OCTETS = {
+    2: ("LdpHdrMsgUbitAndTypeField LdpTlvTypeField LdpCommonHelloTargetField LdpFtSessionFlags "
+        "LdpFecTlvPwIdElementHdrTypeField LdpPwVccvParamField").split(),
+    4: "LdpGenLabelTlvLabel LdpStatusTlvStatusCode LdpPwStatusField".split(),
+}
+
+
+def composite(name, **fields):
+    return "Value('Ldp::%s', ** {%s})" % (name, ", ".join("'%s': %s" % field for field in fields.items()))
+
+
+def texts():
+    params = composite("PwFwdEqvClassParams", groupId=1, mtu=1500, intfDescription="'eth\\x00\\'0\\\\'", requestedVlanId=4094,
+                       fragCapable="True", vccvCcTypes=1, vccvCvTypes=255)
+    flags = "intfMtu intfDesc requestedVlanId fragIndicator vccvParam".split()
+    yield from {
+        "true": "True", "false": "False", "double": "-1.5e+300", "nan": "nan", "string": r"'a\'\\\x00\xff'",
+        "u64-max": "18446744073709551615", "u64-too-large": "18446744073709551616", "u32-max": "4294967295",
+        "u16-too-large": "65536", "leading-zeros": "0000000000000000000000000000000007", "vlan-too-large": "4095",
+        "label-withdraw": "8388608", "label-too-large": "8388609",
+        "ipv4": "10.0.0.1", "ipv4-too-large": "10.0.0.256", "ipv4-short": "10.0.0", "ipv6": "2001:db8::1",
+        "ipv6-any": "::", "ipv6-full": "1:2:3:4:5:6:7:8", "ipv6-two-gaps": "1::2::3", "ipv6-gap-behind": "1:2::",
+        "ipv6-gap-of-one": "1::3:4:5:6:7:8", "ipv6-nine-groups": "1:2:3:4:5:6:7:8:9", "no-address": "none",
+        "prefix4": "10.1.0.0/16", "prefix4-host-bits": "10.1.2.3/9", "prefix4-too-long": "10.0.0.0/33", "prefix6": "2001:db8::/33",
+        "no-prefix": "none/0", "words": "words(1,2)", "p2mp": "p2mp(10.0.0.1,7)", "identifier": "10.0.0.1:65535",
+        "generic-opaque-id": "2001:db8::1_7", "generic-opaque-id-no-root": "none_0", "message-type": "LdpLabelMapping",
+        "tlv-type": "genLabelTlv", "status": "missingMessageParams", "element": "pwIdElement", "parameter": "fragIndicator",
+        "family": "ipv6", "pseudowire": "pw4294967295:pwTypeRaw:cbit1", "pseudowire-number": "pw1:32767:cbit0",
+        "pseudowire-more-behind": "pw1:pwTypeRaw:cbit12", "pseudowire-type": "pwTypeIpLayer2",
+        "params": params, "info": composite("PwFwdEqvClassInfo", fwdEqvClass="pw1:pwTypeTagged:cbit0", params=params),
+        "flags": composite("LdpPwIntfParamFlags", **{flag: "True" for flag in flags}),
+        "opaque-length": composite("LdpFecTlvP2mpOpaqueLength", totalOpaqueLen=7),
+        "opaque-head": composite("LdpMPBasicOpaqueValueElementHdr", type=1, opaqueLenNbo=4),
+        "generic-lsp-id": composite("LdpGenericLSPId", type=1, opaqueLenNbo=4, opaqueId=4294967295),
+        "p2mp-element": composite("LdpP2mpFecElement", rootIp="10.0.0.1", opaqueStr=r"'\x01\x00\x04'"),
+    }.items()
+    for count, names in OCTETS.items():
+        for name in names:
+            yield name, composite(name, **{"v%d" % i: 255 - i for i in range(count)})
+
+
 def with_length(unit, length):
     return unit[:2] + struct.pack("!H", length) + unit[4:]
 
@@ -275,6 +316,8 @@ def main():
     for length in (0, 1, len(PREFIX) - 1, len(PREFIX) + 1, 0xFFFC, 0xFFFD, 0xFFFF):
         write("FecTlvFuzz", "prefix-tlv-length-%d" % length, b"\0" + tlv(0x100, PREFIX, length))
     write("FecTlvFuzz", "header-cut-short", b"\0\1\0\0")
+    for name, text in texts():
+        write("TextFuzz", name, text.encode())
 
 
 if __name__ == "__main__":

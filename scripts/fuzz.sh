@@ -30,7 +30,7 @@ for target in "${targets[@]}"; do
    done
    log=$build/$target.log
    echo "== $target, $seconds s"
-   if "$build/bin/$target" -max_total_time="$seconds" -print_final_stats=1 -rss_limit_mb=4096 -timeout=10 \
+   if "$build/bin/$target" -max_total_time="$seconds" -dict=fuzz/pdu.dict -timeout=10 -print_final_stats=1 \
          -artifact_prefix="$build/artifacts/$target-" "$found" "${kept[@]}" >"$log" 2>&1; then
       grep -E '^stat::(number_of_executed_units|average_exec_per_sec|new_units_added)|DONE' "$log"
    else

@@ -196,7 +196,8 @@ class Messages(unittest.TestCase):
             with self.subTest(name):
                 result = decode_hex([octets, pdu(keepalive(3))], "--json")
                 fatal, good = result.objects
-                self.assertEqual((fatal["line"], fatal["valid"], fatal["fatalOffset"]), (1, False, offset))
+                self.assertEqual((fatal["line"], fatal["valid"], fatal["fatalOffset"], fatal["lsrId"], fatal["pduLength"]),
+                                 (1, False, offset, "10.0.0.1", len(octets) - 4))
                 self.assertEqual("unboundedP2mpDump" if "multicast" in name else "wrappedUnit", fatal["fatal"])
                 self.assertNotIn("type", fatal)
                 self.assertEqual((good["msgId"], result.status), (3, 1))

@@ -2,6 +2,8 @@
 
 #include "Words.h"
 
+#include <nlohmann/json.hpp>
+
 namespace LdpTool {
 
 using namespace Ldp;
@@ -58,6 +60,24 @@ Json originJson( Origin const & origin ) {
       { "dport", flow.destinationPort },
       { "proto", flow.protocol == protocolTcp ? "tcp" : "udp" },
    };
+}
+
+// Where the PDU comes from, and its header as far as it is there.
+Json pduJson( Pdu const & pdu ) {
+   LdpPduHdr header;
+   if ( pdu.octets.size() >= sizeof header ) {
+      header = *reinterpret_cast< LdpPduHdr const * >( pdu.octets.data() );
+   }
+   Json json = originJson( pdu.origin );
+   json["lsrId"] = text( Lumo::IpAddr( header.ldpIdentifier().lsrId() ) );
+   json["labelSpace"] = header.ldpIdentifier().lblSpace();
+   json["pduLength"] = header.length();
+   return json;
+}
+
+std::string textOf( Json const & json ) {
+   constexpr bool onlyAscii = true; // so that no reader takes an octet for a line end
+   return json.dump( -1, ' ', onlyAscii );
 }
 
 Json helloJson( LdpHelloMsgParser const & hello ) {
@@ -241,18 +261,16 @@ void addBody( Json & json, Message const & message ) {
 } // namespace
 
 void JsonReporter::onPdu( Pdu const & pdu ) {
-   LdpPduParser const & parser = *pdu.parser;
-   pdu_ = originJson( pdu.origin );
-   pdu_["lsrId"] = text( Lumo::IpAddr( parser.ldpIdentifier().lsrId() ) );
-   pdu_["labelSpace"] = parser.ldpIdentifier().lblSpace();
-   pdu_["pduLength"] = parser.length();
-   pdu_["pduStatus"] = nameOrNumber( parser.statusCode() );
-   pdu_["pduReason"] = latin1( parser.reason() );
+   Json shared = pduJson( pdu );
+   shared["pduStatus"] = nameOrNumber( pdu.parser->statusCode() );
+   shared["pduReason"] = latin1( pdu.parser->reason() );
+   pdu_ = textOf( shared );
+   pdu_.back() = ','; // the message's own fields go on here
 }
 
 void JsonReporter::onMessage( Message const & message ) {
    LdpMsgParser const & parser = message.parser;
-   Json json = pdu_;
+   Json json;
    json["type"] = nameOrNumber( parser.type() );
    json["typeValue"] = U32( parser.type() );
    json["unknownBit"] = parser.unknown();
@@ -265,27 +283,24 @@ void JsonReporter::onMessage( Message const & message ) {
    // The FEC parser owns what it found; the views are to be looked at only in a message that is valid.
    if ( auto const & fec = parser.ldpFecTlvParser() ) json["fec"] = fecJson( *fec );
    if ( parser.validMsg() ) addBody( json, message );
-   write( json );
+   out_ << pdu_ << std::string_view( textOf( json ) ).substr( 1 ) << '\n';
 }
 
 void JsonReporter::onBadPdu( Pdu const & pdu ) {
-   onPdu( pdu );
-   pdu_["valid"] = false;
-   pdu_["text"] = text( *pdu.parser );
-   write( pdu_ );
+   Json json = pduJson( pdu );
+   json["pduStatus"] = nameOrNumber( pdu.parser->statusCode() );
+   json["pduReason"] = latin1( pdu.parser->reason() );
+   json["valid"] = false;
+   json["text"] = text( *pdu.parser );
+   out_ << textOf( json ) << '\n';
 }
 
 void JsonReporter::onFatalPdu( Pdu const & pdu, LdpPduGuardResult const & fatal ) {
-   Json json = originJson( pdu.origin );
+   Json json = pduJson( pdu );
    json["valid"] = false;
    json["fatal"] = fatalName( fatal );
    json["fatalOffset"] = fatal.offset;
-   write( json );
-}
-
-void JsonReporter::write( Json const & object ) {
-   constexpr bool onlyAscii = true; // so that no reader takes an octet for a line end
-   out_ << object.dump( -1, ' ', onlyAscii ) << '\n';
+   out_ << textOf( json ) << '\n';
 }
 
 } // namespace LdpTool

@@ -6,7 +6,7 @@
 #include "Output.h"
 #include "Reporter.h"
 
-#include <nlohmann/json.hpp>
+#include <string>
 
 namespace LdpTool {
 
@@ -20,10 +20,8 @@ class JsonReporter : public Reporter {
    void onFatalPdu( Pdu const & pdu, Ldp::LdpPduGuardResult const & fatal ) override;
 
  private:
-   void write( nlohmann::ordered_json const & object );
-
    Output & out_;
-   nlohmann::ordered_json pdu_; ///< the fields that all messages of a PDU share
+   std::string pdu_; ///< what the objects of a PDU begin with
 };
 
 } // namespace LdpTool

@@ -2,8 +2,6 @@
 #include "Output.h"
 #include "RingReader.h"
 
-#include "Mendo/Text.h"
-
 #include <CLI/CLI.hpp>
 #include <cerrno>
 #include <cstring>
@@ -46,12 +44,6 @@ std::string timeText( U64 nanoseconds ) {
    return text;
 }
 
-std::string printable( std::string_view octets ) {
-   std::string text;
-   Mendo::appendPrintable( text, octets );
-   return text;
-}
-
 /// Time, place and text of a record; the blocks show as indentation. A record that took no clock has no time:
 /// it lies between those above and below that have one.
 std::string lineOf( RingRecord const & record, bool threaded ) {
@@ -59,11 +51,11 @@ std::string lineOf( RingRecord const & record, bool threaded ) {
    line.resize( 31, ' ' );
    if ( threaded ) line += "#" + std::to_string( record.writer ) + " ";
    std::size_t const place = line.size();
-   line += printable( record.site->file ) + ":" + std::to_string( record.site->line );
+   line += record.site->file + ":" + std::to_string( record.site->line );
    line.resize( std::max( line.size() + 1, place + 28 ), ' ' );
    line.append( 2 * record.depth, ' ' );
    if ( record.kind != RingRecord::close ) return line + record.text + "\n";
-   line += "end of " + printable( record.text );
+   line += "end of " + record.text;
    if ( record.took ) {
       if ( line.back() != ' ' ) line += ' ';
       line += std::string( "took " ) + ( record.exact ? "" : "at most " ) + std::to_string( record.took ) +
@@ -80,11 +72,11 @@ std::string jsonOf( RingRecord const & record ) {
    object["kind"] = kinds[record.kind];
    object["thread"] = record.writer;
    object["depth"] = record.depth;
-   object["file"] = printable( record.site->file );
+   object["file"] = record.site->file;
    object["line"] = record.site->line;
-   object["function"] = printable( record.site->function );
+   object["function"] = record.site->function;
    object["level"] = record.site->level;
-   object["text"] = printable( record.text );
+   object["text"] = record.text;
    if ( record.took ) object[record.exact ? "took" : "tookAtMost"] = record.took;
    return object.dump() + "\n";
 }

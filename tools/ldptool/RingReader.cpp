@@ -30,10 +30,11 @@ bool take( std::string_view & octets, T & value ) {
    return take( octets, &value, sizeof value );
 }
 
-bool takeText( std::string_view & octets, std::string_view & text ) {
+bool takeText( std::string_view & octets, std::string & text ) {
    std::size_t const end = octets.find( '\0' );
    if ( end == octets.npos ) return false;
-   text = octets.substr( 0, end );
+   text.clear();
+   Mendo::appendPrintable( text, octets.substr( 0, end ) );
    octets.remove_prefix( end + 1 );
    return true;
 }
@@ -129,7 +130,7 @@ void RingReader::readDescriptions() {
          site.items = entry;
          sites_[id] = site;
       } else if ( kind == Skein::Description::enumeration ) {
-         std::string_view name;
+         std::string name;
          if ( !take( entry, id ) || !takeText( entry, name ) ) continue;
          U32 number;
          while ( take( entry, number ) && takeText( entry, name ) )
@@ -230,9 +231,9 @@ bool RingReader::readItems( std::string_view & items, std::string_view & octets,
       switch ( item ) {
       case Item::end: return true;
       case Item::text: {
-         std::string_view piece;
+         std::string piece;
          read = takeText( items, piece );
-         if ( text ) Mendo::appendPrintable( *text, piece );
+         if ( text ) *text += piece;
          break;
       }
       case Item::u8: read = readNumber< U8 >( octets, text ); break;
@@ -254,7 +255,7 @@ bool RingReader::readItems( std::string_view & items, std::string_view & octets,
          if ( !read || !text ) break;
          auto const type = enumerations_.find( id );
          if ( type != enumerations_.end() && type->second.contains( number ) ) {
-            Mendo::appendPrintable( *text, type->second.at( number ) );
+            *text += type->second.at( number );
          } else {
             *text += std::to_string( number );
          }

@@ -20,10 +20,10 @@ class RingError : public std::runtime_error {
    using std::runtime_error::runtime_error;
 };
 
-// A call site, as it describes itself in the file.
+// A call site, as it describes itself in the file. All texts are printable, whatever the file says.
 struct RingSite {
-   std::string_view file; // stem of the source file
-   std::string_view function;
+   std::string file; // stem of the source file
+   std::string function;
    U32 line = 0;
    U32 level = 0;
    bool block = false;     // opens a block, which a later record closes
@@ -65,7 +65,7 @@ class RingReader {
       Skein::Block head;
       std::string_view records;
    };
-   using Enumeration = std::map< U32, std::string_view >;
+   using Enumeration = std::map< U32, std::string >;
    // What is known of a thread while its records go by.
    struct Writer {
       std::vector< RingRecord > open;

@@ -1,0 +1,279 @@
+// The FEC TLV parser: wildcards, prefixes and host addresses, and what stands in the collection afterwards.
+// P2MP and PW ID elements have tests of their own.
+
+#include "Expect.h"
+
+#include "Ldp/LdpFecTlvParser.h"
+#include "Ldp/LdpPwGenMsgParser.h"
+
+using namespace Ldp;
+using namespace Wire;
+
+namespace {
+
+constexpr U32 fecOffset = 3;
+
+Vorn::Ptr< LdpFecTlvParser > parseFec( Hex const & tlvHex,
+                                       Vorn::Ptr< LdpProtoParam const > const & param = {} ) {
+   return ldpFecTlvParserFactory( pkt( "ffffff" + tlvHex ), fecOffset, param );
+}
+Vorn::Ptr< LdpFecTlvParser > fecOf( Hex const & value ) { return parseFec( tlv( fecTlv, value ) ); }
+
+struct Row {
+   char const * name;
+   Hex value;
+   LdpStatusCode status;
+   char const * reason;
+   char const * text;
+};
+
+void expectFecRows( std::vector< Row > const & rows ) {
+   for ( Row const & row : rows ) {
+      SCOPED_TRACE( row.name );
+      auto const parser = fecOf( row.value );
+      EXPECT_EQ( parser->statusCode(), row.status );
+      EXPECT_EQ( parser->valid(), row.status == success );
+      EXPECT_EQ( parser->reason(), row.reason );
+      EXPECT_EQ( parser->stringValue(), row.text );
+   }
+}
+
+TEST( FecTlvParser, elementsAndWildcards ) {
+   char const * const alone = "FEC TLV Wildcard Element must be the only FEC Element in the FEC TLV";
+   expectFecRows( {
+        { "no element", "", success, "", "[]" },
+        { "wildcard", "01", success, "", "[Wildcard]" },
+        { "wildcard twice", "01 01", unknownFec, alone, "[]" },
+        { "wildcard, then a prefix", "01 02 0001 08 0a", unknownFec, alone, "[]" },
+        { "prefix, then a wildcard: the prefix stays", "02 0001 08 0a 01", unknownFec, alone,
+          "[10.0.0.0/8]" },
+        { "wildcard in front of a bad element: the wildcard is told", "01 ff", unknownFec, alone, "[]" },
+        { "three prefixes", "02 0001 08 0a 02 0001 10 0a01 02 0001 18 0a0102", success, "",
+          "[10.0.0.0/8, 10.1.0.0/16, 10.1.2.0/24]" },
+        { "a fourth, broken", "02 0001 08 0a 02 0001 10 0a01 02 0001 18 0a0102 02 0001", malformedTlv,
+          "Invalid FEC Prefix Element: TLV value is too small", "[10.0.0.0/8, 10.1.0.0/16, 10.1.2.0/24]" },
+        { "P2MP behind a prefix", "02 0001 08 0a 06 0001 04 0a000001 0000", unknownFec,
+          "FEC TLV P2MP Element must be the only FEC Element in the FEC TLV", "[10.0.0.0/8]" },
+        { "P2MP behind a prefix, cut short", "02 0001 08 0a 06", unknownFec,
+          "FEC TLV P2MP Element must be the only FEC Element in the FEC TLV", "[10.0.0.0/8]" },
+   } );
+   for ( U32 type = 0; type <= 255; ++type ) {
+      if ( type == 1 || type == 2 || type == 3 || type == 6 || type == 128 ) continue;
+      SCOPED_TRACE( type );
+      auto const parser = fecOf( u8( type ) + "0001" );
+      EXPECT_EQ( parser->statusCode(), unknownFec );
+      EXPECT_EQ( parser->reason(), ( "Unhandled FEC TLV Element type 0x" + u8( type ) ).c_str() );
+   }
+}
+
+TEST( FecTlvParser, prefixes ) {
+   char const * const small = "Invalid FEC Prefix Element: TLV value is too small";
+   expectFecRows( {
+        { "header of 1", "02", malformedTlv, small, "[]" },
+        { "header of 3", "02 0001", malformedTlv, small, "[]" },
+        { "0 bits take no octet", "02 0001 00", success, "", "[0.0.0.0/0]" },
+        { "0 bits, then another element", "02 0001 00 02 0002 00", success, "", "[0.0.0.0/0, ::/0]" },
+        { "1 bit", "02 0001 01 80", success, "", "[128.0.0.0/1]" },
+        { "8 bits", "02 0001 08 0a", success, "", "[10.0.0.0/8]" },
+        { "9 bits take 2 octets", "02 0001 09 0a80", success, "", "[10.128.0.0/9]" },
+        { "bits behind the length are cleared", "02 0001 09 0aff", success, "", "[10.128.0.0/9]" },
+        { "32 bits", "02 0001 20 0a000001", success, "", "[10.0.0.1/32]" },
+        { "33 bits in 5 octets", "02 0001 21 0a00000100", malformedTlv,
+          "Invalid FEC Prefix Element: PreLen 33 is too large for IPv4", "[]" },
+        { "33 bits in 4 octets", "02 0001 21 0a000001", malformedTlv,
+          "Invalid FEC Prefix Element: prefix bits: 33, remaining packet octets: 8", "[]" },
+        { "8 bits without an octet", "02 0001 08", malformedTlv,
+          "Invalid FEC Prefix Element: prefix bits: 8, remaining packet octets: 4", "[]" },
+        { "what remains counts from the element", "02 0001 08 0a 02 0001 ff 0a", malformedTlv,
+          "Invalid FEC Prefix Element: prefix bits: 255, remaining packet octets: 5", "[10.0.0.0/8]" },
+        { "255 bits in 32 octets", "02 0001 ff" + repeat( 32, 0 ), malformedTlv,
+          "Invalid FEC Prefix Element: PreLen 255 is too large for IPv4", "[]" },
+        { "IPv6 of 64 bits", "02 0002 40 20010db8 00000001", success, "", "[2001:db8:0:1::/64]" },
+        { "IPv6 of 128 bits", "02 0002 80 20010db8 00000000 00000000 00000001", success, "",
+          "[2001:db8::1/128]" },
+        { "129 bits in 17 octets", "02 0002 81" + repeat( 17, 0 ), malformedTlv,
+          "Invalid FEC Prefix Element: PreLen 129 is too large for IPv6", "[]" },
+        { "129 bits in 16 octets", "02 0002 81" + repeat( 16, 0 ), malformedTlv,
+          "Invalid FEC Prefix Element: prefix bits: 129, remaining packet octets: 20", "[]" },
+        { "family 3", "02 0003 18 0a0102", unsupportedAddressFamily,
+          "Invalid FEC Prefix Element address family 0x3", "[]" },
+        { "family 0", "02 0000 00", unsupportedAddressFamily, "Invalid FEC Prefix Element address family 0x0",
+          "[]" },
+        { "family 0xff01", "02 ff01 00", unsupportedAddressFamily,
+          "Invalid FEC Prefix Element address family 0xff01", "[]" },
+        { "size is judged before the family", "02 0003 18 0a01", malformedTlv,
+          "Invalid FEC Prefix Element: prefix bits: 24, remaining packet octets: 6", "[]" },
+   } );
+}
+
+TEST( FecTlvParser, hostAddresses ) {
+   char const * const small = "Invalid FEC Host Address Element: TLV value is too small";
+   // "Host Address" in some texts and "Host Addr" in others, each as it is meant.
+   expectFecRows( {
+        { "header of 3", "03 0001", malformedTlv, small, "[]" },
+        { "IPv4", "03 0001 04 0a000001", success, "", "[10.0.0.1/32]" },
+        { "IPv6", "03 0002 10 20010db8 00000000 00000000 00000001", success, "", "[2001:db8::1/128]" },
+        { "two of them", "03 0001 04 0a000001 03 0001 04 0a000002", success, "",
+          "[10.0.0.1/32, 10.0.0.2/32]" },
+        { "IPv4 of 3", "03 0001 03 0a0000", malformedTlv,
+          "Invalid FEC Host Addr Element: hostAddrLen 3 is not valid IPv4 size", "[]" },
+        { "IPv4 of 0", "03 0001 00", malformedTlv,
+          "Invalid FEC Host Addr Element: hostAddrLen 0 is not valid IPv4 size", "[]" },
+        { "IPv4 of 16", "03 0001 10" + repeat( 16, 0 ), malformedTlv,
+          "Invalid FEC Host Addr Element: hostAddrLen 16 is not valid IPv4 size", "[]" },
+        { "IPv4 of 32: octets and not bits", "03 0001 20" + repeat( 32, 0 ), malformedTlv,
+          "Invalid FEC Host Addr Element: hostAddrLen 32 is not valid IPv4 size", "[]" },
+        { "IPv6 of 4", "03 0002 04 0a000001", malformedTlv,
+          "Invalid FEC Host Addr Element: hostAddrLen 4 is not valid IPv6 size", "[]" },
+        { "IPv6 of 17", "03 0002 11" + repeat( 17, 0 ), malformedTlv,
+          "Invalid FEC Host Addr Element: hostAddrLen 17 is not valid IPv6 size", "[]" },
+        { "cut short", "03 0001 04 0a0000", malformedTlv,
+          "Invalid FEC Host Address Element: hostAddrLen: 4, remaining packet octets: 7", "[]" },
+        { "family 3", "03 0003 04 0a000001", unsupportedAddressFamily,
+          "Invalid FEC Host Address Element address family 0x3", "[]" },
+        { "size is judged before the family", "03 abcd ff 0a000001", malformedTlv,
+          "Invalid FEC Host Address Element: hostAddrLen: 255, remaining packet octets: 8", "[]" },
+        { "family 0xabcd", "03 abcd 00", unsupportedAddressFamily,
+          "Invalid FEC Host Address Element address family 0xabcd", "[]" },
+   } );
+}
+
+TEST( FecTlvParser, hostAndFullPrefixAreTheSameFec ) {
+   auto const parser = fecOf( "02 0001 20 0a000001 03 0001 04 0a000001" );
+   auto const prefix = parser->fecElement( 0 );
+   auto const host = parser->fecElement( 1 );
+   EXPECT_EQ( prefix->type(), prefixElement );
+   EXPECT_EQ( host->type(), hostAddrElement );
+   EXPECT_EQ( prefix->fwdEqvCls(), host->fwdEqvCls() );
+   EXPECT_EQ( prefix->fwdEqvCls(), Mpls::FwdEqvClass( Lumo::IpGenPrefix( Lumo::IpAddr( 0x0a000001 ), 32 ) ) );
+   EXPECT_EQ( prefix->fwdEqvCls().tag(), Mpls::FwdEqvClass::prefixTag );
+}
+
+TEST( FecTlvParser, tlvAgainstThePacket ) {
+   struct TlvRow {
+      char const * name;
+      Hex tlv;
+      char const * reason;
+   };
+   for ( TlvRow const & row : {
+              TlvRow{ "1 octet past the packet", tlvLen( fecTlv, 6, "02 0001 08 0a" ),
+                      "FEC TLV is too small, size: 12" },
+              { "before any element is looked at", tlvLen( fecTlv, 2, "ff" ),
+                "FEC TLV is too small, size: 8" },
+              { "3 octets", "010000", "FEC TLV is too small, size: 6" },
+              { "none", "", "FEC TLV is too small, size: 3" },
+              { "largest length", tlvLen( fecTlv, 65535, "01" ), "FEC TLV is too small, size: 8" },
+         } ) {
+      SCOPED_TRACE( row.name );
+      auto const parser = parseFec( row.tlv );
+      EXPECT_EQ( parser->statusCode(), badTlvLength );
+      EXPECT_EQ( parser->reason(), row.reason );
+      EXPECT_EQ( parser->fecElements(), 0u );
+   }
+   // What stands behind the TLV is no element.
+   EXPECT_EQ( parseFec( tlv( fecTlv, "02 0001 08 0a" ) + "ff" )->stringValue(), "[10.0.0.0/8]" );
+   EXPECT_ASSERTION( ldpFecTlvParserFactory( pkt( "00" ), 2, nullptr ), "pkt_->frontBytes() >= offset_" );
+}
+
+TEST( FecTlvParser, withoutStrictnessAWildcardStandsAnywhere ) {
+   auto const param = ldpProtoParamFactory( "default" );
+   Hex const mixed = tlv( fecTlv, "02 0001 08 0a 01 01 02 0001 10 0a01" );
+
+   auto parser = parseFec( mixed, param ); // strict by default
+   EXPECT_EQ( parser->statusCode(), unknownFec );
+   EXPECT_FALSE( parser->hasWildcardFecElement() );
+
+   param->fecTlvStrictPrefixWildcardOnlyElementIs( false );
+   EXPECT_EQ( parser->statusCode(), unknownFec ); // the switch is read once, at construction
+   parser = parseFec( mixed, param );
+   EXPECT_TRUE( parser->valid() );
+   EXPECT_TRUE( parser->hasWildcardFecElement() );
+   EXPECT_EQ( parser->ldpProtoParam(), param );
+   EXPECT_EQ( parser->stringValue(), "[10.0.0.0/8, Wildcard, Wildcard, 10.1.0.0/16]" );
+   // P2MP stays alone, whatever the switch.
+   EXPECT_EQ( parseFec( tlv( fecTlv, "01 06 0001 04 0a000001 0000" ), param )->reason(),
+              "FEC TLV P2MP Element must be the only FEC Element in the FEC TLV" );
+   // A wildcard that was met stays told, also after a failure.
+   parser = parseFec( tlv( fecTlv, "01 05" ), param );
+   EXPECT_FALSE( parser->valid() );
+   EXPECT_TRUE( parser->hasWildcardFecElement() );
+}
+
+TEST( FecTlvParser, collectionAndState ) {
+   auto const parser = fecOf( "02 0001 08 0a 02 0001 10 0a01" );
+   EXPECT_FALSE( parser->hasWildcardFecElement() );
+   EXPECT_FALSE( parser->initialized() );
+   parser->initializedIs( true );
+   EXPECT_TRUE( parser->initialized() );
+   EXPECT_EQ( parser->fecElements(), 2u );
+   EXPECT_FALSE( parser->fecElement( 2 ) );
+   auto const wildcard = ldpFecTlvWildcardElementFactory();
+   parser->fecElementIs( 2, wildcard );
+   parser->fecElementIs( 0, wildcard );
+   EXPECT_EQ( parser->stringValue(), "[Wildcard, 10.1.0.0/16, Wildcard]" );
+   parser->fecElementIs( 2, nullptr ); // removes it
+   EXPECT_EQ( parser->fecElements(), 2u );
+   parser->fecElementDel( 0 );
+   EXPECT_EQ( parser->stringValue(), "[]" ); // from position 0 upward
+   EXPECT_EQ( parser->fecElements(), 1u );
+   parser->fecElementDelAll();
+   EXPECT_EQ( parser->fecElements(), 0u );
+   EXPECT_FALSE( parser->parseElements() ); // false on success
+   EXPECT_EQ( parser->fecElements(), 2u );
+   EXPECT_TRUE( fecOf( "ff" )->parseElements() );
+}
+
+TEST( FecTlvParser, elementsOutliveThePacket ) {
+   U64 const packets = Lumo::Pkt::allocTrack().objects();
+   auto const element = fecOf( "02 0001 08 0a" )->fecElement( 0 );
+   EXPECT_EQ( Lumo::Pkt::allocTrack().objects(), packets );
+   EXPECT_EQ( element->stringValue(), "10.0.0.0/8" );
+}
+
+TEST( FecTlvElement, valuesAreForTheirOwnKinds ) {
+   char const * const ip = "fwdEqvCls valid for Ip Fec Tlvs only";
+   char const * const pw = "pwFwdEqvCls valid for Pw Fec Tlvs only";
+   char const * const p2mp = "p2mpFecId valid for p2mp Fec Tlvs only";
+   struct Kind {
+      Vorn::Ptr< LdpFecTlvElement > element;
+      LdpFecElementType type;
+      char const * allowed;
+   };
+   for ( Kind const & kind : { Kind{ ldpFecTlvWildcardElementFactory(), wildcardElement, ip },
+                               { ldpFecTlvPrefixElementFactory(), prefixElement, ip },
+                               { ldpFecTlvHostAddrElementFactory(), hostAddrElement, ip },
+                               { ldpFecTlvP2mpElementFactory(), p2mpElement, p2mp },
+                               { ldpFecTlvPwIdElementFactory(), pwIdElement, pw } } ) {
+      SCOPED_TRACE( valueToStrep( kind.type ) );
+      LdpFecTlvElement & element = *kind.element;
+      EXPECT_EQ( element.type(), kind.type );
+      if ( kind.allowed == ip ) {
+         EXPECT_EQ( element.fwdEqvCls(), Mpls::FwdEqvClass() );
+         element.fwdEqvClsIs( Mpls::FwdEqvClass( 1, 2 ) );
+         EXPECT_EQ( element.fwdEqvCls(), Mpls::FwdEqvClass( 1, 2 ) );
+      } else {
+         EXPECT_ASSERTION( element.fwdEqvCls(), ip );
+         EXPECT_ASSERTION( element.fwdEqvClsIs( Mpls::FwdEqvClass() ), ip );
+      }
+      if ( kind.allowed == pw ) {
+         EXPECT_EQ( element.pwFwdEqvCls(), PwFwdEqvClassInfo() );
+      } else {
+         EXPECT_ASSERTION( element.pwFwdEqvCls(), pw );
+         EXPECT_ASSERTION( element.pwFwdEqvClsIs( PwFwdEqvClassInfo() ), pw );
+      }
+      if ( kind.allowed == p2mp ) {
+         EXPECT_EQ( element.p2mpFecElem(), LdpP2mpFecElement() );
+      } else {
+         EXPECT_ASSERTION( element.p2mpFecElem(), p2mp );
+         EXPECT_ASSERTION( element.p2mpFecElemIs( LdpP2mpFecElement() ), p2mp );
+      }
+   }
+}
+
+TEST( FecTlvElement, baseHasATypeButNoText ) {
+   Vorn::Ptr< LdpFecTlvElement > const base = Vorn::newObject< LdpFecTlvElement >();
+   EXPECT_EQ( base->type(), wildcardElement );
+   EXPECT_ASSERTION( base->stringValue(), "Internal Error. To be implemented in derived classes" );
+}
+
+} // namespace
