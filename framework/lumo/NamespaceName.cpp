@@ -5,8 +5,7 @@
 namespace Lumo {
 
 NamespaceName::NamespaceName( Vorn::String name ) : name_( std::move( name ) ) {
-   if ( name_.bytes() > maxLength )
-      Vorn::throwRangeException( "NamespaceName::bytes > 150 not allowed" );
+   if ( name_.bytes() > maxLength ) Vorn::throwRangeException( "NamespaceName::bytes > 150 not allowed" );
 }
 
 Vorn::String valueToStrep( NamespaceName const & value ) { return Vorn::valueToStrep( value.stringValue() ); }
@@ -20,7 +19,9 @@ void sequenceToValue( Vorn::String::IteratorConst & it, Vorn::String::IteratorCo
 
 VORN_TEXT_STREAM( NamespaceName )
 
-void logOut( Vorn::NboAttrLog::Out & out, NamespaceName const & value ) { logOut( out, value.stringValue() ); }
+void logOut( Vorn::NboAttrLog::Out & out, NamespaceName const & value ) {
+   logOut( out, value.stringValue() );
+}
 
 void logIn( Vorn::NboAttrLog::In & in, NamespaceName * value ) {
    Vorn::String name;

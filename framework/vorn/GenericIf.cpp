@@ -167,10 +167,6 @@ GenericIfMethods const ptrMethods{
 
 namespace {
 
-bool isField( VornAttr const & attr ) {
-   return attr.kind() == VornKind::constructor || attr.kind() == VornKind::state;
-}
-
 void * writable( void const * value ) { return const_cast< void * >( value ); }
 
 } // namespace
@@ -180,12 +176,12 @@ String recordToStrep( void const * value, VornType const & type ) {
    String texts[32];
    std::size_t count = 0;
    for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
-      if ( isField( *attr ) ) names[count++] = attr->name;
+      if ( attr->isField() ) names[count++] = attr->name;
    }
    // From the last field to the first.
    std::size_t at = count;
    for ( VornAttr const * attr = type.attributes + type.attributeNum; attr-- != type.attributes; ) {
-      if ( isField( *attr ) ) texts[--at] = GenericIf::attributeText( value, type, *attr );
+      if ( attr->isField() ) texts[--at] = GenericIf::attributeText( value, type, *attr );
    }
    return compositeText( type.name, names, texts, count );
 }
@@ -195,7 +191,7 @@ void recordFromSequence( String::IteratorConst & it, String::IteratorConst const
    needString( it, end, ( String( "Value('" ) + type.name + "', ** {" ).charPtr() );
    bool first = true;
    for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
-      if ( !isField( *attr ) ) continue;
+      if ( !attr->isField() ) continue;
       needString( it, end, ( String( first ? "'" : ", '" ) + attr->name + "': " ).charPtr() );
       first = false;
       GenericIf::Value field( attr->type );
@@ -212,7 +208,7 @@ void recordFromSequence( String::IteratorConst & it, String::IteratorConst const
 
 void recordLogOut( NboAttrLog::Out & out, void const * value, VornType const & type ) {
    for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
-      if ( !isField( *attr ) ) continue;
+      if ( !attr->isField() ) continue;
       GenericIf::Value field( attr->type );
       attr->ops->op( field.data(), writable( value ), *attr, GenericIf::read, nullptr, nullptr );
       attr->type->methods->logOut( out, field.data() );
@@ -221,7 +217,7 @@ void recordLogOut( NboAttrLog::Out & out, void const * value, VornType const & t
 
 void recordLogIn( NboAttrLog::In & in, void * value, VornType const & type ) {
    for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
-      if ( !isField( *attr ) ) continue;
+      if ( !attr->isField() ) continue;
       GenericIf::Value field( attr->type );
       attr->type->methods->logIn( in, field.data() );
       void const * const arg = field.data();

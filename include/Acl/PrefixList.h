@@ -17,8 +17,12 @@ VORN_ENUM( PrefixAction, ACL_PREFIX_ACTIONS )
 
 /// One entry of a prefix list.
 struct PrefixEntry {
-   Lumo::IpAddr addr;          ///< the prefix's address
-   U32 len = 0;                ///< its length in bits; above 32 counts as 32 for the mask
+   /// An IPv4 address and a mask length in bits.
+   struct Prefix {
+      Lumo::IpAddr address;
+      U32 len = 0;
+   };
+   Prefix prefix;              ///< what a FEC must lie in
    PrefixAction action = deny; ///< what a match means
    U32 ge = 0;                 ///< least length that matches; 0 for none
    U32 le = 0;                 ///< greatest length that matches; 0 for none

@@ -97,6 +97,10 @@ inline constexpr VornAttrOps readOps{
    nullptr,
 };
 
+/// What the accessor of a constant gives: its type where a constant can have that, else what was written.
+template< class T, class Written >
+using ConstantOf = std::conditional_t< std::is_trivially_copyable_v< T >, T, Written >;
+
 /// A constant: a static member of the class.
 template< class T, auto value >
 inline constexpr VornAttrOps constantOps{
@@ -274,17 +278,22 @@ struct AttrTable {
             table[i] = AttrTable< typename T::VornBase >::table[i];
          }
       }
-      [&]< U32... i >( std::integer_sequence< U32, i... > ) {
-         ( ( table[baseNum() + i] = T::vornAttr( AttrId< first + i >{} ) ), ... );
+      if constexpr ( own != 0 ) {
+         [&]< U32... i >( std::integer_sequence< U32, i... > ) {
+            ( ( table[baseNum() + i] = T::vornAttr( AttrId< first + i >{} ) ), ... );
+         }
+         ( std::make_integer_sequence< U32, own >{} );
       }
-      ( std::make_integer_sequence< U32, own >{} );
       return table;
    }
    static constexpr std::array< VornAttr, num + 1 > table = collect();
    static constexpr VornAttr const * attributes = num ? table.data() : nullptr;
 
+   /// Whether the constructor takes a name in front of all else.
+   static constexpr bool named = requires { T::vornNamed; };
+
    static consteval U32 ctorNum() {
-      U32 n = 0;
+      U32 n = named;
       for ( VornAttr const & attr : table ) {
          n += attr.name && attr.isCtorArg();
       }
@@ -293,6 +302,7 @@ struct AttrTable {
    static consteval std::array< VornCtorArg, ctorNum() + 1 > collectCtorArgs() {
       std::array< VornCtorArg, ctorNum() + 1 > args{};
       U32 n = 0;
+      if ( named ) args[n++] = { "name", &BuiltinType< Name >::record };
       for ( VornAttr const & attr : table ) {
          if ( attr.name && attr.isCtorArg() ) args[n++] = { attr.name, attr.type };
       }

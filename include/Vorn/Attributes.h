@@ -80,6 +80,7 @@
 /// name )`.
 #define VORN_NAME                                                                                            \
  public:                                                                                                     \
+   static constexpr bool vornNamed = true;                                                                   \
    ::Vorn::Name name() const override { return name_; }                                                      \
    ::Vorn::Name const & vornKey() const noexcept { return name_; }                                           \
                                                                                                              \
@@ -186,7 +187,7 @@
    VORN_CONSTANT_( id, Type, x, value, ::Vorn::VornKind::derivedConstant )
 #define VORN_CONSTANT_( id, Type, x, value, kind )                                                           \
  public:                                                                                                     \
-   static constexpr decltype( value ) x() noexcept { return value; }                                         \
+   static constexpr ::Vorn::ConstantOf< Type, decltype( value ) > x() noexcept { return value; }             \
    static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
       return ::Vorn::attrRecord< Self, Type >( #x, kind, id, ::Vorn::local,                                  \
                                                &::Vorn::constantOps< Type, &Self::x > );                     \

@@ -183,10 +183,26 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
  public:                                                                                                     \
    ::Vorn::String x() const;                                                                                 \
    void xIs( ::Vorn::String const & text );                                                                  \
+   VORN_VIEW_( id, ::Vorn::String, x, xIs )
+
+/// One bit of a bit word, whose word is the field `value`: `VORN_BIT( 0x5, 0, grFlagSpeaker );`. The setter
+/// leaves the other bits alone. A bit word declares `value` first, then its constants, then its bits.
+#define VORN_BIT( id, bit, x )                                                                               \
+ public:                                                                                                     \
+   constexpr bool x() const noexcept { return value_ >> ( bit ) & 1; }                                       \
+   constexpr void x##Is( bool set ) noexcept {                                                               \
+      auto const mask = decltype( value_ )( decltype( value_ )( 1 ) << ( bit ) );                            \
+      value_ = set ? value_ | mask : value_ & ~mask;                                                         \
+   }                                                                                                         \
+   VORN_VIEW_( id, bool, x, x##Is )
+
+/// The record of a view: what can be read and written but is no field.
+#define VORN_VIEW_( id, Type, x, xIs )                                                                       \
    static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
-      return ::Vorn::attrRecord< Self, ::Vorn::String >(                                                     \
-           #x, ::Vorn::VornKind::state, id, ::Vorn::local,                                                   \
-           &::Vorn::scalarOps< Self, ::Vorn::String, &Self::x, &Self::xIs > );                               \
+      auto attr = ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::state, id, ::Vorn::local,          \
+                                                    &::Vorn::scalarOps< Self, Type, &Self::x, &Self::xIs > );\
+      attr.flags |= ::Vorn::viewAccess;                                                                      \
+      return attr;                                                                                           \
    }                                                                                                         \
    static_assert( true )
 

@@ -57,6 +57,8 @@ enum VornReplication : bool { local = false, replicated = true };
 
 /// Set in the access bits of a mutable attribute that is a constructor argument as well.
 inline constexpr U64 ctorArgAccess = 0x40ull << 40;
+/// Set in the access bits of a value's attribute that can be written but is no field: a view of the fields.
+inline constexpr U64 viewAccess = 0x20ull << 40;
 
 /// The flag word of an attribute: kind (bits 63 to 48), access (47 to 40), slot (39 to 32), id (31 to 0).
 constexpr U64 attrFlags( VornKind kind, U32 id, VornReplication logged, bool keyed ) {
@@ -83,6 +85,10 @@ struct VornAttr {
    /// Whether the constructor takes it.
    constexpr bool isCtorArg() const noexcept {
       return kind() == VornKind::constructor || ( flags & ctorArgAccess );
+   }
+   /// Whether it is one of the fields that make up a value.
+   constexpr bool isField() const noexcept {
+      return kind() == VornKind::constructor || ( kind() == VornKind::state && !( flags & viewAccess ) );
    }
    /// Whether it is a collection, a set or a queue.
    constexpr bool keyed() const noexcept { return ( flags >> 32 & 0xff ) == 0; }
