@@ -143,28 +143,26 @@ void childrenDel( Entity & entity, VornType const & type ) {
 
 void reinstantiate( Entity & present, VornType const & type, void const * const * args ) {
    void * const object = static_cast< PtrInterface * >( &present );
-   void const * const * arg = args;
-   for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
-      if ( !attr->isCtorArg() ) continue;
-      void const * const given = *arg++;
-      if ( attr->kind() != VornKind::constructor ) continue;
-      GenericIf::Value current( attr->type );
-      attr->ops->op( current.data(), object, *attr, GenericIf::read, nullptr, nullptr );
-      if ( attr->type->methods->equal( current.data(), given ) ) continue;
+   // Calls `call` with each argument's attribute and the value given for it.
+   auto const eachArg = [&]( auto const & call ) {
+      for ( U32 i = 0; type.ctorArgs[i].name; ++i )
+         call( *type.attribute( type.ctorArgs[i].name ), args[i] );
+   };
+   eachArg( [&]( VornAttr const & attr, void const * given ) {
+      if ( attr.kind() != VornKind::constructor ) return;
+      GenericIf::Value current( attr.type );
+      attr.ops->op( current.data(), object, attr, GenericIf::read, nullptr, nullptr );
+      if ( attr.type->methods->equal( current.data(), given ) ) return;
       throwNameInUseException(
            "Reinstantiating the entity with fullName " + valueToStrep( present.fullName() ) +
-           " where constructor parameter attribute '" + attr->name + "' has a different value of " +
-           attr->type->methods->genericIfStrRep( given, attr->type ) + " than the current value of " +
+           " where constructor parameter attribute '" + attr.name + "' has a different value of " +
+           attr.type->methods->genericIfStrRep( given, attr.type ) + " than the current value of " +
            current.stringValue() + " not allowed" );
-   }
-   arg = args;
-   for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
-      if ( !attr->isCtorArg() ) continue;
-      void const * const given = *arg++;
-      if ( attr->kind() != VornKind::constructor ) {
-         attr->ops->op( nullptr, object, *attr, GenericIf::write, nullptr, &given );
-      }
-   }
+   } );
+   eachArg( [&]( VornAttr const & attr, void const * given ) {
+      if ( attr.kind() == VornKind::mutableAttr )
+         attr.ops->op( nullptr, object, attr, GenericIf::write, nullptr, &given );
+   } );
 }
 
 void throwNullReference( VornType const & type, char const * attrName ) {

@@ -12,6 +12,7 @@ int main( int argc, char ** argv ) {
    } );
    addDecodeCommand( app );
    addRingCommand( app );
+   addTypesCommand( app );
    try {
       app.parse( argc, argv );
    } catch ( CLI::RuntimeError const & done ) {
