@@ -45,15 +45,9 @@ bool isLdpSupportedInterface( Lumo::IntfId const & intfId, bool loopbackCounts )
           isSubIntfId( intfId ) || ( loopbackCounts && isLoopbackIntfId( intfId ) );
 }
 
-Vorn::Ptr< LdpMsgParser > ldpMsgParserGet( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset ) {
-   VORN_ASSERT( pkt );
-   VORN_ASSERT( pkt->front() );
-   VORN_ASSERT( pkt->frontBytes() );
-   Vorn::Ptr< LdpMsgParser > parser = ldpMsgParserFactory( pkt, offset );
-   if ( !parser->validMsg() || !parser->msgHdr() ) return parser;
-   // The typed parser judges header and framing once more. KeepAlive has nothing to add, and Capability is
-   // left plain: intended.
-   switch ( parser->msgHdr()->type() ) {
+Vorn::Ptr< LdpMsgParser > ldpTypedMsgParser( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset,
+                                             LdpMsgType type ) {
+   switch ( type ) {
    case LdpNotification: return ldpNotificationMsgParserFactory( pkt, offset );
    case LdpHello: return ldpHelloMsgParserFactory( pkt, offset );
    case LdpInit: return ldpInitMsgParserFactory( pkt, offset );
@@ -64,10 +58,22 @@ Vorn::Ptr< LdpMsgParser > ldpMsgParserGet( Vorn::Ptr< Lumo::Pkt > const & pkt, U
    case LdpLabelWithdraw: return ldpLabelWithdrawMsgParserFactory( pkt, offset );
    case LdpLabelRelease: return ldpLabelReleaseMsgParserFactory( pkt, offset );
    case LdpLabelAbortReq: return ldpLabelAbortReqMsgParserFactory( pkt, offset );
+   // KeepAlive has nothing to add, and Capability is left plain: intended.
    case LdpKeepAlive:
    case LdpCapability: break;
    }
-   return parser;
+   return nullptr;
+}
+
+Vorn::Ptr< LdpMsgParser > ldpMsgParserGet( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset ) {
+   VORN_ASSERT( pkt );
+   VORN_ASSERT( pkt->front() );
+   VORN_ASSERT( pkt->frontBytes() );
+   Vorn::Ptr< LdpMsgParser > const plain = ldpMsgParserFactory( pkt, offset );
+   if ( !plain->validMsg() || !plain->msgHdr() ) return plain;
+   // The typed parser judges header and framing once more.
+   Vorn::Ptr< LdpMsgParser > const typed = ldpTypedMsgParser( pkt, offset, plain->msgHdr()->type() );
+   return typed ? typed : plain;
 }
 
 } // namespace Ldp

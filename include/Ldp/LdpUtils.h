@@ -38,6 +38,14 @@ VORN_API bool isLoopbackInterface( Lumo::IntfId const & intfId );
 /// Whether LDP can run there: VLAN, port-channel, Ethernet and sub-interfaces, and loopbacks if they count.
 VORN_API bool isLdpSupportedInterface( Lumo::IntfId const & intfId, bool loopbackCounts );
 
+/// A parser of the class that messages of that type have, judged whole, header and framing included; null for
+/// a type without a class. `type` is that of the message at `offset`: another one asserts unless header or
+/// framing is bad.
+///
+/// For who knows the type already; `ldpMsgParserGet` is the way of everybody else.
+VORN_API Vorn::Ptr< LdpMsgParser > ldpTypedMsgParser( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset,
+                                                      LdpMsgType type );
+
 /// The parser of the message at that offset: of its type's class if header and framing are good, else a plain
 /// `LdpMsgParser` that says what is wrong. KeepAlive and Capability messages stay plain.
 ///
