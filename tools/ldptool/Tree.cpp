@@ -222,7 +222,7 @@ void TreeWatcher::Watch::tell( U32 attributeId, void const * key ) {
       GenericIf::Value const value( attr->keyType, key );
       keyText = text( value.stringValue() );
    }
-   all_.onChange( entity_, *attr, keyText );
+   all_.onChange( entity_, *attr, key, keyText );
    if ( !attr->instantiating() ) return;
    // A new child is watched from here on.
    Ptr< PtrInterface > child;

@@ -27,9 +27,9 @@ nlohmann::ordered_json treeJson( Vorn::Entity const & entity, TreeContent conten
 /// lives.
 class TreeWatcher {
  public:
-   /// Called behind each change with the entity, the attribute, and the key's text where there is one.
+   /// Called behind each change with the entity, the attribute, and the key and its text where there is one.
    using OnChange = std::function< void( Vorn::Entity const & entity, Vorn::VornAttr const & attr,
-                                         std::string const & key ) >;
+                                         void const * key, std::string const & keyText ) >;
 
    TreeWatcher( Vorn::Entity & root, OnChange onChange );
    ~TreeWatcher();
