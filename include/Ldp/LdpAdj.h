@@ -55,7 +55,7 @@ VORN_TEXT( LdpAdjId )
 /// What is wanted of one adjacency.
 class VORN_API LdpAdjConfig : public Vorn::Entity {
    VORN_ENTITY( LdpAdjConfig, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( HoldTime ) )
+   VORN_NOTIFIEE( VORN_ON( HoldTime ); )
 
  public:
    explicit LdpAdjConfig( LdpAdjId const & ldpAdjId ) : ldpAdjId_( ldpAdjId ) {}
@@ -70,7 +70,7 @@ VORN_FACTORY( LdpAdjConfig, ldpAdjConfigFactory )
 /// The adjacencies' configurations.
 class VORN_API LdpAdjConfigColl : public Vorn::Entity {
    VORN_ENTITY( LdpAdjConfigColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpAdjId, AdjConfig ) )
+   VORN_NOTIFIEE( VORN_ON_KEYED( LdpAdjId, AdjConfig ); )
 
  public:
    explicit LdpAdjConfigColl( Vorn::Name const & name ) : name_( name ) {}
@@ -84,9 +84,10 @@ VORN_FACTORY( LdpAdjConfigColl, ldpAdjConfigCollFactory )
 /// Run-time state of one hello adjacency.
 class VORN_API LdpAdjStatus : public Vorn::Entity {
    VORN_ENTITY( LdpAdjStatus, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( AdjStatusCode ) VORN_ON( MsgId ) VORN_ON( PeerHoldTime ) VORN_ON( OperHoldTime )
-                       VORN_ON( AdjExpireTime ) VORN_ON( PeerIpAddr ) VORN_ON( PeerSrcIpAddr )
-                            VORN_ON( PeerConfigSeqNum ) VORN_ON( RxPktCount ) VORN_ON( ErrPktCount ) )
+   VORN_NOTIFIEE( VORN_ON( AdjStatusCode ); VORN_ON( MsgId ); VORN_ON( PeerHoldTime );
+                  VORN_ON( OperHoldTime ); VORN_ON( AdjExpireTime ); VORN_ON( PeerIpAddr );
+                  VORN_ON( PeerSrcIpAddr ); VORN_ON( PeerConfigSeqNum ); VORN_ON( RxPktCount );
+                  VORN_ON( ErrPktCount ); )
 
  public:
    explicit LdpAdjStatus( LdpAdjId const & ldpAdjId ) : ldpAdjId_( ldpAdjId ) {}
@@ -118,7 +119,7 @@ VORN_FACTORY( LdpAdjStatus, ldpAdjStatusFactory )
 /// The adjacencies of a VRF.
 class VORN_API LdpAdjStatusColl : public Vorn::Entity {
    VORN_ENTITY( LdpAdjStatusColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpAdjId, AdjStatus ) )
+   VORN_NOTIFIEE( VORN_ON_KEYED( LdpAdjId, AdjStatus ); )
 
  public:
    explicit LdpAdjStatusColl( Vorn::Name const & name ) : name_( name ) {}
@@ -132,7 +133,7 @@ VORN_FACTORY( LdpAdjStatusColl, ldpAdjStatusCollFactory )
 /// The adjacencies on one interface.
 class VORN_API LdpAdjPerLink : public Vorn::Entity {
    VORN_ENTITY( LdpAdjPerLink, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpAdjId, LdpAdj ) )
+   VORN_NOTIFIEE( VORN_ON_KEYED( LdpAdjId, LdpAdj ); )
 
  public:
    explicit LdpAdjPerLink( Lumo::IntfId const & intfId ) : intfId_( intfId ) {}

@@ -112,7 +112,7 @@ inline constexpr VornAttrOps constantOps{
    nullptr,
 };
 
-/// A scalar with a mutator, a single reference included.
+/// A scalar with a mutator, a single reference included. A value's field that has one is placed by it as well.
 template< class Self, class T, auto get, auto set >
 inline constexpr VornAttrOps scalarOps{
    []( void * result, void * object, VornAttr const &, U32 op, void const *,
@@ -122,6 +122,7 @@ inline constexpr VornAttrOps scalarOps{
          resultIs( result, T( ( selfOf< Self >( object )->*get )() ) );
          return GenericIf::done;
       case GenericIf::write:
+      case GenericIf::place:
          ( selfOf< Self >( object )->*set )( ArgOf< T >::get( args[0] ) );
          return GenericIf::done;
       default: return GenericIf::notApplicable;
@@ -245,7 +246,7 @@ struct AttrTable {
       T::vornAttr( AttrId< id >{} );
    };
 
-   static consteval U32 count() {
+   static constexpr U32 count() {
       U32 num = 0;
       [&]< U32... i >( std::integer_sequence< U32, i... > ) {
          ( ( has< first + i > && num == i ? ++num : num ), ... );
@@ -253,7 +254,7 @@ struct AttrTable {
       ( std::make_integer_sequence< U32, window >{} );
       return num;
    }
-   static consteval U32 declared() {
+   static constexpr U32 declared() {
       return []< U32... i >( std::integer_sequence< U32, i... > ) {
          return ( U32( has< first + i > ) + ... );
       }
@@ -262,7 +263,7 @@ struct AttrTable {
    static constexpr U32 own = count();
    static_assert( own == declared(), "attribute ids must follow each other without a gap" );
 
-   static consteval U32 baseNum() {
+   static constexpr U32 baseNum() {
       if constexpr ( requires { typename T::VornBase; } ) {
          return AttrTable< typename T::VornBase >::num;
       } else {
@@ -271,7 +272,7 @@ struct AttrTable {
    }
    static constexpr U32 num = baseNum() + own;
 
-   static consteval std::array< VornAttr, num + 1 > collect() {
+   static constexpr std::array< VornAttr, num + 1 > collect() {
       std::array< VornAttr, num + 1 > table{};
       if constexpr ( baseNum() != 0 ) {
          for ( U32 i = 0; i < baseNum(); ++i ) {
@@ -292,14 +293,14 @@ struct AttrTable {
    /// Whether the constructor takes a name in front of all else.
    static constexpr bool named = requires { T::vornNamed; };
 
-   static consteval U32 ctorNum() {
+   static constexpr U32 ctorNum() {
       U32 n = named;
       for ( VornAttr const & attr : table ) {
          n += attr.name && attr.isCtorArg();
       }
       return n;
    }
-   static consteval std::array< VornCtorArg, ctorNum() + 1 > collectCtorArgs() {
+   static constexpr std::array< VornCtorArg, ctorNum() + 1 > collectCtorArgs() {
       std::array< VornCtorArg, ctorNum() + 1 > args{};
       U32 n = 0;
       if ( named ) args[n++] = { "name", &BuiltinType< Name >::record };

@@ -5,7 +5,7 @@
 ///     /// Run-time state of one hello adjacency.
 ///     class VORN_API LdpAdjStatus : public Vorn::Entity {
 ///        VORN_ENTITY( LdpAdjStatus, Vorn::Entity )
-///        VORN_NOTIFIEE( VORN_ON( AdjStatusCode ) VORN_ON( MsgId ) )
+///        VORN_NOTIFIEE( VORN_ON( AdjStatusCode ); VORN_ON( MsgId ); )
 ///
 ///      public:
 ///        explicit LdpAdjStatus( LdpAdjId const & ldpAdjId ) : ldpAdjId_( ldpAdjId ) {}

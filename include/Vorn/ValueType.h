@@ -159,6 +159,20 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
  private:                                                                                                    \
    Type x##_
 
+/// A field whose setter, which the class defines by hand, throws RangeException for what is out of range; text
+/// and log come in through it too.
+#define VORN_CHECKED_FIELD( id, Type, x )                                                                    \
+ public:                                                                                                     \
+   ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
+   void x##Is( ::Vorn::Arg< Type > value );                                                                  \
+   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+      return ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::state, id, ::Vorn::local,               \
+                                               &::Vorn::scalarOps< Self, Type, &Self::x, &Self::x##Is > );   \
+   }                                                                                                         \
+                                                                                                             \
+ private:                                                                                                    \
+   Type x##_
+
 /// A const member function of a value that reflection calls; the class defines it by hand.
 #define VORN_VALUE_FUNCTION( id, Type, x )                                                                   \
  public:                                                                                                     \

@@ -9,7 +9,7 @@ namespace Test {
 /// A child that is made from its name.
 class Leaf : public Vorn::Entity {
    VORN_ENTITY( Leaf, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Size ) )
+   VORN_NOTIFIEE( VORN_ON( Size ); )
 
  public:
    explicit Leaf( Vorn::Name const & name ) : name_( name ) {}
@@ -23,7 +23,7 @@ VORN_FACTORY( Leaf, leafFactory )
 /// A member with further constructor arguments, one of which can be changed afterwards.
 class Member : public Vorn::Entity {
    VORN_ENTITY( Member, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Weight ) )
+   VORN_NOTIFIEE( VORN_ON( Weight ); )
    VORN_CTOR_TYPES( U32, U16, U32 )
 
  public:
@@ -43,11 +43,11 @@ struct LeafName {
 /// Every kind of attribute.
 class Everything : public Vorn::Entity {
    VORN_ENTITY( Everything, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Number ) VORN_ON( Ratio ) VORN_ON( Text ) VORN_ON( Count ) VORN_ON( Child )
-                       VORN_ON_KEYED( Vorn::Name, Leaf ) VORN_ON_KEYED( U32, Member )
-                            VORN_ON_KEYED( U32, Score ) VORN_ON_KEYED( U32, Tally )
-                                 VORN_ON_KEYED( Vorn::Name, Tag ) VORN_ON( Pal ) VORN_ON_KEYED( U32, Beside )
-                                      VORN_ON_KEYED( Vorn::Name, Inside ) VORN_ON_KEYED( U32, Event ) )
+   VORN_NOTIFIEE( VORN_ON( Number ); VORN_ON( Ratio ); VORN_ON( Text ); VORN_ON( Count ); VORN_ON( Child );
+                  VORN_ON_KEYED( Vorn::Name, Leaf ); VORN_ON_KEYED( U32, Member );
+                  VORN_ON_KEYED( U32, Score ); VORN_ON_KEYED( U32, Tally ); VORN_ON_KEYED( Vorn::Name, Tag );
+                  VORN_ON( Pal ); VORN_ON_KEYED( U32, Beside ); VORN_ON_KEYED( Vorn::Name, Inside );
+                  VORN_ON_KEYED( U32, Event ); )
 
  public:
    explicit Everything( Vorn::Name const & name ) : name_( name ) {}
@@ -80,7 +80,7 @@ VORN_FACTORY( Everything, everythingFactory )
 /// A type with a base of its own: its ids begin further up.
 class Derived : public Everything {
    VORN_ENTITY( Derived, Everything )
-   VORN_NOTIFIEE( VORN_ON( Extra ) )
+   VORN_NOTIFIEE( VORN_ON( Extra ); )
 
  public:
    explicit Derived( Vorn::Name const & name ) : Everything( name ) {}
