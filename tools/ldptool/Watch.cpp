@@ -12,6 +12,8 @@
 #include <nlohmann/json.hpp>
 
 #include <iostream>
+#include <memory>
+#include <optional>
 
 namespace LdpTool {
 
