@@ -48,7 +48,8 @@ Monitor::Addr Monitor::destination() const { return addressOf( flow_->destinatio
 
 void Monitor::onPdu( Pdu const & pdu ) {
    flow_ = pdu.origin.flow;
-   now_ = double( pdu.origin.arrival.seconds ) + double( pdu.origin.arrival.nanoseconds ) * 1e-9;
+   arrival_ = pdu.origin.arrival;
+   now_ = double( arrival_.seconds ) + double( arrival_.nanoseconds ) * 1e-9;
    sender_ = pdu.parser->ldpIdentifier();
    expire();
 }

@@ -19,8 +19,8 @@ class Monitor : public Reporter {
    void onBadPdu( Pdu const & ) override {}
    void onFatalPdu( Pdu const &, Ldp::LdpPduGuardResult const & ) override {}
 
-   /// Time of the capture, in seconds since the epoch.
-   double now() const { return now_; }
+   /// The packet that the monitor has come to.
+   Arrival const & arrival() const { return arrival_; }
 
  private:
    /// What a speaker sent last of its own parameters, for the negotiation with each of its neighbours.
@@ -53,7 +53,8 @@ class Monitor : public Reporter {
    Addr destination() const;
 
    Network & network_;
-   double now_ = 0;
+   Arrival arrival_;
+   double now_ = 0; // the capture's time, in seconds since the epoch
    double expiredAt_ = 0;
    Flow const * flow_ = nullptr; // of the PDU in hand
    Ldp::LdpIdentifier sender_;   // of the PDU in hand

@@ -73,7 +73,7 @@ int watch( WatchOptions const & options ) {
       if ( options.follow ) {
          watcher.emplace( *network, [&]( Vorn::Entity const & entity, Vorn::VornAttr const & attr,
                                          void const * key, std::string const & keyText ) {
-            out << timeText( monitor.now() ) << ' ' << std::string( entity.fullName().view() ) << ' '
+            out << timeText( monitor.arrival() ) << ' ' << std::string( entity.fullName().view() ) << ' '
                 << attr.name;
             if ( key ) out << '[' << keyText << ']';
             out << " = " << attributeText( entity, attr, key ) << '\n';
@@ -82,8 +82,8 @@ int watch( WatchOptions const & options ) {
       WatchSink sink( monitor, out, replica.get() );
       std::string failure;
       try {
-         Capture capture = options.file.empty() ? Capture::interface( options.interface )
-                                                : Capture::file( options.file );
+         Capture capture =
+              options.file.empty() ? Capture::interface( options.interface ) : Capture::file( options.file );
          capture.run( sink );
       } catch ( InputError const & error ) {
          failure = error.what();

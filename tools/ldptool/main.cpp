@@ -13,6 +13,7 @@ int main( int argc, char ** argv ) {
    addDecodeCommand( app );
    addRingCommand( app );
    addTypesCommand( app );
+   addWatchCommand( app );
    try {
       app.parse( argc, argv );
    } catch ( CLI::RuntimeError const & done ) {
