@@ -1,5 +1,7 @@
 #include "Ldp/LdpFecHdr.h"
 
+#include "Vorn/ValueType.h"
+
 #include "Vorn/Hash.h"
 
 #include <algorithm>
@@ -70,4 +72,34 @@ void sequenceToValue( Vorn::String::IteratorConst & it, Vorn::String::IteratorCo
 
 VORN_TEXT_STREAM( LdpP2mpFecGenericOpaqueId )
 
+void logOut( Vorn::NboAttrLog::Out & out, LdpP2mpFecElement const & value ) {
+   logOut( out, value.rootIp() );
+   logOut( out, value.opaqueStr() );
+}
+
+void logIn( Vorn::NboAttrLog::In & in, LdpP2mpFecElement * value ) {
+   Lumo::IpGenAddr rootIp;
+   Vorn::String opaqueStr;
+   logIn( in, &rootIp );
+   logIn( in, &opaqueStr );
+   value->rootIpIs( rootIp );
+   value->opaqueStrIs( opaqueStr );
+}
+
+void logOut( Vorn::NboAttrLog::Out & out, LdpP2mpFecGenericOpaqueId const & value ) {
+   logOut( out, value.rootIp() );
+   logOut( out, value.gOpaqueId() );
+}
+
+void logIn( Vorn::NboAttrLog::In & in, LdpP2mpFecGenericOpaqueId * value ) {
+   Lumo::IpGenAddr rootIp;
+   U32 gOpaqueId;
+   logIn( in, &rootIp );
+   logIn( in, &gOpaqueId );
+   *value = LdpP2mpFecGenericOpaqueId( rootIp, gOpaqueId );
+}
+
 } // namespace Ldp
+
+VORN_OUTSIDE_RECORD( Ldp, LdpP2mpFecElement )
+VORN_OUTSIDE_RECORD( Ldp, LdpP2mpFecGenericOpaqueId )

@@ -119,13 +119,13 @@ void LdpPduParser::handleInitialized() {
       return refuse( badPduLength, Vorn::format( "PDU too small, size = %zd", ssize_t( frontBytes ) ) );
    }
    U16 const total = header_->totalLength();
-   if ( total > LdpProtoParam::ldpPktBufferSize ) {
+   if ( total > LdpProtoParam::ldpPktBufferSize() ) {
       return refuse( badPduLength, Vorn::format( "PDU length field too big, length = %d", total ) );
    }
    if ( total < minTotalLength ) {
       return refuse( badPduLength, Vorn::format( "PDU length field too small, length = %d", total ) );
    }
-   if ( header_->version() != LdpProtoParam::ldpProtocolVersion ) {
+   if ( header_->version() != LdpProtoParam::ldpProtocolVersion() ) {
       return refuse( badVersion, Vorn::format( "LDP Version %d not supported", header_->version() ) );
    }
    TWAIN_TRACE( 9, "   LdpHeader: ", *header_ );

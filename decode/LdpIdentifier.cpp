@@ -1,5 +1,7 @@
 #include "Ldp/LdpIdentifier.h"
 
+#include "Vorn/ValueType.h"
+
 #include "Lumo/Ip.h"
 
 namespace Ldp {
@@ -22,4 +24,19 @@ void sequenceToValue( Vorn::String::IteratorConst & it, Vorn::String::IteratorCo
 
 VORN_TEXT_STREAM( LdpIdentifier )
 
+void logOut( Vorn::NboAttrLog::Out & out, LdpIdentifier const & value ) {
+   logOut( out, value.lsrId() );
+   logOut( out, value.lblSpace() );
+}
+
+void logIn( Vorn::NboAttrLog::In & in, LdpIdentifier * value ) {
+   U32 lsrId;
+   U16 lblSpace;
+   logIn( in, &lsrId );
+   logIn( in, &lblSpace );
+   *value = LdpIdentifier( lsrId, lblSpace );
+}
+
 } // namespace Ldp
+
+VORN_OUTSIDE_RECORD( Ldp, LdpIdentifier )

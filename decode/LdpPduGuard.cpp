@@ -130,8 +130,8 @@ LdpPduGuardResult ldpPduGuard( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset ) 
    if ( offset + LdpPduParser::minBytes > pkt->frontBytes() ) return nothing;
    auto const & hdr = *reinterpret_cast< LdpPduHdr const * >( pkt->front() + offset );
    U16 const total = hdr.totalLength();
-   if ( total > LdpProtoParam::ldpPktBufferSize || total < LdpPduParser::minTotalLength ||
-        hdr.version() != LdpProtoParam::ldpProtocolVersion ) {
+   if ( total > LdpProtoParam::ldpPktBufferSize() || total < LdpPduParser::minTotalLength ||
+        hdr.version() != LdpProtoParam::ldpProtocolVersion() ) {
       return nothing;
    }
    UnitWalk walk( *pkt, U64( offset ) + sizeof( LdpPduHdr ), U32( total - sizeof( LdpPduHdr ) ) );

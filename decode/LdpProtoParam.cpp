@@ -1,15 +1,24 @@
 #include "Ldp/LdpProtoParam.h"
 
-#include "Vorn/VornType.h"
-
 namespace Ldp {
 
-VORN_OBJECT_RECORD( Ldp, LdpProtoParam, nullptr )
+VORN_RECORD( Ldp, LdpProtoParam )
+VORN_VALUE_RECORD( Ldp, LdpProtoParamSetting )
+VORN_MODULE( &LdpProtoParam::_vornType, &LdpProtoParamSetting::_vornType )
 
-LdpProtoParam::~LdpProtoParam() = default;
+LdpProtoParam::~LdpProtoParam() { vornTeardown(); }
 
-Vorn::Ptr< LdpProtoParam > ldpProtoParamFactory( Vorn::Name const & name ) {
-   return Vorn::newObject< LdpProtoParam >( name );
+Vorn::String valueToStrep( LdpProtoParamSetting const & value ) {
+   return Vorn::valueToStrep( value.value() );
 }
+
+void sequenceToValue( Vorn::String::IteratorConst & it, Vorn::String::IteratorConst const & end,
+                      LdpProtoParamSetting * value ) {
+   U64 word;
+   Vorn::sequenceToValue( it, end, &word );
+   value->valueIs( word );
+}
+
+VORN_TEXT_STREAM( LdpProtoParamSetting )
 
 } // namespace Ldp

@@ -63,7 +63,7 @@ LdpStatusCode LdpCommonSessionParamTlv::validate() const {
    LdpStatusCode const status = validateTlvHdr();
    if ( status != success ) return status;
    if ( length() != 14 ) return badTlvLength;
-   if ( protocolVersion() != LdpProtoParam::ldpProtocolVersion ) {
+   if ( protocolVersion() != LdpProtoParam::ldpProtocolVersion() ) {
       TWAIN_TRACE( 5, "   Rejected. Protocol version is not 1" );
       return badVersion;
    }
@@ -71,7 +71,7 @@ LdpStatusCode LdpCommonSessionParamTlv::validate() const {
       TWAIN_TRACE( 5, "   Rejected. keepAliveTime is out of range." );
       return sessionRejectBadKeepAliveTime;
    }
-   if ( maxPduLength() > LdpProtoParam::ldpPktBufferSize ) {
+   if ( maxPduLength() > LdpProtoParam::ldpPktBufferSize() ) {
       TWAIN_TRACE( 5, "   Rejected. maxPduLength is out of range." );
       return rejectMaxPduLength;
    }

@@ -1,5 +1,7 @@
 #include "Lumo/IntfId.h"
 
+#include "Vorn/ValueType.h"
+
 namespace Lumo {
 
 namespace {
@@ -35,4 +37,25 @@ bool isInternalIntfId( IntfId const & intfId ) { return named( intfId.stringValu
 
 bool isMgmtIntfId( IntfId const & intfId ) { return named( intfId.stringValue().view(), "Management" ); }
 
+Vorn::String valueToStrep( IntfId const & value ) { return Vorn::valueToStrep( value.stringValue() ); }
+
+void sequenceToValue( Vorn::String::IteratorConst & it, Vorn::String::IteratorConst const & end,
+                      IntfId * value ) {
+   Vorn::String name;
+   Vorn::sequenceToValue( it, end, &name );
+   *value = IntfId( name );
+}
+
+VORN_TEXT_STREAM( IntfId )
+
+void logOut( Vorn::NboAttrLog::Out & out, IntfId const & value ) { logOut( out, value.stringValue() ); }
+
+void logIn( Vorn::NboAttrLog::In & in, IntfId * value ) {
+   Vorn::String name;
+   logIn( in, &name );
+   *value = IntfId( name );
+}
+
 } // namespace Lumo
+
+VORN_OUTSIDE_RECORD( Lumo, IntfId )

@@ -1,5 +1,7 @@
 #include "Lumo/Ip.h"
 
+#include "Vorn/ValueType.h"
+
 #include "Vorn/Hash.h"
 
 #include <charconv>
@@ -14,6 +16,9 @@ using Vorn::throwRangeException;
 VORN_ENUM_RECORD( Lumo, AddressFamily, LUMO_ADDRESS_FAMILIES )
 
 namespace {
+
+/// Longest prefix of each family, in bits.
+constexpr U32 maxPrefixLen[] = { 0, IpAddr::bits, Ip6Addr::bits };
 
 /// One piece of an address: digits of `base`, of at most `maxDigits`, up to `max`.
 bool readNumber( String::IteratorConst & it, String::IteratorConst end, int base, std::ptrdiff_t maxDigits,
@@ -194,11 +199,76 @@ void sequenceToValue( String::IteratorConst & it, String::IteratorConst const & 
    IpGenAddr addr;
    sequenceToValue( it, end, &addr );
    Vorn::needString( it, end, "/" );
-   static constexpr U32 maxLen[] = { 0, IpAddr::bits, Ip6Addr::bits };
-   U32 const len = U32( Vorn::unsignedFromSequence( it, end, maxLen[addr.family()] ) );
+   U32 const len = U32( Vorn::unsignedFromSequence( it, end, maxPrefixLen[addr.family()] ) );
    *value = addr.family() == noFamily ? IpGenPrefix() : IpGenPrefix( addr, len );
 }
 
 VORN_TEXT_STREAM( IpGenPrefix )
 
+void logOut( Vorn::NboAttrLog::Out & out, IpAddr const & value ) { logOut( out, value.value() ); }
+
+void logIn( Vorn::NboAttrLog::In & in, IpAddr * value ) {
+   U32 host;
+   logIn( in, &host );
+   *value = IpAddr( host );
+}
+
+void logOut( Vorn::NboAttrLog::Out & out, Ip6Addr const & value ) {
+   for ( std::size_t i = 0; i < Ip6Addr::size; ++i ) {
+      logOut( out, value.octets()[i] );
+   }
+}
+
+void logIn( Vorn::NboAttrLog::In & in, Ip6Addr * value ) {
+   Ip6Addr read;
+   for ( std::size_t i = 0; i < Ip6Addr::size; ++i ) {
+      logIn( in, &read.octets()[i] );
+   }
+   *value = read;
+}
+
+void logOut( Vorn::NboAttrLog::Out & out, IpGenAddr const & value ) {
+   logOut( out, U8( value.family() ) );
+   if ( value.family() == ipv4 ) logOut( out, value.ipAddr() );
+   if ( value.family() == ipv6 ) logOut( out, value.ip6Addr() );
+}
+
+void logIn( Vorn::NboAttrLog::In & in, IpGenAddr * value ) {
+   U8 family;
+   logIn( in, &family );
+   IpAddr addr;
+   Ip6Addr addr6;
+   switch ( family ) {
+   case noFamily: *value = IpGenAddr(); break;
+   case ipv4:
+      logIn( in, &addr );
+      *value = addr;
+      break;
+   case ipv6:
+      logIn( in, &addr6 );
+      *value = addr6;
+      break;
+   default: throwRangeException( "Invalid IpGenAddr" );
+   }
+}
+
+void logOut( Vorn::NboAttrLog::Out & out, IpGenPrefix const & value ) {
+   logOut( out, value.address() );
+   logOut( out, U8( value.len() ) );
+}
+
+void logIn( Vorn::NboAttrLog::In & in, IpGenPrefix * value ) {
+   IpGenAddr addr;
+   U8 len;
+   logIn( in, &addr );
+   logIn( in, &len );
+   if ( len > maxPrefixLen[addr.family()] ) throwRangeException( "Invalid IpGenPrefix" );
+   *value = addr.family() == noFamily ? IpGenPrefix() : IpGenPrefix( addr, len );
+}
+
 } // namespace Lumo
+
+VORN_OUTSIDE_RECORD( Lumo, IpAddr )
+VORN_OUTSIDE_RECORD( Lumo, Ip6Addr )
+VORN_OUTSIDE_RECORD( Lumo, IpGenAddr )
+VORN_OUTSIDE_RECORD( Lumo, IpGenPrefix )

@@ -1,5 +1,7 @@
 #include "Lumo/MplsLabel.h"
 
+#include "Vorn/ValueType.h"
+
 namespace Lumo {
 
 MplsLabel::MplsLabel( U32 value ) : value_( value ) {
@@ -19,4 +21,14 @@ void sequenceToValue( Vorn::String::IteratorConst & it, Vorn::String::IteratorCo
 
 VORN_TEXT_STREAM( MplsLabel )
 
+void logOut( Vorn::NboAttrLog::Out & out, MplsLabel value ) { logOut( out, value.value() ); }
+
+void logIn( Vorn::NboAttrLog::In & in, MplsLabel * value ) {
+   U32 number;
+   logIn( in, &number );
+   *value = MplsLabel( number );
+}
+
 } // namespace Lumo
+
+VORN_OUTSIDE_RECORD( Lumo, MplsLabel )

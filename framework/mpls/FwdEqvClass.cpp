@@ -1,5 +1,7 @@
 #include "Mpls/FwdEqvClass.h"
 
+#include "Vorn/ValueType.h"
+
 namespace Mpls {
 
 using Vorn::needString;
@@ -51,4 +53,46 @@ void sequenceToValue( String::IteratorConst & it, String::IteratorConst const & 
 
 VORN_TEXT_STREAM( FwdEqvClass )
 
+void logOut( Vorn::NboAttrLog::Out & out, FwdEqvClass const & value ) {
+   logOut( out, U8( value.tag() ) );
+   switch ( value.tag() ) {
+   case FwdEqvClass::prefixTag: logOut( out, value.prefix() ); break;
+   case FwdEqvClass::wordsTag:
+      logOut( out, value.first() );
+      logOut( out, value.second() );
+      break;
+   case FwdEqvClass::p2mpTag:
+      logOut( out, value.root() );
+      logOut( out, value.first() );
+      break;
+   }
+}
+
+void logIn( Vorn::NboAttrLog::In & in, FwdEqvClass * value ) {
+   U8 tag;
+   U32 first, second;
+   Lumo::IpGenPrefix prefix;
+   Lumo::IpGenAddr root;
+   logIn( in, &tag );
+   switch ( tag ) {
+   case FwdEqvClass::prefixTag:
+      logIn( in, &prefix );
+      *value = FwdEqvClass( prefix );
+      break;
+   case FwdEqvClass::wordsTag:
+      logIn( in, &first );
+      logIn( in, &second );
+      *value = FwdEqvClass( first, second );
+      break;
+   case FwdEqvClass::p2mpTag:
+      logIn( in, &root );
+      logIn( in, &first );
+      *value = FwdEqvClass( root, first );
+      break;
+   default: Vorn::throwRangeException( "Invalid FwdEqvClass" );
+   }
+}
+
 } // namespace Mpls
+
+VORN_OUTSIDE_RECORD( Mpls, FwdEqvClass )

@@ -1,5 +1,7 @@
 #include "Pseudowire/Types.h"
 
+#include "Vorn/ValueType.h"
+
 namespace Pseudowire {
 
 VORN_ENUM_RECORD( Pseudowire, PseudowireType, PSEUDOWIRE_TYPES )

@@ -24,7 +24,8 @@ void writeLine( Vorn::TraceHandle const & handle, Site const & site, SkeinConver
 }
 
 void FunctionTrace::registerFunction( Skein::TraceFile & file, Site const & site, int & msgId,
-                                      char const * name ) noexcept {
+                                      char const * name,
+                                      void ( *describe )( Skein::MsgFormatString & format ) ) noexcept {
    if ( Skein::givenMsgId( msgId ) < 0 ) return;
    Skein::MsgDesc desc( file, &msgId, site.file, site.line, true );
    desc.functionIs( site.function, U8( site.level ) );
@@ -32,18 +33,14 @@ void FunctionTrace::registerFunction( Skein::TraceFile & file, Site const & site
    desc.format().put( Skein::Item::u16 );
    desc << "]"
         << " " << name;
+   describe( desc.format() );
    desc.finish();
 }
 
-void FunctionTrace::functionText( Vorn::TraceHandle const & handle, Site const & site,
-                                  char const * name ) noexcept {
-   try {
-      SkeinConverter line;
-      if ( unsigned int const id = Ldp::instId() ) line << "#" << id << " ";
-      line << "[" << Ldp::callDepth << "] ";
-      line.appendText( name );
-      writeLine( handle, site, line );
-   } catch ( ... ) {} // dropped, as any line that fails
+void FunctionTrace::functionHead( SkeinConverter & line, char const * name ) {
+   if ( unsigned int const id = Ldp::instId() ) line << "#" << id << " ";
+   line << "[" << Ldp::callDepth << "] ";
+   line.appendText( name );
 }
 
 } // namespace Twain

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Lumo/Net.h"
+#include "Vorn/NboAttrLogValues.h"
 
 namespace Ldp {
 
@@ -45,4 +46,10 @@ class VORN_API LdpIdentifier {
 static_assert( sizeof( LdpIdentifier ) == 6 && alignof( LdpIdentifier ) == 1 );
 VORN_TEXT( LdpIdentifier )
 
+/// In the attribute log the LSR id in 32 bits, the label space in 16.
+VORN_API void logOut( Vorn::NboAttrLog::Out & out, LdpIdentifier const & value );
+VORN_API void logIn( Vorn::NboAttrLog::In & in, LdpIdentifier * value );
+
 } // namespace Ldp
+
+VORN_OUTSIDE_VALUE( Ldp::LdpIdentifier )

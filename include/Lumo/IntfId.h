@@ -2,6 +2,7 @@
 /// Interfaces by name, and the classifiers of their kinds.
 #pragma once
 
+#include "Vorn/NboAttrLogValues.h"
 #include "Vorn/Strep.h"
 
 namespace Lumo {
@@ -33,4 +34,12 @@ VORN_API bool isLoopbackIntfId( IntfId const & intfId );
 VORN_API bool isInternalIntfId( IntfId const & intfId );
 VORN_API bool isMgmtIntfId( IntfId const & intfId );
 
+/// The name as it stands, quoted in text.
+VORN_TEXT( IntfId )
+/// In the attribute log the name.
+VORN_API void logOut( Vorn::NboAttrLog::Out & out, IntfId const & value );
+VORN_API void logIn( Vorn::NboAttrLog::In & in, IntfId * value );
+
 } // namespace Lumo
+
+VORN_OUTSIDE_VALUE( Lumo::IntfId )

@@ -2,6 +2,7 @@
 /// IP addresses and prefixes as values. The octets stand in network order, and each type's text reads back.
 #pragma once
 
+#include "Vorn/NboAttrLogValues.h"
 #include "Vorn/Strep.h"
 
 #include <array>
@@ -124,6 +125,7 @@ class VORN_API IpGenPrefix {
  private:
    friend void sequenceToValue( Vorn::String::IteratorConst & it, Vorn::String::IteratorConst const & end,
                                 IpGenPrefix * value );
+   friend void logIn( Vorn::NboAttrLog::In & in, IpGenPrefix * value );
    IpGenPrefix( IpGenAddr const & addr, U32 bits ) noexcept;
 
    IpGenAddr address_;
@@ -131,4 +133,19 @@ class VORN_API IpGenPrefix {
 };
 VORN_TEXT( IpGenPrefix )
 
+/// Forms in the attribute log: an IPv4 address as a 32-bit number, others as family, then octets.
+VORN_API void logOut( Vorn::NboAttrLog::Out & out, IpAddr const & value );
+VORN_API void logIn( Vorn::NboAttrLog::In & in, IpAddr * value );
+VORN_API void logOut( Vorn::NboAttrLog::Out & out, Ip6Addr const & value );
+VORN_API void logIn( Vorn::NboAttrLog::In & in, Ip6Addr * value );
+VORN_API void logOut( Vorn::NboAttrLog::Out & out, IpGenAddr const & value );
+VORN_API void logIn( Vorn::NboAttrLog::In & in, IpGenAddr * value );
+VORN_API void logOut( Vorn::NboAttrLog::Out & out, IpGenPrefix const & value );
+VORN_API void logIn( Vorn::NboAttrLog::In & in, IpGenPrefix * value );
+
 } // namespace Lumo
+
+VORN_OUTSIDE_VALUE( Lumo::IpAddr )
+VORN_OUTSIDE_VALUE( Lumo::Ip6Addr )
+VORN_OUTSIDE_VALUE( Lumo::IpGenAddr )
+VORN_OUTSIDE_VALUE( Lumo::IpGenPrefix )

@@ -2,6 +2,7 @@
 /// MPLS label values.
 #pragma once
 
+#include "Vorn/NboAttrLogValues.h"
 #include "Vorn/Strep.h"
 
 namespace Lumo {
@@ -29,4 +30,10 @@ class VORN_API MplsLabel {
 };
 VORN_TEXT( MplsLabel )
 
+/// In the attribute log 32 bits; a value above `luWithdraw` is refused with RangeException.
+VORN_API void logOut( Vorn::NboAttrLog::Out & out, MplsLabel value );
+VORN_API void logIn( Vorn::NboAttrLog::In & in, MplsLabel * value );
+
 } // namespace Lumo
+
+VORN_OUTSIDE_VALUE( Lumo::MplsLabel )

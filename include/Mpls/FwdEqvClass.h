@@ -47,4 +47,10 @@ class VORN_API FwdEqvClass {
 };
 VORN_TEXT( FwdEqvClass )
 
+/// In the attribute log the tag in 8 bits, then the payload that it names.
+VORN_API void logOut( Vorn::NboAttrLog::Out & out, FwdEqvClass const & value );
+VORN_API void logIn( Vorn::NboAttrLog::In & in, FwdEqvClass * value );
+
 } // namespace Mpls
+
+VORN_OUTSIDE_VALUE( Mpls::FwdEqvClass )

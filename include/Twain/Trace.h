@@ -128,36 +128,49 @@ inline bool textWanted( Vorn::TraceHandle const & handle,
 /// The trace of a function's entry and, in the ring, of its end, whichever way that comes.
 class VORN_API FunctionTrace {
  public:
-   /// `name` is the class-qualified name with `() ` behind it.
-   template< std::size_t size >
+   /// `name` is the class-qualified name with `() ` behind it; what the function was called with may follow.
+   template< std::size_t size, class... Args >
    [[gnu::always_inline]] FunctionTrace( Vorn::TraceHandle const & handle, Site const & site, int & msgId,
-                                         char const ( &name )[size] ) noexcept {
+                                         char const ( &name )[size], Args const &... args ) noexcept {
       ++Ldp::callDepth;
       if ( Skein::TraceFile * const file = Skein::defaultSkeinHandle.traceFile() ) {
          int id = Skein::givenMsgId( msgId );
          if ( id <= 0 ) [[unlikely]] {
-            registerFunction( *file, site, msgId, name );
+            registerFunction( *file, site, msgId, name, []( Skein::MsgFormatString & format ) {
+               static_cast< void >( format );
+               ( Codec< Args >::describe( format ), ... );
+            } );
             id = Skein::givenMsgId( msgId );
          }
          if ( id > 0 ) [[likely]] {
             Skein::RingBuf record;
             record.startMsg( *file, id );
             record.put( Ldp::callDepth );
+            ( Codec< Args >::put( record, args ), ... );
             record.endMsg();
             timer_.open( *file, &msgId );
          }
       }
       if ( textWanted( handle, site.level ) ) [[unlikely]]
-         functionText( handle, site, name );
+         functionText( handle, site, name, args... );
    }
    FunctionTrace( FunctionTrace const & ) = delete;
    ~FunctionTrace() { --Ldp::callDepth; }
 
  private:
-   static void registerFunction( Skein::TraceFile & file, Site const & site, int & msgId,
-                                 char const * name ) noexcept;
-   static void functionText( Vorn::TraceHandle const & handle, Site const & site,
-                             char const * name ) noexcept;
+   static void registerFunction( Skein::TraceFile & file, Site const & site, int & msgId, char const * name,
+                                 void ( *describe )( Skein::MsgFormatString & format ) ) noexcept;
+   static void functionHead( SkeinConverter & line, char const * name );
+   template< class... Args >
+   [[gnu::cold, gnu::noinline]] static void functionText( Vorn::TraceHandle const & handle, Site const & site,
+                                                          char const * name, Args const &... args ) noexcept {
+      try {
+         SkeinConverter line;
+         functionHead( line, name );
+         ( static_cast< void >( line << args ), ... );
+         writeLine( handle, site, line );
+      } catch ( ... ) {} // dropped, as any line that fails
+   }
 
    Skein::BlockTimerMsg timer_;
 };
@@ -194,7 +207,8 @@ class VORN_API FunctionTrace {
    } while ( false )
 
 /// Traces the entry into a function, at level 8, and its end. Stands first in the function; `name` is a
-/// literal.
-#define TWAIN_FUNCTION( name )                                                                               \
+/// literal, behind which arguments of the function may follow.
+#define TWAIN_FUNCTION( name, ... )                                                                          \
    TWAIN_SITE( 8 )                                                                                           \
-   ::Twain::FunctionTrace const twainFunction_( _defaultTraceHandle(), twainSite_, twainMsgId_, name "() " )
+   ::Twain::FunctionTrace const twainFunction_( _defaultTraceHandle(), twainSite_, twainMsgId_,              \
+                                                name "() " __VA_OPT__(, ) __VA_ARGS__ )

@@ -42,6 +42,8 @@ class NrcPtrInterface {};
 /// the last reference goes; they are neither copied nor deleted by hand.
 class VORN_API PtrInterface : public VFPtrInterface {
  public:
+   class NotifieeConst;
+
    /// Bits of the reference word that count. Bits 29 and 31 are flags: a word with only those set counts as
    /// zero.
    static constexpr U32 referenceMask = 0x5fffffff;
@@ -78,6 +80,21 @@ class VORN_API PtrInterface : public VFPtrInterface {
    void handleZeroRef() const noexcept;
 
  protected:
+   /// For a constructor that makes children. What happens on the way takes references on the object and drops
+   /// them again, and the last must not go before the factory has taken the first that counts.
+   class ConstructorHold {
+    public:
+      explicit ConstructorHold( PtrInterface const & object ) noexcept : object_( object ) {
+         object.referenceInc();
+      }
+      ConstructorHold( ConstructorHold const & ) = delete;
+      ConstructorHold & operator=( ConstructorHold const & ) = delete;
+      ~ConstructorHold() { refDec( object_.refs_ ); }
+
+    private:
+      PtrInterface const & object_;
+   };
+
    mutable U32 refs_ = 0;   ///< reference count and its flags
    mutable U32 status_ = 0; ///< status flags of the framework
 };

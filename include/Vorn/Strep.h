@@ -183,20 +183,5 @@ void sequenceToComposite( char const * typeName, String::IteratorConst & it,
    enum Type : U32 { LIST( VORN_ENUMERATOR ) };                                                              \
    VORN_API extern ::Vorn::VornType const Type##_vornType;                                                   \
    VORN_TEXT( Type )                                                                                         \
-   inline ::Vorn::VornType const * vornTypeOf( Type ) { return &Type##_vornType; }
+   constexpr ::Vorn::VornType const * vornTypeOf( Type ) { return &Type##_vornType; }
 #define VORN_ENUMERATOR( name, number, ... ) name = number,
-
-/// Defines the record and the text forms of an enumeration. Stands in the source file.
-#define VORN_ENUM_RECORD( Namespace, Type, LIST )                                                            \
-   static ::Vorn::VornAttr const Type##_enumerators[] = { LIST( VORN_ENUMERATOR_RECORD ){ nullptr, 0 } };    \
-   ::Vorn::VornType const Type##_vornType{ #Namespace "::" #Type, nullptr, Type##_enumerators,               \
-                                           sizeof( U32 ), U32( std::size( Type##_enumerators ) - 1 ) };      \
-   ::Vorn::String valueToStrep( Type const & value ) {                                                       \
-      return ::Vorn::EnumType< unsigned int >::valueToStrep( value, &Type##_vornType );                      \
-   }                                                                                                         \
-   void sequenceToValue( ::Vorn::String::IteratorConst & it, ::Vorn::String::IteratorConst const & end,      \
-                         Type * value ) {                                                                    \
-      *value = Type( ::Vorn::EnumType< unsigned int >::sequenceToValue( it, end, &Type##_vornType ) );       \
-   }                                                                                                         \
-   VORN_TEXT_STREAM( Type )
-#define VORN_ENUMERATOR_RECORD( name, number, ... ) { #name, ::Vorn::enumeratorFlags( U32( number ) ) },

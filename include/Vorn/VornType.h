@@ -1,31 +1,142 @@
 /// \file
-/// Type records: the constant self-description of every type, enumerations included.
+/// Type records: the constant self-description of every type, enumerations included, and the process-wide
+/// table of them. A caller that knows nothing of a type at compile time lists, reads, writes, observes and
+/// replicates through these records (GenericIf.h, NboAttrLog.h).
 #pragma once
 
 #include "Vorn/Ptr.h"
+#include "Vorn/String.h"
+
+#include <vector>
 
 namespace Vorn {
+
+class Entity;
+class StreamAdapter;
+struct VornAttr;
+struct VornAttrOps;
+struct GenericIfMethods;
+namespace NboAttrLog {
+class In;
+class Out;
+} // namespace NboAttrLog
+namespace GenericIf {
+class NotifieeConst;
+struct IteratorVTable;
+} // namespace GenericIf
+
+/// One constructor argument: its name and its type. A pair of nulls ends a table.
+struct VornCtorArg {
+   char const * name;
+   VornType const * type;
+};
+
+/// Kinds of attribute, the top 16 bits of a flag word.
+enum class VornKind : U16 {
+   mutableAttr = 0xb800,  ///< stored, notified
+   constructor = 0x5800,  ///< constructor argument or key, immutable
+   state = 0x3800,        ///< read-write in the object, outside notification; a local scalar
+   derived = 0x3000,      ///< computed on each read
+   derivedLight = 0x1000, ///< a read-only operation
+   constant = 0x5008,
+   derivedConstant = 0x1008,
+   enumerator = 0x5088,
+   function = 0x1010,
+   child = 0xb920,           ///< owned single child
+   entityColl = 0xb921,      ///< owned keyed collection of entities
+   reference = 0xb820,       ///< single reference
+   referenceColl = 0xb821,   ///< keyed collection of references
+   valueColl = 0xb801,       ///< keyed collection of values, or a set
+   queue = 0xb803,           ///< indexed queue
+   localValueColl = 0x3801,  ///< neither notified nor logged
+   localEntityColl = 0x3921, ///< neither notified nor logged
+};
+
+/// Whether the attribute log carries an attribute.
+enum VornReplication : bool { local = false, replicated = true };
+
+/// Set in the access bits of a mutable attribute that is a constructor argument as well.
+inline constexpr U64 ctorArgAccess = 0x40ull << 40;
+/// Set in the access bits of a value's attribute that can be written but is no field: a view of the fields.
+inline constexpr U64 viewAccess = 0x20ull << 40;
+
+/// The flag word of an attribute: kind (bits 63 to 48), access (47 to 40), slot (39 to 32), id (31 to 0).
+constexpr U64 attrFlags( VornKind kind, U32 id, VornReplication logged, bool keyed ) {
+   return U64( kind ) << 48 | U64( logged ) << 40 | U64( keyed ? 0x00 : 0xff ) << 32 | id;
+}
 
 /// Description of one attribute or, in an enumeration's record, of one enumerator. A record with a null name
 /// ends the array.
 struct VornAttr {
-   char const * name; ///< the attribute's name
-   U64 flags;         ///< kind (bits 63 to 48), access (47 to 40), slot (39 to 32), id (31 to 0)
+   char const * name;        ///< the attribute's name
+   VornType const * owner;   ///< the type that declares it
+   VornType const * type;    ///< its type; of a collection, the members'
+   VornType const * keyType; ///< of a collection, the key's; else null
+   char const * memberKey;   ///< of a collection of entities, the name of the members' key attribute
+   VornCtorArg const * memberCtorArgs; ///< of a collection of entities, the members' constructor arguments
+   U64 flags;                          ///< see `attrFlags`
+   VornAttrOps const * ops;            ///< how it is reached in an object; null for a function
 
    /// Attribute id; for an enumerator its numeric value.
    constexpr U32 id() const noexcept { return U32( flags ); }
+   constexpr VornKind kind() const noexcept { return VornKind( flags >> 48 ); }
+   /// Whether the attribute log carries it.
+   constexpr bool logged() const noexcept { return flags >> 40 & 1; }
+   /// Whether the constructor takes it.
+   constexpr bool isCtorArg() const noexcept {
+      return kind() == VornKind::constructor || ( flags & ctorArgAccess );
+   }
+   /// Whether it is one of the fields that make up a value.
+   constexpr bool isField() const noexcept {
+      return kind() == VornKind::constructor || ( kind() == VornKind::state && !( flags & viewAccess ) );
+   }
+   /// Whether it is a collection, a set or a queue.
+   constexpr bool keyed() const noexcept { return ( flags >> 32 & 0xff ) == 0; }
+   /// Whether it makes and owns entities.
+   constexpr bool instantiating() const noexcept {
+      return kind() == VornKind::child || kind() == VornKind::entityColl ||
+             kind() == VornKind::localEntityColl;
+   }
 };
-
-/// The flag word of an enumerator with that value.
-constexpr U64 enumeratorFlags( U32 value ) { return 0x508800ff00000000u | value; }
 
 /// Self-description of a type, constant once the library is loaded.
 struct VornType {
-   char const * name;           ///< full name, namespace included
-   VornType const * base;       ///< record of the base type, or null
-   VornAttr const * attributes; ///< attributes or enumerators, or null
-   U32 size;                    ///< bytes of an instance
-   U32 attributeNum;            ///< number of attributes
+   char const * name;            ///< full name, namespace included
+   VornType const * base;        ///< record of the base type, or null
+   VornAttr const * attributes;  ///< the base's attributes, then its own; null for a type without any
+   VornCtorArg const * ctorArgs; ///< constructor arguments in order, or null
+   void const * reserved;        ///< null
+   /// Makes an instance from the attribute log, whose next values are the constructor arguments; null for
+   /// values.
+   Ptr< PtrInterface > ( *newEntityForAttrLog )( NboAttrLog::In & in );
+   /// Makes the log's adapter of a logged child by the name of its attribute; null where no child is logged.
+   Ptr< StreamAdapter > ( *childAttrLogIs )( VornType const * type, char const * attrName, Entity & parent,
+                                             Ptr< NboAttrLog::Out > const & out );
+   GenericIfMethods const * methods; ///< operations on values of the type
+   /// Makes an object from pointers to its constructor arguments and stores the pointer in `*result`.
+   void ( *genericIfConstructFromCtorArgs )( Ptr< PtrInterface > * result, void const * const * args );
+   /// See GenericIf.h.
+   U32( *genericIfAttributeOp )
+   ( void * result, void * object, VornAttr const & attr, U32 op, void const * key,
+     void const * const * args );
+   void * ( *genericIfIterator )( void * object, VornAttr const & attr,
+                                  GenericIf::IteratorVTable const ** vtable );
+   Ptr< PtrInterface > ( *genericIfNotifiee )( GenericIf::NotifieeConst & observer );
+   U32 sizeAndFlags; ///< bytes of an instance; in the top four bits 8 for entities and values, 1 for overlays
+   U32 attributeNum; ///< number of attributes
+   U32 flags;        ///< 0xffff, and bit 25 if instances have a table of virtual operations
+
+   static constexpr U32 plainFlags = 0x0000ffff;
+   static constexpr U32 polymorphicFlag = 0x02000000;
+   static constexpr U32 objectSizeFlag = 0x80000000;
+   static constexpr U32 overlaySizeFlag = 0x10000000;
+
+   constexpr U32 size() const noexcept { return sizeAndFlags & 0x0fffffff; }
+   constexpr bool isOverlay() const noexcept { return sizeAndFlags & overlaySizeFlag; }
+   constexpr bool isPolymorphic() const noexcept { return flags & polymorphicFlag; }
+   constexpr bool isEnum() const noexcept {
+      return attributes && attributes->name && attributes->kind() == VornKind::enumerator;
+   }
 
    /// Whether this type is `ancestor` or derives from it.
    constexpr bool isDerived( VornType const * ancestor ) const noexcept {
@@ -34,12 +145,84 @@ struct VornType {
       }
       return false;
    }
+
+   /// The attribute of that name or id, or null.
+   VORN_API VornAttr const * attribute( char const * attrName ) const noexcept;
+   VORN_API VornAttr const * attribute( U32 id ) const noexcept;
+};
+
+/// Home of the records of built-in types, and of value types whose class has no room for one.
+template< class T >
+struct BuiltinType {
+   static VornType const record;
+};
+template<>
+VORN_API VornType const BuiltinType< bool >::record;
+template<>
+VORN_API VornType const BuiltinType< U8 >::record;
+template<>
+VORN_API VornType const BuiltinType< U16 >::record;
+template<>
+VORN_API VornType const BuiltinType< U32 >::record;
+template<>
+VORN_API VornType const BuiltinType< U64 >::record;
+template<>
+VORN_API VornType const BuiltinType< double >::record;
+template<>
+VORN_API VornType const BuiltinType< String >::record;
+template<>
+VORN_API VornType const BuiltinType< Name >::record;
+template<>
+VORN_API VornType const BuiltinType< void >::record;
+
+/// Enters a record into the process-wide table, as each module's initialiser does while the library is
+/// loaded.
+VORN_API void typeNodeIs( VornType const * type );
+/// All registered records, in order of name.
+VORN_API std::vector< VornType const * > typeNodes();
+/// The registered record of that name, or null.
+VORN_API VornType const * typeNode( char const * name ) noexcept;
+
+/// A source file's initialiser: registers the types of the file. One a file, `VORN_MODULE`.
+struct TypeModule {
+   template< class... Types >
+   explicit TypeModule( Types const *... types ) {
+      ( typeNodeIs( types ), ... );
+   }
 };
 
 } // namespace Vorn
 
+/// Declares the record of a value type whose class stays as it is. Stands behind the class, outside all
+/// namespaces.
+#define VORN_OUTSIDE_VALUE( Type )                                                                           \
+   template<>                                                                                                \
+   VORN_API ::Vorn::VornType const ::Vorn::BuiltinType< Type >::record;
+
+/// Registers the records of the file's types when the library is loaded.
+#define VORN_MODULE( ... )                                                                                   \
+   namespace {                                                                                               \
+   [[gnu::used]] ::Vorn::TypeModule const vornModule_{ __VA_ARGS__ };                                        \
+   }
+
 /// The record of a counted class without reflected attributes, and its memory tracker; `baseRecord` is the
 /// address of the base's record or null. Stands in the source file, inside the class's namespace.
 #define VORN_OBJECT_RECORD( Namespace, Type, baseRecord )                                                    \
-   ::Vorn::VornType const Type::_vornType{ #Namespace "::" #Type, baseRecord, nullptr, sizeof( Type ), 0 };  \
+   constinit ::Vorn::VornType const Type::_vornType{                                                         \
+      .name = #Namespace "::" #Type,                                                                         \
+      .base = baseRecord,                                                                                    \
+      .attributes = nullptr,                                                                                 \
+      .ctorArgs = nullptr,                                                                                   \
+      .reserved = nullptr,                                                                                   \
+      .newEntityForAttrLog = nullptr,                                                                        \
+      .childAttrLogIs = nullptr,                                                                             \
+      .methods = nullptr,                                                                                    \
+      .genericIfConstructFromCtorArgs = nullptr,                                                             \
+      .genericIfAttributeOp = nullptr,                                                                       \
+      .genericIfIterator = nullptr,                                                                          \
+      .genericIfNotifiee = nullptr,                                                                          \
+      .sizeAndFlags = ::Vorn::VornType::objectSizeFlag | U32( sizeof( Type ) ),                              \
+      .attributeNum = 0,                                                                                     \
+      .flags = ::Vorn::VornType::plainFlags | ::Vorn::VornType::polymorphicFlag,                             \
+   };                                                                                                        \
    ::Vorn::AllocTrackTypeInfo Type::vornAllocTrackTypeInfo_{ &Type::_vornType };

@@ -12,8 +12,8 @@ import sys
 # include/Ldp/NAME.h belongs to the layer that holds NAME.cpp; a header without a source of its own is entered here.
 WITHOUT_SOURCE = {}
 
-# The values that decode and model share: status codes and identifiers.
-SHARED_WITH_MODEL = {"LdpEnums.h", "LdpIdentifier.h"}
+# The values that decode and model share: status codes, identifiers, FEC values, the protocol's parameters.
+SHARED_WITH_MODEL = {"LdpEnums.h", "LdpIdentifier.h", "LdpFecHdr.h", "LdpProtoParam.h"}
 
 MAY_INCLUDE = {
     "framework": {"framework"},

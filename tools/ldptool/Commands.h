@@ -16,5 +16,7 @@ constexpr int exitUsage = 2;      ///< wrong arguments, unreadable input, unwrit
 
 void addDecodeCommand( CLI::App & app );
 void addRingCommand( CLI::App & app );
+void addTypesCommand( CLI::App & app );
+void addWatchCommand( CLI::App & app );
 
 } // namespace LdpTool

@@ -24,15 +24,18 @@ char const * fatalName( Ldp::LdpPduGuardResult const & fatal ) {
    return "none";
 }
 
-std::string originText( Origin const & origin ) {
-   Arrival const & arrival = origin.arrival;
-   if ( !origin.flow ) return "line " + std::to_string( arrival.frame );
+std::string timeText( Arrival const & arrival ) {
    constexpr std::int64_t secondsOfDay = 86400;
    auto const second = int( ( arrival.seconds % secondsOfDay + secondsOfDay ) % secondsOfDay );
-   char time[sizeof "hh:mm:ss.uuuuuu "];
-   std::snprintf( time, sizeof time, "%02d:%02d:%02d.%06u ", second / 3600, second / 60 % 60, second % 60,
+   char time[sizeof "hh:mm:ss.uuuuuu"];
+   std::snprintf( time, sizeof time, "%02d:%02d:%02d.%06u", second / 3600, second / 60 % 60, second % 60,
                   arrival.nanoseconds / 1000 % 1000000 );
-   return time + addressText( *origin.flow, origin.flow->source ) + " > " +
+   return time;
+}
+
+std::string originText( Origin const & origin ) {
+   if ( !origin.flow ) return "line " + std::to_string( origin.arrival.frame );
+   return timeText( origin.arrival ) + " " + addressText( *origin.flow, origin.flow->source ) + " > " +
           addressText( *origin.flow, origin.flow->destination );
 }
 

@@ -29,6 +29,9 @@ std::string addressText( Flow const & flow, std::array< std::uint8_t, 16 > const
 /// What the guard refused a PDU for.
 char const * fatalName( Ldp::LdpPduGuardResult const & fatal );
 
+/// Time of day of a packet, in UTC: `12:26:40.000012`.
+std::string timeText( Arrival const & arrival );
+
 /// Where a PDU comes from: `12:26:40.000012 10.0.0.1 > 10.0.0.2` (the time is UTC), or `line 3`.
 std::string originText( Origin const & origin );
 

@@ -12,6 +12,8 @@ int main( int argc, char ** argv ) {
    } );
    addDecodeCommand( app );
    addRingCommand( app );
+   addTypesCommand( app );
+   addWatchCommand( app );
    try {
       app.parse( argc, argv );
    } catch ( CLI::RuntimeError const & done ) {

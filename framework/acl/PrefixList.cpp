@@ -1,0 +1,11 @@
+#include "Acl/PrefixList.h"
+
+namespace Acl {
+
+VORN_ENUM_RECORD( Acl, PrefixAction, ACL_PREFIX_ACTIONS )
+VORN_RECORD( Acl, PrefixList )
+VORN_MODULE( &PrefixAction_vornType, &PrefixList::_vornType )
+
+PrefixList::~PrefixList() { vornTeardown(); }
+
+} // namespace Acl

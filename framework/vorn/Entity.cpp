@@ -1,0 +1,175 @@
+#include "Vorn/Entity.h"
+
+#include "Vorn/ReflectOps.h"
+
+#include <cstddef>
+#include <string>
+
+namespace Vorn {
+
+constinit VornType const Entity::_vornType = [] {
+   VornType type{};
+   type.name = "Vorn::Entity";
+   type.attributes = AttrTable< Entity >::attributes;
+   type.ctorArgs = AttrTable< Entity >::ctorArgs;
+   type.methods = &GenericIfImpl::ptrMethods;
+   type.sizeAndFlags = VornType::objectSizeFlag | U32( sizeof( Entity ) );
+   type.attributeNum = AttrTable< Entity >::num;
+   type.flags = VornType::plainFlags | VornType::polymorphicFlag;
+   return type;
+}();
+
+namespace {
+
+/// The attribute through which a member is known in its parent: its constructor argument that is the key.
+VornAttr const * keyAttr( VornType const & type ) {
+   for ( VornAttr const * attr = type.attributes; attr && attr->name; ++attr ) {
+      if ( attr->isCtorArg() ) return attr;
+   }
+   return nullptr;
+}
+
+/// Calls `call( attr, child )` for each entity child until it returns true.
+template< class Call >
+bool anyChild( Entity const & entity, Call const & call ) {
+   VornType const & type = *entity.fwkType();
+   void * const object = const_cast< PtrInterface * >( static_cast< PtrInterface const * >( &entity ) );
+   for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
+      if ( !attr->instantiating() ) continue;
+      Ptr< PtrInterface > child;
+      if ( !attr->keyed() ) {
+         attr->ops->op( &child, object, *attr, GenericIf::read, nullptr, nullptr );
+         if ( child && call( *attr, static_cast< Entity & >( *child ) ) ) return true;
+         continue;
+      }
+      for ( GenericIf::Iterator it( object, *attr ); it; it.advance() ) {
+         it.object( &child );
+         if ( call( *attr, static_cast< Entity & >( *child ) ) ) return true;
+      }
+   }
+   return false;
+}
+
+} // namespace
+
+Entity::~Entity() { notifieeList_.deleteAll(); }
+
+U16 Entity::vornNextOffset() noexcept {
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Winvalid-offsetof"
+   return U16( offsetof( Entity, next_ ) );
+#pragma GCC diagnostic pop
+}
+
+void Entity::zeroReferencesIs( bool zero ) {
+   if ( zero ) notifieeList_.doVisitZeroReferences();
+}
+
+void Entity::nameIsFromBackup( Name const & ) {}
+
+void Entity::handleParent() {}
+
+void Entity::reconstruct() {}
+
+void Entity::saveConstructParams() {}
+
+void Entity::entBackupDel() {}
+
+void Entity::parentIs( Ptr< Entity > const & parent ) {
+   parent_ = parent.ptr();
+   handleParent();
+}
+
+String Entity::nameText() const {
+   VornAttr const * const key = keyAttr( *fwkType() );
+   return key ? GenericIf::attributeText( static_cast< PtrInterface const * >( this ), *fwkType(), *key )
+              : name();
+}
+
+Name Entity::fullName() const {
+   std::string path;
+   for ( Entity const * at = this; at; at = at->parent_ ) {
+      std::string part( at->nameText().view() );
+      if ( at->parent_ ) part = std::string( at->parentAttrName().view() ) + "[" + part + "]";
+      path = path.empty() ? part : part + "/" + path;
+   }
+   return Name( std::string_view( path ) );
+}
+
+String Entity::parentAttrName() const {
+   String name;
+   if ( parent_ ) {
+      anyChild( *parent_, [&]( VornAttr const & attr, Entity & child ) {
+         if ( &child != this ) return false;
+         name = attr.name;
+         return true;
+      } );
+   }
+   return name;
+}
+
+Ptr< Entity > Entity::entity( String const & childName ) const {
+   Ptr< Entity > found;
+   anyChild( *this, [&]( VornAttr const &, Entity & child ) {
+      if ( !( child.nameText() == childName ) ) return false;
+      found = &child;
+      return true;
+   } );
+   return found;
+}
+
+bool hasLoggedAttr( VornType const & type ) {
+   for ( VornAttr const * attr = type.attributes; attr && attr->name; ++attr ) {
+      if ( attr->logged() ) return true;
+   }
+   return false;
+}
+
+void childrenDel( Entity & entity, VornType const & type ) {
+   void * const object = static_cast< PtrInterface * >( &entity );
+   for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
+      if ( !attr->instantiating() || attr->owner != &type ) continue;
+      if ( !attr->keyed() ) {
+         attr->ops->op( nullptr, object, *attr, GenericIf::del, nullptr, nullptr );
+         continue;
+      }
+      for ( GenericIf::Iterator it( object, *attr ); it; it.advance() ) {
+         GenericIf::Value key( attr->keyType );
+         it.key( key.data() );
+         attr->ops->op( nullptr, object, *attr, GenericIf::del, key.data(), nullptr );
+      }
+   }
+}
+
+void reinstantiate( Entity & present, VornType const & type, void const * const * args ) {
+   void * const object = static_cast< PtrInterface * >( &present );
+   // Calls `call` with each argument's attribute and the value given for it.
+   auto const eachArg = [&]( auto const & call ) {
+      for ( U32 i = 0; type.ctorArgs[i].name; ++i )
+         call( *type.attribute( type.ctorArgs[i].name ), args[i] );
+   };
+   eachArg( [&]( VornAttr const & attr, void const * given ) {
+      if ( attr.kind() != VornKind::constructor ) return;
+      GenericIf::Value current( attr.type );
+      attr.ops->op( current.data(), object, attr, GenericIf::read, nullptr, nullptr );
+      if ( attr.type->methods->equal( current.data(), given ) ) return;
+      throwNameInUseException(
+           "Reinstantiating the entity with fullName " + valueToStrep( present.fullName() ) +
+           " where constructor parameter attribute '" + attr.name + "' has a different value of " +
+           attr.type->methods->genericIfStrRep( given, attr.type ) + " than the current value of " +
+           current.stringValue() + " not allowed" );
+   } );
+   eachArg( [&]( VornAttr const & attr, void const * given ) {
+      if ( attr.kind() == VornKind::mutableAttr )
+         attr.ops->op( nullptr, object, attr, GenericIf::write, nullptr, &given );
+   } );
+}
+
+void throwNullReference( VornType const & type, char const * attrName ) {
+   // The closing quotation mark is part of the text.
+   throwRangeException( ( String( "null _" ) + attrName + " parameter to mutator for " + type.name +
+                          "::" + attrName + " not allowed\"" )
+                             .charPtr() );
+}
+
+} // namespace Vorn

@@ -1,0 +1,132 @@
+#include "Vorn/HashMap.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace Vorn {
+
+HashMapGeneric::~HashMapGeneric() {
+   emptyAllBuckets();
+   std::free( buckets_ );
+}
+
+bool HashMapGeneric::before( Entity const & a, Entity const & b ) const {
+   U32 const hashA = bitReverse( vtable_->hash( a ) );
+   U32 const hashB = bitReverse( vtable_->hash( b ) );
+   return hashA != hashB ? hashA < hashB : vtable_->keyLessThan( nullptr, b, &a );
+}
+
+void HashMapGeneric::newMemberG( Entity & member ) {
+   if ( !buckets_ || memberCount_ >= 2 * buckets() ) grow();
+   Entity ** link = &buckets_[bucketOf( vtable_->hash( member ) )];
+   Entity * previous = nullptr;
+   while ( *link && before( **link, member ) ) {
+      previous = *link;
+      link = &next( *previous );
+   }
+   vtable_->setNext( member, *link );
+   if ( previous ) {
+      vtable_->setNext( *previous, &member );
+   } else {
+      member.referenceInc();
+      if ( Entity * const old = std::exchange( *link, &member ) ) old->referenceDec();
+   }
+   ++memberCount_;
+   ++modificationCount_;
+}
+
+void HashMapGeneric::deleteMember( Entity & member ) {
+   Ptr< Entity > const hold( &member );
+   Entity ** const head = &buckets_[bucketOf( vtable_->hash( member ) )];
+   Ptr< Entity > const behind( next( member ) );
+   if ( *head == &member ) {
+      if ( behind ) behind->referenceInc();
+      *head = behind.ptr();
+      member.referenceDec();
+   } else {
+      Entity * previous = *head;
+      while ( next( *previous ) != &member ) {
+         previous = next( *previous );
+      }
+      vtable_->setNext( *previous, behind.ptr() );
+   }
+   vtable_->setNext( member, nullptr );
+   --memberCount_;
+   ++modificationCount_;
+}
+
+void HashMapGeneric::emptyAllBuckets() noexcept {
+   if ( !buckets_ ) return;
+   for ( U32 bucket = 0; bucket < buckets(); ++bucket ) {
+      while ( Entity * const member = buckets_[bucket] ) {
+         // The link's reference becomes the bucket's.
+         buckets_[bucket] = std::exchange( next( *member ), nullptr );
+         --memberCount_;
+         ++modificationCount_;
+         member->referenceDec();
+      }
+   }
+}
+
+void HashMapGeneric::grow() {
+   U32 const oldBuckets = buckets_ ? buckets() : 0;
+   U8 const exponent = buckets_ ? U8( exponent_ + 1 ) : exponent_;
+   auto ** const fresh =
+        static_cast< Entity ** >( std::calloc( std::size_t( 1 ) << exponent, sizeof( Entity * ) ) );
+   if ( !fresh ) throw std::bad_alloc();
+   exponent_ = exponent;
+   // A chain is in order of the reversed hash, so it falls into a front and a back part.
+   for ( U32 bucket = 0; bucket < oldBuckets; ++bucket ) {
+      Entity ** tail[2] = { &fresh[2 * bucket], &fresh[2 * bucket + 1] };
+      for ( Entity * member = buckets_[bucket]; member; ) {
+         Entity * const behind = std::exchange( next( *member ), nullptr );
+         Entity **& end = tail[bucketOf( vtable_->hash( *member ) ) & 1];
+         *end = member;
+         end = &next( *member );
+         member = behind;
+      }
+   }
+   std::free( buckets_ );
+   buckets_ = fresh;
+}
+
+Entity * HashMapGeneric::findNextBucket( std::int32_t * bucket ) const noexcept {
+   if ( buckets_ ) {
+      for ( std::int32_t i = *bucket + 1; i < std::int32_t( buckets() ); ++i ) {
+         if ( buckets_[i] ) {
+            *bucket = i;
+            return buckets_[i];
+         }
+      }
+   }
+   *bucket = -1;
+   return nullptr;
+}
+
+Entity * HashMapGeneric::findNextG( Entity const * member, std::int32_t * bucket ) const {
+   *bucket = -1;
+   if ( !member || !buckets_ ) return findNextBucket( bucket );
+   *bucket = std::int32_t( bucketOf( vtable_->hash( *member ) ) );
+   for ( Entity * at = buckets_[*bucket]; at; at = next( *at ) ) {
+      if ( before( *member, *at ) ) return at;
+   }
+   return findNextBucket( bucket );
+}
+
+Entity * HashMapGeneric::startAtHash( void const * key, U32 hash, std::int32_t * bucket ) const {
+   *bucket = -1;
+   if ( !buckets_ ) return nullptr;
+   U32 const reversed = bitReverse( hash );
+   *bucket = std::int32_t( bucketOf( hash ) );
+   for ( Entity * at = buckets_[*bucket]; at; at = next( *at ) ) {
+      U32 const there = bitReverse( vtable_->hash( *at ) );
+      if ( there > reversed ) return at;
+      if ( there == reversed &&
+           ( vtable_->keyEquals( key, *at ) || vtable_->keyLessThan( key, *at, nullptr ) ) ) {
+         return at;
+      }
+   }
+   return findNextBucket( bucket );
+}
+
+} // namespace Vorn

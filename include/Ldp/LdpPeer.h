@@ -1,0 +1,76 @@
+/// \file
+/// Peers: the adjacencies that lead to one LDP identifier, gathered.
+#pragma once
+
+#include "Ldp/LdpAdj.h"
+
+namespace Ldp {
+
+/// One peer: the adjacencies by which it is reached, and the one through which the session runs.
+class VORN_API LdpPeerConfig : public Vorn::Entity {
+   VORN_ENTITY( LdpPeerConfig, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( LdpAdjId, LdpAdj ); VORN_ON( ActiveAdj ); VORN_ON( PeerIpAddr );
+                  VORN_ON( PeerConfigSeqNum ); VORN_ON( StatusCode ); VORN_ON( LatestAdjStatusCode ); )
+
+ public:
+   explicit LdpPeerConfig( LdpIdentifier const & ldpIdentifier ) : ldpIdentifier_( ldpIdentifier ) {}
+   ~LdpPeerConfig() override;
+
+   VORN_KEY( 0x102, LdpIdentifier, ldpIdentifier );
+   /// The peer's adjacencies.
+   VORN_VALUE_COLL( 0x103, bool, LdpAdjId, ldpAdj, LdpAdj, replicated );
+   /// The adjacency through which the session runs.
+   VORN_MUTABLE( 0x104, LdpAdjId, activeAdj, ActiveAdj, local );
+   /// Transport address of the peer.
+   VORN_MUTABLE( 0x105, Lumo::IpGenAddr, peerIpAddr, PeerIpAddr, replicated ) = Lumo::IpAddr();
+   /// Configuration sequence number of the last hello. 16 bits here, 32 in an adjacency's status: that is
+   /// meant.
+   VORN_MUTABLE( 0x106, U16, peerConfigSeqNum, PeerConfigSeqNum, local ) = 0;
+   /// Status of the peer, and that of its last adjacency event.
+   VORN_MUTABLE( 0x107, LdpStatusCode, statusCode, StatusCode, local ) = success;
+   VORN_MUTABLE( 0x108, LdpStatusCode, latestAdjStatusCode, LatestAdjStatusCode, local ) = success;
+};
+VORN_FACTORY( LdpPeerConfig, ldpPeerConfigFactory )
+
+/// The peers of a VRF.
+class VORN_API LdpPeerConfigColl : public Vorn::Entity {
+   VORN_ENTITY( LdpPeerConfigColl, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( LdpIdentifier, PeerConfig ); )
+
+ public:
+   explicit LdpPeerConfigColl( Vorn::Name const & name ) : name_( name ) {}
+   ~LdpPeerConfigColl() override;
+
+   VORN_NAME;
+   VORN_ENTITY_COLL( 0x102, LdpPeerConfig, LdpIdentifier, peerConfig, PeerConfig, replicated );
+};
+VORN_FACTORY( LdpPeerConfigColl, ldpPeerConfigCollFactory )
+
+/// That a peer is known; it has no state besides.
+class VORN_API LdpPeerStatus : public Vorn::Entity {
+   VORN_ENTITY( LdpPeerStatus, Vorn::Entity )
+   VORN_NOTIFIEE()
+
+ public:
+   explicit LdpPeerStatus( LdpIdentifier const & ldpIdentifier ) : ldpIdentifier_( ldpIdentifier ) {}
+   ~LdpPeerStatus() override;
+
+   VORN_KEY( 0x102, LdpIdentifier, ldpIdentifier );
+};
+VORN_FACTORY( LdpPeerStatus, ldpPeerStatusFactory )
+
+/// The peers that are known in a VRF.
+class VORN_API LdpPeerStatusColl : public Vorn::Entity {
+   VORN_ENTITY( LdpPeerStatusColl, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( LdpIdentifier, PeerStatus ); )
+
+ public:
+   explicit LdpPeerStatusColl( Vorn::Name const & name ) : name_( name ) {}
+   ~LdpPeerStatusColl() override;
+
+   VORN_NAME;
+   VORN_ENTITY_COLL( 0x102, LdpPeerStatus, LdpIdentifier, peerStatus, PeerStatus, local );
+};
+VORN_FACTORY( LdpPeerStatusColl, ldpPeerStatusCollFactory )
+
+} // namespace Ldp

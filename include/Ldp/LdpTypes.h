@@ -1,0 +1,16 @@
+/// \file
+/// Enumerations that several parts of the model share.
+#pragma once
+
+#include "Vorn/Strep.h"
+
+namespace Ldp {
+
+/// Label advertisement discipline (RFC 5036, 2.6.3). There is no 0.
+#define LDP_LABEL_ADV_DSPLS( X )                                                                             \
+   X( onDemand, 1 )                                                                                          \
+   X( unSolicited, 2 )                                                                                       \
+   X( unknownAdvDspl, 3 )
+VORN_ENUM( LdpLabelAdvDspl, LDP_LABEL_ADV_DSPLS )
+
+} // namespace Ldp

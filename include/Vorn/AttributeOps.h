@@ -1,0 +1,316 @@
+/// \file
+/// The operations behind the attribute lines: one template for each kind of attribute, made from member
+/// pointers. The macros of Attributes.h and ValueType.h only name them.
+#pragma once
+
+#include "Vorn/GenericIf.h"
+#include "Vorn/Hash.h"
+#include "Vorn/NboAttrLogValues.h"
+#include "Vorn/Notifiee.h"
+#include "Vorn/Strep.h"
+
+#include <array>
+#include <tuple>
+
+namespace Vorn {
+
+/// Carries an attribute id in a type, so that each attribute is an overload of its own.
+template< U32 id >
+struct AttrId {};
+
+/// How a value is passed: small plain ones by value, others by reference.
+template< class T >
+using Arg =
+     std::conditional_t< std::is_trivially_copyable_v< T > && sizeof( T ) <= sizeof( void * ), T, T const & >;
+
+/// What a pointer points to; anything else is itself.
+template< class T >
+struct Pointee {
+   using Type = T;
+};
+template< class T >
+struct Pointee< Ptr< T > > {
+   using Type = std::remove_const_t< T >;
+};
+
+/// The record of a type: of a class its `_vornType`, of an enumeration its own, else that of `BuiltinType`.
+template< class T >
+constexpr VornType const * recordOf() {
+   if constexpr ( requires { &T::_vornType; } ) {
+      return &T::_vornType;
+   } else if constexpr ( std::is_enum_v< T > ) {
+      return vornTypeOf( T{} );
+   } else {
+      return &BuiltinType< T >::record;
+   }
+}
+
+/// The address of an object as the class that declares an attribute.
+template< class Self >
+Self * selfOf( void * object ) {
+   if constexpr ( std::is_base_of_v< PtrInterface, Self > ) {
+      return static_cast< Self * >( static_cast< PtrInterface * >( object ) );
+   } else {
+      return static_cast< Self * >( object );
+   }
+}
+
+/// Puts a value into a result: a pointer to a counted object as `Ptr< PtrInterface >`.
+template< class T >
+void resultIs( void * result, T const & value ) {
+   *static_cast< T * >( result ) = value;
+}
+template< class T >
+void resultIs( void * result, Ptr< T > const & value ) {
+   *static_cast< Ptr< PtrInterface > * >( result ) =
+        Ptr< PtrInterface >( const_cast< std::remove_const_t< T > * >( value.ptr() ) );
+}
+
+/// One argument of a call through reflection: a value, or a `Ptr< PtrInterface >` as the pointer that is
+/// asked for.
+template< class T >
+struct ArgOf {
+   static T const & get( void const * arg ) { return *static_cast< T const * >( arg ); }
+};
+template< class T >
+struct ArgOf< Ptr< T > > {
+   static Ptr< T > get( void const * arg ) {
+      auto const & object = *static_cast< Ptr< PtrInterface > const * >( arg );
+      if ( object && !object->fwkType()->isDerived( &T::_vornType ) ) {
+         GenericIfImpl::throwTypeException( object->fwkType() );
+      }
+      return Ptr< T >( static_cast< T * >( object.ptr() ) );
+   }
+};
+
+using OpFn = U32 ( * )( void *, void *, VornAttr const &, U32, void const *, void const * const * );
+
+/// Read-only: key, constructor argument, derived.
+template< class Self, auto get >
+inline constexpr VornAttrOps readOps{
+   []( void * result, void * object, VornAttr const &, U32 op, void const *, void const * const * ) -> U32 {
+      if ( op != GenericIf::read ) return GenericIf::notApplicable;
+      resultIs( result, std::remove_cvref_t< decltype( ( selfOf< Self >( object )->*get )() ) >(
+                             ( selfOf< Self >( object )->*get )() ) );
+      return GenericIf::done;
+   },
+   nullptr,
+};
+
+/// What the accessor of a constant gives: its type where a constant can have that, else what was written.
+template< class T, class Written >
+using ConstantOf = std::conditional_t< std::is_trivially_copyable_v< T >, T, Written >;
+
+/// A constant: a static member of the class.
+template< class T, auto value >
+inline constexpr VornAttrOps constantOps{
+   []( void * result, void *, VornAttr const &, U32 op, void const *, void const * const * ) -> U32 {
+      if ( op != GenericIf::read ) return GenericIf::notApplicable;
+      *static_cast< T * >( result ) = T( value() );
+      return GenericIf::done;
+   },
+   nullptr,
+};
+
+/// A scalar with a mutator, a single reference included. A value's field that has one is placed by it as well.
+template< class Self, class T, auto get, auto set >
+inline constexpr VornAttrOps scalarOps{
+   []( void * result, void * object, VornAttr const &, U32 op, void const *,
+       void const * const * args ) -> U32 {
+      switch ( op ) {
+      case GenericIf::read:
+         resultIs( result, T( ( selfOf< Self >( object )->*get )() ) );
+         return GenericIf::done;
+      case GenericIf::write:
+      case GenericIf::place:
+         ( selfOf< Self >( object )->*set )( ArgOf< T >::get( args[0] ) );
+         return GenericIf::done;
+      default: return GenericIf::notApplicable;
+      }
+   },
+   nullptr,
+};
+
+/// A field of a value.
+template< class Self, class T, T Self::*field, bool settable >
+inline constexpr VornAttrOps fieldOps{
+   []( void * result, void * object, VornAttr const &, U32 op, void const *,
+       void const * const * args ) -> U32 {
+      T & value = static_cast< Self * >( object )->*field;
+      if ( op == GenericIf::read ) {
+         *static_cast< T * >( result ) = value;
+      } else if ( op == GenericIf::place || ( settable && op == GenericIf::write ) ) {
+         value = *static_cast< T const * >( args[0] );
+      } else {
+         return GenericIf::notApplicable;
+      }
+      return GenericIf::done;
+   },
+   nullptr,
+};
+
+/// A function with hand-written logic: `write` calls it with the arguments and leaves what it returns in the
+/// result.
+template< class Self, auto function, class Signature = decltype( function ) >
+struct FunctionOps;
+template< class Self, auto function, class Result, class Class, class... Args >
+struct FunctionOps< Self, function, Result ( Class::* )( Args... ) > {
+   static U32 op( void * result, void * object, VornAttr const &, U32 op, void const *,
+                  void const * const * args ) {
+      if ( op != GenericIf::write ) return GenericIf::notApplicable;
+      [&]< std::size_t... i >( std::index_sequence< i... > ) {
+         auto * self = selfOf< Self >( object );
+         if constexpr ( std::is_void_v< Result > ) {
+            ( self->*function )( ArgOf< std::remove_cvref_t< Args > >::get( args[i] )... );
+         } else {
+            auto value = ( self->*function )( ArgOf< std::remove_cvref_t< Args > >::get( args[i] )... );
+            if ( result ) resultIs( result, value );
+         }
+      }
+      ( std::index_sequence_for< Args... >{} );
+      return GenericIf::done;
+   }
+   using ResultType = Result;
+   static constexpr VornAttrOps ops{ op, nullptr };
+};
+template< class Self, auto function, class Result, class Class, class... Args >
+struct FunctionOps< Self, function, Result ( Class::* )( Args... ) const >
+     : FunctionOps< Self, function, Result ( Class::* )( Args... ) > {
+   // The call through a const member pointer reads the same.
+};
+
+/// The record of a scalar attribute.
+template< class Self, class T >
+constexpr VornAttr attrRecord( char const * name, VornKind kind, U32 id, VornReplication logged,
+                               VornAttrOps const * ops ) {
+   return { name,    &Self::_vornType, recordOf< typename Pointee< T >::Type >(), nullptr,
+            nullptr, nullptr,          attrFlags( kind, id, logged, false ),      ops };
+}
+
+/// The record of a keyed attribute.
+template< class Self, class T, class Key >
+constexpr VornAttr keyedRecord( char const * name, VornKind kind, U32 id, VornReplication logged,
+                                char const * memberKey, VornCtorArg const * memberCtorArgs,
+                                VornAttrOps const * ops ) {
+   return { name,
+            &Self::_vornType,
+            recordOf< T >(),
+            recordOf< Key >(),
+            memberKey,
+            memberCtorArgs,
+            attrFlags( kind, id, logged, true ),
+            ops };
+}
+
+/// The record of a value's field.
+template< class Self, class T, T Self::*field, bool settable >
+constexpr VornAttr fieldAttr( char const * name, U32 id ) {
+   return attrRecord< Self, T >( name, settable ? VornKind::state : VornKind::constructor, id, local,
+                                 &fieldOps< Self, T, field, settable > );
+}
+
+/// The record of a function.
+template< class Self, auto function >
+constexpr VornAttr functionRecord( char const * name, U32 id ) {
+   using Result = typename FunctionOps< Self, function >::ResultType;
+   return { name,
+            &Self::_vornType,
+            recordOf< std::remove_cvref_t< Result > >(),
+            nullptr,
+            nullptr,
+            nullptr,
+            attrFlags( VornKind::function, id, local, false ),
+            &FunctionOps< Self, function >::ops };
+}
+
+/// Where the ids of a type's own attributes begin: a value's at 2; an entity's or counted object's at 0x102,
+/// and 0x80 further for each type between it and `Entity` or `PtrInterface`.
+template< class T >
+consteval U32 firstAttrId() {
+   if constexpr ( requires { T::vornFirstId; } ) {
+      return T::vornFirstId;
+   } else {
+      return 0x2;
+   }
+}
+
+/// Collects the attribute overloads of a type into its table, the base's rows first. Ids run without a gap:
+/// one that is left out, or given twice, does not compile.
+template< class T >
+struct AttrTable {
+   static constexpr U32 first = firstAttrId< T >();
+   static constexpr U32 window = first == 0x2 ? 0x7e : 0x80;
+
+   template< U32 id >
+   static constexpr bool has = requires {
+      T::vornAttr( AttrId< id >{} );
+   };
+
+   static constexpr U32 count() {
+      U32 num = 0;
+      [&]< U32... i >( std::integer_sequence< U32, i... > ) {
+         ( ( has< first + i > && num == i ? ++num : num ), ... );
+      }
+      ( std::make_integer_sequence< U32, window >{} );
+      return num;
+   }
+   static constexpr U32 declared() {
+      return []< U32... i >( std::integer_sequence< U32, i... > ) {
+         return ( U32( has< first + i > ) + ... );
+      }
+      ( std::make_integer_sequence< U32, window >{} );
+   }
+   static constexpr U32 own = count();
+   static_assert( own == declared(), "attribute ids must follow each other without a gap" );
+
+   static constexpr U32 baseNum() {
+      if constexpr ( requires { typename T::VornBase; } ) {
+         return AttrTable< typename T::VornBase >::num;
+      } else {
+         return 0;
+      }
+   }
+   static constexpr U32 num = baseNum() + own;
+
+   static constexpr std::array< VornAttr, num + 1 > collect() {
+      std::array< VornAttr, num + 1 > table{};
+      if constexpr ( baseNum() != 0 ) {
+         for ( U32 i = 0; i < baseNum(); ++i ) {
+            table[i] = AttrTable< typename T::VornBase >::table[i];
+         }
+      }
+      if constexpr ( own != 0 ) {
+         [&]< U32... i >( std::integer_sequence< U32, i... > ) {
+            ( ( table[baseNum() + i] = T::vornAttr( AttrId< first + i >{} ) ), ... );
+         }
+         ( std::make_integer_sequence< U32, own >{} );
+      }
+      return table;
+   }
+   static constexpr std::array< VornAttr, num + 1 > table = collect();
+   static constexpr VornAttr const * attributes = num ? table.data() : nullptr;
+
+   /// Whether the constructor takes a name in front of all else.
+   static constexpr bool named = requires { T::vornNamed; };
+
+   static constexpr U32 ctorNum() {
+      U32 n = named;
+      for ( VornAttr const & attr : table ) {
+         n += attr.name && attr.isCtorArg();
+      }
+      return n;
+   }
+   static constexpr std::array< VornCtorArg, ctorNum() + 1 > collectCtorArgs() {
+      std::array< VornCtorArg, ctorNum() + 1 > args{};
+      U32 n = 0;
+      if ( named ) args[n++] = { "name", &BuiltinType< Name >::record };
+      for ( VornAttr const & attr : table ) {
+         if ( attr.name && attr.isCtorArg() ) args[n++] = { attr.name, attr.type };
+      }
+      return args;
+   }
+   static constexpr std::array< VornCtorArg, ctorNum() + 1 > ctorTable = collectCtorArgs();
+   static constexpr VornCtorArg const * ctorArgs = ctorTable.data();
+};
+
+} // namespace Vorn

@@ -1,0 +1,393 @@
+/// \file
+/// The attribute lines of entities: one line declares an attribute, and all that is mechanical follows from
+/// it: field, accessor, mutator, notification, reflection record, log.
+///
+///     /// Run-time state of one hello adjacency.
+///     class VORN_API LdpAdjStatus : public Vorn::Entity {
+///        VORN_ENTITY( LdpAdjStatus, Vorn::Entity )
+///        VORN_NOTIFIEE( VORN_ON( AdjStatusCode ); VORN_ON( MsgId ); )
+///
+///      public:
+///        explicit LdpAdjStatus( LdpAdjId const & ldpAdjId ) : ldpAdjId_( ldpAdjId ) {}
+///        ~LdpAdjStatus() override;
+///
+///        VORN_KEY( 0x102, LdpAdjId, ldpAdjId );
+///        /// Last status of the adjacency.
+///        VORN_MUTABLE( 0x103, LdpStatusCode, adjStatusCode, AdjStatusCode, replicated ) = success;
+///        /// Id of the last message.
+///        VORN_COUNTER( 0x104, U32, msgId, MsgId, local ) = 0;
+///     };
+///     VORN_FACTORY( LdpAdjStatus, ldpAdjStatusFactory )
+///
+/// and in the source file `VORN_RECORD( Ldp, LdpAdjStatus )`, `LdpAdjStatus::~LdpAdjStatus() {
+/// vornTeardown(); }` and the type in the file's `VORN_MODULE`.
+///
+/// A line ends in the field's declaration, so the default stands behind it. Each line declares one overload
+/// of `vornAttr( AttrId< id > )`, whose result is the attribute's record; the type's table is the overloads
+/// of consecutive ids. `Name` in a line is the attribute's name with a capital, for the callback `onName`.
+///
+/// A mutator compares, stores, and tells the observers if there are any; that is all that it does.
+#pragma once
+
+#include "Vorn/ReflectOps.h"
+
+/// Opens an entity type. `Base` is `Vorn::Entity` or an entity type.
+#define VORN_ENTITY( Type, Base )                                                                            \
+   VORN_OBJECT( Type )                                                                                       \
+   using Self = Type;                                                                                        \
+                                                                                                             \
+ public:                                                                                                     \
+   using VornBase = Base;                                                                                    \
+   static constexpr U32 vornFirstId = Base::vornChildFirstId;                                                \
+   static constexpr U32 vornChildFirstId = vornFirstId + 0x80;                                               \
+   /** A new object without a parent. */                                                                     \
+   template< class... Args >                                                                                 \
+   static ::Vorn::Ptr< Type > Type##Is( Args const &... args ) {                                             \
+      return ::Vorn::newObject< Type >( args... );                                                           \
+   }                                                                                                         \
+   bool vornHasAttrLogInterface() const override { return ::Vorn::hasLoggedAttr( _vornType ); }              \
+                                                                                                             \
+ private:                                                                                                    \
+   static constexpr auto replicated = ::Vorn::replicated;                                                    \
+   static constexpr auto local = ::Vorn::local;                                                              \
+   void vornTeardown() { ::Vorn::childrenDel( *this, _vornType ); }
+
+/// The observer classes of an entity type, with a callback for each mutable attribute in the order of the
+/// lines.
+#define VORN_NOTIFIEE( ... )                                                                                 \
+ public:                                                                                                     \
+   /** Observer of the type. Each callback does nothing by default. */                                       \
+   class VORN_API NotifieeConst : public VornBase::NotifieeConst {                                           \
+    public:                                                                                                  \
+      NotifieeConst() { notifierTypeIs( &Self::_vornType ); }                                                \
+      __VA_ARGS__                                                                                            \
+   };                                                                                                        \
+   /** Observer that also writes to what it watches. */                                                      \
+   class VORN_API Notifiee : public NotifieeConst {};                                                        \
+                                                                                                             \
+ private:
+
+/// The callback of a scalar or a single child.
+#define VORN_ON( X )                                                                                         \
+   virtual void on##X() {}
+/// The callbacks of a keyed attribute, of which mutators call the one with the key.
+#define VORN_ON_KEYED( Key, X )                                                                              \
+   virtual void on##X( ::Vorn::Arg< Key > ) {}                                                               \
+   virtual void on##X##vornImmediate() {}                                                                    \
+   virtual void on##X() {}
+
+/// The name that a named entity is constructed with. Its constructor passes it on: `explicit T( Vorn::Name
+/// name )`.
+#define VORN_NAME                                                                                            \
+ public:                                                                                                     \
+   static constexpr bool vornNamed = true;                                                                   \
+   ::Vorn::Name name() const override { return name_; }                                                      \
+   ::Vorn::Name const & vornKey() const noexcept { return name_; }                                           \
+                                                                                                             \
+ private:                                                                                                    \
+   ::Vorn::Name name_
+
+/// Constructor argument, immutable.
+#define VORN_CTOR_ARG( id, Type, x )                                                                         \
+ public:                                                                                                     \
+   ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
+   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+      return ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::constructor, id, ::Vorn::local,         \
+                                               &::Vorn::readOps< Self, &Self::x > );                         \
+   }                                                                                                         \
+                                                                                                             \
+ private:                                                                                                    \
+   Type x##_
+
+/// Constructor argument that is the key of the entity in its collection.
+#define VORN_KEY( id, Type, x )                                                                              \
+ public:                                                                                                     \
+   ::Vorn::Arg< Type > vornKey() const noexcept { return x##_; }                                             \
+   VORN_CTOR_ARG( id, Type, x )
+
+/// The types of all constructor arguments in their order, for a type that takes more than its key or name.
+#define VORN_CTOR_TYPES( ... )                                                                               \
+ public:                                                                                                     \
+   using VornCtorTypes = std::tuple< __VA_ARGS__ >;                                                          \
+                                                                                                             \
+ private:
+
+/// What the mutable lines share. `flags` is or'ed to the record's.
+#define VORN_SCALAR_( id, Type, x, X, kind, replication, flags_ )                                            \
+ public:                                                                                                     \
+   ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
+   void x##Is( ::Vorn::Arg< Type > value ) {                                                                 \
+      ::Vorn::scalarIs( *this, x##_, value, ::Vorn::changeOf< Self, id, &NotifieeConst::on##X > );           \
+   }                                                                                                         \
+   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+      auto attr = ::Vorn::attrRecord< Self, Type >(                                                          \
+           #x, kind, id, replication, &::Vorn::scalarOps< Self, Type, &Self::x, &Self::x##Is > );            \
+      attr.flags |= flags_;                                                                                  \
+      return attr;                                                                                           \
+   }                                                                                                         \
+                                                                                                             \
+ private:                                                                                                    \
+   Type x##_
+
+/// Scalar with a mutator.
+#define VORN_MUTABLE( id, Type, x, X, replication )                                                          \
+   VORN_SCALAR_( id, Type, x, X, ::Vorn::VornKind::mutableAttr, replication, 0 )
+/// Constructor argument that can be changed afterwards.
+#define VORN_MUTABLE_CTOR_ARG( id, Type, x, X, replication )                                                 \
+   VORN_SCALAR_( id, Type, x, X, ::Vorn::VornKind::mutableAttr, replication, ::Vorn::ctorArgAccess )
+/// Reference to a counted object that somebody else owns; compared by identity.
+#define VORN_REFERENCE( id, Type, x, X, replication )                                                        \
+   VORN_SCALAR_( id, ::Vorn::Ptr< Type >, x, X, ::Vorn::VornKind::reference, replication, 0 )
+
+/// Mutable scalar that also counts: `xInc( n )` adds with wrap at the attribute's width, tells if the value
+/// changed, and returns the new value.
+#define VORN_COUNTER( id, Type, x, X, replication )                                                          \
+ public:                                                                                                     \
+   Type x##Inc( Type n ) {                                                                                   \
+      Type const value = Type( x##_ + n );                                                                   \
+      x##Is( value );                                                                                        \
+      return value;                                                                                          \
+   }                                                                                                         \
+   VORN_MUTABLE( id, Type, x, X, replication )
+/// A counter that counts down as well.
+#define VORN_COUNTER_DEC( id, Type, x, X, replication )                                                      \
+ public:                                                                                                     \
+   Type x##Dec( Type n ) { return x##Inc( Type( 0 - n ) ); }                                                 \
+   VORN_COUNTER( id, Type, x, X, replication )
+
+/// State outside notification: stored as it is, told to nobody. Local scalars are of this kind.
+#define VORN_STATE( id, Type, x )                                                                            \
+ public:                                                                                                     \
+   ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
+   void x##Is( ::Vorn::Arg< Type > value ) { x##_ = value; }                                                 \
+   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+      return ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::state, id, ::Vorn::local,               \
+                                               &::Vorn::scalarOps< Self, Type, &Self::x, &Self::x##Is > );   \
+   }                                                                                                         \
+                                                                                                             \
+ private:                                                                                                    \
+   Type x##_
+
+/// Computed on each read: a const member function that the class declares and defines by hand.
+#define VORN_DERIVED( id, Type, x )                                                                          \
+ public:                                                                                                     \
+   Type x() const;                                                                                           \
+   VORN_REFLECT_( id, Type, x, ::Vorn::VornKind::derived )
+#define VORN_REFLECT_( id, Type, x, kind )                                                                   \
+   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+      return ::Vorn::attrRecord< Self, Type >( #x, kind, id, ::Vorn::local,                                  \
+                                               &::Vorn::readOps< Self, &Self::x > );                         \
+   }                                                                                                         \
+   static_assert( true )
+
+/// Constant of the type: `VORN_CONSTANT( 0x115, double, linkReadyTimeoutDefault, 60.0 );`
+#define VORN_CONSTANT( id, Type, x, value ) VORN_CONSTANT_( id, Type, x, value, ::Vorn::VornKind::constant )
+/// Constant that is computed from others.
+#define VORN_DERIVED_CONSTANT( id, Type, x, value )                                                          \
+   VORN_CONSTANT_( id, Type, x, value, ::Vorn::VornKind::derivedConstant )
+#define VORN_CONSTANT_( id, Type, x, value, kind )                                                           \
+ public:                                                                                                     \
+   static constexpr ::Vorn::ConstantOf< Type, decltype( value ) > x() noexcept { return value; }             \
+   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+      return ::Vorn::attrRecord< Self, Type >( #x, kind, id, ::Vorn::local,                                  \
+                                               &::Vorn::constantOps< Type, &Self::x > );                     \
+   }                                                                                                         \
+   static_assert( true )
+
+/// Reflects a member function with logic of its own, which the class declares beside the line.
+#define VORN_FUNCTION( id, x )                                                                               \
+ public:                                                                                                     \
+   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+      return ::Vorn::functionRecord< Self, &Self::x >( #x, id );                                             \
+   }                                                                                                         \
+   static_assert( true )
+
+/// Owned single child. `xIs( args... )` gives the present child if the first argument is its name or key, and
+/// else makes one in its place; `xDel()` takes it out and returns it.
+#define VORN_CHILD( id, Type, x, X, replication )                                                            \
+ public:                                                                                                     \
+   ::Vorn::Ptr< Type > x() const noexcept { return x##_; }                                                   \
+   template< class... Args >                                                                                 \
+   ::Vorn::Ptr< Type > x##Is( Args const &... args ) {                                                       \
+      return ::Vorn::childIs( *this, x##_, ::Vorn::changeOf< Self, id, &NotifieeConst::on##X >, args... );   \
+   }                                                                                                         \
+   ::Vorn::Ptr< Type > x##Del() {                                                                            \
+      return ::Vorn::childDel( *this, x##_, ::Vorn::changeOf< Self, id, &NotifieeConst::on##X > );           \
+   }                                                                                                         \
+   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+      auto attr = ::Vorn::attrRecord< Self, Type >(                                                          \
+           #x, ::Vorn::VornKind::child, id, replication,                                                     \
+           &::Vorn::childOps< Self, Type, &Self::x##_,                                                       \
+                              &::Vorn::changeOf< Self, id, &NotifieeConst::on##X > > );                      \
+      attr.memberCtorArgs = ::Vorn::memberCtorArgs< Type >();                                                \
+      return attr;                                                                                           \
+   }                                                                                                         \
+                                                                                                             \
+ private:                                                                                                    \
+   ::Vorn::Ptr< Type > x##_
+
+/// What the collections share: lookup, count, notification. `Map` is the container's type.
+#define VORN_COLL_( id, Key, x, X, Map )                                                                     \
+ public:                                                                                                     \
+   /** The members, for a walk that may delete as it goes. */                                                \
+   Map const & x##Coll() const noexcept { return x##_; }                                                     \
+   U32 x##s() const noexcept { return x##_.members(); }                                                      \
+   void x##Notify( ::Vorn::Arg< Key > key ) const { notify( x##Change_(), &key ); }                          \
+   /* Public for the templates behind the line alone. */                                                     \
+   static constexpr ::Vorn::NotifieeChange const & x##Change_() {                                            \
+      return ::Vorn::keyedChangeOf< Self, id, Key,                                                           \
+                                    static_cast< void ( NotifieeConst::* )( ::Vorn::Arg< Key > ) >(          \
+                                         &NotifieeConst::on##X ) >;                                          \
+   }
+
+/// Owned keyed collection of entities. `xIs( key, further... )` gives the member, which it makes if there is
+/// none.
+#define VORN_ENTITY_COLL( id, Type, Key, x, X, replication )                                                 \
+   VORN_COLL_( id, Key, x, X, VORN_ARG_( ::Vorn::HashMap< Self, Type, Key > ) )                              \
+   ::Vorn::Ptr< Type > x( ::Vorn::Arg< Key > key ) const { return x##_.member( key ); }                      \
+   template< class... More >                                                                                 \
+   ::Vorn::Ptr< Type > x##Is( ::Vorn::Arg< Key > key, More const &... more ) {                               \
+      return ::Vorn::memberIs( *this, x##_, x##Change_(), key, more... );                                    \
+   }                                                                                                         \
+   ::Vorn::Ptr< Type > x##Del( ::Vorn::Arg< Key > key ) {                                                    \
+      return ::Vorn::memberDel( *this, x##_, x##Change_(), key );                                            \
+   }                                                                                                         \
+   void x##DelAll() { ::Vorn::membersDel( *this, x##_, x##Change_() ); }                                     \
+   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+      return ::Vorn::keyedRecord< Self, Type, Key >(                                                         \
+           #x, ::Vorn::VornKind::entityColl, id, replication, ::Vorn::memberKeyName< Type >(),               \
+           ::Vorn::memberCtorArgs< Type >(),                                                                 \
+           &::Vorn::entityCollOps< Self, Type, Key, &Self::x##_, &Self::x##Change_ > );                      \
+   }                                                                                                         \
+                                                                                                             \
+ private:                                                                                                    \
+   ::Vorn::HashMap< Self, Type, Key > x##_
+
+/// Keyed collection of values.
+#define VORN_VALUE_COLL( id, Type, Key, x, X, replication )                                                  \
+   VORN_COLL_( id, Key, x, X, VORN_ARG_( ::Vorn::HashMap2018< Self, Key, Type > ) )                          \
+   Type x( ::Vorn::Arg< Key > key ) const { return x##_.value( key ); }                                      \
+   bool x##Has( ::Vorn::Arg< Key > key ) const { return x##_[key]; }                                         \
+   void x##Is( ::Vorn::Arg< Key > key, ::Vorn::Arg< Type > value ) {                                         \
+      ::Vorn::valueIs( *this, x##_, x##Change_(), key, value );                                              \
+   }                                                                                                         \
+   Type x##Del( ::Vorn::Arg< Key > key ) {                                                                   \
+      return ::Vorn::valueDel< Type >( *this, x##_, x##Change_(), key );                                     \
+   }                                                                                                         \
+   void x##DelAll() { ::Vorn::valuesDel( *this, x##_, x##Change_() ); }                                      \
+   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+      return ::Vorn::keyedRecord< Self, Type, Key >(                                                         \
+           #x, ::Vorn::VornKind::valueColl, id, replication, nullptr, nullptr,                               \
+           &::Vorn::valueCollOps< Self, Type, Key, &Self::x##_, &Self::x##Change_ > );                       \
+   }                                                                                                         \
+                                                                                                             \
+ private:                                                                                                    \
+   ::Vorn::HashMap2018< Self, Key, Type > x##_
+
+/// Keyed counters: `xInc( key, n )` enters an absent key with 0 in silence, adds, and tells if the value
+/// changed.
+#define VORN_COUNTER_COLL( id, Type, Key, x, X, replication )                                                \
+ public:                                                                                                     \
+   Type x##Inc( ::Vorn::Arg< Key > key, Type n ) {                                                           \
+      return ::Vorn::counterInc< Type >( *this, x##_, x##Change_(), key, n );                                \
+   }                                                                                                         \
+   VORN_VALUE_COLL( id, Type, Key, x, X, replication )
+
+/// Set of keys, reflected as a collection of `bool`.
+#define VORN_SET( id, Key, x, X, replication )                                                               \
+   VORN_COLL_( id, Key, x, X, VORN_ARG_( ::Vorn::HashMap2018< Self, Key > ) )                                \
+   bool x( ::Vorn::Arg< Key > key ) const { return x##_[key]; }                                              \
+   bool x##Has( ::Vorn::Arg< Key > key ) const { return x##_[key]; }                                         \
+   void x##Is( ::Vorn::Arg< Key > key ) { ::Vorn::keyIs( *this, x##_, x##Change_(), key ); }                 \
+   bool x##Del( ::Vorn::Arg< Key > key ) { return ::Vorn::keyDel( *this, x##_, x##Change_(), key ); }        \
+   void x##DelAll() { ::Vorn::valuesDel( *this, x##_, x##Change_() ); }                                      \
+   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+      return ::Vorn::keyedRecord< Self, bool, Key >(                                                         \
+           #x, ::Vorn::VornKind::valueColl, id, replication, nullptr, nullptr,                               \
+           &::Vorn::setOps< Self, Key, &Self::x##_, &Self::x##Change_ > );                                   \
+   }                                                                                                         \
+                                                                                                             \
+ private:                                                                                                    \
+   ::Vorn::HashMap2018< Self, Key > x##_
+
+/// References with the key beside them; a null reference removes the entry.
+#define VORN_REFERENCE_COLL( id, Type, Key, x, X, replication )                                              \
+   VORN_COLL_( id, Key, x, X, VORN_ARG_( ::Vorn::HashMap2018< Self, Key, ::Vorn::Ptr< Type > > ) )           \
+   ::Vorn::Ptr< Type > x( ::Vorn::Arg< Key > key ) const { return x##_.value( key ); }                       \
+   void x##Is( ::Vorn::Arg< Key > key, ::Vorn::Ptr< Type > const & value ) {                                 \
+      if ( value ) {                                                                                         \
+         ::Vorn::valueIs( *this, x##_, x##Change_(), key, value );                                           \
+      } else {                                                                                               \
+         x##Del( key );                                                                                      \
+      }                                                                                                      \
+   }                                                                                                         \
+   ::Vorn::Ptr< Type > x##Del( ::Vorn::Arg< Key > key ) {                                                    \
+      return ::Vorn::valueDel< ::Vorn::Ptr< Type > >( *this, x##_, x##Change_(), key );                      \
+   }                                                                                                         \
+   void x##DelAll() { ::Vorn::valuesDel( *this, x##_, x##Change_() ); }                                      \
+   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+      return ::Vorn::keyedRecord< Self, Type, Key >(                                                         \
+           #x, ::Vorn::VornKind::referenceColl, id, replication, nullptr, nullptr,                           \
+           &::Vorn::referenceCollOps< Self, Type, Key, &Self::x##_, &Self::x##Change_, &Self::x##Is > );     \
+   }                                                                                                         \
+                                                                                                             \
+ private:                                                                                                    \
+   ::Vorn::HashMap2018< Self, Key, ::Vorn::Ptr< Type > > x##_
+
+/// References that hold their key, which `KeyFunktor` takes from them; a null reference is refused.
+#define VORN_KEYED_REFERENCE_COLL( id, Type, Key, KeyFunktor, x, X, replication )                            \
+   VORN_COLL_( id, Key, x, X,                                                                                \
+               VORN_ARG_( ::Vorn::HashMap2018< Self, Key, ::Vorn::Ptr< Type >, KeyFunktor > ) )              \
+   ::Vorn::Ptr< Type > x( ::Vorn::Arg< Key > key ) const { return x##_.value( key ); }                       \
+   void x##Is( ::Vorn::Ptr< Type > const & value ) {                                                         \
+      if ( !value ) ::Vorn::throwNullReference( _vornType, #x );                                             \
+      ::Vorn::keyedReferenceIs( *this, x##_, x##Change_(), KeyFunktor()( value ), value );                   \
+   }                                                                                                         \
+   ::Vorn::Ptr< Type > x##Del( ::Vorn::Arg< Key > key ) {                                                    \
+      return ::Vorn::valueDel< ::Vorn::Ptr< Type > >( *this, x##_, x##Change_(), key );                      \
+   }                                                                                                         \
+   void x##DelAll() { ::Vorn::valuesDel( *this, x##_, x##Change_() ); }                                      \
+   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+      return ::Vorn::keyedRecord< Self, Type, Key >(                                                         \
+           #x, ::Vorn::VornKind::referenceColl, id, replication, nullptr, nullptr,                           \
+           &::Vorn::referenceCollOps< Self, Type, Key, &Self::x##_, &Self::x##Change_, &Self::x##Is > );     \
+   }                                                                                                         \
+                                                                                                             \
+ private:                                                                                                    \
+   ::Vorn::HashMap2018< Self, Key, ::Vorn::Ptr< Type >, KeyFunktor > x##_
+
+/// Queue of values, each with an index that rises.
+#define VORN_QUEUE( id, Type, x, X, replication )                                                            \
+   VORN_COLL_( id, U32, x, X, VORN_ARG_( ::Vorn::LinkQueue< Self, U32, Type > ) )                            \
+   Type x( U32 index ) const { return x##_.value( index ); }                                                 \
+   U32 x##Enq( ::Vorn::Arg< Type > value ) { return ::Vorn::queueEnq( *this, x##_, x##Change_(), value ); }  \
+   Type x##Deq() { return ::Vorn::queueDeq< Type >( *this, x##_, x##Change_() ); }                           \
+   void x##Is( U32 index, ::Vorn::Arg< Type > value ) {                                                      \
+      ::Vorn::queueIs( *this, x##_, x##Change_(), index, value );                                            \
+   }                                                                                                         \
+   Type x##Del( U32 index ) { return ::Vorn::queueDel< Type >( *this, x##_, x##Change_(), index ); }         \
+   void x##DelAll() { ::Vorn::queueDelAll( *this, x##_, x##Change_() ); }                                    \
+   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+      return ::Vorn::keyedRecord< Self, Type, U32 >(                                                         \
+           #x, ::Vorn::VornKind::queue, id, replication, nullptr, nullptr,                                   \
+           &::Vorn::queueOps< Self, Type, &Self::x##_, &Self::x##Change_ > );                                \
+   }                                                                                                         \
+                                                                                                             \
+ private:                                                                                                    \
+   ::Vorn::LinkQueue< Self, U32, Type > x##_
+
+/// Keeps commas of a template's arguments within one argument of a macro.
+#define VORN_ARG_( ... ) __VA_ARGS__
+
+/// Defines the record of an entity type and its memory tracker. Stands in the source file, in the type's
+/// namespace.
+#define VORN_RECORD( Namespace, Type )                                                                       \
+   constinit ::Vorn::VornType const Type::_vornType = ::Vorn::entityRecord< Type >( #Namespace "::" #Type ); \
+   ::Vorn::AllocTrackTypeInfo Type::vornAllocTrackTypeInfo_{ &Type::_vornType };
+
+/// The free factory of an entity type.
+#define VORN_FACTORY( Type, factory )                                                                        \
+   template< class... Args >                                                                                 \
+   ::Vorn::Ptr< Type > factory( Args const &... args ) {                                                     \
+      return Type::Type##Is( args... );                                                                      \
+   }

@@ -1,0 +1,241 @@
+/// \file
+/// The mutators behind the attribute lines: the order of compare, store and notification is written here once
+/// for each kind of attribute.
+#pragma once
+
+#include "Vorn/AttributeOps.h"
+#include "Vorn/HashMap.h"
+#include "Vorn/HashMap2018.h"
+#include "Vorn/LinkQueue.h"
+
+namespace Vorn {
+
+/// The change of an attribute without a key: one virtual call to `onX()`.
+template< class Self, U32 id, auto on >
+inline constexpr NotifieeChange changeOf{ id, &Self::_vornType,
+                                          []( PtrInterface::NotifieeConst & notifiee, void const * ) {
+                                             ( static_cast< typename Self::NotifieeConst & >( notifiee ).*
+                                               on )();
+                                          } };
+
+/// The change of a keyed attribute: one virtual call to `onX( key )`.
+template< class Self, U32 id, class Key, auto on >
+inline constexpr NotifieeChange keyedChangeOf{
+   id, &Self::_vornType,
+   []( PtrInterface::NotifieeConst & notifiee, void const * key ) {
+      ( static_cast< typename Self::NotifieeConst & >( notifiee ).*on )( *static_cast< Key const * >( key ) );
+   }
+};
+
+/// Equal, return; store; tell. A pointer compares by identity, a NaN is unequal to everything.
+template< class Self, class T >
+void scalarIs( Self & self, T & field, Arg< T > value, NotifieeChange const & change ) {
+   if ( field == value ) return;
+   field = value;
+   self.notify( change );
+}
+
+/// Whether an entity goes by that name or key.
+template< class Type, class Key >
+bool goesBy( Type const & entity, Key const & key ) {
+   if constexpr ( requires { entity.vornKey() == key; } ) {
+      return entity.vornKey() == key;
+   } else {
+      return entity.vornKey() == std::remove_cvref_t< decltype( entity.vornKey() ) >( key );
+   }
+}
+template< class Type >
+bool goesBy( Type const & ) {
+   return true; // made from nothing, so any one is the one
+}
+
+/// See VORN_CHILD.
+template< class Self, class Type, class... Args >
+Ptr< Type > childIs( Self & self, Ptr< Type > & field, NotifieeChange const & change, Args const &... args ) {
+   if ( field && std::apply( [&]( auto const &... name ) { return goesBy( *field, name... ); },
+                             std::tuple_cat( std::tie( args... ) ) ) ) {
+      return field;
+   }
+   if ( field ) field->parentIs( nullptr );
+   Ptr< Type > const child = newObject< Type >( args... );
+   child->parentIs( Ptr< Entity >( &self ) );
+   field = child;
+   self.notify( change );
+   return child;
+}
+
+template< class Self, class Type >
+Ptr< Type > childDel( Self & self, Ptr< Type > & field, NotifieeChange const & change ) {
+   Ptr< Type > const child = std::exchange( field, nullptr );
+   if ( !child ) return nullptr;
+   child->parentIs( nullptr );
+   self.notify( change );
+   return child;
+}
+
+/// The types of a member's constructor arguments: what it declares, else its key or name alone.
+template< class Type >
+struct CtorTypesOf {
+   using Types = std::tuple< std::remove_cvref_t< decltype( std::declval< Type const & >().vornKey() ) > >;
+};
+template< class Type >
+requires requires { typename Type::VornCtorTypes; }
+struct CtorTypesOf< Type > {
+   using Types = typename Type::VornCtorTypes;
+};
+template< class Type >
+using CtorTypes = typename CtorTypesOf< Type >::Types;
+
+/// Fails if a constructor argument of the present entity differs from the one given, and writes the mutable
+/// ones.
+VORN_API void reinstantiate( Entity & present, VornType const & type, void const * const * args );
+
+/// See VORN_ENTITY_COLL.
+template< class Self, class Map, class Key, class... More >
+auto memberIs( Self & self, Map & map, NotifieeChange const & change, Key const & key,
+               More const &... more ) {
+   using Type = std::remove_pointer_t< decltype( map.member( key ) ) >;
+   // In the types that the attributes have, since the comparison goes by their records.
+   CtorTypes< Type > const args( key, more... );
+   if ( Ptr< Type > const present{ map.member( key ) } ) {
+      if constexpr ( sizeof...( More ) != 0 ) {
+         std::apply(
+              [&]( auto const &... arg ) {
+                 void const * const pointers[] = { &arg... };
+                 reinstantiate( *present, Type::_vornType, pointers );
+              },
+              args );
+      }
+      return present;
+   }
+   Ptr< Type > const member =
+        std::apply( []( auto const &... arg ) { return newObject< Type >( arg... ); }, args );
+   map.newMember( *member );
+   member->parentIs( Ptr< Entity >( &self ) );
+   self.notify( change, &key );
+   return member;
+}
+
+template< class Self, class Map, class Key >
+auto memberDel( Self & self, Map & map, NotifieeChange const & change, Key const & key ) {
+   using Type = std::remove_pointer_t< decltype( map.member( key ) ) >;
+   Ptr< Type > const member( map.member( key ) );
+   if ( !member ) return member;
+   Key const kept = key; // the caller's may lie in the member
+   map.del( *member );
+   member->parentIs( nullptr );
+   self.notify( change, &kept );
+   return member;
+}
+
+template< class Self, class Map >
+void membersDel( Self & self, Map & map, NotifieeChange const & change ) {
+   for ( auto it = map.begin(); it; it.advance() ) {
+      using Key = std::remove_cvref_t< decltype( it->vornKey() ) >;
+      memberDel( self, map, change, Key( it->vornKey() ) );
+   }
+}
+
+/// See VORN_VALUE_COLL.
+template< class Self, class Map, class Key, class T >
+void valueIs( Self & self, Map & map, NotifieeChange const & change, Key const & key, T const & value ) {
+   if ( auto * node = map[key] ) {
+      if ( node->value() == value ) return;
+   }
+   Key const kept = key;
+   map.valueIs( kept, value );
+   self.notify( change, &kept );
+}
+
+template< class T, class Self, class Map, class Key >
+T valueDel( Self & self, Map & map, NotifieeChange const & change, Key const & key ) {
+   auto * const node = map[key];
+   if ( !node ) return T{};
+   T const value = node->value();
+   Key const kept = key;
+   map.del( kept );
+   self.notify( change, &kept );
+   return value;
+}
+
+template< class Self, class Map, class Key >
+void keyIs( Self & self, Map & map, NotifieeChange const & change, Key const & key ) {
+   if ( map[key] ) return;
+   Key const kept = key;
+   map.keyIs( kept );
+   self.notify( change, &kept );
+}
+
+template< class Self, class Map, class Key >
+bool keyDel( Self & self, Map & map, NotifieeChange const & change, Key const & key ) {
+   Key const kept = key;
+   if ( !map.del( kept ) ) return false;
+   self.notify( change, &kept );
+   return true;
+}
+
+template< class Self, class Map >
+void valuesDel( Self & self, Map & map, NotifieeChange const & change ) {
+   for ( auto & node : map ) {
+      auto const key = node.key();
+      if ( map.del( key ) ) self.notify( change, &key );
+   }
+}
+
+/// See VORN_COUNTER_COLL.
+template< class T, class Self, class Map, class Key >
+T counterInc( Self & self, Map & map, NotifieeChange const & change, Key const & key, T n ) {
+   Key const kept = key;
+   auto * const node = map[kept];
+   T const old = node ? node->value() : T( 0 );
+   T const value = T( old + n );
+   // An absent key is entered even if nothing is added: wanted, and silent.
+   if ( !node || value != old ) map.valueIs( kept, value );
+   if ( value != old ) self.notify( change, &kept );
+   return value;
+}
+
+/// See VORN_KEYED_REFERENCE_COLL.
+template< class Self, class Map, class Key, class T >
+void keyedReferenceIs( Self & self, Map & map, NotifieeChange const & change, Key const & key,
+                       Ptr< T > const & value ) {
+   if ( auto * node = map[key]; node && node->value() == value ) return;
+   map.valueIs( value );
+   self.notify( change, &key );
+}
+[[noreturn]] VORN_API void throwNullReference( VornType const & type, char const * attrName );
+
+/// See VORN_QUEUE.
+template< class Self, class Queue, class T >
+U32 queueEnq( Self & self, Queue & queue, NotifieeChange const & change, T const & value ) {
+   U32 const index = queue.enq( value );
+   self.notify( change, &index );
+   return index;
+}
+template< class T, class Self, class Queue >
+T queueDel( Self & self, Queue & queue, NotifieeChange const & change, U32 index ) {
+   auto const node = queue.del( index );
+   if ( !node ) return T{};
+   self.notify( change, &index );
+   return node->value();
+}
+template< class T, class Self, class Queue >
+T queueDeq( Self & self, Queue & queue, NotifieeChange const & change ) {
+   return queue.members() ? queueDel< T >( self, queue, change, queue.head() ) : T{};
+}
+template< class Self, class Queue, class T >
+void queueIs( Self & self, Queue & queue, NotifieeChange const & change, U32 index, T const & value ) {
+   if ( auto const * node = queue[index]; node && node->value() == value ) return;
+   queue.valueIs( index, value );
+   self.notify( change, &index );
+}
+template< class Self, class Queue >
+void queueDelAll( Self & self, Queue & queue, NotifieeChange const & change ) {
+   while ( queue.members() ) {
+      U32 const index = queue.head();
+      queue.del( index );
+      self.notify( change, &index );
+   }
+}
+
+} // namespace Vorn

@@ -1,0 +1,91 @@
+/// \file
+/// Entities: named, parented, observable objects. Every type of the model derives from `Entity` and is
+/// written with the attribute lines of Attributes.h.
+#pragma once
+
+#include "Vorn/Notifiee.h"
+#include "Vorn/VornType.h"
+
+namespace Vorn {
+
+/// Base of all entities.
+///
+/// A parent owns its children through single-child attributes and collections and is their `parent()`; nobody
+/// else sets it. An entity that was taken out of its parent has a null parent and stays as it is for as long
+/// as anyone holds it.
+class VORN_API Entity : public PtrInterface {
+ public:
+   static VornType const _vornType;
+
+   /// Where the ids of the attributes of types directly below begin.
+   static constexpr U32 vornChildFirstId = 0x102;
+   /// Attribute ids of the base's own attributes.
+   static constexpr U32 nameId = 0x82;
+   static constexpr U32 parentId = 0x8a;
+   static constexpr U32 parentAttrNameId = 0x8b;
+   static constexpr U32 fullNameId = 0x8d;
+   static constexpr U32 entityId = 0x8f;
+
+   /// Base of the observers of entities.
+   class VORN_API NotifieeConst : public PtrInterface::NotifieeConst {
+    public:
+      NotifieeConst() { notifierTypeIs( &Entity::_vornType ); }
+   };
+   /// Base of the observers that also write to what they watch.
+   class Notifiee : public NotifieeConst {};
+
+   Entity() noexcept = default;
+   ~Entity() override;
+
+   NotifieeList * notifieeList() const override { return &notifieeList_; }
+   void zeroReferencesIs( bool zero ) override;
+   VornType const * fwkType() const override { return &_vornType; }
+
+   virtual void nameIsFromBackup( Name const & name );
+   /// The name that the entity was constructed with; empty for an entity that has a key in its place.
+   virtual Name name() const { return {}; }
+   /// Called when the parent has changed.
+   virtual void handleParent();
+   /// Whether the attribute log can carry the entity.
+   virtual bool vornHasAttrLogInterface() const { return false; }
+   /// Attaches the entity to an attribute log; see NboAttrLog.h. Null for a null log.
+   virtual Ptr< StreamAdapter > vornNboAttrLogSaIs( U32 flags, unsigned level,
+                                                    Ptr< NboAttrLog::Out > const & out );
+   virtual void reconstruct();
+   virtual bool hasBackupSupport() const { return false; }
+   virtual void saveConstructParams();
+   virtual void entBackupDel();
+
+   /// The owner, or null.
+   Ptr< Entity > parent() const noexcept { return Ptr< Entity >( parent_ ); }
+   /// For the owning attributes of a parent.
+   void parentIs( Ptr< Entity > const & parent );
+   /// Name or key of the entity as text.
+   String nameText() const;
+   /// Path of the entity through its parents, derived on each call; for messages.
+   Name fullName() const;
+   /// The parent's attribute that owns the entity; empty without a parent.
+   String parentAttrName() const;
+   /// The child below this entity whose name or key has that text, or null.
+   Ptr< Entity > entity( String const & childName ) const;
+
+   /// The link of the collection that owns the entity, which alone writes it.
+   Entity *& vornNext() noexcept { return next_; }
+   Entity * vornNext() const noexcept { return next_; }
+   /// Where that link lies in an entity, in bytes.
+   static U16 vornNextOffset() noexcept;
+
+   /// Whether anybody observes: what a mutator asks before it tells.
+   bool observed() const noexcept { return !notifieeList_.empty(); }
+   /// Tells the observers of a change that is stored already. For the mutators of the entity.
+   void notify( NotifieeChange const & change, void const * key = nullptr ) const {
+      if ( observed() ) notifieeList_.doVisit( *this, change, key );
+   }
+
+ private:
+   Entity * parent_ = nullptr; // not counted: the parent owns this entity
+   Entity * next_ = nullptr;   // counted, like every link of a chain
+   mutable NotifieeList notifieeList_;
+};
+
+} // namespace Vorn

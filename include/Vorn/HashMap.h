@@ -1,0 +1,190 @@
+/// \file
+/// `HashMap< Owner, Member, Key >`: the intrusive hash map of owned entities. A member carries the link of
+/// its chain itself, so membership costs no allocation; the map holds one reference to each member.
+///
+/// A chain belongs to the low bits of the hash, reversed, and is kept in order of the reversed hash, equal
+/// ones in order of the key. Growth splits chains and keeps that order, and an iterator finds what follows
+/// its member again after any insertion or deletion, its own member's included.
+#pragma once
+
+#include "Vorn/Entity.h"
+#include "Vorn/HashHelper.h"
+
+namespace Vorn {
+
+/// What the type-erased part asks of members.
+class HashMapVTableGeneric {
+ public:
+   virtual U32 hash( Entity const & member ) const = 0;
+   virtual bool keyEquals( void const * key, Entity const & member ) const = 0;
+   /// With `b`: whether `b`'s key is below `a`'s. Without: whether `key` is below `a`'s; true for a null key.
+   virtual bool keyLessThan( void const * key, Entity const & a, Entity const * b ) const = 0;
+   /// Sets the link of a member: takes a reference to `next`, drops that to the old one.
+   virtual void setNext( Entity & member, Entity * next ) const = 0;
+
+ protected:
+   ~HashMapVTableGeneric() = default;
+};
+
+/// The map without its types.
+class VORN_API HashMapGeneric {
+ public:
+   static constexpr U8 initialExponent = 4;
+
+   U32 members() const noexcept { return memberCount_; }
+   /// Raised by each insertion and deletion.
+   U32 modificationCount() const noexcept { return modificationCount_; }
+   U32 buckets() const noexcept { return 1u << exponent_; }
+
+   /// The member that follows `member`, in the map or not; the first for null. `bucket` becomes its bucket,
+   /// -1 at the end.
+   Entity * findNextG( Entity const * member, std::int32_t * bucket ) const;
+   /// The first member of the next bucket that has one.
+   Entity * findNextBucket( std::int32_t * bucket ) const noexcept;
+   /// The member with that key, or what would follow it.
+   Entity * startAtHash( void const * key, U32 hash, std::int32_t * bucket ) const;
+
+ protected:
+   HashMapGeneric( HashMapVTableGeneric const & vtable, U8 exponent, U16 linkOffset ) noexcept
+        : vtable_( &vtable ), exponent_( exponent ), linkOffset_( linkOffset ) {}
+   HashMapGeneric( HashMapGeneric const & ) = delete;
+   HashMapGeneric & operator=( HashMapGeneric const & ) = delete;
+   ~HashMapGeneric();
+
+   /// Inserts a member whose key is not there.
+   void newMemberG( Entity & member );
+   /// Takes a member out and drops the map's reference.
+   void deleteMember( Entity & member );
+   /// Drops all members, in a loop however long the chains.
+   void emptyAllBuckets() noexcept;
+
+   U32 bucketOf( U32 hash ) const noexcept { return bitReverse( hash ) >> ( 32 - exponent_ ); }
+   Entity * first( U32 bucket ) const noexcept { return buckets_ ? buckets_[bucket] : nullptr; }
+   Entity *& next( Entity & member ) const noexcept {
+      return *reinterpret_cast< Entity ** >( reinterpret_cast< char * >( &member ) + linkOffset_ );
+   }
+
+ private:
+   void grow();
+   bool before( Entity const & a, Entity const & b ) const;
+
+   U32 modificationCount_ = 0;
+   U32 memberCount_ = 0;
+   HashMapVTableGeneric const * vtable_;
+   U8 exponent_;
+   U16 linkOffset_;
+   Entity ** buckets_ = nullptr; // made by the first insertion
+};
+
+/// The hash of a key as the maps take it.
+template< class Key >
+U32 keyHash( Key const & key ) {
+   if constexpr ( requires { key.hash(); } ) {
+      return key.hash();
+   } else {
+      return U32( key ) * HashHelper::KeyU32::multiplier;
+   }
+}
+
+/// The map's view of its members' keys, one constant for each kind of member.
+template< class Member, class Key >
+class HashMapVTable final : public HashMapVTableGeneric {
+ public:
+   U32 hash( Entity const & member ) const override { return keyHash( key( member ) ); }
+   bool keyEquals( void const * k, Entity const & member ) const override {
+      return *static_cast< Key const * >( k ) == key( member );
+   }
+   bool keyLessThan( void const * k, Entity const & a, Entity const * b ) const override {
+      if ( b ) return key( *b ) < key( a );
+      return !k || *static_cast< Key const * >( k ) < key( a );
+   }
+   void setNext( Entity & member, Entity * next ) const override {
+      Entity *& link = member.vornNext();
+      if ( link == next ) return;
+      if ( next ) next->referenceInc();
+      if ( Entity * const old = std::exchange( link, next ) ) old->referenceDec();
+   }
+
+   static HashMapVTable const instance;
+
+ private:
+   static decltype( auto ) key( Entity const & member ) {
+      return static_cast< Member const & >( member ).vornKey();
+   }
+};
+template< class Member, class Key >
+inline HashMapVTable< Member, Key > const HashMapVTable< Member, Key >::instance;
+
+/// The typed map. `Member` is an entity whose `vornKey()` is its key.
+template< class Owner, class Member, class Key >
+class HashMap : public HashMapGeneric {
+ public:
+   class IteratorConst;
+
+   HashMap() noexcept
+        : HashMapGeneric( HashMapVTable< Member, Key >::instance, initialExponent,
+                          Entity::vornNextOffset() ) {}
+
+   /// The member with that key, or null.
+   Member * member( Key const & key ) const {
+      for ( Entity * at = first( bucketOf( keyHash( key ) ) ); at; at = next( *at ) ) {
+         auto * const member = static_cast< Member * >( at );
+         if ( key == member->vornKey() ) return member;
+      }
+      return nullptr;
+   }
+   void newMember( Member & member ) { newMemberG( member ); }
+   void del( Member & member ) { deleteMember( member ); }
+
+   IteratorConst begin() const { return IteratorConst( *this ); }
+   std::nullptr_t end() const noexcept { return nullptr; }
+};
+
+/// A position in a map. It holds its member, so the member stays readable when it is deleted.
+template< class Owner, class Member, class Key >
+class HashMap< Owner, Member, Key >::IteratorConst {
+ public:
+   /// At the first member.
+   explicit IteratorConst( HashMap const & map ) : map_( &map ) {
+      stand( map.findNextG( nullptr, &bucket_ ) );
+   }
+   /// At the member with that key, or what would follow it.
+   IteratorConst( HashMap const & map, Key const & key ) : map_( &map ) {
+      stand( map.startAtHash( &key, keyHash( key ), &bucket_ ) );
+   }
+
+   explicit operator bool() const noexcept { return bool( member_ ); }
+   Member * operator->() const noexcept { return member_.ptr(); }
+   Member & operator*() const noexcept { return *member_; }
+   Ptr< Member > const & ptr() const noexcept { return member_; }
+   /// Bucket of the member; -1 at the end.
+   std::int32_t bucket() const noexcept { return bucket_; }
+
+   void advance() {
+      if ( count_ != map_->modificationCount() ) {
+         stand( map_->findNextG( member_.ptr(), &bucket_ ) );
+      } else if ( Entity * const behind = member_->vornNext() ) {
+         stand( behind );
+      } else {
+         stand( map_->findNextBucket( &bucket_ ) );
+      }
+   }
+   IteratorConst & operator++() {
+      advance();
+      return *this;
+   }
+   bool operator!=( std::nullptr_t ) const noexcept { return bool( member_ ); }
+
+ private:
+   void stand( Entity * member ) {
+      count_ = map_->modificationCount();
+      member_ = static_cast< Member * >( member );
+   }
+
+   HashMap const * map_;
+   U32 count_ = 0;
+   std::int32_t bucket_ = -1;
+   Ptr< Member > member_;
+};
+
+} // namespace Vorn

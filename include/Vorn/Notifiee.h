@@ -1,0 +1,120 @@
+/// \file
+/// Observers. An observer derives from `T::NotifieeConst` of the type that it watches, overrides the
+/// callbacks it wants, and is bound to an object. Callbacks run within the mutator's call, after the store,
+/// in the order of binding.
+///
+/// An observer may do anything from within a callback: write again, bind and unbind others, itself included,
+/// delete entities and drop the last reference to the object that it watches. Each observer that was bound
+/// when the visit began and still is gets its call; one that was bound meanwhile does not get it, one that
+/// was unbound is not called any more. An exception from a callback goes to that observer's
+/// `onNotificationException()`, and the visit goes on.
+#pragma once
+
+#include "Vorn/Ptr.h"
+
+namespace Vorn {
+
+class NotifieeList;
+class NotifieeVisit;
+struct NotifieeChange;
+
+/// Base of all observers. It is counted like any object, and whoever made it holds it; a bound observer that
+/// dies is unbound.
+class VORN_API PtrInterface::NotifieeConst : public PtrInterface {
+ public:
+   static VornType const _vornType;
+
+   VornType const * fwkType() const override { return &_vornType; }
+   ~NotifieeConst() override;
+
+   /// Called for a change where the observer watches all attributes alike (`watchesAllIs`); `key` is null for
+   /// an attribute without a key.
+   virtual void handleNotification( U32 attributeId, void const * key );
+   /// Called within the handling of an exception that left a callback; the exception can be rethrown and
+   /// caught here.
+   virtual void onNotificationException();
+   /// Called when the last reference to the watched object has gone, before it is destroyed.
+   virtual void onZeroReferences();
+
+   /// The object that is watched, or null.
+   PtrInterface const * notifier() const noexcept { return notifier_; }
+
+   /// Binds the observer to an object, which must be of the type that the observer is for or derive from it,
+   /// else this asserts; null unbinds. A registered observer enters the object's list at the end.
+   void notifierIs( Ptr< PtrInterface const > const & notifier );
+   /// Whether the observer is entered in the list of the object that it is bound to.
+   void isRegisteredNotifieeIs( bool registered );
+   /// Whether the binding leaves the object's life alone; a strong binding, the default, keeps the object
+   /// alive.
+   void isWeakReferenceIs( bool weak );
+   /// Callbacks come only to an observer that is active: the factory's last step, so that none comes to an
+   /// observer under construction.
+   void hasNotificationActiveIs( bool active ) override;
+
+   bool isRegisteredNotifiee() const noexcept { return registered_; }
+   bool isWeakReference() const noexcept { return weak_; }
+   bool hasNotificationActive() const noexcept { return active_; }
+   /// The type of the objects that the observer is for.
+   VornType const * notifierType() const noexcept { return notifierType_; }
+
+ protected:
+   NotifieeConst() noexcept = default;
+   /// Called by the constructor of each class of observers; the most derived one stays.
+   void notifierTypeIs( VornType const * type ) noexcept { notifierType_ = type; }
+   /// Whether `handleNotification` is told of every change in the place of the callbacks.
+   void watchesAllIs( bool all ) noexcept { watchesAll_ = all; }
+
+ private:
+   friend class Vorn::NotifieeList;
+   friend class Vorn::NotifieeVisit;
+
+   void enter();
+   void leave() noexcept;
+
+   VornType const * notifierType_ = nullptr;
+   PtrInterface const * notifier_ = nullptr;
+   Ptr< PtrInterface const > strong_; // the notifier, unless the binding is weak
+   NotifieeConst * next_ = nullptr;   // in the notifier's list; the last points to null
+   NotifieeConst * prev_ = nullptr;   // the first points to the last
+   U64 boundAt_ = 0;                  // rises with each entry into any list
+   bool registered_ = false;
+   bool weak_ = false;
+   bool active_ = false;
+   bool watchesAll_ = false;
+   bool listed_ = false;
+};
+
+/// One attribute as notification sees it: constant, one for each attribute.
+struct NotifieeChange {
+   U32 attributeId;
+   VornType const * type; ///< the type that declares the attribute
+   /// Makes the one virtual call of the attribute.
+   void ( *call )( PtrInterface::NotifieeConst & notifiee, void const * key );
+};
+
+/// The observers of one object, in order of binding. One word, zero while nobody observes.
+class VORN_API NotifieeList {
+ public:
+   NotifieeList() noexcept = default;
+   NotifieeList( NotifieeList const & ) = delete;
+   NotifieeList & operator=( NotifieeList const & ) = delete;
+   ~NotifieeList() { deleteAll(); }
+
+   bool empty() const noexcept { return !first_; }
+
+   /// Calls every observer of the change; `notifier`, whose list this is, is kept alive until all are called.
+   void doVisit( PtrInterface const & notifier, NotifieeChange const & change, void const * key = nullptr );
+   /// Tells every observer that the object's last reference has gone.
+   void doVisitZeroReferences();
+   /// Unbinds all observers.
+   void deleteAll() noexcept;
+
+ private:
+   friend class PtrInterface::NotifieeConst;
+   friend class NotifieeVisit;
+
+   PtrInterface::NotifieeConst * first_ = nullptr;
+};
+static_assert( sizeof( NotifieeList ) == sizeof( void * ) );
+
+} // namespace Vorn

@@ -1,0 +1,396 @@
+/// \file
+/// How reflection reaches children, collections and queues, and the record of an entity type.
+#pragma once
+
+#include "Vorn/CollectionOps.h"
+#include "Vorn/ValueType.h"
+
+namespace Vorn {
+
+/// The record of one of the base's own attributes.
+constexpr VornAttr entityAttr( char const * name, VornType const * type, U32 id, VornAttrOps const * ops ) {
+   return { name,
+            &Entity::_vornType,
+            type,
+            nullptr,
+            nullptr,
+            nullptr,
+            attrFlags( VornKind::derived, id, local, false ),
+            ops };
+}
+
+/// The base's own attributes, whose order is not that of their ids. Every entity type's table begins with
+/// them.
+template<>
+struct AttrTable< Entity > {
+   static constexpr VornAttrOps entityOps{
+      []( void * result, void * object, VornAttr const &, U32 op, void const * key,
+          void const * const * ) -> U32 {
+         if ( op != GenericIf::read && op != GenericIf::has ) return GenericIf::notApplicable;
+         auto const child = selfOf< Entity >( object )->entity( *static_cast< String const * >( key ) );
+         if ( op == GenericIf::has ) {
+            *static_cast< bool * >( result ) = bool( child );
+         } else {
+            resultIs( result, child );
+         }
+         return GenericIf::done;
+      },
+      nullptr,
+   };
+   static constexpr U32 num = 5;
+   static constexpr U32 own = 5;
+   static constexpr std::array< VornAttr, num + 1 > table{
+      entityAttr( "name", recordOf< Name >(), Entity::nameId, &readOps< Entity, &Entity::name > ),
+      entityAttr( "fullName", recordOf< Name >(), Entity::fullNameId, &readOps< Entity, &Entity::fullName > ),
+      entityAttr( "parent", &Entity::_vornType, Entity::parentId, &readOps< Entity, &Entity::parent > ),
+      entityAttr( "parentAttrName", recordOf< String >(), Entity::parentAttrNameId,
+                  &readOps< Entity, &Entity::parentAttrName > ),
+      VornAttr{ "entity", &Entity::_vornType, &Entity::_vornType, recordOf< String >(), nullptr, nullptr,
+                attrFlags( VornKind::derived, Entity::entityId, local, true ), &entityOps },
+      VornAttr{},
+   };
+   static constexpr VornAttr const * attributes = table.data();
+   static constexpr std::array< VornCtorArg, 1 > ctorTable{};
+   static constexpr VornCtorArg const * ctorArgs = ctorTable.data();
+};
+
+/// Calls `call` with the arguments that reflection passed as pointers.
+template< class Types, class Call >
+decltype( auto ) withArgs( void const * const * args, Call const & call ) {
+   return [&]< std::size_t... i >( std::index_sequence< i... > )->decltype( auto ) {
+      return call( *static_cast< std::tuple_element_t< i, Types > const * >( args[i] )... );
+   }
+   ( std::make_index_sequence< std::tuple_size_v< Types > >{} );
+}
+
+/// Name of the attribute that is the members' key; null for members that go by name.
+template< class Type >
+constexpr char const * memberKeyName() {
+   VornAttr const & first = AttrTable< Type >::table[AttrTable< Type >::num - AttrTable< Type >::own];
+   return first.name && first.isCtorArg() ? first.name : "name";
+}
+template< class Type >
+constexpr VornCtorArg const * memberCtorArgs() {
+   return AttrTable< Type >::ctorArgs;
+}
+
+/// Whether the log carries any attribute of a type.
+VORN_API bool hasLoggedAttr( VornType const & type );
+
+using ChangeFn = NotifieeChange const & (*)();
+
+template< class Self, class Type, Ptr< Type > Self::*field, auto change >
+inline constexpr VornAttrOps childOps{
+   []( void * result, void * object, VornAttr const &, U32 op, void const *,
+       void const * const * args ) -> U32 {
+      Self & self = *selfOf< Self >( object );
+      Ptr< Type > child;
+      switch ( op ) {
+      case GenericIf::read: child = self.*field; break;
+      case GenericIf::write:
+         child = withArgs< CtorTypes< Type > >(
+              args, [&]( auto const &... arg ) { return childIs( self, self.*field, *change, arg... ); } );
+         break;
+      case GenericIf::del: child = childDel( self, self.*field, *change ); break;
+      default: return GenericIf::notApplicable;
+      }
+      if ( result ) resultIs( result, child );
+      return GenericIf::done;
+   },
+   nullptr,
+};
+
+/// What all containers answer alike; false for another operation.
+template< class Map >
+bool containerOp( Map const & map, void * result, U32 op ) {
+   if ( op == GenericIf::members ) {
+      *static_cast< U32 * >( result ) = map.members();
+   } else if ( op == GenericIf::modificationCount ) {
+      *static_cast< U32 * >( result ) = map.modificationCount();
+   } else {
+      return false;
+   }
+   return true;
+}
+
+/// An iterator of a container behind the functions of reflection. `Object` and `Key` say what is put out.
+template< class It, auto object, auto key, auto marked >
+inline constexpr GenericIf::IteratorVTable iteratorVTable{
+   []( VornAttr const &, void * it, void * out ) { object( *static_cast< It * >( it ), out ); },
+   []( VornAttr const &, void * it, void * out ) { key( *static_cast< It * >( it ), out ); },
+   []( VornAttr const &, void * it ) { return bool( *static_cast< It * >( it ) ); },
+   []( VornAttr const &, void * it ) { static_cast< It * >( it )->advance(); },
+   []( VornAttr const &, void * it ) { delete static_cast< It * >( it ); },
+   []( VornAttr const &, void * it ) { return marked( *static_cast< It * >( it ) ); },
+};
+
+template< class It, class Key, class Map >
+void * newIterator( Map & map, void const * key ) {
+   return key ? new It( map, *static_cast< Key const * >( key ) ) : new It( map );
+}
+
+template< class Self, class Type, class Key, HashMap< Self, Type, Key > Self::*field, auto change >
+inline constexpr VornAttrOps entityCollOps{
+   []( void * result, void * object, VornAttr const &, U32 op, void const * key,
+       void const * const * args ) -> U32 {
+      Self & self = *selfOf< Self >( object );
+      auto & map = self.*field;
+      if ( containerOp( map, result, op ) ) return GenericIf::done;
+      Ptr< Type > member;
+      switch ( op ) {
+      case GenericIf::read: member = map.member( *static_cast< Key const * >( key ) ); break;
+      case GenericIf::write:
+         member = withArgs< CtorTypes< Type > >(
+              args, [&]( auto const &... arg ) { return memberIs( self, map, change(), arg... ); } );
+         break;
+      case GenericIf::del:
+         member = memberDel( self, map, change(), *static_cast< Key const * >( key ) );
+         break;
+      case GenericIf::has:
+         *static_cast< bool * >( result ) = map.member( *static_cast< Key const * >( key ) );
+         return GenericIf::done;
+      default: return GenericIf::notApplicable;
+      }
+      if ( result ) resultIs( result, member );
+      return GenericIf::done;
+   },
+   []( void * object, void const * key, GenericIf::IteratorVTable const ** vtable ) -> void * {
+      using It = typename HashMap< Self, Type, Key >::IteratorConst;
+      *vtable = &iteratorVTable< It, []( It & it, void * out ) { resultIs( out, Ptr< Type >( &*it ) ); },
+                                 []( It & it, void * out ) { *static_cast< Key * >( out ) = it->vornKey(); },
+                                 []( It & ) { return false; } >;
+      return newIterator< It, Key >( selfOf< Self >( object )->*field, key );
+   },
+};
+
+/// What value collections, sets and reference collections do beside reading and writing.
+template< class Map, class Key >
+bool markOp( Map & map, U32 op, void const * key ) {
+   if ( op == GenericIf::markAll ) {
+      map.vornMarkAllForDeletion();
+   } else if ( op == GenericIf::clearMark ) {
+      map.vornMarkedForDeletionIs( *static_cast< Key const * >( key ), false );
+   } else {
+      return false;
+   }
+   return true;
+}
+
+template< class Map, class Key, auto object >
+void * nodeIterator( Map & map, void const * key, GenericIf::IteratorVTable const ** vtable ) {
+   using It = typename Map::Iterator;
+   *vtable =
+        &iteratorVTable< It, object, []( It & it, void * out ) { *static_cast< Key * >( out ) = it->key(); },
+                         []( It & it ) { return it.markedForDeletion(); } >;
+   return newIterator< It, Key >( map, key );
+}
+
+template< class Self, class T, class Key, HashMap2018< Self, Key, T > Self::*field, auto change >
+inline constexpr VornAttrOps valueCollOps{
+   []( void * result, void * object, VornAttr const &, U32 op, void const * k,
+       void const * const * args ) -> U32 {
+      Self & self = *selfOf< Self >( object );
+      auto & map = self.*field;
+      if ( containerOp( map, result, op ) ||
+           markOp< std::remove_cvref_t< decltype( map ) >, Key >( map, op, k ) ) {
+         return GenericIf::done;
+      }
+      Key const & key = *static_cast< Key const * >( k );
+      switch ( op ) {
+      case GenericIf::read: *static_cast< T * >( result ) = map.value( key ); break;
+      case GenericIf::write: valueIs( self, map, change(), key, *static_cast< T const * >( args[0] ) ); break;
+      case GenericIf::del: {
+         T const value = valueDel< T >( self, map, change(), key );
+         if ( result ) *static_cast< T * >( result ) = value;
+         break;
+      }
+      case GenericIf::has: *static_cast< bool * >( result ) = map.has( key ); break;
+      default: return GenericIf::notApplicable;
+      }
+      return GenericIf::done;
+   },
+   []( void * object, void const * key, GenericIf::IteratorVTable const ** vtable ) {
+      using Map = HashMap2018< Self, Key, T >;
+      return nodeIterator< Map, Key, []( typename Map::Iterator & it, void * out ) {
+         *static_cast< T * >( out ) = it->value();
+      } >( selfOf< Self >( object )->*field, key, vtable );
+   },
+};
+
+template< class Self, class Key, HashMap2018< Self, Key > Self::*field, auto change >
+inline constexpr VornAttrOps setOps{
+   []( void * result, void * object, VornAttr const & attr, U32 op, void const * k,
+       void const * const * args ) -> U32 {
+      Self & self = *selfOf< Self >( object );
+      auto & map = self.*field;
+      if ( containerOp( map, result, op ) || markOp< HashMap2018< Self, Key >, Key >( map, op, k ) ) {
+         return GenericIf::done;
+      }
+      Key const & key = *static_cast< Key const * >( k );
+      switch ( op ) {
+      case GenericIf::read:
+      case GenericIf::has: *static_cast< bool * >( result ) = map.has( key ); break;
+      case GenericIf::write:
+         if ( !*static_cast< bool const * >( args[0] ) ) GenericIfImpl::throwSetFalseValueException( attr );
+         keyIs( self, map, change(), key );
+         break;
+      case GenericIf::del: {
+         bool const was = keyDel( self, map, change(), key );
+         if ( result ) *static_cast< bool * >( result ) = was;
+         break;
+      }
+      default: return GenericIf::notApplicable;
+      }
+      return GenericIf::done;
+   },
+   []( void * object, void const * key, GenericIf::IteratorVTable const ** vtable ) {
+      using Map = HashMap2018< Self, Key >;
+      return nodeIterator< Map, Key, []( typename Map::Iterator &, void * out ) {
+         *static_cast< bool * >( out ) = true;
+      } >( selfOf< Self >( object )->*field, key, vtable );
+   },
+};
+
+/// `set` is the class's own mutator: with the key beside the value or inside it.
+template< class Self, class Type, class Key, auto field, auto change, auto set >
+inline constexpr VornAttrOps referenceCollOps{
+   []( void * result, void * object, VornAttr const &, U32 op, void const * k,
+       void const * const * args ) -> U32 {
+      Self & self = *selfOf< Self >( object );
+      auto & map = self.*field;
+      if ( containerOp( map, result, op ) ) return GenericIf::done;
+      Key const & key = *static_cast< Key const * >( k );
+      switch ( op ) {
+      case GenericIf::read: resultIs( result, Ptr< Type >( map.value( key ) ) ); break;
+      case GenericIf::write: {
+         auto const value = ArgOf< Ptr< Type > >::get( args[0] );
+         if constexpr ( std::is_invocable_v< decltype( set ), Self &, Key const &, Ptr< Type > const & > ) {
+            ( self.*set )( key, value );
+         } else {
+            ( self.*set )( value );
+         }
+         break;
+      }
+      case GenericIf::del: {
+         auto const value = valueDel< Ptr< Type > >( self, map, change(), key );
+         if ( result ) resultIs( result, value );
+         break;
+      }
+      case GenericIf::has: *static_cast< bool * >( result ) = map.has( key ); break;
+      default: return GenericIf::notApplicable;
+      }
+      return GenericIf::done;
+   },
+   []( void * object, void const * key, GenericIf::IteratorVTable const ** vtable ) {
+      using Map = std::remove_cvref_t< decltype( selfOf< Self >( object )->*field ) >;
+      return nodeIterator< Map, Key, []( typename Map::Iterator & it, void * out ) {
+         resultIs( out, Ptr< Type >( it->value() ) );
+      } >( selfOf< Self >( object )->*field, key, vtable );
+   },
+};
+
+template< class Self, class T, LinkQueue< Self, U32, T > Self::*field, auto change >
+inline constexpr VornAttrOps queueOps{
+   []( void * result, void * object, VornAttr const &, U32 op, void const * k,
+       void const * const * args ) -> U32 {
+      Self & self = *selfOf< Self >( object );
+      auto & queue = self.*field;
+      if ( containerOp( queue, result, op ) ) return GenericIf::done;
+      U32 const index = *static_cast< U32 const * >( k );
+      switch ( op ) {
+      case GenericIf::read: *static_cast< T * >( result ) = queue.value( index ); break;
+      case GenericIf::write:
+         queueIs( self, queue, change(), index, *static_cast< T const * >( args[0] ) );
+         break;
+      case GenericIf::del: {
+         T const value = queueDel< T >( self, queue, change(), index );
+         if ( result ) *static_cast< T * >( result ) = value;
+         break;
+      }
+      case GenericIf::has: *static_cast< bool * >( result ) = queue[index]; break;
+      default: return GenericIf::notApplicable;
+      }
+      return GenericIf::done;
+   },
+   []( void * object, void const * key, GenericIf::IteratorVTable const ** vtable ) -> void * {
+      using It = typename LinkQueue< Self, U32, T >::IteratorConst;
+      *vtable = &iteratorVTable< It, []( It & it, void * out ) { *static_cast< T * >( out ) = it->value(); },
+                                 []( It & it, void * out ) { *static_cast< U32 * >( out ) = it->index(); },
+                                 []( It & ) { return false; } >;
+      return newIterator< It, U32 >( selfOf< Self >( object )->*field, key );
+   },
+};
+
+/// A generic observer bound through reflection: it forwards every change to the observer it was made for.
+template< class T >
+class GenericIfNotifieeOf : public T::NotifieeConst {
+ public:
+   explicit GenericIfNotifieeOf( GenericIf::NotifieeConst & observer ) : observer_( &observer ) {
+      this->watchesAllIs( true );
+   }
+   void handleNotification( U32 attributeId, void const * key ) override {
+      if ( !observer_ ) return;
+      if ( key ) {
+         observer_->onRawAttribute( attributeId, key, true );
+      } else {
+         observer_->onRawAttribute( attributeId );
+      }
+   }
+   /// Null: the observer that it was made for is gone.
+   void observerIs( GenericIf::NotifieeConst * observer ) noexcept { observer_ = observer; }
+
+ private:
+   GenericIf::NotifieeConst * observer_;
+};
+
+/// Makes an entity from what the attribute log's next values say.
+template< class T >
+Ptr< PtrInterface > newEntityFromLog( NboAttrLog::In & in ) {
+   using NboAttrLog::logIn;
+   CtorTypes< T > args{};
+   std::apply(
+        [&]( auto &... arg ) {
+           ( GenericIfValueMethods< std::remove_cvref_t< decltype( arg ) > >::logInOf( in, &arg ), ... );
+        },
+        args );
+   return std::apply( []( auto const &... arg ) -> Ptr< PtrInterface > { return newObject< T >( arg... ); },
+                      args );
+}
+
+/// Deletes the entity children that a type declares, with notification, in the order of its attributes.
+VORN_API void childrenDel( Entity & entity, VornType const & type );
+
+/// The record of an entity type.
+template< class T >
+constexpr VornType entityRecord( char const * name ) {
+   VornType type{};
+   type.name = name;
+   type.base = &T::VornBase::_vornType;
+   type.attributes = AttrTable< T >::attributes;
+   type.ctorArgs = AttrTable< T >::ctorArgs;
+   type.methods = &GenericIfImpl::ptrMethods;
+   if constexpr ( requires { typename CtorTypes< T >; } ) {
+      type.newEntityForAttrLog = newEntityFromLog< T >;
+      type.genericIfConstructFromCtorArgs = []( Ptr< PtrInterface > * result, void const * const * args ) {
+         *result = withArgs< CtorTypes< T > >(
+              args, []( auto const &... arg ) { return newObject< T >( arg... ); } );
+      };
+   }
+   type.genericIfAttributeOp = []( void * result, void * object, VornAttr const & attr, U32 op,
+                                   void const * key, void const * const * args ) {
+      return GenericIfImpl::attributeOp( T::_vornType, result, object, attr, op, key, args );
+   };
+   type.genericIfIterator = []( void * object, VornAttr const & attr,
+                                GenericIf::IteratorVTable const ** vtable ) {
+      return GenericIfImpl::iterator( T::_vornType, object, attr, vtable );
+   };
+   type.genericIfNotifiee = []( GenericIf::NotifieeConst & observer ) -> Ptr< PtrInterface > {
+      return newObject< GenericIfNotifieeOf< T > >( observer );
+   };
+   type.sizeAndFlags = VornType::objectSizeFlag | U32( sizeof( T ) );
+   type.attributeNum = AttrTable< T >::num;
+   type.flags = VornType::plainFlags | VornType::polymorphicFlag;
+   return type;
+}
+
+} // namespace Vorn

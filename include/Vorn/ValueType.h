@@ -1,0 +1,256 @@
+/// \file
+/// Records of value types: the built-in ones, and the macros by which a class becomes one.
+///
+///     /// Pair of a session's state and the code that caused it.
+///     class VORN_API LdpSessionState {
+///        VORN_VALUE( LdpSessionState )
+///        VORN_CTOR_FIELD( 0x2, SessionState, sessionState ) = stateUnknown;
+///        VORN_CTOR_FIELD( 0x3, LdpStatusCode, code ) = success;
+///
+///      public:
+///        LdpSessionState( SessionState sessionState, LdpStatusCode code );
+///        friend bool operator==( LdpSessionState const &, LdpSessionState const & ) noexcept = default;
+///     };
+///     VORN_TEXT( LdpSessionState )
+///
+/// and in the source file
+///
+///     VORN_VALUE_RECORD( Ldp, LdpSessionState )
+///     VORN_TEXT_OF_RECORD( LdpSessionState )
+///
+/// A field's line gives its accessor and, for a mutable field, its setter; text and log forms follow from the
+/// lines.
+#pragma once
+
+#include "Vorn/AttributeOps.h"
+
+namespace Vorn {
+
+/// Methods of a value type; what the type lacks (hash, text, log form) is refused when it is asked for.
+template< class T >
+struct GenericIfValueMethods {
+   static void destruct( void * value ) { static_cast< T * >( value )->~T(); }
+   static void construct( void * value, void const * from ) {
+      if ( from ) {
+         new ( value ) T( *static_cast< T const * >( from ) );
+      } else {
+         new ( value ) T{};
+      }
+   }
+   static U32 hash( void const * value, VornType const * type ) {
+      [[maybe_unused]] T const & v = *static_cast< T const * >( value );
+      if constexpr ( requires { v.hash(); } ) {
+         return U32( v.hash() );
+      } else if constexpr ( std::is_integral_v< T > || std::is_enum_v< T > ) {
+         return VornHashBase< false >::hashU64( U64( v ) );
+      } else {
+         GenericIfImpl::throwUnhashableException( type );
+      }
+   }
+   static String strRep( void const * value, VornType const * ) {
+      return valueToStrep( *static_cast< T const * >( value ) );
+   }
+   static void strepTo( void * value, String const & text, VornType const * ) {
+      strepToValue( text, static_cast< T * >( value ) );
+   }
+   static void sequenceTo( String::IteratorConst & it, String::IteratorConst const & end, void * value ) {
+      sequenceToValue( it, end, static_cast< T * >( value ) );
+   }
+   static bool equal( void const * a, void const * b ) {
+      return *static_cast< T const * >( a ) == *static_cast< T const * >( b );
+   }
+   static void assign( void * to, void const * from ) {
+      *static_cast< T * >( to ) = *static_cast< T const * >( from );
+   }
+   static void logOutOf( NboAttrLog::Out & out, void const * value ) {
+      [[maybe_unused]] T const & v = *static_cast< T const * >( value );
+      if constexpr ( requires { logOut( out, v ); } ) {
+         logOut( out, v );
+      } else {
+         GenericIfImpl::recordLogOut( out, value, T::_vornType );
+      }
+   }
+   static void logInOf( NboAttrLog::In & in, void * value ) {
+      if constexpr ( requires { logIn( in, static_cast< T * >( value ) ); } ) {
+         logIn( in, static_cast< T * >( value ) );
+      } else {
+         GenericIfImpl::recordLogIn( in, value, T::_vornType );
+      }
+   }
+
+   static constexpr GenericIfMethods vtable_{ destruct,   construct, hash,
+                                              strRep,     strepTo,   GenericIfImpl::voidPtrIs,
+                                              sequenceTo, equal,     assign,
+                                              logOutOf,   logInOf };
+};
+
+/// The record of a value type without a base. `attributes` may be null.
+template< class T >
+constexpr VornType valueRecord( char const * name, VornAttr const * attributes, U32 attributeNum,
+                                VornCtorArg const * ctorArgs ) {
+   VornType type{};
+   type.name = name;
+   type.attributes = attributes;
+   type.ctorArgs = ctorArgs;
+   type.methods = &GenericIfValueMethods< T >::vtable_;
+   type.sizeAndFlags = VornType::objectSizeFlag | U32( sizeof( T ) );
+   type.attributeNum = attributeNum;
+   type.flags = VornType::plainFlags;
+   if constexpr ( requires { &T::_vornType; } ) {
+      type.genericIfAttributeOp = []( void * result, void * object, VornAttr const & attr, U32 op,
+                                      void const * key, void const * const * args ) {
+         return GenericIfImpl::attributeOp( T::_vornType, result, object, attr, op, key, args );
+      };
+   }
+   return type;
+}
+
+/// The record of one enumerator.
+constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
+   return { name,
+            nullptr,
+            nullptr,
+            nullptr,
+            nullptr,
+            nullptr,
+            attrFlags( VornKind::enumerator, value, local, false ),
+            nullptr };
+}
+
+} // namespace Vorn
+
+/// Defines the record of a value type that has none in its class and no reflected fields; see
+/// VORN_OUTSIDE_VALUE.
+#define VORN_OUTSIDE_RECORD( Namespace, Type )                                                               \
+   template<>                                                                                                \
+   constinit ::Vorn::VornType const ::Vorn::BuiltinType< Namespace::Type >::record =                         \
+        ::Vorn::valueRecord< Namespace::Type >( #Namespace "::" #Type, nullptr, 0, nullptr );
+
+/// Stands first in a class that is a value type.
+#define VORN_VALUE( Type )                                                                                   \
+   using Self = Type;                                                                                        \
+   friend struct ::Vorn::AttrTable< Type >;                                                                  \
+                                                                                                             \
+ public:                                                                                                     \
+   static ::Vorn::VornType const _vornType;                                                                  \
+                                                                                                             \
+ private:
+
+/// A field that the constructor sets and nothing changes. The default stands behind the line.
+#define VORN_CTOR_FIELD( id, Type, x )                                                                       \
+ public:                                                                                                     \
+   ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
+   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+      return ::Vorn::fieldAttr< Self, Type, &Self::x##_, false >( #x, id );                                  \
+   }                                                                                                         \
+                                                                                                             \
+ private:                                                                                                    \
+   Type x##_
+
+/// A field with a setter.
+#define VORN_FIELD( id, Type, x )                                                                            \
+ public:                                                                                                     \
+   ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
+   void x##Is( ::Vorn::Arg< Type > value ) { x##_ = value; }                                                 \
+   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+      return ::Vorn::fieldAttr< Self, Type, &Self::x##_, true >( #x, id );                                   \
+   }                                                                                                         \
+                                                                                                             \
+ private:                                                                                                    \
+   Type x##_
+
+/// A field whose setter, which the class defines by hand, throws RangeException for what is out of range; text
+/// and log come in through it too.
+#define VORN_CHECKED_FIELD( id, Type, x )                                                                    \
+ public:                                                                                                     \
+   ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
+   void x##Is( ::Vorn::Arg< Type > value );                                                                  \
+   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+      return ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::state, id, ::Vorn::local,               \
+                                               &::Vorn::scalarOps< Self, Type, &Self::x, &Self::x##Is > );   \
+   }                                                                                                         \
+                                                                                                             \
+ private:                                                                                                    \
+   Type x##_
+
+/// A const member function of a value that reflection calls; the class defines it by hand.
+#define VORN_VALUE_FUNCTION( id, Type, x )                                                                   \
+ public:                                                                                                     \
+   Type x() const;                                                                                           \
+   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+      return ::Vorn::functionRecord< Self, &Self::x >( #x, id );                                             \
+   }                                                                                                         \
+   static_assert( true )
+
+/// Computed on each read; the class defines the function by hand.
+#define VORN_VALUE_DERIVED( id, Type, x )                                                                    \
+ public:                                                                                                     \
+   Type x() const;                                                                                           \
+   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+      return ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::derived, id, ::Vorn::local,             \
+                                               &::Vorn::readOps< Self, &Self::x > );                         \
+   }                                                                                                         \
+   static_assert( true )
+
+/// The value's own text, which can be read and written; the class defines both functions by hand.
+#define VORN_VALUE_TEXT( id, x, xIs )                                                                        \
+ public:                                                                                                     \
+   ::Vorn::String x() const;                                                                                 \
+   void xIs( ::Vorn::String const & text );                                                                  \
+   VORN_VIEW_( id, ::Vorn::String, x, xIs )
+
+/// One bit of a bit word, whose word is the field `value`: `VORN_BIT( 0x5, 0, grFlagSpeaker );`. The setter
+/// leaves the other bits alone. A bit word declares `value` first, then its constants, then its bits.
+#define VORN_BIT( id, bit, x )                                                                               \
+ public:                                                                                                     \
+   constexpr bool x() const noexcept { return value_ >> ( bit ) & 1; }                                       \
+   constexpr void x##Is( bool set ) noexcept {                                                               \
+      auto const mask = decltype( value_ )( decltype( value_ )( 1 ) << ( bit ) );                            \
+      value_ = set ? value_ | mask : value_ & ~mask;                                                         \
+   }                                                                                                         \
+   VORN_VIEW_( id, bool, x, x##Is )
+
+/// The record of a view: what can be read and written but is no field.
+#define VORN_VIEW_( id, Type, x, xIs )                                                                       \
+   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+      auto attr = ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::state, id, ::Vorn::local,          \
+                                                    &::Vorn::scalarOps< Self, Type, &Self::x, &Self::xIs > );\
+      attr.flags |= ::Vorn::viewAccess;                                                                      \
+      return attr;                                                                                           \
+   }                                                                                                         \
+   static_assert( true )
+
+/// Defines the record of a value type. Stands in the source file, inside the type's namespace.
+#define VORN_VALUE_RECORD( Namespace, Type )                                                                 \
+   constinit ::Vorn::VornType const Type::_vornType =                                                        \
+        ::Vorn::valueRecord< Type >( #Namespace "::" #Type, ::Vorn::AttrTable< Type >::attributes,           \
+                                     ::Vorn::AttrTable< Type >::num, ::Vorn::AttrTable< Type >::ctorArgs );
+
+/// Makes the text forms of a value type from its record.
+#define VORN_TEXT_OF_RECORD( Type )                                                                          \
+   ::Vorn::String valueToStrep( Type const & value ) {                                                       \
+      return ::Vorn::GenericIfImpl::recordToStrep( &value, Type::_vornType );                                \
+   }                                                                                                         \
+   void sequenceToValue( ::Vorn::String::IteratorConst & it, ::Vorn::String::IteratorConst const & end,      \
+                         Type * value ) {                                                                    \
+      Type read{};                                                                                           \
+      ::Vorn::GenericIfImpl::recordFromSequence( it, end, &read, Type::_vornType );                          \
+      *value = read;                                                                                         \
+   }                                                                                                         \
+   VORN_TEXT_STREAM( Type )
+
+/// Defines the record and the text forms of an enumeration. Stands in the source file.
+#define VORN_ENUM_RECORD( Namespace, Type, LIST )                                                            \
+   static constexpr ::Vorn::VornAttr Type##_enumerators[] = { LIST(                                          \
+        VORN_ENUMERATOR_RECORD )::Vorn::VornAttr{} };                                                        \
+   constinit ::Vorn::VornType const Type##_vornType = ::Vorn::valueRecord< Type >(                           \
+        #Namespace "::" #Type, Type##_enumerators, U32( std::size( Type##_enumerators ) - 1 ), nullptr );    \
+   ::Vorn::String valueToStrep( Type const & value ) {                                                       \
+      return ::Vorn::EnumType< unsigned int >::valueToStrep( value, &Type##_vornType );                      \
+   }                                                                                                         \
+   void sequenceToValue( ::Vorn::String::IteratorConst & it, ::Vorn::String::IteratorConst const & end,      \
+                         Type * value ) {                                                                    \
+      *value = Type( ::Vorn::EnumType< unsigned int >::sequenceToValue( it, end, &Type##_vornType ) );       \
+   }                                                                                                         \
+   VORN_TEXT_STREAM( Type )
+#define VORN_ENUMERATOR_RECORD( name, number, ... ) ::Vorn::enumeratorRecord( #name, U32( number ) ),

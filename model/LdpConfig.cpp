@@ -1,0 +1,65 @@
+#include "Ldp/LdpConfig.h"
+
+namespace Ldp {
+
+Vorn::String const ldpConfigNsPrefix = "ns-";
+
+VORN_ENUM_RECORD( Ldp, LdpLabelDistCtrl, LDP_LABEL_DIST_CTRLS )
+VORN_ENUM_RECORD( Ldp, LdpLabelRetention, LDP_LABEL_RETENTIONS )
+VORN_ENUM_RECORD( Ldp, LdpRunningState, LDP_RUNNING_STATES )
+VORN_ENUM_RECORD( Ldp, LdpGrOperationalMode, LDP_GR_OPERATIONAL_MODES )
+VORN_ENUM_RECORD( Ldp, LdpIgpSyncMode, LDP_IGP_SYNC_MODES )
+VORN_VALUE_RECORD( Ldp, LdpFecBindingInfo )
+VORN_VALUE_RECORD( Ldp, LdpGrOperationalFlag )
+VORN_RECORD( Ldp, LdpIntfConfig )
+VORN_RECORD( Ldp, LdpStaticFecBindingEntry )
+VORN_RECORD( Ldp, LdpStaticP2mpFecBindingEntry )
+VORN_RECORD( Ldp, Config )
+VORN_RECORD( Ldp, LdpConfigColl )
+VORN_RECORD( Ldp, ProtoConfig )
+VORN_RECORD( Ldp, LdpProtoConfigColl )
+VORN_RECORD( Ldp, LdpEnabledVrfColl )
+VORN_RECORD( Ldp, PwTargetConfigColl )
+VORN_MODULE( &LdpLabelDistCtrl_vornType, &LdpLabelRetention_vornType, &LdpRunningState_vornType,
+             &LdpGrOperationalMode_vornType, &LdpIgpSyncMode_vornType, &LdpFecBindingInfo::_vornType,
+             &LdpGrOperationalFlag::_vornType, &LdpIntfConfig::_vornType,
+             &LdpStaticFecBindingEntry::_vornType, &LdpStaticP2mpFecBindingEntry::_vornType,
+             &Config::_vornType, &LdpConfigColl::_vornType, &ProtoConfig::_vornType,
+             &LdpProtoConfigColl::_vornType, &LdpEnabledVrfColl::_vornType, &PwTargetConfigColl::_vornType )
+
+LdpIntfConfig::~LdpIntfConfig() { vornTeardown(); }
+LdpStaticFecBindingEntry::~LdpStaticFecBindingEntry() { vornTeardown(); }
+LdpStaticP2mpFecBindingEntry::~LdpStaticP2mpFecBindingEntry() { vornTeardown(); }
+Config::~Config() { vornTeardown(); }
+LdpConfigColl::~LdpConfigColl() { vornTeardown(); }
+ProtoConfig::~ProtoConfig() { vornTeardown(); }
+LdpProtoConfigColl::~LdpProtoConfigColl() { vornTeardown(); }
+LdpEnabledVrfColl::~LdpEnabledVrfColl() { vornTeardown(); }
+PwTargetConfigColl::~PwTargetConfigColl() { vornTeardown(); }
+
+VORN_TEXT_OF_RECORD( LdpFecBindingInfo )
+VORN_TEXT_COMPOSITE( Ldp, LdpGrOperationalFlag, VORN_TEXT_FIELD( grFlagSpeaker ),
+                     VORN_TEXT_FIELD( grFlagHelper ) )
+
+void LdpGrOperationalFlag::valueIs( U32 value ) {
+   if ( value > ( grFlagSpeaker_() | grFlagHelper_() ) )
+      Vorn::throwRangeException( "LdpGrOperationalFlag::value > 0x3 not allowed" );
+   value_ = value;
+}
+
+LdpConfigColl::LdpConfigColl( Vorn::Name const & name ) : name_( name ) {
+   ConstructorHold const hold( *this );
+   handleInitialized();
+}
+
+void LdpConfigColl::handleInitialized() {
+   configIs( L3::VrfName( "default" ) );
+   initializedIs( true );
+}
+
+ProtoConfig::ProtoConfig( L3::VrfName const & vrfName ) : vrfName_( vrfName ) {
+   ConstructorHold const hold( *this );
+   ldpProtoParamIs( Vorn::Name( vrfName.stringValue() ) );
+}
+
+} // namespace Ldp

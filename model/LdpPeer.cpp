@@ -1,0 +1,17 @@
+#include "Ldp/LdpPeer.h"
+
+namespace Ldp {
+
+VORN_RECORD( Ldp, LdpPeerConfig )
+VORN_RECORD( Ldp, LdpPeerConfigColl )
+VORN_RECORD( Ldp, LdpPeerStatus )
+VORN_RECORD( Ldp, LdpPeerStatusColl )
+VORN_MODULE( &LdpPeerConfig::_vornType, &LdpPeerConfigColl::_vornType, &LdpPeerStatus::_vornType,
+             &LdpPeerStatusColl::_vornType )
+
+LdpPeerConfig::~LdpPeerConfig() { vornTeardown(); }
+LdpPeerConfigColl::~LdpPeerConfigColl() { vornTeardown(); }
+LdpPeerStatus::~LdpPeerStatus() { vornTeardown(); }
+LdpPeerStatusColl::~LdpPeerStatusColl() { vornTeardown(); }
+
+} // namespace Ldp

@@ -1,0 +1,48 @@
+#include "Ldp/LdpSession.h"
+
+namespace Ldp {
+
+VORN_ENUM_RECORD( Ldp, SessionOpState, LDP_SESSION_OP_STATES )
+VORN_ENUM_RECORD( Ldp, LdpSessionRole, LDP_SESSION_ROLES )
+VORN_ENUM_RECORD( Ldp, GrState, LDP_GR_STATES )
+VORN_VALUE_RECORD( Ldp, LdpSessionId )
+VORN_VALUE_RECORD( Ldp, LdpSessionState )
+VORN_TEXT_OF_RECORD( LdpSessionState )
+VORN_RECORD( Ldp, LdpSessionCommonConfig )
+VORN_RECORD( Ldp, LdpSessionConfig )
+VORN_RECORD( Ldp, LdpSessionConfigColl )
+VORN_RECORD( Ldp, LdpSessionStatus )
+VORN_RECORD( Ldp, LdpSessionStatusColl )
+VORN_MODULE( &SessionOpState_vornType, &LdpSessionRole_vornType, &GrState_vornType, &LdpSessionId::_vornType,
+             &LdpSessionState::_vornType, &LdpSessionCommonConfig::_vornType, &LdpSessionConfig::_vornType,
+             &LdpSessionConfigColl::_vornType, &LdpSessionStatus::_vornType,
+             &LdpSessionStatusColl::_vornType )
+
+LdpSessionCommonConfig::~LdpSessionCommonConfig() { vornTeardown(); }
+LdpSessionConfig::~LdpSessionConfig() { vornTeardown(); }
+LdpSessionConfigColl::~LdpSessionConfigColl() { vornTeardown(); }
+LdpSessionStatus::~LdpSessionStatus() { vornTeardown(); }
+LdpSessionStatusColl::~LdpSessionStatusColl() { vornTeardown(); }
+
+U32 LdpSessionId::hash() const { return peerLdpId_.hash(); }
+
+Vorn::String LdpSessionId::stringValue() const { return peerLdpId_.stringValue(); }
+
+Vorn::String valueToStrep( LdpSessionId const & value ) { return value.stringValue(); }
+
+void sequenceToValue( Vorn::String::IteratorConst & it, Vorn::String::IteratorConst const & end,
+                      LdpSessionId * value ) {
+   *value = LdpSessionId( Vorn::deserializeAttr< LdpIdentifier >( it, end, "peerLdpId" ) );
+}
+
+VORN_TEXT_STREAM( LdpSessionId )
+
+SessionState LdpSessionStatus::sessionState() const { return ldpSessionState_.sessionState(); }
+
+LdpStatusCode LdpSessionStatus::code() const { return ldpSessionState_.code(); }
+
+void LdpSessionStatus::checkInit() {
+   if ( !sessionStateLogEntryColl_ ) sessionStateLogEntryCollIs( Vorn::Name() );
+}
+
+} // namespace Ldp

@@ -1,0 +1,20 @@
+#include "framework/AllKinds.h"
+
+namespace Test {
+
+VORN_RECORD( Test, Leaf )
+VORN_RECORD( Test, Member )
+VORN_RECORD( Test, Everything )
+VORN_RECORD( Test, Derived )
+VORN_MODULE( &Leaf::_vornType, &Member::_vornType, &Everything::_vornType, &Derived::_vornType )
+
+Leaf::~Leaf() { vornTeardown(); }
+Member::~Member() { vornTeardown(); }
+Everything::~Everything() { vornTeardown(); }
+Derived::~Derived() { vornTeardown(); }
+
+U32 Everything::doubled() const { return 2 * number(); }
+
+U32 Everything::sum( U32 a, U32 b ) { return a + b + number(); }
+
+} // namespace Test

@@ -1,0 +1,94 @@
+// Identities of adjacencies, and the collections that go by them.
+#include "Ldp/LdpPeer.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace Ldp;
+using Lumo::IntfId;
+using Lumo::IpAddr;
+using Vorn::String;
+
+LdpIdentifier const r1( 0x0a000001, 0 );
+LdpAdjId const link1( r1, IntfId( "Ethernet1" ) );
+LdpAdjId const target1( r1, IpAddr( 0x0a000001 ) );
+LdpAdjId const target2( r1, IpAddr( 0x0a000002 ) );
+
+TEST( LdpAdjIdTest, IsALinkByItsInterface ) {
+   EXPECT_EQ( link1.adjType(), LdpLinkAdj );
+   EXPECT_EQ( target1.adjType(), LdpTargetAdj );
+   EXPECT_EQ( LdpAdjId().adjType(), LdpTargetAdj );
+   EXPECT_TRUE( !LdpAdjId() );
+   EXPECT_FALSE( !LdpAdjId( LdpIdentifier(), IpAddr( 1 ) ) );
+}
+
+TEST( LdpAdjIdTest, ReadsWhatItWrites ) {
+   struct Row {
+      LdpAdjId id;
+      char const * text;
+   };
+   Row const rows[] = {
+      { link1, "10.0.0.1:0_Ethernet1" },
+      { target2, "10.0.0.1:0_TARGET_10.0.0.2" },
+      { LdpAdjId(), "0.0.0.0:0_TARGET_0.0.0.0" },
+      { LdpAdjId( LdpIdentifier( 0xffffffff, 65535 ), IntfId( "a_b" ) ), "255.255.255.255:65535_a_b" },
+      { LdpAdjId( r1, IntfId( "TARGET" ) ), "10.0.0.1:0_TARGET" },
+      { LdpAdjId( r1, IntfId( "Ethernet1 TARGET_" ) ), "10.0.0.1:0_Ethernet1 TARGET_" },
+   };
+   for ( Row const & row : rows ) {
+      EXPECT_EQ( row.id.stringValue(), row.text );
+      EXPECT_EQ( valueToStrep( row.id ), row.text );
+      LdpAdjId read = target1;
+      read.stringValueIs( row.text );
+      EXPECT_EQ( read, row.id ) << row.text;
+   }
+   // An interface of such a name cannot be told from a target.
+   LdpAdjId read;
+   read.stringValueIs( LdpAdjId( r1, IntfId( "TARGET_10.0.0.2" ) ).stringValue() );
+   EXPECT_EQ( read, target2 );
+}
+
+TEST( LdpAdjIdTest, RefusesOtherTexts ) {
+   for ( char const * text : { "", "_", "10.0.0.1:0", "_Ethernet1", "10.0.0.1_Ethernet1",
+                               "10.0.0.1:0x_Ethernet1", "10.0.0.1:65536_Ethernet1", "10.0.0.1:0_TARGET_",
+                               "10.0.0.1:0_TARGET_10.0.0.2x", "10.0.0.1:0_TARGET_2001:db8::1" } ) {
+      LdpAdjId id = link1;
+      try {
+         id.stringValueIs( text );
+         ADD_FAILURE() << text << " was read as " << id;
+      } catch ( Vorn::RangeException const & failure ) {
+         EXPECT_EQ( failure.message(), "Invalid LdpAdjId" ) << text;
+      }
+      EXPECT_EQ( id, link1 ) << "it stays as it was";
+   }
+}
+
+TEST( LdpAdjIdTest, OrdersByPeerThenInterfaceThenTarget ) {
+   LdpAdjId const inOrder[] = { LdpAdjId(),
+                                target1,
+                                target2,
+                                link1,
+                                LdpAdjId( r1, IntfId( "Ethernet2" ) ),
+                                LdpAdjId( LdpIdentifier( 0x0a000001, 1 ), IpAddr() ) };
+   for ( auto const & a : inOrder ) {
+      for ( auto const & b : inOrder ) {
+         EXPECT_EQ( a < b, &a < &b ) << a << " " << b;
+      }
+   }
+}
+
+TEST( LdpAdjIdTest, TargetsOfAPeerHashAlikeAndAreDifferentMembers ) {
+   EXPECT_EQ( target1.hash(), target2.hash() );
+   EXPECT_EQ( link1.hash(), r1.hash() + IntfId( "Ethernet1" ).hash() );
+   auto const coll = ldpAdjStatusCollFactory( "adj" );
+   auto const first = coll->adjStatusIs( target1 );
+   auto const second = coll->adjStatusIs( target2 );
+   EXPECT_NE( first.ptr(), second.ptr() );
+   EXPECT_EQ( coll->adjStatuss(), 2u );
+   EXPECT_EQ( coll->adjStatusDel( target1 ).ptr(), first.ptr() );
+   EXPECT_EQ( coll->adjStatus( target2 ).ptr(), second.ptr() );
+   EXPECT_FALSE( coll->adjStatus( target1 ) );
+}
+
+} // namespace

@@ -1,0 +1,140 @@
+// `ldptool watch`: the passive monitor, its tree and its changes.
+
+#include "Capture.h"
+#include "Commands.h"
+#include "Decoder.h"
+#include "Monitor.h"
+#include "Replica.h"
+#include "Tree.h"
+#include "Words.h"
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <iostream>
+#include <memory>
+#include <optional>
+
+namespace LdpTool {
+
+namespace {
+
+constexpr char const * examples = R"(
+Examples:
+  ldptool watch session.pcap                        speakers, adjacencies and sessions at the end
+  ldptool watch --json session.pcap | jq .speaker   the same for programs
+  ldptool watch --follow -i eth0                    each change as it comes
+  ldptool watch --replicate --check session.pcap    a second process agrees on all that is replicated
+
+Exit status: 0, 1 when --check found a difference, 2 for wrong arguments or an input that
+cannot be read.)";
+
+struct WatchOptions {
+   std::string file;
+   std::string interface;
+   bool json = false;
+   bool tree = false;
+   bool follow = false;
+   bool replicate = false;
+   bool check = false;
+};
+
+/// A PDU's worth of messages at a time: what the monitor wrote is taken along before the next PDU.
+class WatchSink : public Decoder {
+ public:
+   WatchSink( Monitor & monitor, Output & out, Replica * replica )
+        : Decoder( monitor, Selection(), out ), replica_( replica ) {}
+
+   void onPdu( Origin const & origin, Octets octets ) override {
+      Decoder::onPdu( origin, octets );
+      if ( replica_ ) replica_->flush();
+   }
+
+ private:
+   Replica * replica_;
+};
+
+void printTree( Output & out, Network const & network, WatchOptions const & options ) {
+   if ( options.json ) {
+      out << treeJson( network, TreeContent::stored ).dump( 2 ) << '\n';
+   } else {
+      out << treeText( network, TreeContent::stored );
+   }
+}
+
+int watch( WatchOptions const & options ) {
+   try {
+      Output out( stdout );
+      auto const network = networkFactory( Vorn::Name( "network" ) );
+      Monitor monitor( *network );
+      std::unique_ptr< Replica > replica;
+      if ( options.replicate ) replica = std::make_unique< Replica >( *network );
+      std::optional< TreeWatcher > watcher;
+      if ( options.follow ) {
+         watcher.emplace( *network, [&]( Vorn::Entity const & entity, Vorn::VornAttr const & attr,
+                                         void const * key, std::string const & keyText ) {
+            out << timeText( monitor.arrival() ) << ' ' << std::string( entity.fullName().view() ) << ' '
+                << attr.name;
+            if ( key ) out << '[' << keyText << ']';
+            out << " = " << attributeText( entity, attr, key ) << '\n';
+         } );
+      }
+      WatchSink sink( monitor, out, replica.get() );
+      std::string failure;
+      try {
+         Capture capture =
+              options.file.empty() ? Capture::interface( options.interface ) : Capture::file( options.file );
+         capture.run( sink );
+      } catch ( InputError const & error ) {
+         failure = error.what();
+      }
+      watcher.reset();
+      if ( !options.follow || options.tree || options.json ) printTree( out, *network, options );
+      int result = exitGood;
+      if ( replica ) {
+         std::string const copy = replica->finish( options.json );
+         if ( options.check ) {
+            std::string const difference = firstDifference( *network, replica->logged() );
+            if ( difference.empty() ) {
+               out << "the replica agrees\n";
+            } else {
+               out << "the replica differs: " << difference << '\n';
+               result = exitBadMessage;
+            }
+         } else {
+            out << copy;
+         }
+      }
+      out.flush();
+      if ( failure.empty() ) return result;
+      std::cerr << "ldptool: " << failure << '\n';
+   } catch ( OutputError const & error ) {
+      std::cerr << "ldptool: " << error.what() << '\n';
+   }
+   return exitUsage;
+}
+
+} // namespace
+
+void addWatchCommand( CLI::App & app ) {
+   auto const options = std::make_shared< WatchOptions >();
+   CLI::App & command = *app.add_subcommand( "watch", "Keep the state of the speakers in a capture." );
+   command.add_option( "FILE", options->file, "capture to read, pcap or pcapng; - is standard input" );
+   command.add_option( "-i,--interface", options->interface, "listen on this interface" )
+        ->type_name( "IFACE" );
+   auto * const tree = command.add_flag( "--tree", options->tree, "print the tree at the end (the default)" );
+   command.add_flag( "--json", options->json, "print the tree as JSON" )->excludes( tree );
+   command.add_flag( "--follow", options->follow, "print each change as it comes" );
+   auto * const replicate = command.add_flag( "--replicate", options->replicate,
+                                              "keep a copy in a second process, fed by the attribute log" );
+   command.add_flag( "--check", options->check, "compare the copy instead of printing it" )
+        ->needs( replicate );
+   command.footer( examples );
+   command.callback( [options] {
+      if ( options->file.empty() == options->interface.empty() )
+         throw CLI::ValidationError( "watch", "needs one of FILE and -i IFACE" );
+      throw CLI::RuntimeError( watch( *options ) );
+   } );
+}
+
+} // namespace LdpTool
