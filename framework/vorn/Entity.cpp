@@ -77,6 +77,7 @@ void Entity::entBackupDel() {}
 
 void Entity::parentIs( Ptr< Entity > const & parent ) {
    parent_ = parent.ptr();
+   if ( observed() ) notifieeList_.doVisitFwkActivity( *this );
    handleParent();
 }
 

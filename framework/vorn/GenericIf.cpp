@@ -68,9 +68,9 @@ VornType const * typeNode( char const * name ) noexcept {
 
 namespace GenericIf {
 
-Iterator::Iterator( void * object, VornAttr const & attr )
+Iterator::Iterator( void * object, VornAttr const & attr, void const * key )
      : attr_( attr ),
-       it_( attr.ops && attr.ops->iterator ? attr.ops->iterator( object, nullptr, &vtable_ ) : nullptr ) {}
+       it_( attr.ops && attr.ops->iterator ? attr.ops->iterator( object, key, &vtable_ ) : nullptr ) {}
 
 Iterator::~Iterator() {
    if ( it_ ) vtable_->iterDel( attr_, it_ );

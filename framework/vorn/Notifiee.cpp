@@ -73,6 +73,8 @@ void PtrInterface::NotifieeConst::onNotificationException() {}
 
 void PtrInterface::NotifieeConst::onZeroReferences() {}
 
+void PtrInterface::NotifieeConst::vornFwkActivity() {}
+
 void PtrInterface::NotifieeConst::hasNotificationActiveIs( bool active ) { active_ = active; }
 
 void PtrInterface::NotifieeConst::notifierIs( Ptr< PtrInterface const > const & notifier ) {
@@ -153,6 +155,15 @@ void NotifieeList::doVisitZeroReferences() {
    NotifieeVisit visit( *this );
    while ( auto * notifiee = visit.take() ) {
       NotifieeVisit::guarded( *notifiee, [&] { notifiee->onZeroReferences(); } );
+   }
+}
+
+void NotifieeList::doVisitFwkActivity( PtrInterface const & notifier ) {
+   Ptr< PtrInterface const > const hold( notifier.references() ? &notifier : nullptr );
+   NotifieeVisit visit( *this );
+   while ( auto * notifiee = visit.take() ) {
+      if ( !notifiee->active_ ) continue;
+      NotifieeVisit::guarded( *notifiee, [&] { notifiee->vornFwkActivity(); } );
    }
 }
 

@@ -302,9 +302,11 @@
    bool x##Del( ::Vorn::Arg< Key > key ) { return ::Vorn::keyDel( *this, x##_, x##Change_(), key ); }        \
    void x##DelAll() { ::Vorn::valuesDel( *this, x##_, x##Change_() ); }                                      \
    static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
-      return ::Vorn::keyedRecord< Self, bool, Key >(                                                         \
+      auto attr = ::Vorn::keyedRecord< Self, bool, Key >(                                                    \
            #x, ::Vorn::VornKind::valueColl, id, replication, nullptr, nullptr,                               \
            &::Vorn::setOps< Self, Key, &Self::x##_, &Self::x##Change_ > );                                   \
+      attr.flags |= ::Vorn::setAccess;                                                                       \
+      return attr;                                                                                           \
    }                                                                                                         \
                                                                                                              \
  private:                                                                                                    \

@@ -35,9 +35,9 @@ void scalarIs( Self & self, T & field, Arg< T > value, NotifieeChange const & ch
    self.notify( change );
 }
 
-/// Whether an entity goes by that name or key.
-template< class Type, class Key >
-bool goesBy( Type const & entity, Key const & key ) {
+/// Whether an entity goes by that name or key; further arguments do not count.
+template< class Type, class Key, class... More >
+bool goesBy( Type const & entity, Key const & key, More const &... ) {
    if constexpr ( requires { entity.vornKey() == key; } ) {
       return entity.vornKey() == key;
    } else {

@@ -3,6 +3,7 @@
 /// written with the attribute lines of Attributes.h.
 #pragma once
 
+#include "Vorn/BitSet.h"
 #include "Vorn/Notifiee.h"
 #include "Vorn/VornType.h"
 
@@ -33,6 +34,8 @@ class VORN_API Entity : public PtrInterface {
    };
    /// Base of the observers that also write to what they watch.
    class Notifiee : public NotifieeConst {};
+   /// Ties an entity of whatever type to an attribute log; see StreamAdapter.h.
+   class VornNboAttrLogSa;
 
    Entity() noexcept = default;
    ~Entity() override;
@@ -48,9 +51,12 @@ class VORN_API Entity : public PtrInterface {
    virtual void handleParent();
    /// Whether the attribute log can carry the entity.
    virtual bool vornHasAttrLogInterface() const { return false; }
-   /// Attaches the entity to an attribute log; see NboAttrLog.h. Null for a null log.
-   virtual Ptr< StreamAdapter > vornNboAttrLogSaIs( U32 flags, unsigned level,
+   /// Attaches the entity to an attribute log; see NboAttrLog.h. If it is on the log already, the flags are
+   /// merged. Null for a null log.
+   virtual Ptr< StreamAdapter > vornNboAttrLogSaIs( Vorn_BitSet flags, unsigned level,
                                                     Ptr< NboAttrLog::Out > const & out );
+   /// The entity's adapter on a log, or null.
+   Ptr< StreamAdapter > vornNboAttrLogSa( Ptr< NboAttrLog::Out > const & out ) const;
    virtual void reconstruct();
    virtual bool hasBackupSupport() const { return false; }
    virtual void saveConstructParams();

@@ -12,6 +12,9 @@ namespace Vorn {
 /// Base of all exceptions of the library.
 class VORN_API Exception : public std::exception {
  public:
+   /// Numbers of exceptions that have a name of their own.
+   enum Id : U32 { nameInUse = 16 };
+
    explicit Exception( String message ) : message_( std::move( message ) ) {}
    ~Exception() override;
 
@@ -35,6 +38,33 @@ class VORN_API NameInUseException : public Exception {
  public:
    using Exception::Exception;
    ~NameInUseException() override;
+};
+
+/// A record of the attribute log that cannot be: cut short, of an unknown entity or type, with a value out of
+/// range. Nothing of it was applied.
+class VORN_API AttrLogRecordException : public RangeException {
+ public:
+   using RangeException::RangeException;
+   ~AttrLogRecordException() override;
+};
+
+/// Stands around a call that is expected to raise a named exception, so that whoever looks at exceptions as
+/// they are raised can tell it from one that nobody reckoned with.
+class VORN_API Expect {
+ public:
+   explicit Expect( Exception::Id id ) noexcept : id_( id ), outer_( std::exchange( innermost_, this ) ) {}
+   ~Expect() { innermost_ = outer_; }
+   Expect( Expect const & ) = delete;
+   Expect & operator=( Expect const & ) = delete;
+
+   /// Whether this thread is within a call that is expected to raise that exception.
+   static bool expected( Exception::Id id ) noexcept;
+
+ private:
+   static thread_local Expect * innermost_;
+
+   Exception::Id id_;
+   Expect * outer_;
 };
 
 /// Throws a RangeException with that text.

@@ -55,6 +55,8 @@ enum AttributeOp : U32 {
    place = 6,             ///< writes a field of a value whatever its kind, from `args[ 0 ]`
    markAll = 7,           ///< marks every member of a value collection for deletion
    clearMark = 8,         ///< takes the mark of the key's member away
+   indices = 9,           ///< of a queue: its head and its next index, two U32
+   indicesIs = 10,        ///< of an empty queue: sets both, from `args[ 0 ]`
 };
 
 /// What an operation came to.
@@ -77,7 +79,8 @@ struct IteratorVTable {
 /// An iterator over a collection attribute; at the end at once for an attribute that is none.
 class VORN_API Iterator {
  public:
-   Iterator( void * object, VornAttr const & attr );
+   /// At the first member, or at the one with that key or what would follow it.
+   Iterator( void * object, VornAttr const & attr, void const * key = nullptr );
    Iterator( Iterator const & ) = delete;
    Iterator & operator=( Iterator const & ) = delete;
    ~Iterator();

@@ -35,6 +35,8 @@ class VORN_API PtrInterface::NotifieeConst : public PtrInterface {
    virtual void onNotificationException();
    /// Called when the last reference to the watched object has gone, before it is destroyed.
    virtual void onZeroReferences();
+   /// Called when the watched entity has got another parent, or none.
+   virtual void vornFwkActivity();
 
    /// The object that is watched, or null.
    PtrInterface const * notifier() const noexcept { return notifier_; }
@@ -106,6 +108,8 @@ class VORN_API NotifieeList {
    void doVisit( PtrInterface const & notifier, NotifieeChange const & change, void const * key = nullptr );
    /// Tells every observer that the object's last reference has gone.
    void doVisitZeroReferences();
+   /// Tells every observer that the object has another parent; `notifier` is kept alive.
+   void doVisitFwkActivity( PtrInterface const & notifier );
    /// Unbinds all observers.
    void deleteAll() noexcept;
 

@@ -258,7 +258,10 @@ inline constexpr VornAttrOps referenceCollOps{
        void const * const * args ) -> U32 {
       Self & self = *selfOf< Self >( object );
       auto & map = self.*field;
-      if ( containerOp( map, result, op ) ) return GenericIf::done;
+      if ( containerOp( map, result, op ) ||
+           markOp< std::remove_cvref_t< decltype( map ) >, Key >( map, op, k ) ) {
+         return GenericIf::done;
+      }
       Key const & key = *static_cast< Key const * >( k );
       switch ( op ) {
       case GenericIf::read: resultIs( result, Ptr< Type >( map.value( key ) ) ); break;
@@ -296,6 +299,16 @@ inline constexpr VornAttrOps queueOps{
       Self & self = *selfOf< Self >( object );
       auto & queue = self.*field;
       if ( containerOp( queue, result, op ) ) return GenericIf::done;
+      if ( op == GenericIf::indices ) {
+         static_cast< U32 * >( result )[0] = queue.head();
+         static_cast< U32 * >( result )[1] = queue.nextIndex();
+         return GenericIf::done;
+      }
+      if ( op == GenericIf::indicesIs ) {
+         auto const * const both = static_cast< U32 const * >( args[0] );
+         queue.indicesIs( both[0], both[1] );
+         return GenericIf::done;
+      }
       U32 const index = *static_cast< U32 const * >( k );
       switch ( op ) {
       case GenericIf::read: *static_cast< T * >( result ) = queue.value( index ); break;
@@ -357,6 +370,15 @@ Ptr< PtrInterface > newEntityFromLog( NboAttrLog::In & in ) {
                       args );
 }
 
+namespace NboAttrLog {
+
+/// Makes the adapters of what a logged child attribute holds, where the parent is on the log, and returns the
+/// last; null for another name. The hook of every type that has such an attribute; see StreamAdapter.h.
+VORN_API Ptr< StreamAdapter > childAttrLogIs( VornType const * type, char const * attrName, Entity & parent,
+                                              Ptr< Out > const & out );
+
+} // namespace NboAttrLog
+
 /// Deletes the entity children that a type declares, with notification, in the order of its attributes.
 VORN_API void childrenDel( Entity & entity, VornType const & type );
 
@@ -375,6 +397,11 @@ constexpr VornType entityRecord( char const * name ) {
          *result = withArgs< CtorTypes< T > >(
               args, []( auto const &... arg ) { return newObject< T >( arg... ); } );
       };
+   }
+   for ( VornAttr const & attr : AttrTable< T >::table ) {
+      if ( attr.name && attr.logged() && attr.instantiating() ) {
+         type.childAttrLogIs = NboAttrLog::childAttrLogIs;
+      }
    }
    type.genericIfAttributeOp = []( void * result, void * object, VornAttr const & attr, U32 op,
                                    void const * key, void const * const * args ) {

@@ -60,6 +60,9 @@ inline constexpr U64 ctorArgAccess = 0x40ull << 40;
 /// Set in the access bits of a value's attribute that can be written but is no field: a view of the fields.
 inline constexpr U64 viewAccess = 0x20ull << 40;
 
+/// Set in the access bits of a set of keys, which is reflected as a collection of `bool`.
+inline constexpr U64 setAccess = 0x20ull << 40;
+
 /// The flag word of an attribute: kind (bits 63 to 48), access (47 to 40), slot (39 to 32), id (31 to 0).
 constexpr U64 attrFlags( VornKind kind, U32 id, VornReplication logged, bool keyed ) {
    return U64( kind ) << 48 | U64( logged ) << 40 | U64( keyed ? 0x00 : 0xff ) << 32 | id;
@@ -90,6 +93,8 @@ struct VornAttr {
    constexpr bool isField() const noexcept {
       return kind() == VornKind::constructor || ( kind() == VornKind::state && !( flags & viewAccess ) );
    }
+   /// Whether it is a set of keys without values.
+   constexpr bool isSet() const noexcept { return flags & setAccess; }
    /// Whether it is a collection, a set or a queue.
    constexpr bool keyed() const noexcept { return ( flags >> 32 & 0xff ) == 0; }
    /// Whether it makes and owns entities.

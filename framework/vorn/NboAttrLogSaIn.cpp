@@ -1,0 +1,294 @@
+// The incoming half of an adapter: records become calls of its entity's mutators.
+
+#include "Vorn/NboAttrLogIn.h"
+
+#include "Vorn/Strep.h"
+
+namespace Vorn {
+
+using NboAttrLog::Arguments;
+using NboAttrLog::In;
+using SaIn = Entity::VornNboAttrLogSa;
+
+namespace {
+
+[[noreturn]] void refuse( String const & message ) { throw AttrLogRecordException( message ); }
+
+} // namespace
+
+/// What is being applied: a change that the observer reports of it came from the other end and does not go
+/// back.
+class SaIn::FlowIn {
+ public:
+   FlowIn( VornNboAttrLogSa & adapter, VornAttr const & attr, void const * key ) noexcept
+        : adapter_( adapter ), attr_( attr ), key_( key ), outer_( std::exchange( adapter.flowIn_, this ) ) {}
+   ~FlowIn() { adapter_.flowIn_ = outer_; }
+   FlowIn( FlowIn const & ) = delete;
+   FlowIn & operator=( FlowIn const & ) = delete;
+
+   bool holds( VornAttr const & attr, void const * key ) {
+      if ( &attr != &attr_ || ( key_ && key && !attr.keyType->methods->equal( key, key_ ) ) ) return false;
+      ++reported_;
+      return true;
+   }
+   FlowIn * outer() const noexcept { return outer_; }
+   /// Whether more happened than was applied: an observer wrote the attribute again.
+   bool writtenAgain() const noexcept { return reported_ > 1; }
+
+ private:
+   VornNboAttrLogSa & adapter_;
+   VornAttr const & attr_;
+   void const * key_;
+   FlowIn * outer_;
+   unsigned reported_ = 0;
+};
+
+bool SaIn::handlingFlowInFor( VornAttr const & attr, void const * key ) {
+   for ( FlowIn * flowIn = flowIn_; flowIn; flowIn = flowIn->outer() ) {
+      if ( flowIn->holds( attr, key ) ) return true;
+   }
+   return false;
+}
+
+void SaIn::throwWriteUpdateFromReadOnlyProxyException() {
+   refuse( "a change came in from a read-only copy" );
+}
+
+/// Calls a mutator in the name of the other end. What an observer made of it meanwhile goes out.
+template< class Call >
+void SaIn::apply( VornAttr const & attr, void const * key, Call const & call ) {
+   bool again;
+   {
+      FlowIn flowIn( *this, attr, key );
+      call();
+      again = flowIn.writtenAgain();
+   }
+   if ( again ) observer_->handleNotification( attr.id(), key );
+}
+
+void SaIn::doHandleAttrDeserialization( U32 attributeId, In & in ) {
+   if ( flags_.any( remoteReadOnly ) ) throwWriteUpdateFromReadOnlyProxyException();
+   if ( attributeId == NboAttrLog::groupId ) {
+      groupFromLog( in );
+      return;
+   }
+   bool const deletion = attributeId & 0x80000000;
+   VornAttr const & attr = loggedAttribute( deletion ? 0 - attributeId : attributeId );
+   if ( deletion ) {
+      deletionFromLog( attr, in );
+   } else if ( attr.instantiating() ) {
+      memberFromLog( attr, in );
+   } else {
+      valueFromLog( attr, in );
+   }
+}
+
+VornAttr const & SaIn::loggedAttribute( U32 id ) const {
+   VornAttr const * const attr = attribute( id );
+   if ( !attr || !attr->logged() ) {
+      refuse( format( "attribute %#x of %s is not logged", id, entity_->fwkType()->name ) );
+   }
+   return *attr;
+}
+
+/// Scalars in one record. All are read before the first is written, so that a bad one leaves all as they
+/// were.
+void SaIn::groupFromLog( In & in ) {
+   U16 const first = in.nextU16();
+   U16 const end = in.nextU16();
+   if ( first != 2 * sizeof( U16 ) || end < first ) refuse( "a group has impossible bounds" );
+   In part = in.nextPart( end - first );
+   in.endIs();
+   for ( bool const write : { false, true } ) {
+      In values = part;
+      while ( values.left() && out_ ) {
+         VornAttr const & attr = loggedAttribute( values.nextAttributeId() );
+         if ( attr.keyed() || attr.instantiating() || attr.kind() == VornKind::reference ) {
+            refuse( "a group holds scalars only" );
+         }
+         GenericIf::Value value( attr.type );
+         attr.type->methods->logIn( values, value.data() );
+         if ( write ) scalarIs( attr, value.data() );
+      }
+   }
+}
+
+void SaIn::scalarIs( VornAttr const & attr, void const * value ) {
+   apply( attr, nullptr,
+          [&] { attr.ops->op( nullptr, object(), attr, GenericIf::write, nullptr, &value ); } );
+}
+
+void SaIn::valueFromLog( VornAttr const & attr, In & in ) {
+   if ( !attr.keyed() && attr.kind() != VornKind::reference ) {
+      GenericIf::Value value( attr.type );
+      attr.type->methods->logIn( in, value.data() );
+      in.endIs();
+      scalarIs( attr, value.data() );
+      return;
+   }
+   std::optional< GenericIf::Value > key;
+   if ( attr.keyed() ) {
+      key.emplace( attr.keyType );
+      attr.keyType->methods->logIn( in, key->data() );
+   }
+   GenericIf::Value value( attr.type );
+   bool const isReference = attr.kind() == VornKind::reference || attr.kind() == VornKind::referenceColl;
+   if ( isReference ) {
+      *static_cast< Ptr< PtrInterface > * >( value.data() ) = in.nextEntity();
+   } else if ( attr.isSet() ) {
+      *static_cast< bool * >( value.data() ) = true;
+   } else {
+      attr.type->methods->logIn( in, value.data() );
+   }
+   in.endIs();
+   void const * const at = key ? key->data() : nullptr;
+   if ( isReference && at && !*static_cast< Ptr< PtrInterface > * >( value.data() ) ) {
+      memberDel( attr, at );
+      return;
+   }
+   apply( attr, at, [&] {
+      void const * const arg = value.data();
+      if ( attr.kind() == VornKind::queue ) {
+         if ( queueSeen_ ) ( *queueSeen_ )[attr.id()].insert( *static_cast< U32 const * >( at ) );
+      } else if ( at ) {
+         attr.ops->op( nullptr, object(), attr, GenericIf::clearMark, at, nullptr );
+      }
+      attr.ops->op( nullptr, object(), attr, GenericIf::write, at, &arg );
+   } );
+}
+
+void SaIn::memberFromLog( VornAttr const & attr, In & in ) {
+   Arguments const arguments( in, attr.memberCtorArgs );
+   NboAttrLog::ensureCorrectType( in.nextType(), *attr.type );
+   U32 const id = in.nextEntityId();
+   in.endIs();
+   void const * const key = attr.keyed() ? arguments.pointers()[0] : nullptr;
+   Ptr< PtrInterface > member;
+   attr.ops->op( &member, object(), attr, GenericIf::read, key, nullptr );
+   auto * const known = out_->adapterById( id );
+   if ( known ) {
+      // Said again of a member that is known, so it must be that one.
+      if ( &known->entity() != member.ptr() ) refuse( "a member comes in with the number of another entity" );
+   } else if ( in.demuxer().gone( id ) ) {
+      return;
+   } else {
+      in.demuxer().newEntityIdIs( id );
+   }
+   apply( attr, key, [&] {
+      auto const make = [&] {
+         attr.ops->op( &member, object(), attr, GenericIf::write, key, arguments.pointers() );
+      };
+      try {
+         Expect const expect( Exception::nameInUse );
+         // A single child of the same name is taken as it is, so its other arguments are compared here.
+         if ( !key && member && !arguments.areThoseOf( static_cast< Entity & >( *member ) ) ) {
+            attr.ops->op( nullptr, object(), attr, GenericIf::del, nullptr, nullptr );
+         }
+         make();
+      } catch ( NameInUseException const & ) {
+         attr.ops->op( nullptr, object(), attr, GenericIf::del, key, nullptr );
+         make();
+      }
+   } );
+   auto & entity = static_cast< Entity & >( *member );
+   // An observer may have taken it out again.
+   if ( out_ && entity.parent() == entity_ ) in.demuxer().entityIdIs( entity, id, this );
+}
+
+void SaIn::deletionFromLog( VornAttr const & attr, In & in ) {
+   if ( !attr.keyed() ) {
+      in.endIs();
+      if ( attr.kind() != VornKind::child ) refuse( "an attribute that cannot be deleted is deleted" );
+      memberDel( attr, nullptr );
+      return;
+   }
+   GenericIf::Value key( attr.keyType );
+   attr.keyType->methods->logIn( in, key.data() );
+   in.endIs();
+   memberDel( attr, key.data() );
+}
+
+void SaIn::memberDel( VornAttr const & attr, void const * key ) {
+   apply( attr, key, [&] { attr.ops->op( nullptr, object(), attr, GenericIf::del, key, nullptr ); } );
+}
+
+void SaIn::doHandleAttrTransaction( U32 attributeId, AttrTransactionType type, In & in ) {
+   if ( flags_.any( remoteReadOnly ) ) throwWriteUpdateFromReadOnlyProxyException();
+   VornAttr const & attr = loggedAttribute( attributeId );
+   if ( !attr.keyed() || ( type != transactionBegin && type != transactionEnd ) ) {
+      refuse( "a marker that cannot be" );
+   }
+   if ( attr.kind() == VornKind::queue ) {
+      queueFromLog( attr, type, in );
+      return;
+   }
+   in.endIs();
+   if ( type == transactionEnd ) {
+      sweep( attr );
+   } else if ( attr.kind() == VornKind::entityColl ) {
+      for ( GenericIf::Iterator it( object(), attr ); it; it.advance() ) {
+         Ptr< PtrInterface > member;
+         it.object( &member );
+         if ( auto * const adapter = out_->adapter( static_cast< Entity & >( *member ) ) ) {
+            adapter->confirmedIs( false );
+         }
+      }
+   } else {
+      attr.ops->op( nullptr, object(), attr, GenericIf::markAll, nullptr, nullptr );
+   }
+}
+
+/// Deletes what was not named between the markers.
+void SaIn::sweep( VornAttr const & attr ) {
+   for ( GenericIf::Iterator it( object(), attr ); it && out_; it.advance() ) {
+      bool stale;
+      if ( attr.kind() == VornKind::entityColl ) {
+         Ptr< PtrInterface > member;
+         it.object( &member );
+         auto const * const adapter = out_->adapter( static_cast< Entity & >( *member ) );
+         stale = !adapter || adapter->flags_.any( unconfirmed );
+      } else {
+         stale = it.markedForDeletion();
+      }
+      if ( !stale ) continue;
+      GenericIf::Value key( attr.keyType );
+      it.key( key.data() );
+      flags_.bitsIs( applyingLog, true );
+      memberDel( attr, key.data() );
+      flags_.bitsIs( applyingLog, false );
+   }
+}
+
+/// A queue has no marks: the indices that come in are remembered, and at the end all others go. Its indices
+/// go on where those of the original do.
+void SaIn::queueFromLog( VornAttr const & attr, AttrTransactionType type, In & in ) {
+   U32 indices[2] = {};
+   if ( type == transactionBegin ) {
+      indices[0] = in.nextU32();
+      indices[1] = in.nextU32();
+   }
+   in.endIs();
+   auto const delUnless = [&]( auto const & wanted ) {
+      for ( GenericIf::Iterator it( object(), attr ); it && out_; it.advance() ) {
+         U32 index;
+         it.key( &index );
+         if ( !wanted( index ) ) memberDel( attr, &index );
+      }
+   };
+   if ( type == transactionBegin ) {
+      if ( !queueSeen_ ) queueSeen_ = std::make_unique< std::map< U32, std::set< U32 > > >();
+      ( *queueSeen_ )[attr.id()].clear();
+      delUnless( [&]( U32 index ) { return index - indices[0] < indices[1] - indices[0]; } );
+      U32 members = 0;
+      attr.ops->op( &members, object(), attr, GenericIf::members, nullptr, nullptr );
+      void const * const arg = indices;
+      if ( !members ) attr.ops->op( nullptr, object(), attr, GenericIf::indicesIs, nullptr, &arg );
+   } else if ( queueSeen_ ) {
+      auto const seen = std::move( ( *queueSeen_ )[attr.id()] );
+      queueSeen_->erase( attr.id() );
+      if ( queueSeen_->empty() ) queueSeen_.reset();
+      delUnless( [&]( U32 index ) { return seen.contains( index ); } );
+   }
+}
+
+} // namespace Vorn

@@ -1,0 +1,12 @@
+/// \file
+/// The attribute log (network byte order attribute log): a stream of attribute records by which the copy of
+/// an entity, and of all that it owns, follows the original in another process.
+///
+/// An end of a connection has an `Out` and a `Demuxer`. On the side that has the original, attach it to the
+/// `Out`; on the other, feed the `Demuxer`. An adapter on every entity that is carried turns changes into
+/// records and records into changes. What is carried is what the types' records call logged.
+#pragma once
+
+#include "Vorn/NboAttrLogIn.h"
+#include "Vorn/NboAttrLogOut.h"
+#include "Vorn/StreamAdapter.h"

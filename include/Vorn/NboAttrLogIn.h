@@ -1,0 +1,150 @@
+/// \file
+/// The incoming side of an attribute log: `In`, which reads the values of one record, and `Demuxer`, which
+/// takes the octets of the connection and applies them to the model.
+///
+///     auto const demuxer = newObject< NboAttrLog::Demuxer >( newObject< NboAttrLog::Out >(),
+///     StreamAdapter::readOnly ); demuxer->rootIs( myCopy );           // an entity that is there already,
+///     from a connection before while ( auto const n = receive( buffer ) ) demuxer->bytesIs( buffer, n );
+///
+/// A stream that lies raises AttrLogRecordException: the records before it are applied, it and what follows
+/// are not. The host then drops both directions of the connection; the next one brings the copy up to date.
+#pragma once
+
+#include "Vorn/StreamAdapter.h"
+
+namespace Vorn::NboAttrLog {
+
+class Demuxer;
+
+/// The value of one record. Every reader throws AttrLogRecordException where the record ends too early.
+class VORN_API In {
+ public:
+   In( U8 const * octets, std::size_t bytes, Demuxer & demuxer ) noexcept
+        : at_( octets ), end_( octets + bytes ), demuxer_( &demuxer ) {}
+
+   bool nextbool();
+   U8 nextU8() { return *take( 1 ); }
+   U16 nextU16() {
+      U16 value;
+      std::memcpy( &value, take( sizeof value ), sizeof value );
+      return __builtin_bswap16( value );
+   }
+   U32 nextU32() {
+      U32 value;
+      std::memcpy( &value, take( sizeof value ), sizeof value );
+      return __builtin_bswap32( value );
+   }
+   U64 nextU64() {
+      U64 value;
+      std::memcpy( &value, take( sizeof value ), sizeof value );
+      return __builtin_bswap64( value );
+   }
+   double nextSeconds();
+   String nextString();
+   /// An attribute's id; of a deletion its negative, as 32 bits.
+   U32 nextAttributeId() { return nextU32(); }
+   /// The number of an entity as this end counts: `numberedByPeer` is turned round.
+   U32 nextEntityId();
+   /// The entity of that number; null for 0 and for one that is no longer on the log.
+   Ptr< Entity > nextEntity();
+   /// The type of a number that a type record gave.
+   VornType const & nextType();
+
+   U8 const * octets() const noexcept { return at_; }
+   std::size_t left() const noexcept { return std::size_t( end_ - at_ ); }
+   /// The `bytes` octets that follow, as a record's value of their own.
+   In nextPart( std::size_t bytes ) {
+      U8 const * const octets = take( bytes );
+      return In( octets, bytes, *demuxer_ );
+   }
+   /// Throws unless all octets have been read. Called before anything is changed.
+   void endIs() const;
+   Demuxer & demuxer() const noexcept { return *demuxer_; }
+
+ private:
+   U8 const * take( std::size_t bytes ) {
+      if ( left() < bytes ) throwShort();
+      return std::exchange( at_, at_ + bytes );
+   }
+   [[noreturn]] static void throwShort();
+
+   U8 const * at_;
+   U8 const * end_;
+   Demuxer * demuxer_;
+};
+
+/// Values of constructor arguments, as they came in, and the pointers through which reflection takes them.
+class VORN_API Arguments {
+ public:
+   static constexpr std::size_t maxNum = 8;
+
+   /// Reads the arguments of a table.
+   Arguments( In & in, VornCtorArg const * table );
+   ~Arguments();
+   Arguments( Arguments const & ) = delete;
+   Arguments & operator=( Arguments const & ) = delete;
+
+   void const * const * pointers() const noexcept { return pointers_; }
+   /// Whether the entity was constructed with these; its mutable arguments do not count.
+   bool areThoseOf( Entity & entity ) const;
+
+ private:
+   VornCtorArg const * table_;
+   std::size_t num_ = 0;
+   void const * pointers_[maxNum] = {};
+   alignas( GenericIf::Value ) std::byte values_[maxNum][sizeof( GenericIf::Value )];
+};
+
+/// Throws unless an entity that comes in is of the type that its attribute holds.
+VORN_API void ensureCorrectType( VornType const & type, VornType const & expected );
+
+/// Applies the octets of one connection to the model.
+class VORN_API Demuxer : public PtrInterface {
+   VORN_OBJECT( Demuxer )
+
+ public:
+   /// `out` is the other direction of the same connection; what this end changes by itself goes out there.
+   /// `flags` are those of every entity that comes in, most often `StreamAdapter::readOnly`.
+   explicit Demuxer( Ptr< Out > const & out, Vorn_BitSet flags = StreamAdapter::readOnly );
+   ~Demuxer() override;
+
+   /// Takes the octets that follow, in pieces of any size, and applies the records that are whole. Throws
+   /// AttrLogRecordException for a stream that lies, and from then on.
+   void bytesIs( void const * octets, std::size_t bytes );
+   /// Offers an entity as the copy of one that the other end is going to introduce, if type and constructor
+   /// arguments agree.
+   void rootIs( Ptr< Entity > const & entity );
+   /// The entities that the other end has introduced by themselves, in their order; they are kept alive.
+   std::vector< Ptr< Entity > > const & roots() const noexcept { return roots_; }
+   /// Records applied.
+   U64 records() const noexcept { return records_; }
+   Ptr< Out > const & out() const noexcept { return out_; }
+
+ private:
+   friend class In;
+   friend class Entity::VornNboAttrLogSa;
+
+   std::size_t recordsIs( U8 const * octets, std::size_t bytes );
+   std::size_t wanted( U8 const * octets, std::size_t bytes ) const;
+   void headerIs( In & in );
+   void recordIs( In & in );
+   void orphanIs( In & in );
+   void typeIs( U32 number, In & in );
+   bool gone( U32 entityId ) const;
+   void newEntityIdIs( U32 entityId );
+   void entityIdIs( Entity & entity, U32 entityId, Entity::VornNboAttrLogSa * parent );
+
+   Ptr< Out > out_;
+   Vorn_BitSet flags_;
+   std::vector< U8 > part_; // of a record that is not whole yet
+   std::vector< VornType const * > types_;
+   std::vector< Ptr< Entity > > offered_;
+   std::vector< Ptr< Entity > > roots_;
+   U32 lastEntityId_ = 0; // the highest number that came in
+   U64 records_ = 0;
+   bool headerSeen_ = false;
+   bool failed_ = false;
+   bool busy_ = false;
+};
+
+} // namespace Vorn::NboAttrLog
