@@ -66,10 +66,11 @@ Streams::Direction & Streams::direction( Segment const & segment, Arrival const 
    directions_.splice( directions_.end(), directions_, place->second );
    Direction & known = directions_.back();
    std::int32_t const ahead = distance( known.next, sequence );
-   bool const another = segment.syn ? ahead != 0 : ahead > farAway || ahead < -farAway;
+   // A SYN that repeats the one the connection began with changes nothing.
+   bool const another = segment.syn ? sequence != known.first : ahead > farAway || ahead < -farAway;
    if ( another && !segment.rst ) {
       close( known );
-      known.next = known.acknowledged = sequence;
+      known.first = known.next = known.acknowledged = sequence;
       known.framer = Framer( segment.syn );
    }
    return known;

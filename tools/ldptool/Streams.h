@@ -51,8 +51,9 @@ class Streams {
    /// One direction of a conversation.
    struct Direction {
       Direction( Flow const & f, std::uint32_t n, bool synchronised )
-           : flow( f ), next( n ), acknowledged( n ), framer( synchronised ) {}
+           : flow( f ), first( n ), next( n ), acknowledged( n ), framer( synchronised ) {}
       Flow flow;
+      std::uint32_t first;        ///< where the connection, or what the capture has of it, began
       std::uint32_t next;         ///< sequence number of the first octet that was not delivered
       std::uint32_t acknowledged; ///< what the other side has; looked at only while there is a hole
       Arrival last;
