@@ -8,13 +8,15 @@
 
 namespace Ldp {
 
-VORN_TEXT_COMPOSITE( Ldp, LdpMPBasicOpaqueValueElementHdr, VORN_TEXT_FIELD( type ),
-                     VORN_TEXT_FIELD( opaqueLenNbo ) )
-VORN_TEXT_COMPOSITE( Ldp, LdpGenericLSPId, VORN_TEXT_FIELD( type ), VORN_TEXT_FIELD( opaqueLenNbo ),
-                     VORN_TEXT_FIELD( opaqueId ) )
-VORN_TEXT_COMPOSITE( Ldp, LdpP2mpFecElement, VORN_TEXT_FIELD( rootIp ), VORN_TEXT_FIELD( opaqueStr ) )
+VORN_OUTSIDE_COMPOSITE( Ldp, LdpMPBasicOpaqueValueElementHdr, VORN_TEXT_FIELD( type ),
+                        VORN_TEXT_FIELD( opaqueLenNbo ) )
+VORN_OUTSIDE_COMPOSITE( Ldp, LdpGenericLSPId, VORN_TEXT_FIELD( type ), VORN_TEXT_FIELD( opaqueLenNbo ),
+                        VORN_TEXT_FIELD( opaqueId ) )
+VORN_OUTSIDE_COMPOSITE( Ldp, LdpP2mpFecElement, VORN_TEXT_FIELD( rootIp ), VORN_TEXT_FIELD( opaqueStr ) )
 
-// A record of one number is that number.
+// The text of a record of one number is that number.
+static constexpr auto LdpFecTlvP2mpOpaqueLength_attributes =
+     ::Vorn::outsideAttributes< LdpFecTlvP2mpOpaqueLength >( VORN_TEXT_FIELD( totalOpaqueLen ) );
 Vorn::String valueToStrep( LdpFecTlvP2mpOpaqueLength const & value ) {
    return valueToStrep( value.totalOpaqueLen() );
 }
@@ -72,20 +74,6 @@ void sequenceToValue( Vorn::String::IteratorConst & it, Vorn::String::IteratorCo
 
 VORN_TEXT_STREAM( LdpP2mpFecGenericOpaqueId )
 
-void logOut( Vorn::NboAttrLog::Out & out, LdpP2mpFecElement const & value ) {
-   logOut( out, value.rootIp() );
-   logOut( out, value.opaqueStr() );
-}
-
-void logIn( Vorn::NboAttrLog::In & in, LdpP2mpFecElement * value ) {
-   Lumo::IpGenAddr rootIp;
-   Vorn::String opaqueStr;
-   logIn( in, &rootIp );
-   logIn( in, &opaqueStr );
-   value->rootIpIs( rootIp );
-   value->opaqueStrIs( opaqueStr );
-}
-
 void logOut( Vorn::NboAttrLog::Out & out, LdpP2mpFecGenericOpaqueId const & value ) {
    logOut( out, value.rootIp() );
    logOut( out, value.gOpaqueId() );
@@ -101,5 +89,12 @@ void logIn( Vorn::NboAttrLog::In & in, LdpP2mpFecGenericOpaqueId * value ) {
 
 } // namespace Ldp
 
-VORN_OUTSIDE_RECORD( Ldp, LdpP2mpFecElement )
+VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpFecTlvP2mpOpaqueLength )
+VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpMPBasicOpaqueValueElementHdr )
+VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpGenericLSPId )
+VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpP2mpFecElement )
 VORN_OUTSIDE_RECORD( Ldp, LdpP2mpFecGenericOpaqueId )
+VORN_MODULE( ::Vorn::recordOf< Ldp::LdpFecTlvP2mpOpaqueLength >(),
+             ::Vorn::recordOf< Ldp::LdpMPBasicOpaqueValueElementHdr >(),
+             ::Vorn::recordOf< Ldp::LdpGenericLSPId >(), ::Vorn::recordOf< Ldp::LdpP2mpFecElement >(),
+             ::Vorn::recordOf< Ldp::LdpP2mpFecGenericOpaqueId >() )

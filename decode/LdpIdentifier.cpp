@@ -40,3 +40,4 @@ void logIn( Vorn::NboAttrLog::In & in, LdpIdentifier * value ) {
 } // namespace Ldp
 
 VORN_OUTSIDE_RECORD( Ldp, LdpIdentifier )
+VORN_MODULE( ::Vorn::recordOf< Ldp::LdpIdentifier >() )

@@ -1,16 +1,18 @@
 #include "Ldp/LdpPwHdr.h"
 
+#include "Vorn/ValueType.h"
+
 #include <cstring>
 
 namespace Ldp {
 
-VORN_TEXT_COMPOSITE( Ldp, LdpFecTlvPwIdElementHdrTypeField, VORN_TEXT_FIELD( v0 ), VORN_TEXT_FIELD( v1 ) )
-VORN_TEXT_COMPOSITE( Ldp, LdpPwVccvParamField, VORN_TEXT_FIELD( v0 ), VORN_TEXT_FIELD( v1 ) )
-VORN_TEXT_COMPOSITE( Ldp, LdpPwIntfParamFlags, VORN_TEXT_FIELD( intfMtu ), VORN_TEXT_FIELD( intfDesc ),
-                     VORN_TEXT_FIELD( requestedVlanId ), VORN_TEXT_FIELD( fragIndicator ),
-                     VORN_TEXT_FIELD( vccvParam ) )
-VORN_TEXT_COMPOSITE( Ldp, LdpPwStatusField, VORN_TEXT_FIELD( v0 ), VORN_TEXT_FIELD( v1 ),
-                     VORN_TEXT_FIELD( v2 ), VORN_TEXT_FIELD( v3 ) )
+VORN_OUTSIDE_COMPOSITE( Ldp, LdpFecTlvPwIdElementHdrTypeField, VORN_TEXT_FIELD( v0 ), VORN_TEXT_FIELD( v1 ) )
+VORN_OUTSIDE_COMPOSITE( Ldp, LdpPwVccvParamField, VORN_TEXT_FIELD( v0 ), VORN_TEXT_FIELD( v1 ) )
+VORN_OUTSIDE_COMPOSITE( Ldp, LdpPwIntfParamFlags, VORN_TEXT_FIELD( intfMtu ), VORN_TEXT_FIELD( intfDesc ),
+                        VORN_TEXT_FIELD( requestedVlanId ), VORN_TEXT_FIELD( fragIndicator ),
+                        VORN_TEXT_FIELD( vccvParam ) )
+VORN_OUTSIDE_COMPOSITE( Ldp, LdpPwStatusField, VORN_TEXT_FIELD( v0 ), VORN_TEXT_FIELD( v1 ),
+                        VORN_TEXT_FIELD( v2 ), VORN_TEXT_FIELD( v3 ) )
 
 namespace {
 
@@ -87,3 +89,11 @@ Vorn::String LdpPwStatusTlv::stringValue() const {
 }
 
 } // namespace Ldp
+
+VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpFecTlvPwIdElementHdrTypeField )
+VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpPwVccvParamField )
+VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpPwIntfParamFlags )
+VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpPwStatusField )
+VORN_MODULE( ::Vorn::recordOf< Ldp::LdpFecTlvPwIdElementHdrTypeField >(),
+             ::Vorn::recordOf< Ldp::LdpPwVccvParamField >(), ::Vorn::recordOf< Ldp::LdpPwIntfParamFlags >(),
+             ::Vorn::recordOf< Ldp::LdpPwStatusField >() )

@@ -2,6 +2,7 @@
 
 #include "Ldp/LdpProtoParam.h"
 #include "Twain/Trace.h"
+#include "Vorn/ValueType.h"
 
 namespace Ldp {
 
@@ -11,8 +12,8 @@ VORN_TRACE_FACILITY( "LdpHdr" )
 
 } // namespace
 
-VORN_TEXT_COMPOSITE( Ldp, LdpCommonHelloTargetField, VORN_TEXT_FIELD( v0 ), VORN_TEXT_FIELD( v1 ) )
-VORN_TEXT_COMPOSITE( Ldp, LdpFtSessionFlags, VORN_TEXT_FIELD( v0 ), VORN_TEXT_FIELD( v1 ) )
+VORN_OUTSIDE_COMPOSITE( Ldp, LdpCommonHelloTargetField, VORN_TEXT_FIELD( v0 ), VORN_TEXT_FIELD( v1 ) )
+VORN_OUTSIDE_COMPOSITE( Ldp, LdpFtSessionFlags, VORN_TEXT_FIELD( v0 ), VORN_TEXT_FIELD( v1 ) )
 
 LdpStatusCode LdpCommonHelloTlv::validate() const {
    VORN_ASSERT( type() == commonHelloTlv );
@@ -113,3 +114,8 @@ Vorn::String LdpFtSessionTlv::stringValue() const {
 }
 
 } // namespace Ldp
+
+VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpCommonHelloTargetField )
+VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpFtSessionFlags )
+VORN_MODULE( ::Vorn::recordOf< Ldp::LdpCommonHelloTargetField >(),
+             ::Vorn::recordOf< Ldp::LdpFtSessionFlags >() )

@@ -1,6 +1,7 @@
 #include "Ldp/PwTypes.h"
 
 #include "Vorn/Hash.h"
+#include "Vorn/ValueType.h"
 
 #include <algorithm>
 
@@ -8,11 +9,11 @@ namespace Ldp {
 
 using Vorn::String;
 
-VORN_TEXT_COMPOSITE( Ldp, PwFwdEqvClassParams, VORN_TEXT_FIELD( groupId ), VORN_TEXT_FIELD( mtu ),
-                     VORN_TEXT_FIELD( intfDescription ), VORN_TEXT_FIELD( requestedVlanId ),
-                     VORN_TEXT_FIELD( fragCapable ), VORN_TEXT_FIELD( vccvCcTypes ),
-                     VORN_TEXT_FIELD( vccvCvTypes ) )
-VORN_TEXT_COMPOSITE( Ldp, PwFwdEqvClassInfo, VORN_TEXT_FIELD( fwdEqvClass ), VORN_TEXT_FIELD( params ) )
+VORN_OUTSIDE_COMPOSITE( Ldp, PwFwdEqvClassParams, VORN_TEXT_FIELD( groupId ), VORN_TEXT_FIELD( mtu ),
+                        VORN_TEXT_FIELD( intfDescription ), VORN_TEXT_FIELD( requestedVlanId ),
+                        VORN_TEXT_FIELD( fragCapable ), VORN_TEXT_FIELD( vccvCcTypes ),
+                        VORN_TEXT_FIELD( vccvCvTypes ) )
+VORN_OUTSIDE_COMPOSITE( Ldp, PwFwdEqvClassInfo, VORN_TEXT_FIELD( fwdEqvClass ), VORN_TEXT_FIELD( params ) )
 
 String PwFwdEqvClass::stringValue() const {
    return "pw" + valueToStrep( pwId_ ) + ":" + valueToStrep( pwType_ ) + ":cbit" +
@@ -66,6 +67,22 @@ void sequenceToValue( String::IteratorConst & it, String::IteratorConst const & 
 
 VORN_TEXT_STREAM( PwFwdEqvClass )
 
+void logOut( Vorn::NboAttrLog::Out & out, PwFwdEqvClass const & value ) {
+   logOut( out, value.pwId() );
+   logOut( out, value.pwType() );
+   logOut( out, value.controlWord() );
+}
+
+void logIn( Vorn::NboAttrLog::In & in, PwFwdEqvClass * value ) {
+   Pseudowire::PseudowireId pwId;
+   Pseudowire::PseudowireType pwType;
+   bool controlWord;
+   logIn( in, &pwId );
+   logIn( in, &pwType );
+   logIn( in, &controlWord );
+   *value = PwFwdEqvClass( pwId, pwType, controlWord );
+}
+
 String PwFwdEqvClassParams::stringValue() const {
    String text = "groupId=" + valueToStrep( groupId_ ) + " mtu=" + Vorn::valueToStrep( mtu_ );
    text += " intfDescription=\"" + intfDescription_ + "\"";
@@ -81,3 +98,9 @@ String PwFwdEqvClassInfo::stringValue() const {
 }
 
 } // namespace Ldp
+
+VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, PwFwdEqvClassParams )
+VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, PwFwdEqvClassInfo )
+VORN_OUTSIDE_RECORD( Ldp, PwFwdEqvClass )
+VORN_MODULE( ::Vorn::recordOf< Ldp::PwFwdEqvClassParams >(), ::Vorn::recordOf< Ldp::PwFwdEqvClassInfo >(),
+             ::Vorn::recordOf< Ldp::PwFwdEqvClass >() )

@@ -47,10 +47,7 @@ void LdpGrOperationalFlag::valueIs( U32 value ) {
    value_ = value;
 }
 
-LdpConfigColl::LdpConfigColl( Vorn::Name const & name ) : name_( name ) {
-   ConstructorHold const hold( *this );
-   handleInitialized();
-}
+LdpConfigColl::LdpConfigColl( Vorn::Name const & name ) : name_( name ) { handleInitialized(); }
 
 void LdpConfigColl::handleInitialized() {
    configIs( L3::VrfName( "default" ) );
@@ -58,7 +55,6 @@ void LdpConfigColl::handleInitialized() {
 }
 
 ProtoConfig::ProtoConfig( L3::VrfName const & vrfName ) : vrfName_( vrfName ) {
-   ConstructorHold const hold( *this );
    ldpProtoParamIs( Vorn::Name( vrfName.stringValue() ) );
 }
 

@@ -1,5 +1,7 @@
 #include "Bridging/VlanId.h"
 
+#include "Vorn/ValueType.h"
+
 namespace Bridging {
 
 VlanIdOrNone::VlanIdOrNone( U16 value ) : value_( value ) {
@@ -17,4 +19,14 @@ void sequenceToValue( Vorn::String::IteratorConst & it, Vorn::String::IteratorCo
 
 VORN_TEXT_STREAM( VlanIdOrNone )
 
+void logOut( Vorn::NboAttrLog::Out & out, VlanIdOrNone value ) { logOut( out, value.value() ); }
+
+void logIn( Vorn::NboAttrLog::In & in, VlanIdOrNone * value ) {
+   U16 number;
+   logIn( in, &number );
+   *value = VlanIdOrNone( number );
+}
+
 } // namespace Bridging
+
+VORN_OUTSIDE_RECORD( Bridging, VlanIdOrNone )

@@ -13,3 +13,8 @@ PseudowireType PseudowireTypeInstance( Vorn::String const & text ) {
 }
 
 } // namespace Pseudowire
+
+VORN_OUTSIDE_RECORD( Pseudowire, PseudowireId )
+VORN_OUTSIDE_RECORD( Pseudowire, GroupId )
+VORN_OUTSIDE_RECORD( Pseudowire, VccvCvTypes )
+VORN_OUTSIDE_RECORD( Pseudowire, PseudowireLdpStatusFlags )

@@ -75,8 +75,8 @@ void Entity::saveConstructParams() {}
 
 void Entity::entBackupDel() {}
 
-void Entity::parentIs( Ptr< Entity > const & parent ) {
-   parent_ = parent.ptr();
+void Entity::vornParentIs( Entity * parent ) {
+   parent_ = parent;
    if ( observed() ) notifieeList_.doVisitFwkActivity( *this );
    handleParent();
 }

@@ -2,6 +2,7 @@
 /// VLAN identifiers.
 #pragma once
 
+#include "Vorn/NboAttrLogValues.h"
 #include "Vorn/Strep.h"
 
 namespace Bridging {
@@ -23,4 +24,10 @@ class VORN_API VlanIdOrNone {
 };
 VORN_TEXT( VlanIdOrNone )
 
+/// In the attribute log 16 bits; a value above 4094 is refused with RangeException.
+VORN_API void logOut( Vorn::NboAttrLog::Out & out, VlanIdOrNone value );
+VORN_API void logIn( Vorn::NboAttrLog::In & in, VlanIdOrNone * value );
+
 } // namespace Bridging
+
+VORN_OUTSIDE_VALUE( Bridging::VlanIdOrNone )

@@ -202,8 +202,6 @@ class VORN_API LdpP2mpFecGenericOpaqueId {
 VORN_TEXT( LdpP2mpFecGenericOpaqueId )
 
 /// In the attribute log the fields in their order.
-VORN_API void logOut( Vorn::NboAttrLog::Out & out, LdpP2mpFecElement const & value );
-VORN_API void logIn( Vorn::NboAttrLog::In & in, LdpP2mpFecElement * value );
 VORN_API void logOut( Vorn::NboAttrLog::Out & out, LdpP2mpFecGenericOpaqueId const & value );
 VORN_API void logIn( Vorn::NboAttrLog::In & in, LdpP2mpFecGenericOpaqueId * value );
 
@@ -211,3 +209,6 @@ VORN_API void logIn( Vorn::NboAttrLog::In & in, LdpP2mpFecGenericOpaqueId * valu
 
 VORN_OUTSIDE_VALUE( Ldp::LdpP2mpFecElement )
 VORN_OUTSIDE_VALUE( Ldp::LdpP2mpFecGenericOpaqueId )
+VORN_OUTSIDE_VALUE( Ldp::LdpFecTlvP2mpOpaqueLength )
+VORN_OUTSIDE_VALUE( Ldp::LdpMPBasicOpaqueValueElementHdr )
+VORN_OUTSIDE_VALUE( Ldp::LdpGenericLSPId )

@@ -168,3 +168,6 @@ class VORN_API LdpTlvHdr : public Vorn::NrcPtrInterface {
 static_assert( sizeof( LdpTlvHdr ) == 4 && alignof( LdpTlvHdr ) == 1 );
 
 } // namespace Ldp
+
+VORN_OUTSIDE_VALUE( Ldp::LdpHdrMsgUbitAndTypeField )
+VORN_OUTSIDE_VALUE( Ldp::LdpTlvTypeField )

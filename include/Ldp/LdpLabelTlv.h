@@ -165,3 +165,6 @@ class VORN_API LdpAddressListTlv : public LdpTlvHdr {
 static_assert( sizeof( LdpAddressListTlv ) == 4 );
 
 } // namespace Ldp
+
+VORN_OUTSIDE_VALUE( Ldp::LdpGenLabelTlvLabel )
+VORN_OUTSIDE_VALUE( Ldp::LdpStatusTlvStatusCode )

@@ -245,3 +245,8 @@ class VORN_API LdpPwStatusTlv : public LdpTlvHdr {
 static_assert( sizeof( LdpPwStatusTlv ) == 8 && alignof( LdpPwStatusTlv ) == 1 );
 
 } // namespace Ldp
+
+VORN_OUTSIDE_VALUE( Ldp::LdpFecTlvPwIdElementHdrTypeField )
+VORN_OUTSIDE_VALUE( Ldp::LdpPwVccvParamField )
+VORN_OUTSIDE_VALUE( Ldp::LdpPwIntfParamFlags )
+VORN_OUTSIDE_VALUE( Ldp::LdpPwStatusField )

@@ -248,3 +248,6 @@ class VORN_API LdpCapabilityParameterTlv : public LdpTlvHdr {
 static_assert( sizeof( LdpCapabilityParameterTlv ) == 5 && alignof( LdpCapabilityParameterTlv ) == 1 );
 
 } // namespace Ldp
+
+VORN_OUTSIDE_VALUE( Ldp::LdpCommonHelloTargetField )
+VORN_OUTSIDE_VALUE( Ldp::LdpFtSessionFlags )

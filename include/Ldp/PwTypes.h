@@ -50,6 +50,9 @@ class VORN_API PwFwdEqvClass {
    bool controlWord_ = false;
 };
 VORN_TEXT( PwFwdEqvClass )
+/// In the attribute log the fields in their order.
+VORN_API void logOut( Vorn::NboAttrLog::Out & out, PwFwdEqvClass const & value );
+VORN_API void logIn( Vorn::NboAttrLog::In & in, PwFwdEqvClass * value );
 
 /// What the interface parameters and the group of a pseudowire FEC say. A field that was not sent has its
 /// default.
@@ -126,3 +129,7 @@ class VORN_API PwFwdEqvClassInfo {
 VORN_TEXT( PwFwdEqvClassInfo )
 
 } // namespace Ldp
+
+VORN_OUTSIDE_VALUE( Ldp::PwFwdEqvClassParams )
+VORN_OUTSIDE_VALUE( Ldp::PwFwdEqvClassInfo )
+VORN_OUTSIDE_VALUE( Ldp::PwFwdEqvClass )

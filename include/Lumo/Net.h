@@ -3,6 +3,7 @@
 /// bytes. Every field of a wire view is one of these or is built on one.
 #pragma once
 
+#include "Vorn/NboAttrLogValues.h"
 #include "Vorn/Strep.h"
 
 namespace Lumo {
@@ -155,4 +156,13 @@ requires( std::derived_from< Net, NetU8 > || std::same_as< Net, NetU16 > ||
    value->valueIs( host );
 }
 
+/// In the attribute log the number.
+VORN_API void logOut( Vorn::NboAttrLog::Out & out, NetU16 value );
+VORN_API void logIn( Vorn::NboAttrLog::In & in, NetU16 * value );
+VORN_API void logOut( Vorn::NboAttrLog::Out & out, NetU32 value );
+VORN_API void logIn( Vorn::NboAttrLog::In & in, NetU32 * value );
+
 } // namespace Lumo
+
+VORN_OUTSIDE_VALUE( Lumo::NetU16 )
+VORN_OUTSIDE_VALUE( Lumo::NetU32 )

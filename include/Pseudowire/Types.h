@@ -3,6 +3,7 @@
 /// own puts it in the place of this header.
 #pragma once
 
+#include "Vorn/NboAttrLogValues.h"
 #include "Vorn/Strep.h"
 
 namespace Pseudowire {
@@ -28,6 +29,10 @@ class Number {
    friend std::ostream & operator<<( std::ostream & out, Number const & value ) {
       return out << valueToStrep( value );
    }
+
+   /// In the attribute log the word.
+   friend void logOut( Vorn::NboAttrLog::Out & out, Number const & value ) { logOut( out, value.value_ ); }
+   friend void logIn( Vorn::NboAttrLog::In & in, Number * value ) { logIn( in, &value->value_ ); }
 
  private:
    Word value_ = 0;
@@ -62,3 +67,8 @@ VORN_ENUM( PseudowireType, PSEUDOWIRE_TYPES )
 VORN_API PseudowireType PseudowireTypeInstance( Vorn::String const & text );
 
 } // namespace Pseudowire
+
+VORN_OUTSIDE_VALUE( Pseudowire::PseudowireId )
+VORN_OUTSIDE_VALUE( Pseudowire::GroupId )
+VORN_OUTSIDE_VALUE( Pseudowire::VccvCvTypes )
+VORN_OUTSIDE_VALUE( Pseudowire::PseudowireLdpStatusFlags )

@@ -112,7 +112,8 @@ inline constexpr VornAttrOps constantOps{
    nullptr,
 };
 
-/// A scalar with a mutator, a single reference included. A value's field that has one is placed by it as well.
+/// A scalar with a mutator, a single reference included. A value's field that has one is placed by it as
+/// well.
 template< class Self, class T, auto get, auto set >
 inline constexpr VornAttrOps scalarOps{
    []( void * result, void * object, VornAttr const &, U32 op, void const *,

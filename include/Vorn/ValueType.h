@@ -67,14 +67,14 @@ struct GenericIfValueMethods {
       if constexpr ( requires { logOut( out, v ); } ) {
          logOut( out, v );
       } else {
-         GenericIfImpl::recordLogOut( out, value, T::_vornType );
+         GenericIfImpl::recordLogOut( out, value, *recordOf< T >() );
       }
    }
    static void logInOf( NboAttrLog::In & in, void * value ) {
       if constexpr ( requires { logIn( in, static_cast< T * >( value ) ); } ) {
          logIn( in, static_cast< T * >( value ) );
       } else {
-         GenericIfImpl::recordLogIn( in, value, T::_vornType );
+         GenericIfImpl::recordLogIn( in, value, *recordOf< T >() );
       }
    }
 
@@ -96,14 +96,48 @@ constexpr VornType valueRecord( char const * name, VornAttr const * attributes, 
    type.sizeAndFlags = VornType::objectSizeFlag | U32( sizeof( T ) );
    type.attributeNum = attributeNum;
    type.flags = VornType::plainFlags;
-   if constexpr ( requires { &T::_vornType; } ) {
-      type.genericIfAttributeOp = []( void * result, void * object, VornAttr const & attr, U32 op,
-                                      void const * key, void const * const * args ) {
-         return GenericIfImpl::attributeOp( T::_vornType, result, object, attr, op, key, args );
-      };
-   }
+   type.genericIfAttributeOp = []( void * result, void * object, VornAttr const & attr, U32 op,
+                                   void const * key, void const * const * args ) {
+      return GenericIfImpl::attributeOp( *recordOf< T >(), result, object, attr, op, key, args );
+   };
    return type;
 }
+
+/// How reflection reaches a part of a composite whose class stays as it is.
+template< class T, class Get, class Set >
+struct OutsidePart {
+   using Part = std::remove_cvref_t< std::invoke_result_t< Get, T const & > >;
+
+   static constexpr VornAttrOps ops{
+      []( void * result, void * object, VornAttr const &, U32 op, void const *,
+          void const * const * args ) -> U32 {
+         T & value = *static_cast< T * >( object );
+         switch ( op ) {
+         case GenericIf::read: *static_cast< Part * >( result ) = Get{}( value ); return GenericIf::done;
+         case GenericIf::write:
+         case GenericIf::place:
+            Set{}( value, *static_cast< Part const * >( args[0] ) );
+            return GenericIf::done;
+         default: return GenericIf::notApplicable;
+         }
+      },
+      nullptr,
+   };
+};
+
+/// The attributes of such a composite, from the parts of its text form.
+template< class T, class... Get, class... Set >
+constexpr std::array< VornAttr, sizeof...( Get ) + 1 > outsideAttributes(
+     TextField< Get, Set > const &... fields ) {
+   U32 id = firstAttrId< T >();
+   return { VornAttr{ fields.name, recordOf< T >(), recordOf< typename OutsidePart< T, Get, Set >::Part >(),
+                      nullptr, nullptr, nullptr, attrFlags( VornKind::state, id++, local, false ),
+                      &OutsidePart< T, Get, Set >::ops }...,
+            VornAttr{} };
+}
+
+/// The constructor arguments of a type whose fields are all set afterwards.
+inline constexpr VornCtorArg noCtorArgs[1]{};
 
 /// The record of one enumerator.
 constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
@@ -125,6 +159,18 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
    template<>                                                                                                \
    constinit ::Vorn::VornType const ::Vorn::BuiltinType< Namespace::Type >::record =                         \
         ::Vorn::valueRecord< Namespace::Type >( #Namespace "::" #Type, nullptr, 0, nullptr );
+
+/// Defines the text forms and the attributes of a composite whose class stays as it is, from its parts in
+/// their order. Stands in the source file, in the type's namespace; the record stands behind it, outside.
+#define VORN_OUTSIDE_COMPOSITE( Namespace, Type, ... )                                                       \
+   VORN_TEXT_COMPOSITE( Namespace, Type, __VA_ARGS__ )                                                       \
+   static constexpr auto Type##_attributes = ::Vorn::outsideAttributes< Type >( __VA_ARGS__ );
+#define VORN_OUTSIDE_COMPOSITE_RECORD( Namespace, Type )                                                     \
+   template<>                                                                                                \
+   constinit ::Vorn::VornType const ::Vorn::BuiltinType< Namespace::Type >::record =                         \
+        ::Vorn::valueRecord< Namespace::Type >( #Namespace "::" #Type, Namespace::Type##_attributes.data(),  \
+                                                U32( Namespace::Type##_attributes.size() - 1 ),              \
+                                                ::Vorn::noCtorArgs );
 
 /// Stands first in a class that is a value type.
 #define VORN_VALUE( Type )                                                                                   \
@@ -159,8 +205,8 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
  private:                                                                                                    \
    Type x##_
 
-/// A field whose setter, which the class defines by hand, throws RangeException for what is out of range; text
-/// and log come in through it too.
+/// A field whose setter, which the class defines by hand, throws RangeException for what is out of range;
+/// text and log come in through it too.
 #define VORN_CHECKED_FIELD( id, Type, x )                                                                    \
  public:                                                                                                     \
    ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
@@ -203,7 +249,7 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
 /// leaves the other bits alone. A bit word declares `value` first, then its constants, then its bits.
 #define VORN_BIT( id, bit, x )                                                                               \
  public:                                                                                                     \
-   constexpr bool x() const noexcept { return value_ >> ( bit ) & 1; }                                       \
+   constexpr bool x() const noexcept { return value_ >> (bit)&1; }                                           \
    constexpr void x##Is( bool set ) noexcept {                                                               \
       auto const mask = decltype( value_ )( decltype( value_ )( 1 ) << ( bit ) );                            \
       value_ = set ? value_ | mask : value_ & ~mask;                                                         \
@@ -213,8 +259,9 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
 /// The record of a view: what can be read and written but is no field.
 #define VORN_VIEW_( id, Type, x, xIs )                                                                       \
    static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
-      auto attr = ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::state, id, ::Vorn::local,          \
-                                                    &::Vorn::scalarOps< Self, Type, &Self::x, &Self::xIs > );\
+      auto attr =                                                                                            \
+           ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::state, id, ::Vorn::local,                 \
+                                             &::Vorn::scalarOps< Self, Type, &Self::x, &Self::xIs > );       \
       attr.flags |= ::Vorn::viewAccess;                                                                      \
       return attr;                                                                                           \
    }                                                                                                         \

@@ -322,6 +322,84 @@ Ldp::LdpSessionStateLogEntry
   0x3 ctor      no  sessionState: Ldp::SessionState = stateUnknown
   0x4 ctor      no  code: Ldp::LdpStatusCode = success
   0x5 ctor      no  reason: Vorn::String = ''
+
+Ldp::LdpHdrMsgUbitAndTypeField
+  0x2 state     no  v0: U8 = 0
+  0x3 state     no  v1: U8 = 0
+
+Ldp::LdpTlvTypeField
+  0x2 state     no  v0: U8 = 0
+  0x3 state     no  v1: U8 = 0
+
+Ldp::LdpCommonHelloTargetField
+  0x2 state     no  v0: U8 = 0
+  0x3 state     no  v1: U8 = 0
+
+Ldp::LdpFtSessionFlags
+  0x2 state     no  v0: U8 = 0
+  0x3 state     no  v1: U8 = 0
+
+Ldp::LdpFecTlvPwIdElementHdrTypeField
+  0x2 state     no  v0: U8 = 0
+  0x3 state     no  v1: U8 = 0
+
+Ldp::LdpPwVccvParamField
+  0x2 state     no  v0: U8 = 0
+  0x3 state     no  v1: U8 = 0
+
+Ldp::LdpGenLabelTlvLabel
+  0x2 state     no  v0: U8 = 0
+  0x3 state     no  v1: U8 = 0
+  0x4 state     no  v2: U8 = 0
+  0x5 state     no  v3: U8 = 0
+
+Ldp::LdpStatusTlvStatusCode
+  0x2 state     no  v0: U8 = 0
+  0x3 state     no  v1: U8 = 0
+  0x4 state     no  v2: U8 = 0
+  0x5 state     no  v3: U8 = 0
+
+Ldp::LdpPwStatusField
+  0x2 state     no  v0: U8 = 0
+  0x3 state     no  v1: U8 = 0
+  0x4 state     no  v2: U8 = 0
+  0x5 state     no  v3: U8 = 0
+
+Ldp::LdpFecTlvP2mpOpaqueLength
+  0x2 state     no  totalOpaqueLen: Lumo::NetU16 = 0
+
+Ldp::LdpMPBasicOpaqueValueElementHdr
+  0x2 state     no  type: U8 = 0
+  0x3 state     no  opaqueLenNbo: Lumo::NetU16 = 0
+
+Ldp::LdpGenericLSPId
+  0x2 state     no  type: U8 = 0
+  0x3 state     no  opaqueLenNbo: Lumo::NetU16 = 0
+  0x4 state     no  opaqueId: Lumo::NetU32 = 0
+
+Ldp::LdpP2mpFecElement
+  0x2 state     no  rootIp: Lumo::IpGenAddr = none
+  0x3 state     no  opaqueStr: Vorn::String = ''
+
+Ldp::LdpPwIntfParamFlags
+  0x2 state     no  intfMtu: bool = False
+  0x3 state     no  intfDesc: bool = False
+  0x4 state     no  requestedVlanId: bool = False
+  0x5 state     no  fragIndicator: bool = False
+  0x6 state     no  vccvParam: bool = False
+
+Ldp::PwFwdEqvClassParams
+  0x2 state     no  groupId: Pseudowire::GroupId = 0
+  0x3 state     no  mtu: U32 = 0
+  0x4 state     no  intfDescription: Vorn::String = ''
+  0x5 state     no  requestedVlanId: Bridging::VlanIdOrNone = 0
+  0x6 state     no  fragCapable: bool = False
+  0x7 state     no  vccvCcTypes: U8 = 0
+  0x8 state     no  vccvCvTypes: Pseudowire::VccvCvTypes = 0
+
+Ldp::PwFwdEqvClassInfo
+  0x2 state     no  fwdEqvClass: Ldp::PwFwdEqvClass = pw0:pwTypeNone:cbit0
+  0x3 state     no  params: Ldp::PwFwdEqvClassParams
 )";
 
 constexpr char enums[] = R"(Ldp::LdpLabelDistCtrl independentCtrl=1 orderedCtrl=2

@@ -2,6 +2,7 @@
 
 #include "Commands.h"
 
+#include "Vorn/Entity.h"
 #include "Vorn/GenericIf.h"
 
 #include <CLI/CLI.hpp>
@@ -28,10 +29,9 @@ struct TypesOptions {
 
 /// An entity, another counted object, a view over foreign bytes, a value or an enumeration.
 char const * kindOf( VornType const & type ) {
-   static VornType const * const entity = Vorn::typeNode( "Vorn::Entity" );
    if ( type.isEnum() ) return "enum";
    if ( type.isOverlay() ) return "overlay";
-   if ( type.isDerived( entity ) ) return "entity";
+   if ( type.isDerived( &Vorn::Entity::_vornType ) ) return "entity";
    return type.isPolymorphic() ? "object" : "value";
 }
 

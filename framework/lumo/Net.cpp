@@ -1,0 +1,26 @@
+#include "Lumo/Net.h"
+
+#include "Vorn/ValueType.h"
+
+namespace Lumo {
+
+void logOut( Vorn::NboAttrLog::Out & out, NetU16 value ) { logOut( out, value.value() ); }
+
+void logIn( Vorn::NboAttrLog::In & in, NetU16 * value ) {
+   U16 host;
+   logIn( in, &host );
+   value->valueIs( host );
+}
+
+void logOut( Vorn::NboAttrLog::Out & out, NetU32 value ) { logOut( out, value.value() ); }
+
+void logIn( Vorn::NboAttrLog::In & in, NetU32 * value ) {
+   U32 host;
+   logIn( in, &host );
+   value->valueIs( host );
+}
+
+} // namespace Lumo
+
+VORN_OUTSIDE_RECORD( Lumo, NetU16 )
+VORN_OUTSIDE_RECORD( Lumo, NetU32 )
