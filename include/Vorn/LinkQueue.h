@@ -1,0 +1,243 @@
+/// \file
+/// `LinkQueue< Owner, Index, Value >`: a queue whose elements have rising indices, so that an element can be
+/// named, read, replaced and removed by index as well as taken off the front. `Owner` only keeps apart the
+/// queues of different owners.
+///
+///     Vorn::LinkQueue< LdpP2mpOpaqueTable, U32, U32 > freeId_;
+///     U32 const index = freeId_.enq( id );
+///     U32 const first = freeId_.deq();                          // 0 where the queue is empty
+///     if ( auto const node = freeId_[ index ] ) use( node->value() );
+///     for ( auto it = freeId_.begin(); it; it.advance() ) ... it->index(), it->value() ...
+///
+/// An index is not given twice before its 32 bits wrap. An iterator survives any change of the queue: the
+/// node on which it stands stays readable, and the walk goes on behind its index.
+#pragma once
+
+#include "Vorn/Exception.h"
+#include "Vorn/VornType.h"
+
+#include <iterator>
+
+namespace Vorn {
+
+template< class Owner, class Index, class Value >
+class LinkQueue;
+
+/// An element of a queue: its index and value, and the counted link to the next.
+template< class Owner, class Index, class Value >
+class LinkQueueNode final : public PtrInterface {
+   VORN_OBJECT( LinkQueueNode )
+
+ public:
+   LinkQueueNode( Index index, Value value ) : index_( index ), value_( std::move( value ) ) {}
+
+   Index index() const noexcept { return index_; }
+   Value const & value() const noexcept { return value_; }
+   void valueIs( Value value ) noexcept { value_ = std::move( value ); }
+   /// Whether the node is in a queue. A removed node keeps its index and value.
+   bool linked() const noexcept { return linked_; }
+
+ private:
+   friend class LinkQueue< Owner, Index, Value >;
+
+   Index index_;
+   Value value_;
+   Ptr< LinkQueueNode > next_;
+   bool linked_ = false;
+};
+
+// clang-format off
+template< class Owner, class Index, class Value >
+VornType const LinkQueueNode< Owner, Index, Value >::_vornType{
+   "Vorn::LinkQueueNode", nullptr, nullptr, sizeof( LinkQueueNode ), 0 };
+// clang-format on
+template< class Owner, class Index, class Value >
+AllocTrackTypeInfo LinkQueueNode< Owner, Index, Value >::vornAllocTrackTypeInfo_{ &_vornType };
+
+/// The queue.
+template< class Owner, class Index, class Value >
+class LinkQueue {
+ public:
+   using Node = LinkQueueNode< Owner, Index, Value >;
+   template< class NodeType >
+   class TIterator;
+   using Iterator = TIterator< Node >;
+   using IteratorConst = TIterator< Node const >;
+
+   static_assert( sizeof( Index ) == 4 && std::is_unsigned_v< Index > );
+
+   LinkQueue() noexcept = default;
+   LinkQueue( LinkQueue const & ) = delete;
+   LinkQueue & operator=( LinkQueue const & ) = delete;
+   ~LinkQueue() { delAll(); }
+
+   /// Number of elements.
+   U32 members() const noexcept { return members_; }
+   /// Changes with each insertion, replacement and removal.
+   U32 modificationCount() const noexcept { return modificationCount_; }
+   /// Index of the first element; of an empty queue, the index that the next element will get.
+   Index firstIndex() const noexcept { return first_; }
+   /// Index that the next element will get.
+   Index nextIndex() const noexcept { return next_; }
+
+   /// The element with that index, or null.
+   Ptr< Node > operator[]( Index index ) noexcept { return find( index ); }
+   Ptr< Node const > operator[]( Index index ) const noexcept { return find( index ); }
+
+   /// Appends, and returns the new element's index. Throws RangeException when all indices are taken.
+   Index enq( Value value ) {
+      Index const index = next_; // always above the last element's
+      doMemberIs( index, newObject< Node >( index, std::move( value ) ) );
+      return index;
+   }
+   /// Takes the first element off and returns its value, or a default one.
+   Value deq() noexcept {
+      if ( !head_ ) return Value();
+      Ptr< Node > const node = head_;
+      doMemberIs( first_, nullptr );
+      return node->value();
+   }
+   /// Puts a node of that index in its place: behind all others, instead of the one with that index, or
+   /// between its neighbours. Null removes the one with that index.
+   void doMemberIs( Index index, Ptr< Node > const & node );
+   /// Removes all elements.
+   void delAll() noexcept {
+      // One by one, since a chain that is released at once recurses.
+      while ( head_ ) {
+         doMemberIs( first_, nullptr );
+      }
+   }
+
+   Iterator begin() noexcept { return Iterator( *this ); }
+   IteratorConst begin() const noexcept { return IteratorConst( *this ); }
+   std::default_sentinel_t end() const noexcept { return {}; }
+
+ private:
+   /// How long ago an index was given; the order of indices that have been given, when they have wrapped too.
+   Index age( Index index ) const noexcept { return next_ - index; }
+   bool precedes( Index a, Index b ) const noexcept {
+      bool const wrapped = next_ < first_;
+      return wrapped ? age( a ) > age( b ) : a < b;
+   }
+   /// The last node before `index`, or null if there is none.
+   Node * before( Index index ) const noexcept {
+      Node * found = nullptr;
+      for ( Node * at = head_.ptr(); at && precedes( at->index_, index ); at = at->next_.ptr() ) {
+         found = at;
+      }
+      return found;
+   }
+   /// The first node that was enqueued after one with that index, which has been removed; or null.
+   Node * youngerThan( Index index ) const noexcept {
+      Node * at = head_.ptr();
+      while ( at && age( at->index_ ) >= age( index ) ) {
+         at = at->next_.ptr();
+      }
+      return at;
+   }
+   Node * behind( Node const * before ) const noexcept { return before ? before->next_.ptr() : head_.ptr(); }
+   Node * find( Index index ) const noexcept {
+      Node * const node = behind( before( index ) );
+      return node && node->index_ == index ? node : nullptr;
+   }
+   void linkIs( Node * before, Ptr< Node > node ) noexcept {
+      ( before ? before->next_ : head_ ) = std::move( node );
+   }
+   void append( Index index, Ptr< Node > const & node );
+   void remove( Node * before, Node * node ) noexcept;
+
+   Index first_ = 0;
+   Index next_ = 0;
+   U32 modificationCount_ = 0;
+   U32 members_ = 0;
+   Ptr< Node > head_;
+   Node * tail_ = nullptr;
+};
+
+template< class Owner, class Index, class Value >
+void LinkQueue< Owner, Index, Value >::doMemberIs( Index index, Ptr< Node > const & node ) {
+   if ( node && index == next_ ) return append( index, node );
+   Node * const place = before( index );
+   Ptr< Node > old( behind( place ) );
+   if ( old && old->index_ != index ) old = nullptr;
+   if ( !node ) {
+      if ( old ) remove( place, old.ptr() );
+      return;
+   }
+   VORN_ASSERT( node->index() == index );
+   node->next_ = old ? old->next_ : Ptr< Node >( behind( place ) );
+   node->linked_ = true;
+   linkIs( place, node );
+   if ( old ) {
+      old->linked_ = false;
+      old->next_ = nullptr;
+   } else {
+      ++members_;
+   }
+   ++modificationCount_;
+   if ( !node->next_ ) {
+      tail_ = node.ptr();
+      if ( !precedes( index, next_ ) ) next_ = index + 1;
+   }
+   first_ = head_->index_;
+}
+
+template< class Owner, class Index, class Value >
+void LinkQueue< Owner, Index, Value >::append( Index index, Ptr< Node > const & node ) {
+   VORN_ASSERT( node->index() == index );
+   if ( Index( index + 1 ) == first_ ) throwRangeException( "linkqueue index space full" );
+   if ( !head_ ) first_ = index;
+   linkIs( tail_, node );
+   tail_ = node.ptr();
+   node->linked_ = true;
+   ++modificationCount_;
+   ++members_;
+   next_ = index + 1;
+}
+
+template< class Owner, class Index, class Value >
+void LinkQueue< Owner, Index, Value >::remove( Node * before, Node * node ) noexcept {
+   if ( tail_ == node ) tail_ = before;
+   linkIs( before, std::exchange( node->next_, nullptr ) );
+   node->linked_ = false;
+   first_ = head_ ? head_->index_ : next_;
+   ++modificationCount_;
+   --members_;
+}
+
+/// Stands on one element, with a reference on it, or at the end.
+template< class Owner, class Index, class Value >
+template< class NodeType >
+class LinkQueue< Owner, Index, Value >::TIterator {
+ public:
+   /// On the first element.
+   explicit TIterator( LinkQueue const & queue ) noexcept : queue_( &queue ), node_( queue.head_.ptr() ) {}
+   /// On the element with that index, or else on the one that follows.
+   TIterator( LinkQueue const & queue, Index index ) noexcept
+        : queue_( &queue ), node_( queue.behind( queue.before( index ) ) ) {}
+
+   explicit operator bool() const noexcept { return bool( node_ ); }
+   bool operator!() const noexcept { return !node_; }
+   bool operator==( std::default_sentinel_t ) const noexcept { return !node_; }
+
+   Ptr< NodeType > const & ptr() const noexcept { return node_; }
+   NodeType & operator*() const noexcept { return *node_; }
+   NodeType * operator->() const noexcept { return node_.ptr(); }
+   /// Whether it stands on an element whose index is not 0.
+   bool hasBookmark() const noexcept { return node_ && node_->index() != 0; }
+
+   /// To the element that follows, whether or not the present one is still in the queue.
+   void advance() noexcept {
+      node_ = node_->linked() ? node_->next_.ptr() : queue_->youngerThan( node_->index() );
+   }
+   TIterator & operator++() noexcept {
+      advance();
+      return *this;
+   }
+
+ private:
+   LinkQueue const * queue_;
+   Ptr< NodeType > node_;
+};
+
+} // namespace Vorn
