@@ -46,6 +46,7 @@ class LinkQueueNode final : public PtrInterface {
    bool linked_ = false;
 };
 
+/// \cond
 // clang-format off
 template< class Owner, class Index, class Value >
 VornType const LinkQueueNode< Owner, Index, Value >::_vornType{
@@ -53,6 +54,7 @@ VornType const LinkQueueNode< Owner, Index, Value >::_vornType{
 // clang-format on
 template< class Owner, class Index, class Value >
 AllocTrackTypeInfo LinkQueueNode< Owner, Index, Value >::vornAllocTrackTypeInfo_{ &_vornType };
+/// \endcond
 
 /// The queue.
 template< class Owner, class Index, class Value >
