@@ -37,6 +37,7 @@ void HashMapGeneric::newMemberG( Entity & member ) {
 
 void HashMapGeneric::deleteMember( Entity & member ) {
    Ptr< Entity > const hold( &member );
+   VORN_ASSERT_TEXT( buckets_, "the member is in the map" );
    Entity ** const head = &buckets_[bucketOf( vtable_->hash( member ) )];
    Ptr< Entity > const behind( next( member ) );
    if ( *head == &member ) {
@@ -45,9 +46,10 @@ void HashMapGeneric::deleteMember( Entity & member ) {
       member.referenceDec();
    } else {
       Entity * previous = *head;
-      while ( next( *previous ) != &member ) {
+      while ( previous && next( *previous ) != &member ) {
          previous = next( *previous );
       }
+      VORN_ASSERT_TEXT( previous, "the member is in the map" );
       vtable_->setNext( *previous, behind.ptr() );
    }
    vtable_->setNext( member, nullptr );

@@ -221,18 +221,18 @@ T queueDel( Self & self, Queue & queue, NotifieeChange const & change, U32 index
 }
 template< class T, class Self, class Queue >
 T queueDeq( Self & self, Queue & queue, NotifieeChange const & change ) {
-   return queue.members() ? queueDel< T >( self, queue, change, queue.head() ) : T{};
+   return queue.members() ? queueDel< T >( self, queue, change, queue.firstIndex() ) : T{};
 }
 template< class Self, class Queue, class T >
 void queueIs( Self & self, Queue & queue, NotifieeChange const & change, U32 index, T const & value ) {
-   if ( auto const * node = queue[index]; node && node->value() == value ) return;
+   if ( auto const node = queue[index]; node && node->value() == value ) return;
    queue.valueIs( index, value );
    self.notify( change, &index );
 }
 template< class Self, class Queue >
 void queueDelAll( Self & self, Queue & queue, NotifieeChange const & change ) {
    while ( queue.members() ) {
-      U32 const index = queue.head();
+      U32 const index = queue.firstIndex();
       queue.del( index );
       self.notify( change, &index );
    }

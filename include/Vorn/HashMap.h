@@ -44,6 +44,9 @@ class VORN_API HashMapGeneric {
    /// The member with that key, or what would follow it.
    Entity * startAtHash( void const * key, U32 hash, std::int32_t * bucket ) const;
 
+   /// Drops all members, in a loop however long the chains.
+   void emptyAllBuckets() noexcept;
+
  protected:
    HashMapGeneric( HashMapVTableGeneric const & vtable, U8 exponent, U16 linkOffset ) noexcept
         : vtable_( &vtable ), exponent_( exponent ), linkOffset_( linkOffset ) {}
@@ -55,9 +58,6 @@ class VORN_API HashMapGeneric {
    void newMemberG( Entity & member );
    /// Takes a member out and drops the map's reference.
    void deleteMember( Entity & member );
-   /// Drops all members, in a loop however long the chains.
-   void emptyAllBuckets() noexcept;
-
    U32 bucketOf( U32 hash ) const noexcept { return bitReverse( hash ) >> ( 32 - exponent_ ); }
    Entity * first( U32 bucket ) const noexcept { return buckets_ ? buckets_[bucket] : nullptr; }
    Entity *& next( Entity & member ) const noexcept {

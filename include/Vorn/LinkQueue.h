@@ -1,124 +1,265 @@
 /// \file
-/// `LinkQueue< Owner, Index, Value >`: values in order of an index that rises and is not given again until it
-/// wraps.
+/// `LinkQueue< Owner, Index, Value >`: a queue whose elements have rising indices, so that an element can be
+/// named, read, replaced and removed by index as well as taken off the front. `Owner` only keeps apart the
+/// queues of different owners.
 ///
-/// A node is counted, and a node that was taken out keeps its index, so an iterator that stands on it goes on
-/// by index.
+///     Vorn::LinkQueue< LdpP2mpOpaqueTable, U32, U32 > freeId_;
+///     U32 const index = freeId_.enq( id );
+///     U32 const first = freeId_.deq();                          // 0 where the queue is empty
+///     if ( auto const node = freeId_[ index ] ) use( node->value() );
+///     for ( auto it = freeId_.begin(); it; it.advance() ) ... it->index(), it->value() ...
+///
+/// An index is not given twice before its 32 bits wrap. An iterator survives any change of the queue: the
+/// node on which it stands stays readable, and the walk goes on behind its index.
 #pragma once
 
 #include "Vorn/Exception.h"
 #include "Vorn/VornType.h"
 
+#include <iterator>
+
 namespace Vorn {
 
-/// What the queues share without their value's type. A node holds the next one.
-class VORN_API LinkQueueNode : public PtrInterface {
+template< class Owner, class Index, class Value >
+class LinkQueue;
+
+/// An element of a queue: its index and value, and the counted link to the next.
+template< class Owner, class Index, class Value >
+class LinkQueueNode final : public PtrInterface {
    VORN_OBJECT( LinkQueueNode )
 
  public:
-   explicit LinkQueueNode( U32 index ) noexcept : index_( index ) {}
-   ~LinkQueueNode() override;
+   LinkQueueNode( Index index, Value value ) : index_( index ), value_( std::move( value ) ) {}
 
-   U32 index() const noexcept { return index_; }
+   Index index() const noexcept { return index_; }
+   Value const & value() const noexcept { return value_; }
+   void valueIs( Value value ) noexcept { value_ = std::move( value ); }
+   /// Whether the node is in a queue. A removed node keeps its index and value.
+   bool linked() const noexcept { return linked_; }
 
  private:
-   friend class LinkQueueGeneric;
+   friend class LinkQueue< Owner, Index, Value >;
 
-   U32 index_;
+   Index index_;
+   Value value_;
    Ptr< LinkQueueNode > next_;
+   bool linked_ = false;
 };
 
-/// The queue without its types.
-class VORN_API LinkQueueGeneric {
- public:
-   U32 members() const noexcept { return members_; }
-   U32 modificationCount() const noexcept { return modificationCount_; }
-   /// Index of the first element; of an empty queue the next free one.
-   U32 head() const noexcept { return head_; }
-   /// The index that the next element gets.
-   U32 nextIndex() const noexcept;
-   /// Sets both of an empty queue, as the log's reader does.
-   void indicesIs( U32 head, U32 next ) noexcept;
-
- protected:
-   LinkQueueGeneric() noexcept = default;
-   LinkQueueGeneric( LinkQueueGeneric const & ) = delete;
-   LinkQueueGeneric & operator=( LinkQueueGeneric const & ) = delete;
-   ~LinkQueueGeneric() { clear(); }
-
-   /// Puts the node at its index: appends at the next free index, else replaces or inserts in order; null
-   /// removes what is there. Throws RangeException when the index space is full. Gives what was removed or
-   /// replaced.
-   Ptr< LinkQueueNode > doMemberIs( U32 index, Ptr< LinkQueueNode > const & node );
-   LinkQueueNode * node( U32 index ) const noexcept;
-   LinkQueueNode * first() const noexcept { return first_.ptr(); }
-   /// The first node with an index behind that one.
-   LinkQueueNode * behind( LinkQueueNode const & node ) const noexcept;
-   void clear() noexcept;
-
- private:
-   U32 head_ = 0;
-   U32 next_ = 0;
-   U32 modificationCount_ = 0;
-   U32 members_ = 0;
-   Ptr< LinkQueueNode > first_;
-   LinkQueueNode * last_ = nullptr;
-};
-
-/// The typed queue.
+/// \cond
 template< class Owner, class Index, class Value >
-class LinkQueue : public LinkQueueGeneric {
-   static_assert( sizeof( Index ) == sizeof( U32 ) );
+constinit VornType const LinkQueueNode< Owner, Index, Value >::_vornType =
+     objectRecord( "Vorn::LinkQueueNode", nullptr, sizeof( LinkQueueNode ) );
+template< class Owner, class Index, class Value >
+AllocTrackTypeInfo LinkQueueNode< Owner, Index, Value >::vornAllocTrackTypeInfo_{ &_vornType };
+/// \endcond
 
+/// The queue.
+template< class Owner, class Index, class Value >
+class LinkQueue {
  public:
-   class Node final : public LinkQueueNode {
-    public:
-      Node( U32 index, Value const & value ) : LinkQueueNode( index ), value_( value ) {}
-      Value const & value() const noexcept { return value_; }
+   using Node = LinkQueueNode< Owner, Index, Value >;
+   template< class NodeType >
+   class TIterator;
+   using Iterator = TIterator< Node >;
+   using IteratorConst = TIterator< Node const >;
 
-    private:
-      Value value_;
-   };
+   static_assert( sizeof( Index ) == 4 && std::is_unsigned_v< Index > );
 
-   Node const * operator[]( U32 index ) const noexcept { return static_cast< Node * >( node( index ) ); }
-   /// The value at an index; a default one where there is none.
-   Value value( U32 index ) const {
-      Node const * const at = ( *this )[index];
-      return at ? at->value() : Value{};
+   LinkQueue() noexcept = default;
+   LinkQueue( LinkQueue const & ) = delete;
+   LinkQueue & operator=( LinkQueue const & ) = delete;
+   ~LinkQueue() { delAll(); }
+
+   /// Number of elements.
+   U32 members() const noexcept { return members_; }
+   /// Changes with each insertion, replacement and removal.
+   U32 modificationCount() const noexcept { return modificationCount_; }
+   /// Index of the first element; of an empty queue, the index that the next element will get.
+   Index firstIndex() const noexcept { return first_; }
+   /// Index that the next element will get.
+   Index nextIndex() const noexcept { return next_; }
+
+   /// The element with that index, or null.
+   Ptr< Node > operator[]( Index index ) noexcept { return find( index ); }
+   Ptr< Node const > operator[]( Index index ) const noexcept { return find( index ); }
+
+   /// The value at an index, or a default one.
+   Value value( Index index ) const {
+      Node const * const node = find( index );
+      return node ? node->value() : Value();
    }
-   /// Appends and returns the index.
-   U32 enq( Value const & value ) {
-      U32 const index = nextIndex();
-      doMemberIs( index, newObject< Node >( index, value ) );
+   /// Puts a value at an index, as `doMemberIs` does.
+   void valueIs( Index index, Value value ) {
+      doMemberIs( index, newObject< Node >( index, std::move( value ) ) );
+   }
+   /// Removes and returns the element with that index; null where there is none.
+   Ptr< Node > del( Index index ) {
+      Ptr< Node > const node( find( index ) );
+      if ( node ) doMemberIs( index, nullptr );
+      return node;
+   }
+   /// Sets the first index and the next of an empty queue, as a copy of another queue needs it.
+   void indicesIs( Index first, Index next ) noexcept {
+      first_ = first;
+      next_ = next;
+      ++modificationCount_;
+   }
+
+   /// Appends, and returns the new element's index. Throws RangeException when all indices are taken.
+   Index enq( Value value ) {
+      Index const index = next_; // always above the last element's
+      doMemberIs( index, newObject< Node >( index, std::move( value ) ) );
       return index;
    }
-   void valueIs( U32 index, Value const & value ) { doMemberIs( index, newObject< Node >( index, value ) ); }
-   /// Removes and returns the node at an index; null where there is none.
-   Ptr< Node > del( U32 index ) {
-      return Ptr< Node >( static_cast< Node * >( doMemberIs( index, nullptr ).ptr() ) );
+   /// Takes the first element off and returns its value, or a default one.
+   Value deq() noexcept {
+      if ( !head_ ) return Value();
+      Ptr< Node > const node = head_;
+      doMemberIs( first_, nullptr );
+      return node->value();
+   }
+   /// Puts a node of that index in its place: behind all others, instead of the one with that index, or
+   /// between its neighbours. Null removes the one with that index.
+   void doMemberIs( Index index, Ptr< Node > const & node );
+   /// Removes all elements.
+   void delAll() noexcept {
+      // One by one, since a chain that is released at once recurses.
+      while ( head_ ) {
+         doMemberIs( first_, nullptr );
+      }
    }
 
-   /// A position; it holds its node.
-   class IteratorConst {
-    public:
-      explicit IteratorConst( LinkQueue const & queue )
-           : queue_( &queue ), node_( static_cast< Node * >( queue.first() ) ) {}
-      /// At that index or what follows it.
-      IteratorConst( LinkQueue const & queue, U32 index ) : IteratorConst( queue ) {
-         while ( node_ && node_->index() < index ) {
-            advance();
-         }
-      }
-      explicit operator bool() const noexcept { return bool( node_ ); }
-      Node const * operator->() const noexcept { return node_.ptr(); }
-      /// Whether the walk can be taken up again by index: it stands on a node whose index is not zero.
-      bool hasBookmark() const noexcept { return node_ && node_->index() != 0; }
-      void advance() { node_ = static_cast< Node * >( queue_->behind( *node_ ) ); }
+   Iterator begin() noexcept { return Iterator( *this ); }
+   IteratorConst begin() const noexcept { return IteratorConst( *this ); }
+   std::default_sentinel_t end() const noexcept { return {}; }
 
-    private:
-      LinkQueue const * queue_;
-      Ptr< Node > node_;
-   };
+ private:
+   /// How long ago an index was given; the order of indices that have been given, when they have wrapped too.
+   Index age( Index index ) const noexcept { return next_ - index; }
+   bool precedes( Index a, Index b ) const noexcept {
+      bool const wrapped = next_ < first_;
+      return wrapped ? age( a ) > age( b ) : a < b;
+   }
+   /// The last node before `index`, or null if there is none.
+   Node * before( Index index ) const noexcept {
+      Node * found = nullptr;
+      for ( Node * at = head_.ptr(); at && precedes( at->index_, index ); at = at->next_.ptr() ) {
+         found = at;
+      }
+      return found;
+   }
+   /// The first node that was enqueued after one with that index, which has been removed; or null.
+   Node * youngerThan( Index index ) const noexcept {
+      Node * at = head_.ptr();
+      while ( at && age( at->index_ ) >= age( index ) ) {
+         at = at->next_.ptr();
+      }
+      return at;
+   }
+   Node * behind( Node const * before ) const noexcept { return before ? before->next_.ptr() : head_.ptr(); }
+   Node * find( Index index ) const noexcept {
+      Node * const node = behind( before( index ) );
+      return node && node->index_ == index ? node : nullptr;
+   }
+   void linkIs( Node * before, Ptr< Node > node ) noexcept {
+      ( before ? before->next_ : head_ ) = std::move( node );
+   }
+   void append( Index index, Ptr< Node > const & node );
+   void remove( Node * before, Node * node ) noexcept;
+
+   Index first_ = 0;
+   Index next_ = 0;
+   U32 modificationCount_ = 0;
+   U32 members_ = 0;
+   Ptr< Node > head_;
+   Node * tail_ = nullptr;
+};
+
+template< class Owner, class Index, class Value >
+void LinkQueue< Owner, Index, Value >::doMemberIs( Index index, Ptr< Node > const & node ) {
+   if ( node && index == next_ ) return append( index, node );
+   Node * const place = before( index );
+   Ptr< Node > old( behind( place ) );
+   if ( old && old->index_ != index ) old = nullptr;
+   if ( !node ) {
+      if ( old ) remove( place, old.ptr() );
+      return;
+   }
+   VORN_ASSERT( node->index() == index );
+   node->next_ = old ? old->next_ : Ptr< Node >( behind( place ) );
+   node->linked_ = true;
+   linkIs( place, node );
+   if ( old ) {
+      old->linked_ = false;
+      old->next_ = nullptr;
+   } else {
+      ++members_;
+   }
+   ++modificationCount_;
+   if ( !node->next_ ) {
+      tail_ = node.ptr();
+      if ( !precedes( index, next_ ) ) next_ = index + 1;
+   }
+   first_ = head_->index_;
+}
+
+template< class Owner, class Index, class Value >
+void LinkQueue< Owner, Index, Value >::append( Index index, Ptr< Node > const & node ) {
+   VORN_ASSERT( node->index() == index );
+   if ( Index( index + 1 ) == first_ ) throwRangeException( "linkqueue index space full" );
+   if ( !head_ ) first_ = index;
+   linkIs( tail_, node );
+   tail_ = node.ptr();
+   node->linked_ = true;
+   ++modificationCount_;
+   ++members_;
+   next_ = index + 1;
+}
+
+template< class Owner, class Index, class Value >
+void LinkQueue< Owner, Index, Value >::remove( Node * before, Node * node ) noexcept {
+   if ( tail_ == node ) tail_ = before;
+   linkIs( before, std::exchange( node->next_, nullptr ) );
+   node->linked_ = false;
+   first_ = head_ ? head_->index_ : next_;
+   ++modificationCount_;
+   --members_;
+}
+
+/// Stands on one element, with a reference on it, or at the end.
+template< class Owner, class Index, class Value >
+template< class NodeType >
+class LinkQueue< Owner, Index, Value >::TIterator {
+ public:
+   /// On the first element.
+   explicit TIterator( LinkQueue const & queue ) noexcept : queue_( &queue ), node_( queue.head_.ptr() ) {}
+   /// On the element with that index, or else on the one that follows.
+   TIterator( LinkQueue const & queue, Index index ) noexcept
+        : queue_( &queue ), node_( queue.behind( queue.before( index ) ) ) {}
+
+   explicit operator bool() const noexcept { return bool( node_ ); }
+   bool operator!() const noexcept { return !node_; }
+   bool operator==( std::default_sentinel_t ) const noexcept { return !node_; }
+
+   Ptr< NodeType > const & ptr() const noexcept { return node_; }
+   NodeType & operator*() const noexcept { return *node_; }
+   NodeType * operator->() const noexcept { return node_.ptr(); }
+   /// Whether it stands on an element whose index is not 0.
+   bool hasBookmark() const noexcept { return node_ && node_->index() != 0; }
+
+   /// To the element that follows, whether or not the present one is still in the queue.
+   void advance() noexcept {
+      node_ = node_->linked() ? node_->next_.ptr() : queue_->youngerThan( node_->index() );
+   }
+   TIterator & operator++() noexcept {
+      advance();
+      return *this;
+   }
+
+ private:
+   LinkQueue const * queue_;
+   Ptr< NodeType > node_;
 };
 
 } // namespace Vorn

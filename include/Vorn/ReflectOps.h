@@ -300,7 +300,7 @@ inline constexpr VornAttrOps queueOps{
       auto & queue = self.*field;
       if ( containerOp( queue, result, op ) ) return GenericIf::done;
       if ( op == GenericIf::indices ) {
-         static_cast< U32 * >( result )[0] = queue.head();
+         static_cast< U32 * >( result )[0] = queue.firstIndex();
          static_cast< U32 * >( result )[1] = queue.nextIndex();
          return GenericIf::done;
       }

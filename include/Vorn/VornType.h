@@ -180,6 +180,16 @@ VORN_API VornType const BuiltinType< Name >::record;
 template<>
 VORN_API VornType const BuiltinType< void >::record;
 
+/// The record of a counted class without reflected attributes.
+constexpr VornType objectRecord( char const * name, VornType const * base, std::size_t size ) {
+   VornType type{};
+   type.name = name;
+   type.base = base;
+   type.sizeAndFlags = VornType::objectSizeFlag | U32( size );
+   type.flags = VornType::plainFlags | VornType::polymorphicFlag;
+   return type;
+}
+
 /// Enters a record into the process-wide table, as each module's initialiser does while the library is
 /// loaded.
 VORN_API void typeNodeIs( VornType const * type );
@@ -213,21 +223,6 @@ struct TypeModule {
 /// The record of a counted class without reflected attributes, and its memory tracker; `baseRecord` is the
 /// address of the base's record or null. Stands in the source file, inside the class's namespace.
 #define VORN_OBJECT_RECORD( Namespace, Type, baseRecord )                                                    \
-   constinit ::Vorn::VornType const Type::_vornType{                                                         \
-      .name = #Namespace "::" #Type,                                                                         \
-      .base = baseRecord,                                                                                    \
-      .attributes = nullptr,                                                                                 \
-      .ctorArgs = nullptr,                                                                                   \
-      .reserved = nullptr,                                                                                   \
-      .newEntityForAttrLog = nullptr,                                                                        \
-      .childAttrLogIs = nullptr,                                                                             \
-      .methods = nullptr,                                                                                    \
-      .genericIfConstructFromCtorArgs = nullptr,                                                             \
-      .genericIfAttributeOp = nullptr,                                                                       \
-      .genericIfIterator = nullptr,                                                                          \
-      .genericIfNotifiee = nullptr,                                                                          \
-      .sizeAndFlags = ::Vorn::VornType::objectSizeFlag | U32( sizeof( Type ) ),                              \
-      .attributeNum = 0,                                                                                     \
-      .flags = ::Vorn::VornType::plainFlags | ::Vorn::VornType::polymorphicFlag,                             \
-   };                                                                                                        \
+   constinit ::Vorn::VornType const Type::_vornType =                                                        \
+        ::Vorn::objectRecord( #Namespace "::" #Type, baseRecord, sizeof( Type ) );                           \
    ::Vorn::AllocTrackTypeInfo Type::vornAllocTrackTypeInfo_{ &Type::_vornType };
