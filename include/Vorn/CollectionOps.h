@@ -58,7 +58,7 @@ Ptr< Type > childIs( Self & self, Ptr< Type > & field, NotifieeChange const & ch
    }
    if ( field ) field->parentIs( nullptr );
    Ptr< Type > const child = newObject< Type >( args... );
-   child->parentIs( Ptr< Entity >( &self ) );
+   child->vornParentIs( &self );
    field = child;
    self.notify( change );
    return child;
@@ -111,7 +111,7 @@ auto memberIs( Self & self, Map & map, NotifieeChange const & change, Key const 
    Ptr< Type > const member =
         std::apply( []( auto const &... arg ) { return newObject< Type >( arg... ); }, args );
    map.newMember( *member );
-   member->parentIs( Ptr< Entity >( &self ) );
+   member->vornParentIs( &self );
    self.notify( change, &key );
    return member;
 }
