@@ -20,26 +20,32 @@ namespace {
 /// back.
 class SaIn::FlowIn {
  public:
-   FlowIn( VornNboAttrLogSa & adapter, VornAttr const & attr, void const * key ) noexcept
+   /// A change of one attribute, at a key for a collection; without an attribute, of the arguments of a
+   /// member that is asked for again.
+   FlowIn( VornNboAttrLogSa & adapter, VornAttr const * attr, void const * key ) noexcept
         : adapter_( adapter ), attr_( attr ), key_( key ), outer_( std::exchange( adapter.flowIn_, this ) ) {}
    ~FlowIn() { adapter_.flowIn_ = outer_; }
    FlowIn( FlowIn const & ) = delete;
    FlowIn & operator=( FlowIn const & ) = delete;
 
    bool holds( VornAttr const & attr, void const * key ) {
-      if ( &attr != &attr_ || ( key_ && key && !attr.keyType->methods->equal( key, key_ ) ) ) return false;
+      if ( !attr_ ) return attr.isCtorArg();
+      if ( &attr != attr_ || ( key_ && key && !attr.keyType->methods->equal( key, key_ ) ) ) return false;
       ++reported_;
       return true;
    }
    FlowIn * outer() const noexcept { return outer_; }
+   /// One more change than the one that the record asks for is made to apply it.
+   void furtherChange() noexcept { ++made_; }
    /// Whether more happened than was applied: an observer wrote the attribute again.
-   bool writtenAgain() const noexcept { return reported_ > 1; }
+   bool writtenAgain() const noexcept { return reported_ > made_; }
 
  private:
    VornNboAttrLogSa & adapter_;
-   VornAttr const & attr_;
+   VornAttr const * attr_;
    void const * key_;
    FlowIn * outer_;
+   unsigned made_ = 1;
    unsigned reported_ = 0;
 };
 
@@ -59,7 +65,7 @@ template< class Call >
 void SaIn::apply( VornAttr const & attr, void const * key, Call const & call ) {
    bool again;
    {
-      FlowIn flowIn( *this, attr, key );
+      FlowIn flowIn( *this, &attr, key );
       call();
       again = flowIn.writtenAgain();
    }
@@ -174,7 +180,15 @@ void SaIn::memberFromLog( VornAttr const & attr, In & in ) {
    } else {
       in.demuxer().newEntityIdIs( id );
    }
+   Ptr< VornNboAttrLogSa > const present( member ? out_->adapter( static_cast< Entity & >( *member ) )
+                                                 : nullptr );
    apply( attr, key, [&] {
+      std::optional< FlowIn > arguing;
+      if ( present ) arguing.emplace( *present, nullptr, nullptr );
+      auto const del = [&] {
+         flowIn_->furtherChange();
+         attr.ops->op( nullptr, object(), attr, GenericIf::del, key, nullptr );
+      };
       auto const make = [&] {
          attr.ops->op( &member, object(), attr, GenericIf::write, key, arguments.pointers() );
       };
@@ -182,11 +196,11 @@ void SaIn::memberFromLog( VornAttr const & attr, In & in ) {
          Expect const expect( Exception::nameInUse );
          // A single child of the same name is taken as it is, so its other arguments are compared here.
          if ( !key && member && !arguments.areThoseOf( static_cast< Entity & >( *member ) ) ) {
-            attr.ops->op( nullptr, object(), attr, GenericIf::del, nullptr, nullptr );
+            del();
          }
          make();
       } catch ( NameInUseException const & ) {
-         attr.ops->op( nullptr, object(), attr, GenericIf::del, key, nullptr );
+         del();
          make();
       }
    } );

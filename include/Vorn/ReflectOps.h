@@ -74,8 +74,8 @@ constexpr VornCtorArg const * memberCtorArgs() {
    return AttrTable< Type >::ctorArgs;
 }
 
-/// Whether the log carries any attribute of a type.
-VORN_API bool hasLoggedAttr( VornType const & type );
+/// Whether the log carries a type's entities: an attribute of theirs, or them as members.
+VORN_API bool hasAttrLogInterface( VornType const & type );
 
 using ChangeFn = NotifieeChange const & (*)();
 

@@ -1,0 +1,14 @@
+#include "framework/LogKinds.h"
+
+namespace Test {
+
+VORN_RECORD( Test, Twig )
+VORN_RECORD( Test, Branch )
+VORN_RECORD( Test, Tree )
+VORN_MODULE( &Twig::_vornType, &Branch::_vornType, &Tree::_vornType )
+
+Twig::~Twig() { vornTeardown(); }
+Branch::~Branch() { vornTeardown(); }
+Tree::~Tree() { vornTeardown(); }
+
+} // namespace Test

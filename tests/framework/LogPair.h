@@ -1,0 +1,49 @@
+/// \file
+/// Two ends of an attribute log in one process, with a connection between them that a test can starve and
+/// cut; and the text of all that the log carries of an entity, by which copy and original are compared.
+#pragma once
+
+#include "Vorn/NboAttrLog.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace Test {
+
+using Vorn::Ptr;
+using Vorn::StreamAdapter;
+using Demuxer = Vorn::NboAttrLog::Demuxer;
+using Out = Vorn::NboAttrLog::Out;
+
+/// Every logged attribute below an entity, as text. A reference reads as the path to its target, or as null
+/// if that is not below `root`.
+std::string logged( Vorn::Entity & root );
+
+/// One end: what it sends, and what applies what it receives.
+struct LogEnd {
+   explicit LogEnd( Vorn_BitSet flags, U32 capacity = Out::defaultCapacity )
+        : out( Vorn::newObject< Out >( capacity ) ), demuxer( Vorn::newObject< Demuxer >( out, flags ) ) {}
+
+   Ptr< Out > out;
+   Ptr< Demuxer > demuxer;
+};
+
+/// A connection from an original to its read-only copy.
+struct LogPair {
+   explicit LogPair( U32 capacity = Out::defaultCapacity )
+        : source( StreamAdapter::remoteReadOnly, capacity ), copy( StreamAdapter::readOnly ) {}
+
+   /// Carries up to `most` octets to the copy and returns how many there were.
+   std::size_t carry( std::size_t most = ~std::size_t( 0 ) );
+   /// Carries until nothing is left.
+   void flush();
+   /// What is ready, in place of carrying it.
+   std::vector< U8 > take();
+   Ptr< Vorn::Entity > const & root() const { return copy.demuxer->roots().at( 0 ); }
+
+   LogEnd source;
+   LogEnd copy;
+};
+
+} // namespace Test

@@ -1,0 +1,166 @@
+// An attribute travels the log if and only if its record says so: one sweep over all entity types.
+#include "model/ExpectedTypes.h"
+#include "model/Samples.h"
+
+#include "Vorn/NboAttrLog.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+namespace {
+
+using namespace Test;
+using Vorn::Entity;
+using Vorn::Ptr;
+using Vorn::PtrInterface;
+using Vorn::VornAttr;
+using Vorn::VornKind;
+using Vorn::VornType;
+using Vorn::GenericIf::Value;
+namespace GenericIf = Vorn::GenericIf;
+namespace NboAttrLog = Vorn::NboAttrLog;
+
+// An original, its copy, and the log between them.
+class Carried {
+ public:
+   explicit Carried( VornType const & type ) : original_( newSampleObject( type, 0 ) ) { onLog( original_ ); }
+
+   // Another entity, which an attribute may refer to.
+   void onLog( Ptr< PtrInterface > const & object ) {
+      carried_.push_back( object );
+      static_cast< Entity & >( *object ).vornNboAttrLogSaIs( 0, 0, out_ );
+      carry();
+   }
+   // Octets that went across.
+   std::size_t carry() {
+      std::size_t all = 0;
+      while ( std::size_t const bytes = out_->bytes() ) {
+         demuxer_->bytesIs( out_->data(), bytes );
+         out_->drained( bytes );
+         all += bytes;
+      }
+      return all;
+   }
+   Ptr< PtrInterface > const & original() const { return original_; }
+   Ptr< PtrInterface > copy() const { return demuxer_->roots().at( 0 ); }
+
+ private:
+   Ptr< PtrInterface > original_;
+   std::vector< Ptr< PtrInterface > > carried_;
+   Ptr< NboAttrLog::Out > out_ = Vorn::newObject< NboAttrLog::Out >();
+   Ptr< NboAttrLog::Demuxer > demuxer_ =
+        Vorn::newObject< NboAttrLog::Demuxer >( Vorn::newObject< NboAttrLog::Out >() );
+};
+
+void op( Ptr< PtrInterface > const & object, VornAttr const & attr, U32 op, void * result, void const * key,
+         void const * arg ) {
+   ASSERT_EQ( object->fwkType()->genericIfAttributeOp( result, address( object ), attr, op, key, &arg ),
+              GenericIf::done );
+}
+
+// What an attribute holds, as text: of a collection the keys with their members, of an entity type and name.
+std::string content( Ptr< PtrInterface > const & object, VornAttr const & attr ) {
+   auto const text = []( Value const & value ) {
+      std::string shown = value.stringValue().charPtr();
+      if ( value.type()->isDerived( &Entity::_vornType ) && shown != "null" ) {
+         auto const & entity = *static_cast< Ptr< PtrInterface > const * >( value.data() );
+         shown += static_cast< Entity & >( *entity ).nameText().charPtr();
+      }
+      return shown;
+   };
+   if ( !attr.keyed() ) {
+      Value value( attr.type );
+      op( object, attr, GenericIf::read, value.data(), nullptr, nullptr );
+      return text( value );
+   }
+   std::set< std::string > members;
+   for ( GenericIf::Iterator it( address( object ), attr ); it; it.advance() ) {
+      Value key( attr.keyType );
+      Value value( attr.type );
+      it.key( key.data() );
+      it.object( value.data() );
+      members.insert( text( key ) + "=" + text( value ) );
+   }
+   std::string all;
+   for ( std::string const & member : members ) {
+      all += member + " ";
+   }
+   return all;
+}
+
+// Changes the attribute so that it holds something else than before.
+void change( Carried & carried, VornAttr const & attr ) {
+   auto const & object = carried.original();
+   bool const queue = attr.kind() == VornKind::queue; // which begins at 0
+   Value const key = attr.keyed() && !queue ? sample( *attr.keyType, 0 ) : Value( Vorn::recordOf< U32 >() );
+   if ( attr.instantiating() ) {
+      Value const arg = sample( *attr.memberCtorArgs[0].type, 1 );
+      op( object, attr, GenericIf::write, nullptr, nullptr, arg.data() );
+      return;
+   }
+   Value value = sample( *attr.type, 0 );
+   if ( !attr.keyed() && content( object, attr ) == value.stringValue().charPtr() )
+      value.stringValueIs( sampleTexts( *attr.type )[1].c_str() );
+   if ( attr.kind() == VornKind::reference )
+      carried.onLog( *static_cast< Ptr< PtrInterface > const * >( value.data() ) );
+   op( object, attr, GenericIf::write, nullptr, key.data(), value.data() );
+}
+
+TEST( LogSweep, AnAttributeTravelsIfAndOnlyIfItIsLogged ) {
+   for ( ExpectedType const & expected : expectedEntities() ) {
+      VornType const & type = *Vorn::typeNode( expected.name.c_str() );
+      for ( ExpectedAttr const & expectedAttr : expected.attributes ) {
+         SCOPED_TRACE( expected.name + "::" + expectedAttr.name );
+         VornAttr const & attr = *type.attribute( expectedAttr.id );
+         if ( attr.kind() == VornKind::function ) continue;
+         Carried carried( type );
+         std::string const before = content( carried.copy(), attr );
+         EXPECT_EQ( before, content( carried.original(), attr ) ) << "constructor arguments and defaults";
+         if ( attr.kind() != VornKind::mutableAttr && attr.kind() != VornKind::reference && !attr.keyed() &&
+              !attr.instantiating() )
+            continue; // nothing writes it
+         change( carried, attr );
+         EXPECT_NE( before, content( carried.original(), attr ) );
+         if ( expectedAttr.logged ) {
+            EXPECT_GT( carried.carry(), 0u );
+            EXPECT_EQ( content( carried.copy(), attr ), content( carried.original(), attr ) );
+         } else {
+            EXPECT_EQ( carried.carry(), 0u );
+            EXPECT_EQ( content( carried.copy(), attr ), before );
+         }
+      }
+   }
+}
+
+TEST( LogSweep, EntitiesAndMembersOfLoggedCollectionsHaveAnAdapter ) {
+   std::set< std::string > carried;
+   for ( ExpectedType const & type : expectedEntities() ) {
+      for ( ExpectedAttr const & attr : type.attributes ) {
+         if ( !attr.logged ) continue;
+         carried.insert( type.name );
+         if ( attr.kind == VornKind::entityColl || attr.kind == VornKind::child ) carried.insert( attr.type );
+      }
+   }
+   EXPECT_TRUE( carried.count( "Ldp::LdpStaticP2mpFecBindingEntry" ) ) << "it has no logged attribute";
+   EXPECT_FALSE( carried.count( "Ldp::LdpPeerStatus" ) );
+   for ( ExpectedType const & type : expectedEntities() ) {
+      auto const object = newSampleObject( *Vorn::typeNode( type.name.c_str() ), 0 );
+      EXPECT_EQ( static_cast< Entity & >( *object ).vornHasAttrLogInterface(),
+                 carried.count( type.name ) != 0 )
+           << type.name;
+   }
+}
+
+TEST( LogSweep, ARangeIsKeptOnTheWayIn ) {
+   // A flag word of 4, as a record's value.
+   static U8 const word[] = { 0, 0, 0, 4 };
+   auto const demuxer = Vorn::newObject< NboAttrLog::Demuxer >( Vorn::newObject< NboAttrLog::Out >() );
+   NboAttrLog::In in( word, sizeof word, *demuxer );
+   VornType const & type = *Vorn::typeNode( "Ldp::LdpGrOperationalFlag" );
+   Value flag( &type );
+   EXPECT_THROW( type.methods->logIn( in, flag.data() ), Vorn::RangeException );
+   EXPECT_TRUE( flag == Value( &type ) );
+}
+
+} // namespace
