@@ -320,7 +320,7 @@ inline constexpr VornAttrOps queueOps{
          if ( result ) *static_cast< T * >( result ) = value;
          break;
       }
-      case GenericIf::has: *static_cast< bool * >( result ) = queue[index]; break;
+      case GenericIf::has: *static_cast< bool * >( result ) = bool( queue[index] ); break;
       default: return GenericIf::notApplicable;
       }
       return GenericIf::done;

@@ -45,7 +45,7 @@ class Probe : public Vorn::PtrInterface {
    std::string name_;
    Ptr< Probe > const * holder_ = nullptr;
 };
-Vorn::VornType const Probe::_vornType{ "Probe", nullptr, nullptr, sizeof( Probe ), 0 };
+constinit Vorn::VornType const Probe::_vornType = Vorn::objectRecord( "Probe", nullptr, sizeof( Probe ) );
 Vorn::AllocTrackTypeInfo Probe::vornAllocTrackTypeInfo_{ &Probe::_vornType };
 
 class Derived : public Probe {
