@@ -93,8 +93,9 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    /// TLVs fill their run, so their lengths lead from one to the next, without a look-up for each.
    template< class Call >
    void eachTlv( Call const & call ) const {
-      U8 const * at = pkt_->front() + tlvGroupParser_->offset();
       U32 const num = tlvNum();
+      if ( num == 0 ) return; // also where the walker was dropped
+      U8 const * at = pkt_->front() + tlvGroupParser_->offset();
       for ( U32 i = 0; i < num; ++i ) {
          auto const & tlv = *reinterpret_cast< LdpTlvHdr const * >( at );
          at += tlv.totalLength();

@@ -231,6 +231,16 @@ TEST( Capability, collection ) {
    EXPECT_EQ( parser->capabilities().members(), 0u );
 }
 
+TEST( Capability, nothingIsGatheredWithoutAWalker ) {
+   auto const parser =
+        parse( ldpCapabilityMsgParserFactory, capability( { tlv( mbbCapabilityTlv, "80" ) } ) );
+   parser->capabilitiesDelAll();
+   parser->tlvGroupParserDel();
+   parser->handleInitialized();
+   EXPECT_TRUE( parser->validMsg() );
+   EXPECT_EQ( parser->capabilities().members(), 0u );
+}
+
 TEST( Capability, assertsItsType ) {
    EXPECT_ASSERTION( parse( ldpCapabilityMsgParserFactory, msg( LdpInit, 7 ) ),
                      "msgHdr_->type() == LdpCapability_" );

@@ -46,6 +46,9 @@ TEST( P2mp, judgement ) {
 
               { "1 octet", "06", malformedTlv, small, "[]" },
               { "3 octets", "06 0001", malformedTlv, small, "[]" },
+              { "4 octets are a whole header", "06 0001 00", malformedTlv, noLength, "[]" },
+              { "4 octets, of which the root takes more", "06 0001 01", malformedTlv,
+                "Invalid FEC P2MP Element: RootIp Len Octets: 1, remaining packet octets: 4", "[]" },
               { "root cut short", "06 0001 04 0a0000", malformedTlv,
                 "Invalid FEC P2MP Element: RootIp Len Octets: 4, remaining packet octets: 7", "[]" },
               { "root of 255", "06 0001 ff 0a000001", malformedTlv,
