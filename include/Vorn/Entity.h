@@ -65,7 +65,9 @@ class VORN_API Entity : public PtrInterface {
    /// The owner, or null.
    Ptr< Entity > parent() const noexcept { return Ptr< Entity >( parent_ ); }
    /// For the owning attributes of a parent.
-   void parentIs( Ptr< Entity > const & parent );
+   void parentIs( Ptr< Entity > const & parent ) { vornParentIs( parent.ptr() ); }
+   /// The same for a parent that is under construction, to which there is no reference yet.
+   void vornParentIs( Entity * parent );
    /// Name or key of the entity as text.
    String nameText() const;
    /// Path of the entity through its parents, derived on each call; for messages.
