@@ -48,7 +48,6 @@ void LdpGrOperationalFlag::valueIs( U32 value ) {
 }
 
 LdpConfigColl::LdpConfigColl( Vorn::Name const & name ) : name_( name ) {
-   ConstructorHold const hold( *this );
    handleInitialized();
 }
 
@@ -58,7 +57,6 @@ void LdpConfigColl::handleInitialized() {
 }
 
 ProtoConfig::ProtoConfig( L3::VrfName const & vrfName ) : vrfName_( vrfName ) {
-   ConstructorHold const hold( *this );
    ldpProtoParamIs( Vorn::Name( vrfName.stringValue() ) );
 }
 

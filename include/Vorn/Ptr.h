@@ -80,21 +80,6 @@ class VORN_API PtrInterface : public VFPtrInterface {
    void handleZeroRef() const noexcept;
 
  protected:
-   /// For a constructor that makes children. What happens on the way takes references on the object and drops
-   /// them again, and the last must not go before the factory has taken the first that counts.
-   class ConstructorHold {
-    public:
-      explicit ConstructorHold( PtrInterface const & object ) noexcept : object_( object ) {
-         object.referenceInc();
-      }
-      ConstructorHold( ConstructorHold const & ) = delete;
-      ConstructorHold & operator=( ConstructorHold const & ) = delete;
-      ~ConstructorHold() { refDec( object_.refs_ ); }
-
-    private:
-      PtrInterface const & object_;
-   };
-
    mutable U32 refs_ = 0;   ///< reference count and its flags
    mutable U32 status_ = 0; ///< status flags of the framework
 };
