@@ -2,8 +2,8 @@
 """Whether include/Ldp is documented without a gap.
 
 Reads what Doxygen says of undocumented things (standard input) and lets pass what a reader of the header would call documented: a comment
-speaks for its paragraph, that is for the declarations below it down to the next blank line, and the comment of a class for the class's first
-paragraph. The rest is printed, with exit status 1, and so is anything else that Doxygen warns of.
+speaks for its paragraph, that is for the declarations below it down to the next blank line, and the comment of a class for the class's
+constructors and first paragraph. The rest is printed, with exit status 1, and so is anything else that Doxygen warns of.
 """
 
 import pathlib
@@ -11,9 +11,11 @@ import re
 import sys
 
 MEMBER = re.compile(r"(.*?):(\d+): (?:warning|error): Member .* is not documented\.$")
+CONSTRUCTOR = re.compile(r".*: (?:warning|error): Member (\w+)\(.*\) .*of class (?:\w+::)*\1 is not documented\.$")
 CLASS_HEAD = re.compile(r"\s*(template<.*>\s*)?(class|struct)\b.*\{$")
-# What may stand between the head of a class and its first paragraph.
-OPENING = re.compile(r"\s*((public|protected|private):|VORN_OBJECT\(.*|LDP_TLV_PARSER\(.*|using .*;|)$")
+# What may stand between the head of a class and its first paragraph; of an entity also what is the same in all.
+OPENING = re.compile(r"\s*((public|protected|private):|VORN_(OBJECT|ENTITY|NOTIFIEE|ON|ON_KEYED|VALUE|KEY)\(.*|VORN_NAME;"
+                     r"|LDP_TLV_PARSER\(.*|using .*;|explicit \w+\(.*|~\w+\(\) override;|)$")
 # What the first line of a paragraph stands below.
 BOUNDARY = re.compile(f"{OPENING.pattern}|{CLASS_HEAD.pattern}|}}")
 
@@ -33,6 +35,8 @@ def undocumented_paragraph(lines, index):
 def main():
     gaps = set()
     for line in filter(None, map(str.strip, sys.stdin)):
+        if CONSTRUCTOR.match(line):
+            continue
         found = MEMBER.match(line)
         if not found:
             gaps.add(line)

@@ -83,8 +83,8 @@ void LogWorld::branchStep( Branch & branch ) {
    case 8: branch.flagDel( key ); break;
    case 9: branch.eventEnq( word() ); break;
    case 10: branch.eventDeq(); break;
-   case 11: branch.eventDel( branch.eventColl().head() + below( 4 ) ); break;
-   case 12: branch.eventIs( branch.eventColl().head() + below( 4 ), word() ); break;
+   case 11: branch.eventDel( branch.eventColl().firstIndex() + below( 4 ) ); break;
+   case 12: branch.eventIs( branch.eventColl().firstIndex() + below( 4 ), word() ); break;
    case 13: branch.besideIs( format( "beside %u", key ), twig ); break;
    case 14: branch.besideDel( format( "beside %u", key ) ); break;
    case 15:

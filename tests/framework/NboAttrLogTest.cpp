@@ -281,19 +281,19 @@ TEST( NboAttrLog, aReferenceLeadsToTheCopyOfItsTargetWhileThatIsOnTheLog ) {
    EXPECT_EQ( copy.twig( 1 ), copy.beside( "to the twig" ) );
    EXPECT_EQ( copy.twig( 1 ), copy.inside( 1 ) );
    EXPECT_EQ( nullptr, copy.twig( 1 )->pal() );
-   EXPECT_FALSE( copy.besideHas( "to the loose one" ) );
+   EXPECT_EQ( nullptr, copy.beside( "to the loose one" ) );
 
    loose->vornNboAttrLogSaIs( 0, 0, pair.source.out );
    pair.flush();
    ASSERT_EQ( 2u, pair.copy.demuxer->roots().size() );
    EXPECT_EQ( pair.copy.demuxer->roots()[1], copy.twig( 1 )->pal() ) << "now the target is known";
-   EXPECT_TRUE( copy.besideHas( "to the loose one" ) );
+   EXPECT_NE( nullptr, copy.beside( "to the loose one" ).ptr() );
 
    branch->twigDel( 1 );
    pair.flush();
-   EXPECT_FALSE( copy.besideHas( "to the twig" ) )
+   EXPECT_EQ( nullptr, copy.beside( "to the twig" ) )
         << "the original's still leads to it, but nobody here can know it";
-   EXPECT_TRUE( branch->besideHas( "to the twig" ) );
+   EXPECT_NE( nullptr, branch->beside( "to the twig" ).ptr() );
 }
 
 TEST( NboAttrLog, aMemberThatWasTakenOutIsSilent ) {

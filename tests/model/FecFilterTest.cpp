@@ -1,5 +1,6 @@
 // Which FECs a prefix list lets through.
 #include "Ldp/LdpFecFilter.h"
+#include "Vorn/Trace.h"
 
 #include <gtest/gtest.h>
 
@@ -94,6 +95,20 @@ TEST( LdpFecFilterTest, OtherKindsOfFecCountAsTheirEmptyPrefix ) {
    EXPECT_TRUE( filter->isPermittedFec( Mpls::FwdEqvClass( 1, 2 ) ) );
    list->prefixEntryIs( 1, entry( "permit 10.0.0.0/8" ) );
    EXPECT_FALSE( filter->isPermittedFec( Mpls::FwdEqvClass( Lumo::IpAddr( 0x0a000001 ), 7 ) ) );
+}
+
+TEST( LdpFecFilterTest, TracesItsEntryWithTheFec ) {
+   std::ostringstream lines;
+   Vorn::TraceFacility::sinkIs( &lines );
+   Vorn::TraceFacility::levelsIs( "LdpFecFilter", 1u << 8 );
+   auto const filter = ldpFecFilterFactory( "filter" );
+   filter->isPermittedFec( fec( "10.0.0.0/8" ) );
+   Vorn::TraceFacility::levelsIs( "LdpFecFilter", 0 );
+   filter->isPermittedFec( fec( "11.0.0.0/8" ) );
+   Vorn::TraceFacility::sinkIs( nullptr );
+   EXPECT_NE( lines.str().find( "[1] LdpFecFilter::isPermittedFec() 10.0.0.0/8\n" ), std::string::npos )
+        << lines.str();
+   EXPECT_EQ( lines.str().find( "11.0.0.0/8" ), std::string::npos );
 }
 
 TEST( LdpFecFilterTest, KeepsItsListAlive ) {
