@@ -249,7 +249,7 @@ void Demuxer::typeIs( U32 number, In & in ) {
    String const name( octets.octets(), octets.left() );
    if ( number != types_.size() + 1 ) refuse( "types are numbered in their order" );
    VornType const * const type = typeNode( name.charPtr() );
-   if ( !type || !type->newEntityForAttrLog )
+   if ( !type || !( name == type->name ) || !type->newEntityForAttrLog )
       refuse( "the attribute log brings unknown type " + valueToStrep( name ) );
    types_.push_back( type );
 }

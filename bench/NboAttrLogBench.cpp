@@ -1,0 +1,176 @@
+// The attribute log, end to end in memory, beside a hand-written copy of the same values through the same
+// kind of buffer.
+
+#include "Ldp/LdpAdj.h"
+#include "Vorn/NboAttrLog.h"
+
+#include <benchmark/benchmark.h>
+#include <cstring>
+#include <unordered_map>
+#include <vector>
+
+namespace {
+
+using Ldp::LdpAdjId;
+using Vorn::Name;
+using Vorn::Ptr;
+using Vorn::NboAttrLog::Demuxer;
+using Vorn::NboAttrLog::Out;
+
+constexpr U32 syncEntities = 100'000;
+
+LdpAdjId adjId( U32 number ) {
+   static Lumo::IntfId const intfId( "Ethernet1" );
+   return LdpAdjId( Ldp::LdpIdentifier( 0x0a000000 + number, 0 ), intfId );
+}
+
+/// What somebody would write who copies exactly this by hand: a struct for each adjacency, and one record for
+/// a field or for a struct.
+struct Adjacency {
+   U32 lsrId = 0;
+   U16 labelSpace = 0;
+   char interface[16] = {};
+   U32 target = 0;
+   U32 statusCode = 0;
+   U16 peerHoldTime = 0;
+   U16 operHoldTime = 0;
+   double expireTime = 0;
+   U32 peerAddress = 0;
+   U32 peerSource = 0;
+};
+
+struct FieldRecord {
+   U32 length;
+   U32 index;
+   U32 field;
+   U64 value;
+};
+
+class HandWritten {
+ public:
+   HandWritten() : buffer_( Out::defaultCapacity ) {}
+
+   template< class Record, class Apply >
+   void send( Record const & record, Apply const & apply ) {
+      if ( buffer_.size() - used_ < sizeof record ) drain< Record >( apply );
+      std::memcpy( &buffer_[used_], &record, sizeof record );
+      used_ += sizeof record;
+   }
+   template< class Record, class Apply >
+   void drain( Apply const & apply ) {
+      for ( std::size_t at = 0; at < used_; at += sizeof( Record ) ) {
+         Record record;
+         std::memcpy( &record, &buffer_[at], sizeof record );
+         apply( record );
+      }
+      used_ = 0;
+   }
+
+ private:
+   std::vector< char > buffer_;
+   std::size_t used_ = 0;
+};
+
+struct Link {
+   void drain() {
+      while ( std::size_t const bytes = out->bytes() ) {
+         demuxer->bytesIs( out->data(), bytes );
+         out->drained( bytes );
+      }
+   }
+   Ptr< Out > out = Vorn::newObject< Out >();
+   Ptr< Demuxer > demuxer = Vorn::newObject< Demuxer >( Vorn::newObject< Out >() );
+};
+
+void scalarByHand( benchmark::State & state ) {
+   std::vector< Adjacency > original( 1000 ), copy( 1000 );
+   HandWritten link;
+   auto const apply = [&]( FieldRecord const & record ) {
+      copy[record.index].operHoldTime = U16( record.value );
+   };
+   U32 at = 0;
+   for ( [[maybe_unused]] auto _ : state ) {
+      Adjacency & adjacency = original[at];
+      adjacency.operHoldTime = U16( adjacency.operHoldTime + 1 );
+      link.send( FieldRecord{ 20, at, 0x106, adjacency.operHoldTime }, apply );
+      if ( ++at == original.size() ) at = 0;
+   }
+   link.drain< FieldRecord >( apply );
+   benchmark::DoNotOptimize( copy.data() );
+   state.counters["changes/s"] =
+        benchmark::Counter( double( state.iterations() ), benchmark::Counter::kIsRate );
+}
+BENCHMARK( scalarByHand )->Name( "change of a scalar/by hand" );
+
+void scalarByLog( benchmark::State & state ) {
+   auto const coll = Ldp::ldpAdjStatusCollFactory( Name( "default" ) );
+   std::vector< Ptr< Ldp::LdpAdjStatus > > members;
+   for ( U32 i = 0; i < 1000; ++i ) {
+      members.push_back( coll->adjStatusIs( adjId( i ) ) );
+   }
+   Link link;
+   coll->vornNboAttrLogSaIs( 0, 0, link.out );
+   link.drain();
+   std::size_t at = 0;
+   for ( [[maybe_unused]] auto _ : state ) {
+      auto & member = *members[at];
+      member.operHoldTimeIs( U16( member.operHoldTime() + 1 ) );
+      if ( ++at == members.size() ) {
+         at = 0;
+         link.drain();
+      }
+   }
+   link.drain();
+   state.counters["changes/s"] =
+        benchmark::Counter( double( state.iterations() ), benchmark::Counter::kIsRate );
+}
+BENCHMARK( scalarByLog )->Name( "change of a scalar/log" );
+
+void syncByHand( benchmark::State & state ) {
+   std::unordered_map< U32, Adjacency > original;
+   for ( U32 i = 0; i < syncEntities; ++i ) {
+      original[i].lsrId = i;
+   }
+   for ( [[maybe_unused]] auto _ : state ) {
+      std::unordered_map< U32, Adjacency > copy;
+      HandWritten link;
+      auto const apply = [&]( Adjacency const & adjacency ) { copy[adjacency.lsrId] = adjacency; };
+      for ( auto const & [key, adjacency] : original ) {
+         link.send( adjacency, apply );
+      }
+      link.drain< Adjacency >( apply );
+      benchmark::DoNotOptimize( copy.size() );
+   }
+}
+BENCHMARK( syncByHand )->Name( "sync of 100000 entities/by hand" )->Unit( benchmark::kMillisecond );
+
+void syncByLog( benchmark::State & state, bool again ) {
+   auto const coll = Ldp::ldpAdjStatusCollFactory( Name( "default" ) );
+   for ( U32 i = 0; i < syncEntities; ++i ) {
+      coll->adjStatusIs( adjId( i ) );
+   }
+   Ptr< Vorn::Entity > copy;
+   double bytes = 0;
+   for ( [[maybe_unused]] auto _ : state ) {
+      Link link;
+      if ( again && copy ) link.demuxer->rootIs( copy );
+      coll->vornNboAttrLogSaIs( 0, 0, link.out );
+      while ( std::size_t const ready = link.out->bytes() ) {
+         link.demuxer->bytesIs( link.out->data(), ready );
+         link.out->drained( ready );
+         bytes += double( ready );
+      }
+      copy = link.demuxer->roots().at( 0 );
+      if ( static_cast< Ldp::LdpAdjStatusColl & >( *copy ).adjStatuss() != syncEntities )
+         state.SkipWithError( "lost" );
+   }
+   state.counters["octets per entity"] = bytes / double( state.iterations() ) / syncEntities;
+}
+BENCHMARK_CAPTURE( syncByLog, fresh, false )
+     ->Name( "sync of 100000 entities/log" )
+     ->Unit( benchmark::kMillisecond );
+BENCHMARK_CAPTURE( syncByLog, again, true )
+     ->Name( "sync of 100000 entities/log, to a copy that has them" )
+     ->Unit( benchmark::kMillisecond );
+
+} // namespace

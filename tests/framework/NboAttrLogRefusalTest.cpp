@@ -1,0 +1,258 @@
+// Streams that lie, pieces of every size, and what a change must not cost.
+
+#include "framework/LogKinds.h"
+#include "framework/LogPair.h"
+
+#include "Ldp/LdpAdj.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+std::size_t allocations = 0;
+
+} // namespace
+
+// Every allocation of the process is counted.
+[[gnu::noinline]] void * operator new( std::size_t size ) {
+   ++allocations;
+   if ( void * const block = std::malloc( size ? size : 1 ) ) return block;
+   throw std::bad_alloc();
+}
+[[gnu::noinline]] void operator delete( void * block ) noexcept { std::free( block ); }
+[[gnu::noinline]] void operator delete( void * block, std::size_t ) noexcept { std::free( block ); }
+
+namespace {
+
+using namespace Test;
+using Vorn::AttrLogRecordException;
+using Vorn::Name;
+using Vorn::String;
+using Octets = std::vector< U8 >;
+
+Octets operator+( Octets a, Octets const & b ) {
+   a.insert( a.end(), b.begin(), b.end() );
+   return a;
+}
+Octets number( U32 value ) { return { U8( value >> 24 ), U8( value >> 16 ), U8( value >> 8 ), U8( value ) }; }
+Octets text( std::string const & octets ) { return Octets( octets.begin(), octets.end() ); }
+Octets counted( std::string const & octets ) { return number( U32( octets.size() ) ) + text( octets ); }
+Octets record( U8 kind, U32 entity, U32 attribute, Octets const & value ) {
+   return number( U32( value.size() ) + 11 ) + Octets{ kind } + number( entity ) + number( attribute ) +
+          Octets{ 0 } + value + Octets{ 2 };
+}
+
+Octets const header{ 'V', 'N', 'A', 'L', 0, 1, 0, 0 };
+/// A tree, 1, with branch 2, and age 7.
+Octets const good =
+     header + record( 2, 0, 1, text( "Test::Tree" ) ) + record( 2, 0, 2, text( "Test::Branch" ) ) +
+     record( 2, 0, 3, text( "Test::Twig" ) ) +
+     record( 3, 0, 0x88,
+             Octets{ 0 } + number( 1 ) + Octets{ 2 } + counted( "tree" ) + Octets{ 3 } + number( 1 ) ) +
+     record( 3, 1, 0x108, counted( "branch" ) + number( 2 ) + number( 2 ) ) + record( 0, 1, 0x105, { 7 } );
+Octets const twig = number( 5 ) + counted( "oak" ) + Octets{ 0, 9 };
+
+TEST( NboAttrLogRefusal, aStreamThatLiesIsRefusedWholeAndWhatStoodBeforeItStays ) {
+   struct Row {
+      char const * name;
+      Octets octets;
+   };
+   Row const rows[] = {
+      { "length 0", number( 0 ) },
+      { "length too short for a head", number( 10 ) },
+      { "length of gigabytes", number( 0xfffffff0 ) },
+      { "unknown kind", record( 4, 1, 0x105, { 8 } ) },
+      { "unknown entity", record( 0, 3, 0x105, { 8 } ) },
+      { "entity of ours that was never introduced", record( 0, 0x80000001, 0x105, { 8 } ) },
+      { "entity 0 with a bit", record( 0, 0x80000000, 0x105, { 8 } ) },
+      { "no entity", record( 0, 0, 0x105, { 8 } ) },
+      { "attribute that the type does not have", record( 0, 1, 0x10f, { 8 } ) },
+      { "attribute that is not logged", record( 0, 2, 0x10a, number( 1 ) ) },
+      { "attribute of Entity", record( 0, 1, 0x82, counted( "name" ) ) },
+      { "value too short", record( 0, 1, 0x105, {} ) },
+      { "value too long", record( 0, 1, 0x105, { 8, 9 } ) },
+      { "bool of 2", record( 0, 1, 0x104, { 2 } ) },
+      { "string longer than its record", record( 0, 1, 0x103, number( 50 ) + text( "oak" ) ) },
+      { "string of gigabytes", record( 0, 1, 0x103, number( 0xffffffff ) ) },
+      { "deletion of a scalar", record( 0, 1, 0u - 0x105, {} ) },
+      { "deletion without its key", record( 0, 2, 0u - 0x104, {} ) },
+      { "type out of order", record( 2, 0, 9, text( "Test::Leaf" ) ) },
+      { "type of no name", record( 2, 0, 4, text( "Test::None" ) ) },
+      { "type with a zero in it", record( 2, 0, 4, text( std::string( "Test::Tree\0x", 12 ) ) ) },
+      { "type that is a value", record( 2, 0, 4, text( "Ldp::LdpAdjId" ) ) },
+      { "member of a type without a name",
+        record( 3, 1, 0x108, counted( "b" ) + number( 9 ) + number( 3 ) ) },
+      { "member of another type", record( 3, 1, 0x108, counted( "b" ) + number( 1 ) + number( 3 ) ) },
+      { "member with a number that was given",
+        record( 3, 1, 0x108, counted( "b" ) + number( 2 ) + number( 1 ) ) },
+      { "member with a number of ours",
+        record( 3, 1, 0x108, counted( "b" ) + number( 2 ) + number( 0x80000003 ) ) },
+      { "member without a number", record( 3, 1, 0x108, counted( "b" ) + number( 2 ) + number( 0 ) ) },
+      { "member with a piece missing",
+        record( 3, 2, 0x103, number( 5 ) + counted( "oak" ) + number( 3 ) + number( 3 ) ) },
+      { "reference to an unknown entity", record( 0, 2, 0x108, counted( "b" ) + number( 77 ) ) },
+      { "reference to an entity of another type", record( 0, 2, 0x108, counted( "b" ) + number( 1 ) ) },
+      { "orphan without its sections", record( 3, 0, 0x88, number( 1 ) + counted( "t" ) + number( 3 ) ) },
+      { "orphan with a number that was given",
+        record( 3, 0, 0x88,
+                Octets{ 0 } + number( 1 ) + Octets{ 2 } + counted( "t" ) + Octets{ 3 } + number( 2 ) ) },
+      { "marker of a scalar", record( 1, 1, 0x105, Octets{ 0 } + number( 0 ) ) },
+      { "marker of no kind", record( 1, 1, 0x108, Octets{ 1 } + number( 0 ) ) },
+      { "marker of a queue without its indices", record( 1, 2, 0x107, Octets{ 0 } + number( 0 ) ) },
+      { "group with bounds beyond its end", record( 0, 1, 0x90, { 0, 4, 0, 99 } ) },
+      { "group with bounds the wrong way round", record( 0, 1, 0x90, { 0, 4, 0, 3 } ) },
+      { "group whose second entry is bad",
+        record( 0, 1, 0x90,
+                Octets{ 0, 4, 0, 14 } + number( 0x105 ) + Octets{ 8 } + number( 0x104 ) + Octets{ 5 } ) },
+      { "group with a member", record( 0, 1, 0x90, Octets{ 0, 4, 0, 8 } + number( 0x108 ) ) },
+      { "no token in front", number( 12 ) + Octets{ 0 } + number( 1 ) + number( 0x105 ) + Octets{ 1, 8, 2 } },
+      { "no token behind", number( 12 ) + Octets{ 0 } + number( 1 ) + number( 0x105 ) + Octets{ 0, 8, 1 } },
+   };
+   for ( Row const & row : rows ) {
+      SCOPED_TRACE( row.name );
+      LogEnd end( StreamAdapter::readOnly );
+      ASSERT_NO_THROW( end.demuxer->bytesIs( good.data(), good.size() ) );
+      auto & tree = static_cast< Tree & >( *end.demuxer->roots().at( 0 ) );
+      std::string const before = logged( tree );
+      EXPECT_EQ( 7, tree.age() );
+      Octets const lie = row.octets + record( 0, 1, 0x105, { 99 } );
+      EXPECT_THROW( end.demuxer->bytesIs( lie.data(), lie.size() ), AttrLogRecordException );
+      EXPECT_EQ( before, logged( tree ) );
+      EXPECT_THROW( end.demuxer->bytesIs( good.data(), good.size() ), AttrLogRecordException )
+           << "nor anything after";
+      EXPECT_EQ( before, logged( tree ) );
+   }
+}
+
+TEST( NboAttrLogRefusal, anotherStreamIsNoAttributeLog ) {
+   for ( Octets const & octets :
+         { Octets{ 'V', 'N', 'A', 'M', 0, 1, 0, 0 }, Octets{ 'V', 'N', 'A', 'L', 0, 2, 0, 0 },
+           Octets{ 'V', 'N', 'A', 'L', 0, 1, 0, 1 } } ) {
+      LogEnd end( StreamAdapter::readOnly );
+      EXPECT_THROW( end.demuxer->bytesIs( octets.data(), octets.size() ), AttrLogRecordException );
+   }
+}
+
+TEST( NboAttrLogRefusal, everyPrefixWaitsForTheRest ) {
+   Octets const all = good + record( 3, 2, 0x103, twig + number( 3 ) + number( 3 ) );
+   for ( std::size_t cut = 0; cut <= all.size(); ++cut ) {
+      LogEnd end( StreamAdapter::readOnly );
+      ASSERT_NO_THROW( end.demuxer->bytesIs( all.data(), cut ) );
+      for ( std::size_t at = cut; at < all.size(); ++at ) {
+         ASSERT_NO_THROW( end.demuxer->bytesIs( &all[at], 1 ) );
+      }
+      auto & tree = static_cast< Tree & >( *end.demuxer->roots().at( 0 ) );
+      ASSERT_EQ( 9, tree.branch( Name( "branch" ) )->twig( 5 )->load() );
+   }
+}
+
+TEST( NboAttrLogRefusal, everyDamagedOctetIsRefusedOrHarmless ) {
+   Octets const all = good + record( 3, 2, 0x103, twig + number( 3 ) + number( 3 ) ) +
+                      record( 0, 2, 0x104, counted( "score" ) + number( 0 ) + number( 0 ) ) +
+                      record( 1, 2, 0x107, Octets{ 0 } + number( 0 ) + number( 4 ) + number( 5 ) ) +
+                      record( 0, 2, 0x107, number( 4 ) + counted( "event" ) );
+   for ( std::size_t at = 0; at < all.size(); ++at ) {
+      for ( U8 const change : { U8( 0x01 ), U8( 0x80 ), U8( 0xff ) } ) {
+         Octets damaged = all;
+         damaged[at] = U8( damaged[at] ^ change );
+         LogEnd end( StreamAdapter::readOnly );
+         try {
+            end.demuxer->bytesIs( damaged.data(), damaged.size() );
+         } catch ( AttrLogRecordException const & ) {}
+         EXPECT_EQ( nullptr, end.out->takeException() );
+      }
+   }
+}
+
+TEST( NboAttrLogRefusal, aFreshConnectionRepairsWhatALieLeft ) {
+   LogEnd lied( StreamAdapter::readOnly );
+   Octets const lie = good + record( 0, 1, 0x104, { 2 } );
+   EXPECT_THROW( lied.demuxer->bytesIs( lie.data(), lie.size() ), AttrLogRecordException );
+   auto const copy = lied.demuxer->roots().at( 0 );
+   auto const tree = treeFactory( Name( "tree" ) );
+   tree->branchIs( Name( "another" ) );
+   LogPair pair;
+   pair.copy.demuxer->rootIs( copy );
+   tree->vornNboAttrLogSaIs( 0, 0, pair.source.out );
+   pair.flush();
+   EXPECT_EQ( copy, pair.root() );
+   EXPECT_EQ( logged( *tree ), logged( *copy ) );
+}
+
+TEST( NboAttrLogRefusal, theReasonIsThatOfTheValue ) {
+   LogEnd end( StreamAdapter::readOnly );
+   Octets const octets =
+        header + record( 2, 0, 1, text( "Ldp::LdpAdjStatus" ) ) +
+        record( 3, 0, 0x88,
+                Octets{ 0 } + number( 1 ) + Octets{ 2 } + number( 0x0a000001 ) + Octets{ 0, 0 } +
+                     counted( "" ) + number( 0 ) + Octets{ 3 } + number( 1 ) ) +
+        record( 0, 1, 0x108, { 9 } );
+   try {
+      end.demuxer->bytesIs( octets.data(), octets.size() );
+      FAIL();
+   } catch ( AttrLogRecordException const & refused ) {
+      EXPECT_EQ( String( "Invalid IpGenAddr" ), refused.message() );
+   }
+}
+
+TEST( NboAttrLogRefusal, aRecordLongerThanTheBufferTakesABlockOfItsOwn ) {
+   LogPair pair( 64 );
+   auto const tree = treeFactory( Name( "tree" ) );
+   tree->vornNboAttrLogSaIs( 0, 0, pair.source.out );
+   pair.flush();
+   tree->kindIs( String( std::string( 100'000, 'x' ) ) );
+   tree->ageIs( 3 );
+   std::size_t carried = 0;
+   while ( std::size_t const bytes = pair.carry( 1000 ) ) {
+      carried += bytes;
+      EXPECT_EQ( carried > 100'019 ? 3 : 0, static_cast< Tree & >( *pair.root() ).age() ) << carried;
+   }
+   EXPECT_EQ( logged( *tree ), logged( *pair.root() ) );
+   EXPECT_TRUE( pair.source.out->failure().empty() );
+}
+
+TEST( NboAttrLogRefusal, aRecordThatNoReaderTakesEndsTheLog ) {
+   LogPair pair;
+   auto const tree = treeFactory( Name( "tree" ) );
+   tree->vornNboAttrLogSaIs( 0, 0, pair.source.out );
+   pair.flush();
+   tree->kindIs( String( std::string( Vorn::NboAttrLog::maxRecordBytes, 'x' ) ) );
+   EXPECT_FALSE( pair.source.out->failure().empty() );
+   EXPECT_EQ( 0u, pair.source.out->bytes() );
+   tree->ageIs( 9 );
+   EXPECT_EQ( 0u, pair.source.out->bytes() );
+}
+
+TEST( NboAttrLogRefusal, aScalarChangeWithRoomAllocatesNothing ) {
+   auto const coll = Ldp::ldpAdjStatusCollFactory( Name( "default" ) );
+   Ldp::LdpAdjId const id( Ldp::LdpIdentifier( 1, 0 ), Lumo::IntfId( "Ethernet1" ) );
+   auto const member = coll->adjStatusIs( id );
+   auto const tree = treeFactory( Name( "tree" ) );
+   LogPair pair;
+   coll->vornNboAttrLogSaIs( 0, 0, pair.source.out );
+   tree->vornNboAttrLogSaIs( 0, 0, pair.source.out );
+   pair.flush();
+   String const kind( "a kind that is a string of some length" );
+   auto & blocks = Vorn::memClasses_;
+   std::size_t const before = allocations;
+   U32 kept = 0;
+   for ( auto const & block : blocks ) {
+      kept += block.freeNum;
+   }
+   for ( U16 i = 1; i < 100; ++i ) {
+      member->operHoldTimeIs( i );
+      member->adjExpireTimeIs( i );
+      member->peerIpAddrIs( Lumo::IpGenAddr( Lumo::IpAddr( i ) ) );
+      tree->kindIs( i % 2 ? kind : String() );
+   }
+   U32 keptAfter = 0;
+   for ( auto const & block : blocks ) {
+      keptAfter += block.freeNum;
+   }
+   EXPECT_EQ( before, allocations );
+   EXPECT_EQ( kept, keptAfter ) << "nor from the free lists";
+   EXPECT_LT( 4000u, pair.source.out->bytes() ) << "yet all of it was written";
+}
+
+} // namespace
