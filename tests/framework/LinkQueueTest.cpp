@@ -130,6 +130,7 @@ class Model {
    }
    void hold( Queue::Iterator it ) {
       RC_ASSERT( bool( it ) == !elements_.empty() );
+      if ( !it ) return; // at the end, it stands for no index
       U64 index = 0;
       for ( auto const & element : elements_ ) {
          if ( U32( element.first ) == it->index() ) index = element.first;
