@@ -59,6 +59,7 @@ std::vector< std::string > sampleTexts( VornType const & type ) {
       { "Ldp::LdpAdjId", { "10.0.0.1:0_Ethernet1", "10.0.0.1:0_TARGET_10.0.0.1" } },
       { "Ldp::LdpP2mpFecGenericOpaqueId", { "10.0.0.1_7", "2001:db8::1_4294967295" } },
       { "Ldp::LdpProtoParamSetting", { "2", "512" } },
+      { "Ldp::LdpFecTlvP2mpOpaqueLength", { "7", "65535" } },
       { "Ldp::LdpGrOperationalFlag",
         { "Value('Ldp::LdpGrOperationalFlag', ** {'grFlagSpeaker': True, 'grFlagHelper': False})",
           "Value('Ldp::LdpGrOperationalFlag', ** {'grFlagSpeaker': True, 'grFlagHelper': True})" } },
