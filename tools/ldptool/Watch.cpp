@@ -89,7 +89,8 @@ int watch( WatchOptions const & options ) {
          failure = error.what();
       }
       watcher.reset();
-      if ( !options.follow || options.tree || options.json ) printTree( out, *network, options );
+      bool const changesOrVerdict = options.follow || options.check;
+      if ( !changesOrVerdict || options.tree || options.json ) printTree( out, *network, options );
       int result = exitGood;
       if ( replica ) {
          std::string const copy = replica->finish( options.json );
