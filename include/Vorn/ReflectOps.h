@@ -270,6 +270,9 @@ inline constexpr VornAttrOps referenceCollOps{
          if constexpr ( std::is_invocable_v< decltype( set ), Self &, Key const &, Ptr< Type > const & > ) {
             ( self.*set )( key, value );
          } else {
+            if ( value && !( typename std::remove_cvref_t< decltype( map ) >::Node( value ).key() == key ) ) {
+               throwRangeException( "a reference stands under a key that is not its own" );
+            }
             ( self.*set )( value );
          }
          break;

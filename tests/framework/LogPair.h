@@ -1,12 +1,13 @@
 /// \file
 /// Two ends of an attribute log in one process, with a connection between them that a test can starve and
-/// cut; and the text of all that the log carries of an entity, by which copy and original are compared.
+/// cut.
 #pragma once
+
+#include "framework/LogText.h"
 
 #include "Vorn/NboAttrLog.h"
 
 #include <gtest/gtest.h>
-#include <string>
 #include <vector>
 
 namespace Test {
@@ -15,10 +16,6 @@ using Vorn::Ptr;
 using Vorn::StreamAdapter;
 using Demuxer = Vorn::NboAttrLog::Demuxer;
 using Out = Vorn::NboAttrLog::Out;
-
-/// Every logged attribute below an entity, as text. A reference reads as the path to its target, or as null
-/// if that is not below `root`.
-std::string logged( Vorn::Entity & root );
 
 /// One end: what it sends, and what applies what it receives.
 struct LogEnd {
