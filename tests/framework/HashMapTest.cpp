@@ -38,8 +38,9 @@ class Member : public Vorn::Entity {
    Key key_;
 };
 template< U32 hashes >
-constinit Vorn::VornType const Member< hashes >::_vornType =
-     Vorn::objectRecord( "Test::Member", &Vorn::Entity::_vornType, sizeof( Member ) );
+constinit Vorn::VornType const Member< hashes >::_vornType = Vorn::objectRecord( "Test::Member",
+                                                                                 &Vorn::Entity::_vornType,
+                                                                                 sizeof( Member ) );
 template< U32 hashes >
 Vorn::AllocTrackTypeInfo Member< hashes >::vornAllocTrackTypeInfo_{ nullptr };
 
