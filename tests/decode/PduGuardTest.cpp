@@ -74,6 +74,8 @@ TEST( PduGuard, wrappedUnits ) {
         { "nothing of the kind", pduOf( { keepAlive, keepAlive } ), Result::none, 0 },
         { "as a message", pduOf( { "0100 fffc 00000001" } ), Result::wrappedUnit, msgAt },
         { "as the second message", pduOf( { keepAlive, "0100 fffc" } ), Result::wrappedUnit, msgAt + 8 },
+        { "as the only message of the shortest PDU", pduLen( 10, "10.0.0.1", 0, { "0100 fffc", "00000000" } ),
+          Result::wrappedUnit, msgAt },
         { "as a message of an unknown type", pduOf( { "7fff fffc 00000001" } ), Result::wrappedUnit, msgAt },
         { "as a TLV", pduOf( { hello( { wrapped } ) } ), Result::wrappedUnit, tlvAt },
         { "as the second TLV", pduOf( { hello( { good, wrapped } ) } ), Result::wrappedUnit, tlvAt + 5 },
