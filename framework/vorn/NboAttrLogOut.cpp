@@ -22,10 +22,10 @@ Out::Out( U32 capacity ) : buffer_( std::max( capacity, minCapacity ) ) {
 }
 
 Out::~Out() {
+   closing_ = true;
    for ( auto & node : adapters_ ) {
       node.value()->close();
    }
-   VORN_ASSERT( !adapters_.members() );
 }
 
 std::size_t Out::bytes() {
@@ -54,11 +54,14 @@ void Out::begin( RecordKind kind, U32 entityId, U32 attributeId ) {
    VORN_ASSERT( !record_ );
    record_ = at_;
    missing_ = 0;
-   putU32( 0 ); // the length, which `end` sets
-   putU8( kind );
-   putU32( entityId );
-   putU32( attributeId );
-   putU8( beginToken );
+   U8 head[sizeof( U32 ) + recordHeadBytes] = {}; // in front the length, which `end` sets
+   entityId = __builtin_bswap32( entityId );
+   attributeId = __builtin_bswap32( attributeId );
+   head[4] = kind;
+   std::memcpy( head + 5, &entityId, sizeof entityId );
+   std::memcpy( head + 9, &attributeId, sizeof attributeId );
+   head[13] = beginToken;
+   put( head, sizeof head );
 }
 
 bool Out::end() {
@@ -160,6 +163,7 @@ Ptr< Out::Adapter > Out::newAdapter( Entity & entity, Vorn_BitSet flags, unsigne
 }
 
 void Out::adapterDel( Adapter & adapter ) {
+   if ( closing_ ) return; // all go together
    if ( references_ ) references_->adapterDel( adapter );
    if ( adapter.ownId_ ) byId_.del( adapter.ownId_ );
    if ( adapter.peerId_ ) byId_.del( adapter.peerId_ );

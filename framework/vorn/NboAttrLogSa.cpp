@@ -110,17 +110,16 @@ Ptr< SaOut > SaOut::childIs( Entity & child ) {
 SaOut::VornNboAttrLogSa( Entity & entity, Out & out, Vorn_BitSet flags, unsigned level,
                          VornNboAttrLogSa * parent )
      : StreamAdapter( Vorn_BitSet( flags.word() & Vorn_BitSet::notificationBitMask() ), level ),
-       entity_( &entity ), out_( &out ), observer_( new VornNboAttrLogSaAdapter_( *this ) ),
-       parent_( parent ) {
+       entity_( &entity ), type_( *entity.fwkType() ), out_( &out ), observer_( *this ), parent_( parent ) {
    if ( !parent_ ) return;
    nextChild_ = parent_->firstChild_;
    if ( nextChild_ ) nextChild_->prevChild_ = this;
    parent_->firstChild_ = this;
 }
 
-SaOut::~VornNboAttrLogSa() { observer_->adapterDel(); }
+SaOut::~VornNboAttrLogSa() { observer_.adapterDel(); }
 
-void SaOut::hasNotificationActiveIs( bool active ) { observer_->hasNotificationActiveIs( active ); }
+void SaOut::hasNotificationActiveIs( bool active ) { observer_.hasNotificationActiveIs( active ); }
 
 void SaOut::flagsIs( Vorn_BitSet flags ) {
    U32 const old = flags_.word();
@@ -142,7 +141,7 @@ void SaOut::flagsIs( Vorn_BitSet flags ) {
 void SaOut::close() {
    if ( !out_ ) return;
    Ptr< VornNboAttrLogSa > const hold( this );
-   observer_->adapterDel();
+   observer_.adapterDel();
    while ( firstChild_ ) {
       firstChild_->close();
    }
@@ -191,7 +190,7 @@ void SaOut::confirmedIs( bool confirmed ) {
 
 SaOut::FlowOut & SaOut::flowOutIs() {
    if ( !flowOut_ ) {
-      flowOut_ = std::make_unique< FlowOut >( *entity_->fwkType() );
+      flowOut_ = std::make_unique< FlowOut >( type_ );
       flags_.bitsIs( flowOutPresent, true );
    }
    if ( !flags_.any( stopped ) ) pendingIs( true );
@@ -199,11 +198,10 @@ SaOut::FlowOut & SaOut::flowOutIs() {
 }
 
 VornAttr const * SaOut::attribute( U32 id ) const noexcept {
-   VornType const & type = *entity_->fwkType();
    // A type's own attributes follow those of `Entity` in one run, so the place is nearly always known.
    U32 const place = 5 + id - Entity::vornChildFirstId;
-   if ( place < type.attributeNum && type.attributes[place].id() == id ) return &type.attributes[place];
-   return type.attribute( id );
+   if ( place < type_.attributeNum && type_.attributes[place].id() == id ) return &type_.attributes[place];
+   return type_.attribute( id );
 }
 
 void SaOut::onAttribute( U32 attributeId, void const * key ) {
@@ -272,8 +270,7 @@ void SaOut::keyDirtyIs( VornAttr const & attr, void const * key ) {
 void SaOut::doThis() {
    bool const room = !flags_.any( alwaysFlowOut | stopped );
    bool const grouped = room && !flowOut_ && serializeGroup();
-   VornType const & type = *entity_->fwkType();
-   for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
+   for ( VornAttr const * attr = type_.attributes; attr->name; ++attr ) {
       if ( !attr->logged() || ( grouped && isScalar( *attr ) ) ) continue;
       if ( attr->keyed() ) {
          flowOutIs().vornHasSyncedIs( attr->id(), false );
@@ -290,8 +287,7 @@ U32 SaOut::handleAttrFlowOut( U32 attributeId ) {
    FlagAnchor const anchor( flags_, handlingFlowOut );
    auto & flowOut = *flowOut_;
    if ( flowOut.walking() ) attributeId = flowOut.attrId();
-   VornType const & type = *entity_->fwkType();
-   for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
+   for ( VornAttr const * attr = type_.attributes; attr->name; ++attr ) {
       U32 const id = attr->id();
       if ( !attr->logged() || id < attributeId ) continue;
       flowOut.attrIdIs( id );
@@ -313,7 +309,7 @@ U32 SaOut::handleAttrFlowOut( U32 attributeId ) {
 
 std::vector< U32 > SaOut::attrIdsReqSync() const {
    std::vector< U32 > ids;
-   for ( VornAttr const * attr = entity_->fwkType()->attributes; attr->name; ++attr ) {
+   for ( VornAttr const * attr = type_.attributes; attr->name; ++attr ) {
       if ( attr->logged() && attr->keyed() ) ids.push_back( attr->id() );
    }
    ids.push_back( 0 );
@@ -321,7 +317,7 @@ std::vector< U32 > SaOut::attrIdsReqSync() const {
 }
 
 bool SaOut::doSerializeOrphan() {
-   U32 const type = out_->typeNumber( *entity_->fwkType() );
+   U32 const type = out_->typeNumber( type_ );
    U32 const id = out_->lastEntityId_ + 1;
    FlagAnchor const anchor( flags_, orphanRecord );
    orphanPending_ = !type || !out_->record( NboAttrLog::introducingRecord, 0, NboAttrLog::orphanId, [&] {
@@ -354,11 +350,10 @@ bool SaOut::serialize( VornAttr const & attr ) {
 
 /// Writes all scalar attributes in one record, where there is plenty of room for it.
 bool SaOut::serializeGroup() {
-   VornType const & type = *entity_->fwkType();
-   if ( std::count_if( type.attributes, type.attributes + type.attributeNum, isScalar ) < 2 ) return false;
+   if ( std::count_if( type_.attributes, type_.attributes + type_.attributeNum, isScalar ) < 2 ) return false;
    return out_->recordAtOnce( NboAttrLog::attributeRecord, entityId(), NboAttrLog::groupId, [&] {
       std::size_t const start = out_->partBegin();
-      for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
+      for ( VornAttr const * attr = type_.attributes; attr->name; ++attr ) {
          if ( !isScalar( *attr ) ) continue;
          out_->putU32( attr->id() );
          writeAttr( *out_, object(), *attr );

@@ -69,7 +69,7 @@ void SaIn::apply( VornAttr const & attr, void const * key, Call const & call ) {
       call();
       again = flowIn.writtenAgain();
    }
-   if ( again ) observer_->handleNotification( attr.id(), key );
+   if ( again ) observer_.handleNotification( attr.id(), key );
 }
 
 void SaIn::doHandleAttrDeserialization( U32 attributeId, In & in ) {
@@ -92,7 +92,7 @@ void SaIn::doHandleAttrDeserialization( U32 attributeId, In & in ) {
 VornAttr const & SaIn::loggedAttribute( U32 id ) const {
    VornAttr const * const attr = attribute( id );
    if ( !attr || !attr->logged() ) {
-      refuse( format( "attribute %#x of %s is not logged", id, entity_->fwkType()->name ) );
+      refuse( format( "attribute %#x of %s is not logged", id, type_.name ) );
    }
    return *attr;
 }

@@ -166,6 +166,7 @@ class VORN_API Out : public PtrInterface {
    std::size_t need_ = 0;    // room that a record did not find
    bool blocked_ = false;    // a record waits for that room, and everything else behind it
    bool flowing_ = false;
+   bool closing_ = false;
    String failure_;
    std::exception_ptr exception_;
 

@@ -67,7 +67,19 @@ class VORN_API Entity::VornNboAttrLogSa final : public StreamAdapter {
 
  public:
    class FlowOut;
-   class VornNboAttrLogSaAdapter_;
+   /// The observer that the adapter binds to its entity; it leaves the entity's life alone. It is part of the
+   /// adapter, which is held while it is called.
+   class VORN_API VornNboAttrLogSaAdapter_ final : public Entity::Notifiee {
+    public:
+      explicit VornNboAttrLogSaAdapter_( VornNboAttrLogSa & adapter );
+      void handleNotification( U32 attributeId, void const * key ) override;
+      void vornFwkActivity() override;
+      /// Unbinds the observer and clears its way back.
+      void adapterDel();
+
+    private:
+      VornNboAttrLogSa * adapter_;
+   };
 
    VornNboAttrLogSa( Entity & entity, NboAttrLog::Out & out, Vorn_BitSet flags, unsigned level,
                      VornNboAttrLogSa * parent );
@@ -141,8 +153,9 @@ class VORN_API Entity::VornNboAttrLogSa final : public StreamAdapter {
    VornAttr const * attribute( U32 id ) const noexcept;
 
    Ptr< Entity > entity_;
+   VornType const & type_; // the entity's
    NboAttrLog::Out * out_;
-   Ptr< VornNboAttrLogSaAdapter_ > observer_;
+   VornNboAttrLogSaAdapter_ observer_;
    VornNboAttrLogSa * parent_;               // whose attribute holds the entity; null for an orphan
    VornNboAttrLogSa * firstChild_ = nullptr; // adapters below, in no order
    VornNboAttrLogSa * nextChild_ = nullptr;  // neighbours among the parent's
@@ -157,19 +170,6 @@ class VORN_API Entity::VornNboAttrLogSa final : public StreamAdapter {
    std::unique_ptr< FlowOut > flowOut_;
    FlowIn * flowIn_ = nullptr;                                     // what is being applied, innermost first
    std::unique_ptr< std::map< U32, std::set< U32 > > > queueSeen_; // indices of the transactions under way
-};
-
-/// The observer that the adapter binds to its entity; it leaves the entity's life alone.
-class VORN_API Entity::VornNboAttrLogSa::VornNboAttrLogSaAdapter_ final : public Entity::Notifiee {
- public:
-   explicit VornNboAttrLogSaAdapter_( VornNboAttrLogSa & adapter );
-   void handleNotification( U32 attributeId, void const * key ) override;
-   void vornFwkActivity() override;
-   /// Unbinds the observer and clears its way back.
-   void adapterDel();
-
- private:
-   VornNboAttrLogSa * adapter_;
 };
 
 namespace NboAttrLog {
