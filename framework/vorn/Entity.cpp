@@ -24,7 +24,7 @@ namespace {
 /// The attribute through which a member is known in its parent: its constructor argument that is the key.
 VornAttr const * keyAttr( VornType const & type ) {
    for ( VornAttr const * attr = type.attributes; attr && attr->name; ++attr ) {
-      if ( attr->isCtorArg() ) return attr;
+      if ( attr->isKey() ) return attr;
    }
    return nullptr;
 }

@@ -52,6 +52,13 @@ VornAttr const * VornType::attribute( U32 id ) const noexcept {
    return nullptr;
 }
 
+U32 VornAttr::memberKeyIndex() const noexcept {
+   U32 index = 0;
+   while ( std::strcmp( memberCtorArgs[index].name, memberKey ) )
+      ++index;
+   return index;
+}
+
 void typeNodeIs( VornType const * type ) {
    auto & types = table();
    types.insert( std::upper_bound( types.begin(), types.end(), type, nameBefore ), type );

@@ -168,7 +168,7 @@ void SaIn::memberFromLog( VornAttr const & attr, In & in ) {
    NboAttrLog::ensureCorrectType( in.nextType(), *attr.type );
    U32 const id = in.nextEntityId();
    in.endIs();
-   void const * const key = attr.keyed() ? arguments.pointers()[0] : nullptr;
+   void const * const key = attr.keyed() ? arguments.pointers()[attr.memberKeyIndex()] : nullptr;
    Ptr< PtrInterface > member;
    attr.ops->op( &member, object(), attr, GenericIf::read, key, nullptr );
    auto * const known = out_->adapterById( id );

@@ -88,22 +88,25 @@
    ::Vorn::Name name_
 
 /// Constructor argument, immutable.
-#define VORN_CTOR_ARG( id, Type, x )                                                                         \
+#define VORN_CTOR_ARG( id, Type, x ) VORN_CTOR_ARG_( id, Type, x, 0 )
+#define VORN_CTOR_ARG_( id, Type, x, flags_ )                                                                \
  public:                                                                                                     \
    ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
    static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
-      return ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::constructor, id, ::Vorn::local,         \
-                                               &::Vorn::readOps< Self, &Self::x > );                         \
+      auto attr = ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::constructor, id, ::Vorn::local,    \
+                                                    &::Vorn::readOps< Self, &Self::x > );                    \
+      attr.flags |= flags_;                                                                                  \
+      return attr;                                                                                           \
    }                                                                                                         \
                                                                                                              \
  private:                                                                                                    \
    Type x##_
 
-/// Constructor argument that is the key of the entity in its collection.
+/// Constructor argument that is the key of the entity in its collection. It need not be the first.
 #define VORN_KEY( id, Type, x )                                                                              \
  public:                                                                                                     \
    ::Vorn::Arg< Type > vornKey() const noexcept { return x##_; }                                             \
-   VORN_CTOR_ARG( id, Type, x )
+   VORN_CTOR_ARG_( id, Type, x, ::Vorn::keyAccess )
 
 /// The types of all constructor arguments in their order, for a type that takes more than its key or name.
 #define VORN_CTOR_TYPES( ... )                                                                               \
@@ -240,14 +243,14 @@
                                          &NotifieeConst::on##X ) >;                                          \
    }
 
-/// Owned keyed collection of entities. `xIs( key, further... )` gives the member, which it makes if there is
-/// none.
+/// Owned keyed collection of entities. `xIs` takes what the members' constructor takes, in its order: the
+/// key, and further arguments in front of it or behind. It gives the member, which it makes if there is none.
 #define VORN_ENTITY_COLL( id, Type, Key, x, X, replication )                                                 \
    VORN_COLL_( id, Key, x, X, VORN_ARG_( ::Vorn::HashMap< Self, Type, Key > ) )                              \
    ::Vorn::Ptr< Type > x( ::Vorn::Arg< Key > key ) const { return x##_.member( key ); }                      \
-   template< class... More >                                                                                 \
-   ::Vorn::Ptr< Type > x##Is( ::Vorn::Arg< Key > key, More const &... more ) {                               \
-      return ::Vorn::memberIs( *this, x##_, x##Change_(), key, more... );                                    \
+   template< class First = Key, class... More >                                                              \
+   ::Vorn::Ptr< Type > x##Is( First const & first, More const &... more ) {                                  \
+      return ::Vorn::memberIs( *this, x##_, x##Change_(), first, more... );                                  \
    }                                                                                                         \
    ::Vorn::Ptr< Type > x##Del( ::Vorn::Arg< Key > key ) {                                                    \
       return ::Vorn::memberDel( *this, x##_, x##Change_(), key );                                            \

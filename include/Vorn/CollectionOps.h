@@ -90,15 +90,29 @@ using CtorTypes = typename CtorTypesOf< Type >::Types;
 /// ones.
 VORN_API void reinstantiate( Entity & present, VornType const & type, void const * const * args );
 
-/// See VORN_ENTITY_COLL.
-template< class Self, class Map, class Key, class... More >
-auto memberIs( Self & self, Map & map, NotifieeChange const & change, Key const & key,
-               More const &... more ) {
-   using Type = std::remove_pointer_t< decltype( map.member( key ) ) >;
+/// Which of an entity type's constructor arguments is the key; the first for a type that goes by name.
+template< class Type >
+consteval std::size_t keyIndex() {
+   std::size_t index = 0;
+   if constexpr ( std::tuple_size_v< CtorTypes< Type > > != 1 ) {
+      for ( VornAttr const & attr : AttrTable< Type >::table ) {
+         if ( attr.isKey() ) return index;
+         index += attr.name && attr.isCtorArg();
+      }
+      index = 0;
+   }
+   return index;
+}
+
+/// See VORN_ENTITY_COLL. `given` are the members' constructor arguments in their order.
+template< class Self, class Type, class Key, class... Given >
+Ptr< Type > memberIs( Self & self, HashMap< Self, Type, Key > & map, NotifieeChange const & change,
+                      Given const &... given ) {
    // In the types that the attributes have, since the comparison goes by their records.
-   CtorTypes< Type > const args( key, more... );
+   CtorTypes< Type > const args( given... );
+   Key const & key = std::get< keyIndex< Type >() >( args );
    if ( Ptr< Type > const present{ map.member( key ) } ) {
-      if constexpr ( sizeof...( More ) != 0 ) {
+      if constexpr ( sizeof...( Given ) > 1 ) {
          std::apply(
               [&]( auto const &... arg ) {
                  void const * const pointers[] = { &arg... };

@@ -63,11 +63,13 @@ decltype( auto ) withArgs( void const * const * args, Call const & call ) {
    ( std::make_index_sequence< std::tuple_size_v< Types > >{} );
 }
 
-/// Name of the attribute that is the members' key; null for members that go by name.
+/// Name of the attribute that is the members' key.
 template< class Type >
 constexpr char const * memberKeyName() {
-   VornAttr const & first = AttrTable< Type >::table[AttrTable< Type >::num - AttrTable< Type >::own];
-   return first.name && first.isCtorArg() ? first.name : "name";
+   for ( VornAttr const & attr : AttrTable< Type >::table ) {
+      if ( attr.isKey() ) return attr.name;
+   }
+   return "name";
 }
 template< class Type >
 constexpr VornCtorArg const * memberCtorArgs() {

@@ -60,6 +60,9 @@ inline constexpr U64 ctorArgAccess = 0x40ull << 40;
 /// Set in the access bits of a value's attribute that can be written but is no field: a view of the fields.
 inline constexpr U64 viewAccess = 0x20ull << 40;
 
+/// Set in the access bits of the constructor argument that is an entity's key.
+inline constexpr U64 keyAccess = 0x10ull << 40;
+
 /// Set in the access bits of a set of keys, which is reflected as a collection of `bool`.
 inline constexpr U64 setAccess = 0x20ull << 40;
 
@@ -89,6 +92,8 @@ struct VornAttr {
    constexpr bool isCtorArg() const noexcept {
       return kind() == VornKind::constructor || ( flags & ctorArgAccess );
    }
+   /// Whether it is the constructor argument by which its entity is known in a collection.
+   constexpr bool isKey() const noexcept { return flags & keyAccess; }
    /// Whether it is one of the fields that make up a value.
    constexpr bool isField() const noexcept {
       return kind() == VornKind::constructor || ( kind() == VornKind::state && !( flags & viewAccess ) );
@@ -97,6 +102,8 @@ struct VornAttr {
    constexpr bool isSet() const noexcept { return flags & setAccess; }
    /// Whether it is a collection, a set or a queue.
    constexpr bool keyed() const noexcept { return ( flags >> 32 & 0xff ) == 0; }
+   /// Of a collection of entities, which of the members' constructor arguments is their key.
+   VORN_API U32 memberKeyIndex() const noexcept;
    /// Whether it makes and owns entities.
    constexpr bool instantiating() const noexcept {
       return kind() == VornKind::child || kind() == VornKind::entityColl ||

@@ -20,18 +20,19 @@ class Leaf : public Vorn::Entity {
 };
 VORN_FACTORY( Leaf, leafFactory )
 
-/// A member with further constructor arguments, one of which can be changed afterwards.
+/// A member with further constructor arguments, one of which can be changed afterwards. The key is not the
+/// first of them.
 class Member : public Vorn::Entity {
    VORN_ENTITY( Member, Vorn::Entity )
    VORN_NOTIFIEE( VORN_ON( Weight ); )
-   VORN_CTOR_TYPES( U32, U16, U32 )
+   VORN_CTOR_TYPES( U16, U32, U32 )
 
  public:
-   Member( U32 id, U16 port, U32 weight ) : id_( id ), port_( port ), weight_( weight ) {}
+   Member( U16 port, U32 id, U32 weight ) : port_( port ), id_( id ), weight_( weight ) {}
    ~Member() override;
 
-   VORN_KEY( 0x102, U32, id );
-   VORN_CTOR_ARG( 0x103, U16, port );
+   VORN_CTOR_ARG( 0x102, U16, port );
+   VORN_KEY( 0x103, U32, id );
    VORN_MUTABLE_CTOR_ARG( 0x104, U32, weight, Weight, replicated );
 };
 

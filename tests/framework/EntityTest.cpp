@@ -156,12 +156,13 @@ TEST_F( EntityTest, entityCollection ) {
 }
 
 TEST_F( EntityTest, reinstantiationComparesImmutablesAndWritesTheOthers ) {
-   auto const member = thing->memberIs( 1, 646, 10 );
-   EXPECT_EQ( thing->memberIs( 1, 646, 20 ), member );
+   auto const member = thing->memberIs( 646, 1, 10 );
+   EXPECT_EQ( thing->memberIs( 646, 1, 20 ), member );
    EXPECT_EQ( member->weight(), 20u );
    EXPECT_EQ( log->taken(), "member 1" );
+   EXPECT_STREQ( Everything::_vornType.attribute( "member" )->memberKey, "id" ) << "the second argument";
    try {
-      thing->memberIs( 1, 647, 30 );
+      thing->memberIs( 647, 1, 30 );
       FAIL();
    } catch ( Vorn::NameInUseException const & failure ) {
       EXPECT_STREQ( failure.what(),

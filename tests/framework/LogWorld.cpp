@@ -137,7 +137,7 @@ void LogWorld::everythingStep() {
       if ( auto const member = all.member( key ) ) {
          member->weightIs( below( 9 ) );
       } else {
-         all.memberIs( key, U16( below( 3 ) ), U32( below( 3 ) ) );
+         all.memberIs( U16( below( 3 ) ), key, U32( below( 3 ) ) );
       }
       break;
    case 9: all.memberDel( key ); break;
