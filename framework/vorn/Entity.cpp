@@ -148,27 +148,56 @@ void childrenDel( Entity & entity, VornType const & type ) {
    }
 }
 
-void reinstantiate( Entity & present, VornType const & type, void const * const * args ) {
-   void * const object = static_cast< PtrInterface * >( &present );
-   // Calls `call` with each argument's attribute and the value given for it.
-   auto const eachArg = [&]( auto const & call ) {
-      for ( U32 i = 0; type.ctorArgs[i].name; ++i )
-         call( *type.attribute( type.ctorArgs[i].name ), args[i] );
-   };
-   eachArg( [&]( VornAttr const & attr, void const * given ) {
-      if ( attr.kind() != VornKind::constructor ) return;
+namespace {
+
+// Calls `call` with each constructor argument's attribute and the value given for it, until it says stop.
+template< class Call >
+void eachCtorArg( VornType const & type, void const * const * args, Call const & call ) {
+   for ( U32 i = 0; type.ctorArgs[i].name; ++i ) {
+      if ( !call( *type.attribute( type.ctorArgs[i].name ), args[i] ) ) return;
+   }
+}
+
+// The first argument that cannot be changed and differs from the one given; else a null attribute.
+struct Difference {
+   VornAttr const * attr = nullptr;
+   void const * given = nullptr;
+};
+
+Difference difference( Entity const & present, VornType const & type, void const * const * args ) {
+   auto * const object = const_cast< PtrInterface * >( static_cast< PtrInterface const * >( &present ) );
+   Difference found;
+   eachCtorArg( type, args, [&]( VornAttr const & attr, void const * given ) {
+      if ( attr.kind() == VornKind::mutableAttr ) return true;
       GenericIf::Value current( attr.type );
       attr.ops->op( current.data(), object, attr, GenericIf::read, nullptr, nullptr );
-      if ( attr.type->methods->equal( current.data(), given ) ) return;
+      if ( attr.type->methods->equal( current.data(), given ) ) return true;
+      found = { &attr, given };
+      return false;
+   } );
+   return found;
+}
+
+} // namespace
+
+bool madeFrom( Entity const & entity, VornType const & type, void const * const * args ) {
+   return !difference( entity, type, args ).attr;
+}
+
+void reinstantiate( Entity & present, VornType const & type, void const * const * args ) {
+   if ( auto const found = difference( present, type, args ); found.attr ) {
+      VornType const & argType = *found.attr->type;
       throwNameInUseException(
            "Reinstantiating the entity with fullName " + valueToStrep( present.fullName() ) +
-           " where constructor parameter attribute '" + attr.name + "' has a different value of " +
-           attr.type->methods->genericIfStrRep( given, attr.type ) + " than the current value of " +
-           current.stringValue() + " not allowed" );
-   } );
-   eachArg( [&]( VornAttr const & attr, void const * given ) {
+           " where constructor parameter attribute '" + found.attr->name + "' has a different value of " +
+           argType.methods->genericIfStrRep( found.given, &argType ) + " than the current value of " +
+           GenericIf::attributeText( &present, type, *found.attr ) + " not allowed" );
+   }
+   void * const object = static_cast< PtrInterface * >( &present );
+   eachCtorArg( type, args, [&]( VornAttr const & attr, void const * given ) {
       if ( attr.kind() == VornKind::mutableAttr )
          attr.ops->op( nullptr, object, attr, GenericIf::write, nullptr, &given );
+      return true;
    } );
 }
 

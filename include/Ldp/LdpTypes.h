@@ -13,4 +13,12 @@ namespace Ldp {
    X( unknownAdvDspl, 3 )
 VORN_ENUM( LdpLabelAdvDspl, LDP_LABEL_ADV_DSPLS )
 
+/// Where a FEC leads: to this router, to another one, or out of the domain at this one.
+#define LDP_FEC_DELIVERY_TYPES( X )                                                                          \
+   X( Unknown, 0 )                                                                                           \
+   X( Local, 1 )                                                                                             \
+   X( Remote, 2 )                                                                                            \
+   X( Egress, 3 )
+VORN_ENUM( LdpFecDeliveryType, LDP_FEC_DELIVERY_TYPES )
+
 } // namespace Ldp

@@ -17,6 +17,8 @@ class VORN_API NamespaceName {
    NamespaceName() noexcept = default;
    /// Throws RangeException for a longer name.
    explicit NamespaceName( Vorn::String name );
+   /// The namespace in which a process finds itself unless it goes elsewhere.
+   static NamespaceName defaultNamespace() { return NamespaceName( "default" ); }
 
    Vorn::String const & stringValue() const noexcept { return name_; }
    U32 hash() const noexcept { return name_.hash(); }

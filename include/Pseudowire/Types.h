@@ -3,49 +3,19 @@
 /// own puts it in the place of this header.
 #pragma once
 
-#include "Vorn/NboAttrLogValues.h"
-#include "Vorn/Strep.h"
+#include "Lumo/Ip.h"
+#include "Vorn/Number.h"
 
 namespace Pseudowire {
 
-/// An integer that is a type of its own. `Tag` keeps apart what must not be mixed up.
-template< class Tag, class Word >
-class Number {
- public:
-   constexpr Number() noexcept = default;
-   constexpr explicit Number( Word value ) noexcept : value_( value ) {}
-
-   constexpr Word value() const noexcept { return value_; }
-   friend constexpr auto operator<=>( Number, Number ) noexcept = default;
-   friend constexpr bool operator==( Number, Number ) noexcept = default;
-   friend constexpr bool operator==( Number a, Word b ) noexcept { return a.value_ == b; }
-
-   /// In decimal.
-   friend Vorn::String valueToStrep( Number const & value ) { return Vorn::valueToStrep( value.value_ ); }
-   friend void sequenceToValue( Vorn::String::IteratorConst & it, Vorn::String::IteratorConst const & end,
-                                Number * value ) {
-      Vorn::sequenceToValue( it, end, &value->value_ );
-   }
-   friend std::ostream & operator<<( std::ostream & out, Number const & value ) {
-      return out << valueToStrep( value );
-   }
-
-   /// In the attribute log the word.
-   friend void logOut( Vorn::NboAttrLog::Out & out, Number const & value ) { logOut( out, value.value_ ); }
-   friend void logIn( Vorn::NboAttrLog::In & in, Number * value ) { logIn( in, &value->value_ ); }
-
- private:
-   Word value_ = 0;
-};
-
 /// PW ID, the number that names a pseudowire between two peers.
-using PseudowireId = Number< struct PseudowireIdTag, U32 >;
+using PseudowireId = Vorn::Number< struct PseudowireIdTag, U32 >;
 /// Group of pseudowires, which a withdraw may name as a whole.
-using GroupId = Number< struct GroupIdTag, U32 >;
+using GroupId = Vorn::Number< struct GroupIdTag, U32 >;
 /// Connectivity verification types of VCCV, one bit each (RFC 5085).
-using VccvCvTypes = Number< struct VccvCvTypesTag, U8 >;
+using VccvCvTypes = Vorn::Number< struct VccvCvTypesTag, U8 >;
 /// PW status word as signalled; 0 is forwarding (RFC 8077, 5.4.2).
-using PseudowireLdpStatusFlags = Number< struct PseudowireLdpStatusFlagsTag, U32 >;
+using PseudowireLdpStatusFlags = Vorn::Number< struct PseudowireLdpStatusFlagsTag, U32 >;
 
 /// Pseudowire types (IANA registry of RFC 4446, 3.2). A number outside the list is an ordinary value.
 #define PSEUDOWIRE_TYPES( X )                                                                                \
@@ -66,9 +36,43 @@ VORN_ENUM( PseudowireType, PSEUDOWIRE_TYPES )
 /// The type with that name or number. Throws RangeException.
 VORN_API PseudowireType PseudowireTypeInstance( Vorn::String const & text );
 
+/// State of an attachment circuit.
+#define PSEUDOWIRE_CONNECTOR_STATUSES( X )                                                                   \
+   X( pwConnectorUnknown, 0 )                                                                                \
+   X( pwConnectorUp, 1 )                                                                                     \
+   X( pwConnectorDown, 2 )
+VORN_ENUM( PseudowireConnectorStatus, PSEUDOWIRE_CONNECTOR_STATUSES )
+
+/// What a service asks for: a pseudowire of that number to that neighbor. Its text is `10.0.0.1_100`.
+class VORN_API PseudowireLdpRequestKey {
+ public:
+   PseudowireLdpRequestKey() noexcept = default;
+   PseudowireLdpRequestKey( Lumo::IpGenAddr const & neighbor, PseudowireId pwId ) noexcept
+        : neighbor_( neighbor ), pwId_( pwId ) {}
+
+   Lumo::IpGenAddr const & neighbor() const noexcept { return neighbor_; }
+   PseudowireId pwId() const noexcept { return pwId_; }
+
+   U32 hash() const noexcept { return neighbor_.hash() + pwId_.hash(); }
+   /// Whether the value equals a default one.
+   bool operator!() const noexcept { return *this == PseudowireLdpRequestKey(); }
+   /// By neighbor, then by number.
+   friend auto operator<=>( PseudowireLdpRequestKey const &,
+                            PseudowireLdpRequestKey const & ) noexcept = default;
+
+ private:
+   Lumo::IpGenAddr neighbor_;
+   PseudowireId pwId_;
+};
+VORN_TEXT( PseudowireLdpRequestKey )
+/// In the attribute log the fields in their order.
+VORN_API void logOut( Vorn::NboAttrLog::Out & out, PseudowireLdpRequestKey const & value );
+VORN_API void logIn( Vorn::NboAttrLog::In & in, PseudowireLdpRequestKey * value );
+
 } // namespace Pseudowire
 
 VORN_OUTSIDE_VALUE( Pseudowire::PseudowireId )
 VORN_OUTSIDE_VALUE( Pseudowire::GroupId )
 VORN_OUTSIDE_VALUE( Pseudowire::VccvCvTypes )
 VORN_OUTSIDE_VALUE( Pseudowire::PseudowireLdpStatusFlags )
+VORN_OUTSIDE_VALUE( Pseudowire::PseudowireLdpRequestKey )

@@ -132,6 +132,17 @@ inline constexpr VornAttrOps scalarOps{
    nullptr,
 };
 
+/// What can be written and not read.
+template< class Self, class T, auto set >
+inline constexpr VornAttrOps writeOps{
+   []( void *, void * object, VornAttr const &, U32 op, void const *, void const * const * args ) -> U32 {
+      if ( op != GenericIf::write ) return GenericIf::notApplicable;
+      ( selfOf< Self >( object )->*set )( ArgOf< T >::get( args[0] ) );
+      return GenericIf::done;
+   },
+   nullptr,
+};
+
 /// A field of a value.
 template< class Self, class T, T Self::*field, bool settable >
 inline constexpr VornAttrOps fieldOps{
@@ -292,7 +303,14 @@ struct AttrTable {
    static constexpr VornAttr const * attributes = num ? table.data() : nullptr;
 
    /// Whether the constructor takes a name in front of all else.
-   static constexpr bool named = requires { T::vornNamed; };
+   static constexpr bool isNamed() {
+      if constexpr ( requires { T::vornNamed; } ) {
+         return T::vornNamed;
+      } else {
+         return false;
+      }
+   }
+   static constexpr bool named = isNamed();
 
    static constexpr U32 ctorNum() {
       U32 n = named;

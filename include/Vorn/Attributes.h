@@ -105,6 +105,7 @@
 /// Constructor argument that is the key of the entity in its collection. It need not be the first.
 #define VORN_KEY( id, Type, x )                                                                              \
  public:                                                                                                     \
+   static constexpr bool vornNamed = false; /* even where the base goes by name */                           \
    ::Vorn::Arg< Type > vornKey() const noexcept { return x##_; }                                             \
    VORN_CTOR_ARG_( id, Type, x, ::Vorn::keyAccess )
 
@@ -160,6 +161,18 @@
 
 /// State outside notification: stored as it is, told to nobody. Local scalars are of this kind.
 #define VORN_STATE( id, Type, x )                                                                            \
+   VORN_STATE_( id, Type, x )                                                                                \
+   Type x##_
+/// State that const functions change too.
+#define VORN_SLOT( id, Type, x )                                                                             \
+   VORN_STATE_( id, Type, x )                                                                                \
+   mutable Type x##_
+/// A local scalar that counts: `xInc( n )` adds with wrap at the attribute's width and returns the new value.
+#define VORN_LOCAL_COUNTER( id, Type, x )                                                                    \
+ public:                                                                                                     \
+   Type x##Inc( Type n ) noexcept { return x##_ = Type( x##_ + n ); }                                        \
+   VORN_STATE( id, Type, x )
+#define VORN_STATE_( id, Type, x )                                                                           \
  public:                                                                                                     \
    ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
    void x##Is( ::Vorn::Arg< Type > value ) { x##_ = value; }                                                 \
@@ -168,14 +181,33 @@
                                                &::Vorn::scalarOps< Self, Type, &Self::x, &Self::x##Is > );   \
    }                                                                                                         \
                                                                                                              \
- private:                                                                                                    \
-   Type x##_
+ private:
 
 /// Computed on each read: a const member function that the class declares and defines by hand.
 #define VORN_DERIVED( id, Type, x )                                                                          \
  public:                                                                                                     \
    Type x() const;                                                                                           \
    VORN_REFLECT_( id, Type, x, ::Vorn::VornKind::derived )
+/// Constant that is computed on each read: a const member function that the class declares and defines by
+/// hand.
+#define VORN_DERIVED_CONSTANT( id, Type, x )                                                                 \
+ public:                                                                                                     \
+   Type x() const;                                                                                           \
+   VORN_REFLECT_( id, Type, x, ::Vorn::VornKind::derivedConstant )
+/// A const operation without arguments that gives a value and may do more than read.
+#define VORN_READ_OPERATION( id, Type, x )                                                                   \
+ public:                                                                                                     \
+   Type x() const;                                                                                           \
+   VORN_REFLECT_( id, Type, x, ::Vorn::VornKind::derivedLight )
+/// What can be written, by a mutator that the class defines by hand, and not read.
+#define VORN_WRITE_ONLY( id, Type, x )                                                                       \
+ public:                                                                                                     \
+   void x##Is( ::Vorn::Arg< Type > value );                                                                  \
+   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+      return ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::state, id, ::Vorn::local,               \
+                                               &::Vorn::writeOps< Self, Type, &Self::x##Is > );              \
+   }                                                                                                         \
+   static_assert( true )
 #define VORN_REFLECT_( id, Type, x, kind )                                                                   \
    static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
       return ::Vorn::attrRecord< Self, Type >( #x, kind, id, ::Vorn::local,                                  \
@@ -184,15 +216,11 @@
    static_assert( true )
 
 /// Constant of the type: `VORN_CONSTANT( 0x115, double, linkReadyTimeoutDefault, 60.0 );`
-#define VORN_CONSTANT( id, Type, x, value ) VORN_CONSTANT_( id, Type, x, value, ::Vorn::VornKind::constant )
-/// Constant that is computed from others.
-#define VORN_DERIVED_CONSTANT( id, Type, x, value )                                                          \
-   VORN_CONSTANT_( id, Type, x, value, ::Vorn::VornKind::derivedConstant )
-#define VORN_CONSTANT_( id, Type, x, value, kind )                                                           \
+#define VORN_CONSTANT( id, Type, x, value )                                                           \
  public:                                                                                                     \
    static constexpr ::Vorn::ConstantOf< Type, decltype( value ) > x() noexcept { return value; }             \
    static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
-      return ::Vorn::attrRecord< Self, Type >( #x, kind, id, ::Vorn::local,                                  \
+      return ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::constant, id, ::Vorn::local,            \
                                                &::Vorn::constantOps< Type, &Self::x > );                     \
    }                                                                                                         \
    static_assert( true )
@@ -229,12 +257,9 @@
  private:                                                                                                    \
    ::Vorn::Ptr< Type > x##_
 
-/// What the collections share: lookup, count, notification. `Map` is the container's type.
+/// What the collections share. `Map` is the container's type.
 #define VORN_COLL_( id, Key, x, X, Map )                                                                     \
- public:                                                                                                     \
-   /** The members, for a walk that may delete as it goes. */                                                \
-   Map const & x##Coll() const noexcept { return x##_; }                                                     \
-   U32 x##s() const noexcept { return x##_.members(); }                                                      \
+   VORN_MEMBERS_( x, VORN_ARG_( Map ) )                                                                      \
    void x##Notify( ::Vorn::Arg< Key > key ) const { notify( x##Change_(), &key ); }                          \
    /* Public for the templates behind the line alone. */                                                     \
    static constexpr ::Vorn::NotifieeChange const & x##Change_() {                                            \
@@ -242,11 +267,26 @@
                                     static_cast< void ( NotifieeConst::* )( ::Vorn::Arg< Key > ) >(          \
                                          &NotifieeConst::on##X ) >;                                          \
    }
+/// The same for the local kinds, which tell nobody.
+#define VORN_LOCAL_COLL_( x, Map )                                                                           \
+   VORN_MEMBERS_( x, VORN_ARG_( Map ) )                                                                      \
+   static constexpr ::Vorn::Silence x##Change_() { return {}; }
+#define VORN_MEMBERS_( x, Map )                                                                              \
+ public:                                                                                                     \
+   /** The members, for a walk that may delete as it goes. */                                                \
+   Map const & x##Coll() const noexcept { return x##_; }                                                     \
+   U32 x##s() const noexcept { return x##_.members(); }
 
 /// Owned keyed collection of entities. `xIs` takes what the members' constructor takes, in its order: the
 /// key, and further arguments in front of it or behind. It gives the member, which it makes if there is none.
 #define VORN_ENTITY_COLL( id, Type, Key, x, X, replication )                                                 \
    VORN_COLL_( id, Key, x, X, VORN_ARG_( ::Vorn::HashMap< Self, Type, Key > ) )                              \
+   VORN_ENTITY_COLL_( id, Type, Key, x, ::Vorn::VornKind::entityColl, replication )
+/// The same, told to nobody.
+#define VORN_LOCAL_ENTITY_COLL( id, Type, Key, x )                                                           \
+   VORN_LOCAL_COLL_( x, VORN_ARG_( ::Vorn::HashMap< Self, Type, Key > ) )                                    \
+   VORN_ENTITY_COLL_( id, Type, Key, x, ::Vorn::VornKind::localEntityColl, local )
+#define VORN_ENTITY_COLL_( id, Type, Key, x, kind, replication )                                             \
    ::Vorn::Ptr< Type > x( ::Vorn::Arg< Key > key ) const { return x##_.member( key ); }                      \
    template< class First = Key, class... More >                                                              \
    ::Vorn::Ptr< Type > x##Is( First const & first, More const &... more ) {                                  \
@@ -258,8 +298,7 @@
    void x##DelAll() { ::Vorn::membersDel( *this, x##_, x##Change_() ); }                                     \
    static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
       return ::Vorn::keyedRecord< Self, Type, Key >(                                                         \
-           #x, ::Vorn::VornKind::entityColl, id, replication, ::Vorn::memberKeyName< Type >(),               \
-           ::Vorn::memberCtorArgs< Type >(),                                                                 \
+           #x, kind, id, replication, ::Vorn::memberKeyName< Type >(), ::Vorn::memberCtorArgs< Type >(),     \
            &::Vorn::entityCollOps< Self, Type, Key, &Self::x##_, &Self::x##Change_ > );                      \
    }                                                                                                         \
                                                                                                              \
@@ -269,6 +308,12 @@
 /// Keyed collection of values.
 #define VORN_VALUE_COLL( id, Type, Key, x, X, replication )                                                  \
    VORN_COLL_( id, Key, x, X, VORN_ARG_( ::Vorn::HashMap2018< Self, Key, Type > ) )                          \
+   VORN_VALUE_COLL_( id, Type, Key, x, ::Vorn::VornKind::valueColl, replication )
+/// The same, told to nobody.
+#define VORN_LOCAL_VALUE_COLL( id, Type, Key, x )                                                            \
+   VORN_LOCAL_COLL_( x, VORN_ARG_( ::Vorn::HashMap2018< Self, Key, Type > ) )                                \
+   VORN_VALUE_COLL_( id, Type, Key, x, ::Vorn::VornKind::localValueColl, local )
+#define VORN_VALUE_COLL_( id, Type, Key, x, kind, replication )                                              \
    Type x( ::Vorn::Arg< Key > key ) const { return x##_.value( key ); }                                      \
    bool x##Has( ::Vorn::Arg< Key > key ) const { return x##_[key]; }                                         \
    void x##Is( ::Vorn::Arg< Key > key, ::Vorn::Arg< Type > value ) {                                         \
@@ -280,7 +325,7 @@
    void x##DelAll() { ::Vorn::valuesDel( *this, x##_, x##Change_() ); }                                      \
    static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
       return ::Vorn::keyedRecord< Self, Type, Key >(                                                         \
-           #x, ::Vorn::VornKind::valueColl, id, replication, nullptr, nullptr,                               \
+           #x, kind, id, replication, nullptr, nullptr,                                                      \
            &::Vorn::valueCollOps< Self, Type, Key, &Self::x##_, &Self::x##Change_ > );                       \
    }                                                                                                         \
                                                                                                              \

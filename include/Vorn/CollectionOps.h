@@ -35,29 +35,53 @@ void scalarIs( Self & self, T & field, Arg< T > value, NotifieeChange const & ch
    self.notify( change );
 }
 
-/// Whether an entity goes by that name or key; further arguments do not count.
-template< class Type, class Key, class... More >
-bool goesBy( Type const & entity, Key const & key, More const &... ) {
-   if constexpr ( requires { entity.vornKey() == key; } ) {
-      return entity.vornKey() == key;
-   } else {
-      return entity.vornKey() == std::remove_cvref_t< decltype( entity.vornKey() ) >( key );
-   }
-}
+/// The types of an entity's constructor arguments: what it declares, else its key or name alone.
 template< class Type >
-bool goesBy( Type const & ) {
-   return true; // made from nothing, so any one is the one
+struct CtorTypesOf {
+   using Types = std::tuple< std::remove_cvref_t< decltype( std::declval< Type const & >().vornKey() ) > >;
+};
+template< class Type >
+requires requires { typename Type::VornCtorTypes; }
+struct CtorTypesOf< Type > {
+   using Types = typename Type::VornCtorTypes;
+};
+template< class Type >
+using CtorTypes = typename CtorTypesOf< Type >::Types;
+
+/// Calls `call` with an array of pointers to the arguments, as the functions below take them.
+template< class... Args, class Call >
+auto withPointers( std::tuple< Args... > const & args, Call const & call ) {
+   return std::apply(
+        [&]( auto const &... arg ) {
+           void const * const pointers[] = { &arg..., nullptr };
+           return call( pointers );
+        },
+        args );
 }
+
+/// Whether an entity's name and immutable constructor arguments are the ones given. One that is made from
+/// nothing always is.
+VORN_API bool madeFrom( Entity const & entity, VornType const & type, void const * const * args );
+
+/// Fails if an immutable constructor argument of the present entity differs from the one given, and writes
+/// the mutable ones.
+VORN_API void reinstantiate( Entity & present, VornType const & type, void const * const * args );
 
 /// See VORN_CHILD.
 template< class Self, class Type, class... Args >
-Ptr< Type > childIs( Self & self, Ptr< Type > & field, NotifieeChange const & change, Args const &... args ) {
-   if ( field && std::apply( [&]( auto const &... name ) { return goesBy( *field, name... ); },
-                             std::tuple_cat( std::tie( args... ) ) ) ) {
-      return field;
+Ptr< Type > childIs( Self & self, Ptr< Type > & field, NotifieeChange const & change,
+                     Args const &... given ) {
+   // In the types that the attributes have, since the comparison goes by their records.
+   CtorTypes< Type > const args( given... );
+   if ( field ) {
+      bool const same = withPointers( args, [&]( void const * const * pointers ) {
+         return madeFrom( *field, Type::_vornType, pointers );
+      } );
+      if ( same ) return field;
+      field->parentIs( nullptr );
    }
-   if ( field ) field->parentIs( nullptr );
-   Ptr< Type > const child = newObject< Type >( args... );
+   Ptr< Type > const child =
+        std::apply( []( auto const &... arg ) { return newObject< Type >( arg... ); }, args );
    child->vornParentIs( &self );
    field = child;
    self.notify( change );
@@ -72,23 +96,6 @@ Ptr< Type > childDel( Self & self, Ptr< Type > & field, NotifieeChange const & c
    self.notify( change );
    return child;
 }
-
-/// The types of a member's constructor arguments: what it declares, else its key or name alone.
-template< class Type >
-struct CtorTypesOf {
-   using Types = std::tuple< std::remove_cvref_t< decltype( std::declval< Type const & >().vornKey() ) > >;
-};
-template< class Type >
-requires requires { typename Type::VornCtorTypes; }
-struct CtorTypesOf< Type > {
-   using Types = typename Type::VornCtorTypes;
-};
-template< class Type >
-using CtorTypes = typename CtorTypesOf< Type >::Types;
-
-/// Fails if a constructor argument of the present entity differs from the one given, and writes the mutable
-/// ones.
-VORN_API void reinstantiate( Entity & present, VornType const & type, void const * const * args );
 
 /// Which of an entity type's constructor arguments is the key; the first for a type that goes by name.
 template< class Type >
@@ -105,20 +112,17 @@ consteval std::size_t keyIndex() {
 }
 
 /// See VORN_ENTITY_COLL. `given` are the members' constructor arguments in their order.
-template< class Self, class Type, class Key, class... Given >
-Ptr< Type > memberIs( Self & self, HashMap< Self, Type, Key > & map, NotifieeChange const & change,
+template< class Self, class Type, class Key, class Change, class... Given >
+Ptr< Type > memberIs( Self & self, HashMap< Self, Type, Key > & map, Change const & change,
                       Given const &... given ) {
    // In the types that the attributes have, since the comparison goes by their records.
    CtorTypes< Type > const args( given... );
    Key const & key = std::get< keyIndex< Type >() >( args );
    if ( Ptr< Type > const present{ map.member( key ) } ) {
       if constexpr ( sizeof...( Given ) > 1 ) {
-         std::apply(
-              [&]( auto const &... arg ) {
-                 void const * const pointers[] = { &arg... };
-                 reinstantiate( *present, Type::_vornType, pointers );
-              },
-              args );
+         withPointers( args, [&]( void const * const * pointers ) {
+            reinstantiate( *present, Type::_vornType, pointers );
+         } );
       }
       return present;
    }
@@ -130,8 +134,8 @@ Ptr< Type > memberIs( Self & self, HashMap< Self, Type, Key > & map, NotifieeCha
    return member;
 }
 
-template< class Self, class Map, class Key >
-auto memberDel( Self & self, Map & map, NotifieeChange const & change, Key const & key ) {
+template< class Self, class Map, class Change, class Key >
+auto memberDel( Self & self, Map & map, Change const & change, Key const & key ) {
    using Type = std::remove_pointer_t< decltype( map.member( key ) ) >;
    Ptr< Type > const member( map.member( key ) );
    if ( !member ) return member;
@@ -142,8 +146,8 @@ auto memberDel( Self & self, Map & map, NotifieeChange const & change, Key const
    return member;
 }
 
-template< class Self, class Map >
-void membersDel( Self & self, Map & map, NotifieeChange const & change ) {
+template< class Self, class Map, class Change >
+void membersDel( Self & self, Map & map, Change const & change ) {
    for ( auto it = map.begin(); it; it.advance() ) {
       using Key = std::remove_cvref_t< decltype( it->vornKey() ) >;
       memberDel( self, map, change, Key( it->vornKey() ) );
@@ -151,8 +155,8 @@ void membersDel( Self & self, Map & map, NotifieeChange const & change ) {
 }
 
 /// See VORN_VALUE_COLL.
-template< class Self, class Map, class Key, class T >
-void valueIs( Self & self, Map & map, NotifieeChange const & change, Key const & key, T const & value ) {
+template< class Self, class Map, class Change, class Key, class T >
+void valueIs( Self & self, Map & map, Change const & change, Key const & key, T const & value ) {
    if ( auto * node = map[key] ) {
       if ( node->value() == value ) return;
    }
@@ -161,8 +165,8 @@ void valueIs( Self & self, Map & map, NotifieeChange const & change, Key const &
    self.notify( change, &kept );
 }
 
-template< class T, class Self, class Map, class Key >
-T valueDel( Self & self, Map & map, NotifieeChange const & change, Key const & key ) {
+template< class T, class Self, class Map, class Change, class Key >
+T valueDel( Self & self, Map & map, Change const & change, Key const & key ) {
    auto * const node = map[key];
    if ( !node ) return T{};
    T const value = node->value();
@@ -172,24 +176,24 @@ T valueDel( Self & self, Map & map, NotifieeChange const & change, Key const & k
    return value;
 }
 
-template< class Self, class Map, class Key >
-void keyIs( Self & self, Map & map, NotifieeChange const & change, Key const & key ) {
+template< class Self, class Map, class Change, class Key >
+void keyIs( Self & self, Map & map, Change const & change, Key const & key ) {
    if ( map[key] ) return;
    Key const kept = key;
    map.keyIs( kept );
    self.notify( change, &kept );
 }
 
-template< class Self, class Map, class Key >
-bool keyDel( Self & self, Map & map, NotifieeChange const & change, Key const & key ) {
+template< class Self, class Map, class Change, class Key >
+bool keyDel( Self & self, Map & map, Change const & change, Key const & key ) {
    Key const kept = key;
    if ( !map.del( kept ) ) return false;
    self.notify( change, &kept );
    return true;
 }
 
-template< class Self, class Map >
-void valuesDel( Self & self, Map & map, NotifieeChange const & change ) {
+template< class Self, class Map, class Change >
+void valuesDel( Self & self, Map & map, Change const & change ) {
    for ( auto & node : map ) {
       auto const key = node.key();
       if ( map.del( key ) ) self.notify( change, &key );
@@ -197,8 +201,8 @@ void valuesDel( Self & self, Map & map, NotifieeChange const & change ) {
 }
 
 /// See VORN_COUNTER_COLL.
-template< class T, class Self, class Map, class Key >
-T counterInc( Self & self, Map & map, NotifieeChange const & change, Key const & key, T n ) {
+template< class T, class Self, class Map, class Change, class Key >
+T counterInc( Self & self, Map & map, Change const & change, Key const & key, T n ) {
    Key const kept = key;
    auto * const node = map[kept];
    T const old = node ? node->value() : T( 0 );

@@ -9,6 +9,9 @@
 
 namespace Vorn {
 
+/// Stands where a change is told, for attributes that tell nobody: see the local kinds of Attributes.h.
+struct Silence {};
+
 /// Base of all entities.
 ///
 /// A parent owns its children through single-child attributes and collections and is their `parent()`; nobody
@@ -89,6 +92,8 @@ class VORN_API Entity : public PtrInterface {
    void notify( NotifieeChange const & change, void const * key = nullptr ) const {
       if ( observed() ) notifieeList_.doVisit( *this, change, key );
    }
+   /// An attribute outside notification.
+   void notify( Silence, void const * = nullptr ) const noexcept {}
 
  private:
    Entity * parent_ = nullptr; // not counted: the parent owns this entity

@@ -71,7 +71,7 @@ class Everything : public Vorn::Entity {
    VORN_QUEUE( 0x10f, U64, event, Event, replicated );
    VORN_STATE( 0x110, U32, scratch ) = 0;
    VORN_CONSTANT( 0x111, U16, limit, 99 );
-   VORN_DERIVED_CONSTANT( 0x112, Vorn::String, motto, "plain" );
+   VORN_DERIVED_CONSTANT( 0x112, Vorn::String, motto );
    VORN_DERIVED( 0x113, U32, doubled );
    VORN_FUNCTION( 0x114, sum );
    U32 sum( U32 a, U32 b );

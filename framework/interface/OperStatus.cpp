@@ -1,0 +1,9 @@
+#include "Interface/OperStatus.h"
+
+#include "Vorn/ValueType.h"
+
+namespace Interface {
+
+VORN_ENUM_RECORD( Interface, IntfOperStatus, INTERFACE_OPER_STATUSES )
+
+} // namespace Interface

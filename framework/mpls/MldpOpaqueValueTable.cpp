@@ -1,0 +1,18 @@
+#include "Mpls/MldpOpaqueValueTable.h"
+
+namespace Mpls {
+
+VORN_RECORD( Mpls, MldpOpaqueIndex )
+VORN_RECORD( Mpls, MldpOpaqueIndexColl )
+VORN_RECORD( Mpls, MldpOpaqueVal )
+VORN_RECORD( Mpls, MldpOpaqueValColl )
+VORN_RECORD( Mpls, MldpOpaqueValueTable )
+VORN_MODULE( &MldpOpaqueIndex::_vornType, &MldpOpaqueIndexColl::_vornType, &MldpOpaqueVal::_vornType, &MldpOpaqueValColl::_vornType, &MldpOpaqueValueTable::_vornType )
+
+MldpOpaqueIndex::~MldpOpaqueIndex() { vornTeardown(); }
+MldpOpaqueIndexColl::~MldpOpaqueIndexColl() { vornTeardown(); }
+MldpOpaqueVal::~MldpOpaqueVal() { vornTeardown(); }
+MldpOpaqueValColl::~MldpOpaqueValColl() { vornTeardown(); }
+MldpOpaqueValueTable::~MldpOpaqueValueTable() { vornTeardown(); }
+
+} // namespace Mpls

@@ -1,0 +1,418 @@
+/// \file
+/// FECs: why each exists, who is downstream, through which next hops, which labels it carries; what the label
+/// state machines tell each other about it; and the notifiers, by which one observer hears of changes in any
+/// of many FECs.
+#pragma once
+
+#include "Ldp/LdpConfig.h"
+#include "Ldp/LdpLabelAlloc.h"
+#include "Ldp/LdpMsgParser.h"
+#include "Ldp/LdpSession.h"
+#include "Ldp/LdpTables.h"
+#include "Lumo/IntfId.h"
+
+namespace Ldp {
+
+/// Why a FEC exists.
+#define LDP_FEC_CONFIG_MEMBERSHIPS( X )                                                                      \
+   X( fecMemberFibSm, 0 )                                                                                    \
+   X( fecMemberLocalGr, 1 )                                                                                  \
+   X( fecMemberSessionGr, 2 )                                                                                \
+   X( fecMemberSessionSm, 3 )                                                                                \
+   X( fecMemberStatic, 4 )                                                                                   \
+   X( fecMemberTunnelRib, 5 )
+VORN_ENUM( LdpFecConfigMembership, LDP_FEC_CONFIG_MEMBERSHIPS )
+
+/// Place of this router on the path of a FEC.
+#define LDP_FEC_LSP_ROLES( X )                                                                               \
+   X( lspRoleUnknown, 0 )                                                                                    \
+   X( lspIngress, 1 )                                                                                        \
+   X( lspTransit, 2 )                                                                                        \
+   X( lspEgress, 3 )
+VORN_ENUM( LdpFecLspRole, LDP_FEC_LSP_ROLES )
+
+/// Events of the agent's FEC state machines; no attribute here has this type.
+#define LDP_FEC_CONFIG_CHANGES( X )                                                                          \
+   X( fcNone, 0 )                                                                                            \
+   X( fcDsLsr, 1 )                                                                                           \
+   X( fcLoopDetect, 2 )                                                                                      \
+   X( fcLabelRetention, 3 )                                                                                  \
+   X( fcLspRole, 4 )                                                                                         \
+   X( fcXnotification, 5 )                                                                                   \
+   X( fcVia, 6 )                                                                                             \
+   X( fcDsLsrMappingAvail, 7 )                                                                               \
+   X( fcLabelDistCtrl, 8 )                                                                                   \
+   X( fcProgrammedLabel, 9 )
+VORN_ENUM( FecConfigChange, LDP_FEC_CONFIG_CHANGES )
+
+/// Why a FEC has no label; for the agent, too.
+#define LDP_LABEL_UNASSIGNED_REASONS( X )                                                                    \
+   X( NotAssigned, 0 )                                                                                       \
+   X( LabelOutOfResource, 1 )                                                                                \
+   X( SystemOutOfResource, 2 )
+VORN_ENUM( LdpLabelUnassignedReason, LDP_LABEL_UNASSIGNED_REASONS )
+
+/// What one session tells the FEC's other sessions.
+#define LDP_XSESSION_NOTIFICATION_TYPES( X )                                                                 \
+   X( ldpXsessionUnknown, 0 )                                                                                \
+   X( ldpXsessionMapping, 1 )                                                                                \
+   X( ldpXsessionRequest, 2 )                                                                                \
+   X( ldpXsessionMappingLoopDetection, 3 )                                                                   \
+   X( ldpXsessionRequestLoopDetection, 4 )
+VORN_ENUM( LdpXsessionNotification_LdpXsessionNotificationType, LDP_XSESSION_NOTIFICATION_TYPES )
+
+/// A next hop: an address, and the interface behind which it lies.
+class VORN_API Via {
+   VORN_VALUE( Via )
+   VORN_CTOR_FIELD( 0x2, Lumo::IpGenAddr, hop );
+   VORN_CTOR_FIELD( 0x3, Lumo::IntfId, intfId );
+   /// `10.0.0.1-Ethernet1`.
+   VORN_VALUE_DERIVED( 0x4, Vorn::String, stringValue );
+   VORN_VALUE_DERIVED( 0x5, U32, hash );
+
+ public:
+   Via() noexcept = default;
+   Via( Lumo::IpGenAddr const & hop, Lumo::IntfId const & intfId ) noexcept
+        : hop_( hop ), intfId_( intfId ) {}
+
+   /// Whether the value equals a default one.
+   bool operator!() const noexcept { return *this == Via(); }
+   friend bool operator==( Via const &, Via const & ) noexcept = default;
+   /// By hop, then by interface.
+   friend bool operator<( Via const & a, Via const & b ) noexcept {
+      if ( !( a.hop_ == b.hop_ ) ) return a.hop_ < b.hop_;
+      return a.intfId_ < b.intfId_;
+   }
+};
+VORN_TEXT( Via )
+
+/// The next hops of a FEC that use one interface address.
+class VORN_API IntfIpViaMapping : public Vorn::Entity {
+   VORN_ENTITY( IntfIpViaMapping, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( Via, Via ); )
+
+ public:
+   explicit IntfIpViaMapping( Lumo::IpGenAddr const & intfIp ) : intfIp_( intfIp ) {}
+   ~IntfIpViaMapping() override;
+
+   VORN_KEY( 0x102, Lumo::IpGenAddr, intfIp );
+   VORN_VALUE_COLL( 0x103, bool, Via, via, Via, local );
+};
+VORN_FACTORY( IntfIpViaMapping, intfIpViaMappingFactory )
+
+/// The next hops of a FEC that lead to one peer.
+class VORN_API LdpIdViaMapping : public Vorn::Entity {
+   VORN_ENTITY( LdpIdViaMapping, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( Via, Via ); )
+
+ public:
+   explicit LdpIdViaMapping( LdpIdentifier const & ldpIdentifier ) : ldpIdentifier_( ldpIdentifier ) {}
+   ~LdpIdViaMapping() override;
+
+   VORN_KEY( 0x102, LdpIdentifier, ldpIdentifier );
+   VORN_VALUE_COLL( 0x103, bool, Via, via, Via, local );
+};
+VORN_FACTORY( LdpIdViaMapping, ldpIdViaMappingFactory )
+
+/// One FEC. Whoever adds the first session to `sessionMember` also sets `fecMemberSessionSm`, and
+/// `fecMemberSessionGr` for `grSessionMember`; nothing here writes one from the other, and a FEC without a
+/// membership left is for the agent to delete.
+class VORN_API LdpFecConfig : public Vorn::Entity {
+   VORN_ENTITY( LdpFecConfig, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON( LdpFecDeliveryType ); VORN_ON( MplsLabelSet ); VORN_ON( AdvertisedTo );
+                  VORN_ON_KEYED( LdpFecConfigMembership, Membership );
+                  VORN_ON_KEYED( LdpSessionId, SessionMember );
+                  VORN_ON_KEYED( LdpSessionId, GrSessionMember );
+                  VORN_ON_KEYED( LdpSessionId, SessionRxReqTime );
+                  VORN_ON_KEYED( LdpIdentifier, DownstreamLsr ); VORN_ON_KEYED( Via, Via );
+                  VORN_ON_KEYED( LdpIdentifier, MappedLsr ); VORN_ON( DownstreamLsrMappingAvail );
+                  VORN_ON( FecFilteredState ); VORN_ON( LdpFecLspRole );
+                  VORN_ON_KEYED( Lumo::MplsLabel, ProgrammedLabel ); VORN_ON( LdpLabelDistCtrl );
+                  VORN_ON( LdpLabelRetention ); VORN_ON( RouterId ); VORN_ON( LdpLoopDetection ); )
+
+ public:
+   explicit LdpFecConfig( Mpls::FwdEqvClass const & fwdEqvClass );
+   ~LdpFecConfig() override;
+
+   VORN_KEY( 0x102, Mpls::FwdEqvClass, fwdEqvClass );
+   VORN_MUTABLE( 0x103, LdpFecDeliveryType, ldpFecDeliveryType, LdpFecDeliveryType, local ) = Unknown;
+   /// Labels of the FEC. Made by the constructor, under the name labelSet.
+   VORN_CHILD( 0x104, MplsLabelSet, mplsLabelSet, MplsLabelSet, local );
+   /// Peers that have been told. Made by the constructor.
+   VORN_CHILD( 0x105, LdpIdentifierSet, advertisedTo, AdvertisedTo, replicated );
+   /// Why the FEC exists.
+   VORN_VALUE_COLL( 0x106, bool, LdpFecConfigMembership, membership, Membership, local );
+   /// Sessions that want it, those that want it for a graceful restart, and when each asked, in seconds.
+   VORN_VALUE_COLL( 0x107, bool, LdpSessionId, sessionMember, SessionMember, replicated );
+   VORN_SET( 0x108, LdpSessionId, grSessionMember, GrSessionMember, replicated );
+   VORN_VALUE_COLL( 0x109, double, LdpSessionId, sessionRxReqTime, SessionRxReqTime, replicated );
+   /// Peers that are next hops.
+   VORN_VALUE_COLL( 0x10a, bool, LdpIdentifier, downstreamLsr, DownstreamLsr, local );
+   /// Next hops.
+   VORN_VALUE_COLL( 0x10b, bool, Via, via, Via, local );
+   /// Reverse maps of the next hops, for the writer's own look-ups: by interface address, the peer behind
+   /// each, and by peer.
+   VORN_LOCAL_ENTITY_COLL( 0x10c, IntfIpViaMapping, Lumo::IpGenAddr, intfIpViaMapping );
+   VORN_LOCAL_VALUE_COLL( 0x10d, LdpIdentifier, Via, viaLdpIdMapping );
+   VORN_LOCAL_ENTITY_COLL( 0x10e, LdpIdViaMapping, LdpIdentifier, ldpIdViaMapping );
+   /// Peers that have sent a mapping.
+   VORN_VALUE_COLL( 0x10f, bool, LdpIdentifier, mappedLsr, MappedLsr, local );
+   /// Whether a next hop has.
+   VORN_MUTABLE( 0x110, bool, downstreamLsrMappingAvail, DownstreamLsrMappingAvail, local ) = false;
+   /// What the filter says.
+   VORN_MUTABLE( 0x111, Mpls::FecFilteredState, fecFilteredState, FecFilteredState,
+                 replicated ) = Mpls::FecFilteredState( 0 );
+   VORN_MUTABLE( 0x112, LdpFecLspRole, ldpFecLspRole, LdpFecLspRole, local ) = lspTransit;
+   /// Labels that forwarding has.
+   VORN_SET( 0x113, Lumo::MplsLabel, programmedLabel, ProgrammedLabel, local );
+   /// How labels of the FEC are distributed and kept.
+   VORN_MUTABLE( 0x114, LdpLabelDistCtrl, ldpLabelDistCtrl, LdpLabelDistCtrl, replicated ) = orderedCtrl;
+   VORN_MUTABLE( 0x115, LdpLabelRetention, ldpLabelRetention, LdpLabelRetention,
+                 replicated ) = liberalRetention;
+   /// Router at which the FEC ends.
+   VORN_MUTABLE( 0x116, Lumo::IpAddr, routerId, RouterId, replicated );
+   /// Whether hop counts and path vectors are used against loops (RFC 5036, 2.8).
+   VORN_MUTABLE( 0x117, bool, ldpLoopDetection, LdpLoopDetection, replicated ) = false;
+};
+VORN_FACTORY( LdpFecConfig, ldpFecConfigFactory )
+
+/// Tells one observer of a change in any FEC. The writer changes the FEC, then calls the update that names
+/// what has changed: a count moves, and while it moves, and only then, the observers read here which FEC it
+/// is, and of two updates also which peer or label. A count that reaches 255 goes on with 0. An update from
+/// within an observer clears what the first one says.
+class VORN_API LdpFecConfigNotifier : public Vorn::Entity {
+   VORN_ENTITY( LdpFecConfigNotifier, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON( LastFecConfig ); VORN_ON( LastMplsLabel ); VORN_ON( LastLdpId );
+                  VORN_ON( DownstreamLsrChangeCnt ); VORN_ON( LoopDetectionChangeCnt );
+                  VORN_ON( DsLsrMappingAvailChangeCnt ); VORN_ON( LabelDistCtrlChangeCnt );
+                  VORN_ON( LabelRetentionChangeCnt ); VORN_ON( ViaChangeCnt ); VORN_ON( LspRoleChangeCnt );
+                  VORN_ON( MplsLabelSetChangeCnt ); VORN_ON( ProgrammedLabelSetChangeCnt ); )
+
+ public:
+   explicit LdpFecConfigNotifier( Vorn::Name const & name ) : name_( name ) {}
+   ~LdpFecConfigNotifier() override;
+
+   VORN_NAME;
+   /// The FEC, null between updates. Its mutator and those of the next two tell their observers; the updates
+   /// store in silence.
+   VORN_REFERENCE( 0x102, LdpFecConfig const, lastFecConfig, LastFecConfig, replicated );
+   /// The FEC's value, or the default one.
+   VORN_DERIVED( 0x103, Mpls::FwdEqvClass, lastFwdEqvClass );
+   VORN_MUTABLE( 0x104, Lumo::MplsLabel, lastMplsLabel, LastMplsLabel, replicated );
+   VORN_MUTABLE( 0x105, LdpIdentifier, lastLdpId, LastLdpId, replicated );
+   VORN_COUNTER( 0x106, U8, downstreamLsrChangeCnt, DownstreamLsrChangeCnt, replicated ) = 0;
+   VORN_COUNTER( 0x107, U8, loopDetectionChangeCnt, LoopDetectionChangeCnt, replicated ) = 0;
+   VORN_COUNTER( 0x108, U8, dsLsrMappingAvailChangeCnt, DsLsrMappingAvailChangeCnt, replicated ) = 0;
+   VORN_COUNTER( 0x109, U8, labelDistCtrlChangeCnt, LabelDistCtrlChangeCnt, replicated ) = 0;
+   VORN_COUNTER( 0x10a, U8, labelRetentionChangeCnt, LabelRetentionChangeCnt, replicated ) = 0;
+   VORN_COUNTER( 0x10b, U8, viaChangeCnt, ViaChangeCnt, replicated ) = 0;
+   VORN_COUNTER( 0x10c, U8, lspRoleChangeCnt, LspRoleChangeCnt, replicated ) = 0;
+   VORN_COUNTER( 0x10d, U8, mplsLabelSetChangeCnt, MplsLabelSetChangeCnt, replicated ) = 0;
+   VORN_COUNTER( 0x10e, U8, programmedLabelSetChangeCnt, ProgrammedLabelSetChangeCnt, replicated ) = 0;
+   VORN_FUNCTION( 0x10f, updateDownstreamLsr );
+   VORN_FUNCTION( 0x110, updateLoopDetection );
+   VORN_FUNCTION( 0x111, updateDsLsrMappingAvail );
+   VORN_FUNCTION( 0x112, updateLabelDistCtrl );
+   VORN_FUNCTION( 0x113, updateLabelRetention );
+   VORN_FUNCTION( 0x114, updateVia );
+   VORN_FUNCTION( 0x115, updateLspRole );
+   VORN_FUNCTION( 0x116, updateMplsLabelSet );
+   VORN_FUNCTION( 0x117, updateProgrammedLabelSet );
+
+   using FecPtr = Vorn::Ptr< LdpFecConfig const >;
+   /// `peer` has become a next hop of the FEC or is one no longer.
+   void updateDownstreamLsr( FecPtr const & fec, LdpIdentifier const & peer );
+   void updateLoopDetection( FecPtr const & fec );
+   void updateDsLsrMappingAvail( FecPtr const & fec );
+   void updateLabelDistCtrl( FecPtr const & fec );
+   void updateLabelRetention( FecPtr const & fec );
+   void updateVia( FecPtr const & fec );
+   void updateLspRole( FecPtr const & fec );
+   /// `label` has come to the FEC's label set or left it.
+   void updateMplsLabelSet( FecPtr const & fec, Lumo::MplsLabel label );
+   void updateProgrammedLabelSet( FecPtr const & fec );
+
+ private:
+   using Count = U8 ( LdpFecConfigNotifier::* )( U8 );
+   void update( FecPtr const & fec, Count count );
+};
+VORN_FACTORY( LdpFecConfigNotifier, ldpFecConfigNotifierFactory )
+
+/// The FECs of a VRF.
+class VORN_API LdpFecConfigColl : public Vorn::Entity {
+   VORN_ENTITY( LdpFecConfigColl, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( Mpls::FwdEqvClass, FecConfig ); VORN_ON( FecConfigNotifier ); )
+
+ public:
+   explicit LdpFecConfigColl( Vorn::Name const & name );
+   ~LdpFecConfigColl() override;
+
+   VORN_NAME;
+   VORN_ENTITY_COLL( 0x102, LdpFecConfig, Mpls::FwdEqvClass, fecConfig, FecConfig, replicated );
+   /// Made by the constructor, under the empty name.
+   VORN_CHILD( 0x103, LdpFecConfigNotifier, fecConfigNotifier, FecConfigNotifier, replicated );
+};
+VORN_FACTORY( LdpFecConfigColl, ldpFecConfigCollFactory )
+
+/// Carries a message from the session that received it to the FEC's other sessions.
+class VORN_API LdpXsessionNotification : public Vorn::Entity {
+   VORN_ENTITY( LdpXsessionNotification, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON( LdpXsessionNotificationType ); VORN_ON( SourceSessionId );
+                  VORN_ON( LdpXsessionMapMsgParser ); VORN_ON( LdpXsessionReqMsgParser ); VORN_ON( HopCount );
+                  VORN_ON( PathVectorTlvPkt ); )
+
+ public:
+   explicit LdpXsessionNotification( Vorn::Name const & name ) : name_( name ) {}
+   ~LdpXsessionNotification() override;
+
+   VORN_NAME;
+   using LdpXsessionNotificationType = LdpXsessionNotification_LdpXsessionNotificationType;
+   using enum LdpXsessionNotification_LdpXsessionNotificationType;
+   VORN_MUTABLE( 0x102, LdpXsessionNotificationType, ldpXsessionNotificationType, LdpXsessionNotificationType,
+                 local ) = ldpXsessionUnknown;
+   /// The session that received the message.
+   VORN_MUTABLE( 0x103, LdpSessionId, sourceSessionId, SourceSessionId, local );
+   /// The message, which keeps its packet alive: the one or the other.
+   VORN_REFERENCE( 0x104, LdpLabelMappingMsgParser, ldpXsessionMapMsgParser, LdpXsessionMapMsgParser, local );
+   VORN_REFERENCE( 0x105, LdpLabelRequestMsgParser, ldpXsessionReqMsgParser, LdpXsessionReqMsgParser, local );
+   /// Hop count and path vector to pass on.
+   VORN_MUTABLE( 0x106, U8, hopCount, HopCount, local ) = 0;
+   VORN_REFERENCE( 0x107, Lumo::Pkt, pathVectorTlvPkt, PathVectorTlvPkt, local );
+};
+VORN_FACTORY( LdpXsessionNotification, ldpXsessionNotificationFactory )
+
+/// What the label state machines share about one FEC.
+class VORN_API LdpFecStatus : public Vorn::Entity {
+   VORN_ENTITY( LdpFecStatus, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON( UpstreamLabelRequest ); VORN_ON( HopCountInclude ); VORN_ON( PathVectorInclude );
+                  VORN_ON( HopCountMappingMsg ); VORN_ON( HopCountMappingLearnt );
+                  VORN_ON( HopCountRequestMsg ); VORN_ON( HopCountRequestLearnt );
+                  VORN_ON( AttributeVersion ); VORN_ON( PathVectorTlvPkt );
+                  VORN_ON( LabelXsessionRequestSmNotiTime ); VORN_ON( LabelXsessionMappingSmNotiTime );
+                  VORN_ON( LdpXsessionNotification ); )
+
+ public:
+   explicit LdpFecStatus( Mpls::FwdEqvClass const & fwdEqvClass );
+   ~LdpFecStatus() override;
+
+   VORN_KEY( 0x102, Mpls::FwdEqvClass, fwdEqvClass );
+   /// Label requests from upstream.
+   VORN_MUTABLE( 0x103, U32, upstreamLabelRequest, UpstreamLabelRequest, local ) = 0;
+   /// What goes into messages about the FEC (RFC 5036, 2.8).
+   VORN_MUTABLE( 0x104, bool, hopCountInclude, HopCountInclude, local ) = false;
+   VORN_MUTABLE( 0x105, bool, pathVectorInclude, PathVectorInclude, local ) = false;
+   /// Hop counts of mappings and of requests: what is sent, and what was learnt.
+   VORN_MUTABLE( 0x106, U8, hopCountMappingMsg, HopCountMappingMsg, local ) = 0;
+   VORN_MUTABLE( 0x107, U8, hopCountMappingLearnt, HopCountMappingLearnt, local ) = 0;
+   VORN_MUTABLE( 0x108, U8, hopCountRequestMsg, HopCountRequestMsg, local ) = 0;
+   VORN_MUTABLE( 0x109, U8, hopCountRequestLearnt, HopCountRequestLearnt, local ) = 0;
+   /// Version of the attributes, which each session acknowledges in its `attributeVersionAcked`.
+   VORN_COUNTER( 0x10a, U32, attributeVersion, AttributeVersion, local ) = 0;
+   /// The packet that holds the path vector to send.
+   VORN_REFERENCE( 0x10b, Lumo::Pkt, pathVectorTlvPkt, PathVectorTlvPkt, local );
+   /// When a cross-session event was last raised, in seconds: for requests, and for mappings.
+   VORN_MUTABLE( 0x10c, double, labelXsessionRequestSmNotiTime, LabelXsessionRequestSmNotiTime, local ) = 0.0;
+   VORN_MUTABLE( 0x10d, double, labelXsessionMappingSmNotiTime, LabelXsessionMappingSmNotiTime, local ) = 0.0;
+   /// The event. Made by the constructor, under the empty name.
+   VORN_CHILD( 0x10e, LdpXsessionNotification, ldpXsessionNotification, LdpXsessionNotification, local );
+};
+VORN_FACTORY( LdpFecStatus, ldpFecStatusFactory )
+
+/// Tells one observer of cross-session events of any FEC, in the way of `LdpFecConfigNotifier`.
+class VORN_API LdpFecStatusNotifier : public Vorn::Entity {
+   VORN_ENTITY( LdpFecStatusNotifier, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON( LastFecStatus ); VORN_ON( LabelXsessionRequestSmNotiTimeChangeCnt );
+                  VORN_ON( LabelXsessionMappingSmNotiTimeChangeCnt ); )
+
+ public:
+   explicit LdpFecStatusNotifier( Vorn::Name const & name ) : name_( name ) {}
+   ~LdpFecStatusNotifier() override;
+
+   VORN_NAME;
+   /// The FEC, null between updates.
+   VORN_REFERENCE( 0x102, LdpFecStatus const, lastFecStatus, LastFecStatus, local );
+   /// The FEC's value, or the default one.
+   VORN_DERIVED( 0x103, Mpls::FwdEqvClass, lastFwdEqvClass );
+   VORN_COUNTER( 0x104, U8, labelXsessionRequestSmNotiTimeChangeCnt, LabelXsessionRequestSmNotiTimeChangeCnt,
+                 local ) = 0;
+   VORN_COUNTER( 0x105, U8, labelXsessionMappingSmNotiTimeChangeCnt, LabelXsessionMappingSmNotiTimeChangeCnt,
+                 local ) = 0;
+   VORN_FUNCTION( 0x106, updateRequestSmNotiTime );
+   VORN_FUNCTION( 0x107, updateMappingSmNotiTime );
+
+   using FecPtr = Vorn::Ptr< LdpFecStatus const >;
+   void updateRequestSmNotiTime( FecPtr const & fec );
+   void updateMappingSmNotiTime( FecPtr const & fec );
+};
+VORN_FACTORY( LdpFecStatusNotifier, ldpFecStatusNotifierFactory )
+
+/// What is shared about the FECs of a VRF.
+class VORN_API LdpFecStatusColl : public Vorn::Entity {
+   VORN_ENTITY( LdpFecStatusColl, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( Mpls::FwdEqvClass, FecStatus ); VORN_ON( FecStatusNotifier ); )
+
+ public:
+   explicit LdpFecStatusColl( Vorn::Name const & name );
+   ~LdpFecStatusColl() override;
+
+   VORN_NAME;
+   VORN_ENTITY_COLL( 0x102, LdpFecStatus, Mpls::FwdEqvClass, fecStatus, FecStatus, local );
+   /// Made by the constructor, under the empty name.
+   VORN_CHILD( 0x103, LdpFecStatusNotifier, fecStatusNotifier, FecStatusNotifier, local );
+};
+VORN_FACTORY( LdpFecStatusColl, ldpFecStatusCollFactory )
+
+/// How one FEC is reached.
+class VORN_API LdpFecNexthop : public Vorn::Entity {
+   VORN_ENTITY( LdpFecNexthop, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON( Hop ); VORN_ON( LdpFecDeliveryType ); VORN_ON_KEYED( Via, Via ); )
+
+ public:
+   explicit LdpFecNexthop( Mpls::FwdEqvClass const & fwdEqvClass ) : fwdEqvClass_( fwdEqvClass ) {}
+   ~LdpFecNexthop() override;
+
+   VORN_KEY( 0x102, Mpls::FwdEqvClass, fwdEqvClass );
+   /// The route that leads to it.
+   VORN_MUTABLE( 0x103, Lumo::IpGenPrefix, hop, Hop, local );
+   VORN_MUTABLE( 0x104, LdpFecDeliveryType, ldpFecDeliveryType, LdpFecDeliveryType, local ) = Unknown;
+   VORN_SET( 0x105, Via, via, Via, local );
+};
+VORN_FACTORY( LdpFecNexthop, ldpFecNexthopFactory )
+
+/// How the FECs of a VRF are reached.
+class VORN_API LdpFecNexthopColl : public Vorn::Entity {
+   VORN_ENTITY( LdpFecNexthopColl, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( Mpls::FwdEqvClass, FecNexthop ); )
+
+ public:
+   explicit LdpFecNexthopColl( Vorn::Name const & name ) : name_( name ) {}
+   ~LdpFecNexthopColl() override;
+
+   VORN_NAME;
+   VORN_ENTITY_COLL( 0x102, LdpFecNexthop, Mpls::FwdEqvClass, fecNexthop, FecNexthop, local );
+};
+VORN_FACTORY( LdpFecNexthopColl, ldpFecNexthopCollFactory )
+
+/// Counters of label messages.
+class VORN_API LdpFecCounters : public Vorn::Entity {
+   VORN_ENTITY( LdpFecCounters, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( LdpTlvType, LabelMappingRxTlv ); VORN_ON( LabelMappingUnknownTlvDrop );
+                  VORN_ON( LabelMappingUnknownTlvNotify ); VORN_ON_KEYED( LdpMsgType, LdpMsgRx );
+                  VORN_ON_KEYED( LdpMsgType, LdpMsgTx ); )
+
+ public:
+   explicit LdpFecCounters( Vorn::Name const & name ) : name_( name ) {}
+   ~LdpFecCounters() override;
+
+   VORN_NAME;
+   /// TLVs in received mappings, by type, and those of unknown types that were dropped or answered.
+   VORN_COUNTER_COLL( 0x102, U64, LdpTlvType, labelMappingRxTlv, LabelMappingRxTlv, local );
+   VORN_COUNTER( 0x103, U64, labelMappingUnknownTlvDrop, LabelMappingUnknownTlvDrop, local ) = 0;
+   VORN_COUNTER( 0x104, U64, labelMappingUnknownTlvNotify, LabelMappingUnknownTlvNotify, local ) = 0;
+   /// Messages received and sent, by type.
+   VORN_COUNTER_COLL( 0x105, U64, LdpMsgType, ldpMsgRx, LdpMsgRx, local );
+   VORN_COUNTER_COLL( 0x106, U64, LdpMsgType, ldpMsgTx, LdpMsgTx, local );
+};
+VORN_FACTORY( LdpFecCounters, ldpFecCountersFactory )
+
+} // namespace Ldp

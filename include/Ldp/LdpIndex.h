@@ -1,0 +1,136 @@
+/// \file
+/// Reverse maps, by which the agent answers questions that would otherwise need a walk over the model. The
+/// agent adds and removes entries as it changes what they point to; an entry that it forgot stays.
+#pragma once
+
+#include "Ldp/LdpAdj.h"
+#include "Ldp/PwFecSession.h"
+
+namespace Ldp {
+
+/// The sessions to one transport address of a peer.
+class VORN_API PeerSession : public Vorn::Entity {
+   VORN_ENTITY( PeerSession, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( LdpSessionId, SessionId ); )
+
+ public:
+   explicit PeerSession( Lumo::IpGenAddr const & peerTransportIp ) : peerTransportIp_( peerTransportIp ) {}
+   ~PeerSession() override;
+
+   VORN_KEY( 0x102, Lumo::IpGenAddr, peerTransportIp );
+   VORN_VALUE_COLL( 0x103, bool, LdpSessionId, sessionId, SessionId, local );
+};
+VORN_FACTORY( PeerSession, peerSessionFactory )
+
+/// The identifiers behind one transport address; it can stand for several.
+class VORN_API PeerTransportIpMap : public Vorn::Entity {
+   VORN_ENTITY( PeerTransportIpMap, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( LdpIdentifier, LdpIdentifier ); )
+
+ public:
+   explicit PeerTransportIpMap( Lumo::IpGenAddr const & transportIp ) : transportIp_( transportIp ) {}
+   ~PeerTransportIpMap() override;
+
+   VORN_KEY( 0x102, Lumo::IpGenAddr, transportIp );
+   VORN_VALUE_COLL( 0x103, bool, LdpIdentifier, ldpIdentifier, LdpIdentifier, local );
+};
+VORN_FACTORY( PeerTransportIpMap, peerTransportIpMapFactory )
+
+/// The pseudowire requests towards one peer.
+class VORN_API PeerPwRequest : public Vorn::Entity {
+   VORN_ENTITY( PeerPwRequest, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( Pseudowire::PseudowireLdpRequestKey, Request ); )
+
+ public:
+   explicit PeerPwRequest( Lumo::IpGenAddr const & peerTransportIp ) : peerTransportIp_( peerTransportIp ) {}
+   ~PeerPwRequest() override;
+
+   VORN_KEY( 0x102, Lumo::IpGenAddr, peerTransportIp );
+   VORN_VALUE_COLL( 0x103, bool, Pseudowire::PseudowireLdpRequestKey, request, Request, local );
+};
+VORN_FACTORY( PeerPwRequest, peerPwRequestFactory )
+
+/// The FECs that use one label.
+class VORN_API LabelFecMap : public Vorn::Entity {
+   VORN_ENTITY( LabelFecMap, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( Mpls::FwdEqvClass, Fec ); )
+
+ public:
+   explicit LabelFecMap( Lumo::MplsLabel const & label ) : label_( label ) {}
+   ~LabelFecMap() override;
+
+   VORN_KEY( 0x102, Lumo::MplsLabel, label );
+   VORN_SET( 0x103, Mpls::FwdEqvClass, fec, Fec, local );
+};
+VORN_FACTORY( LabelFecMap, labelFecMapFactory )
+
+/// The key under which a pseudowire object is referred to: its own id.
+struct PwFecSessionIdOf {
+   template< class Type >
+   PwFecSessionId operator()( Vorn::Ptr< Type > const & object ) const {
+      return object->pwFecSessionId();
+   }
+};
+
+/// Everything about one pseudowire request. The objects are those of the collections of PwFecSession.h; a
+/// reference keeps one alive that its owner has deleted.
+class VORN_API PwFecSessionInfoMap : public Vorn::Entity {
+   VORN_ENTITY( PwFecSessionInfoMap, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( Pseudowire::PseudowireLdpRequestKey, LdpRequest );
+                  VORN_ON_KEYED( PwFecSessionId, LocalConfig ); VORN_ON_KEYED( PwFecSessionId, RemoteConfig );
+                  VORN_ON_KEYED( PwFecSessionId, LocalStatus );
+                  VORN_ON_KEYED( PwFecSessionId, RemoteStatus ); )
+
+ public:
+   explicit PwFecSessionInfoMap( Pseudowire::PseudowireLdpRequestKey const & pwKey ) : pwKey_( pwKey ) {}
+   ~PwFecSessionInfoMap() override;
+
+   VORN_KEY( 0x102, Pseudowire::PseudowireLdpRequestKey, pwKey );
+   VORN_VALUE_COLL( 0x103, bool, Pseudowire::PseudowireLdpRequestKey, ldpRequest, LdpRequest, local );
+   VORN_KEYED_REFERENCE_COLL( 0x104, PwFecSessionConfig, PwFecSessionId, PwFecSessionIdOf, localConfig,
+                              LocalConfig, local );
+   VORN_KEYED_REFERENCE_COLL( 0x105, PwFecSessionConfig, PwFecSessionId, PwFecSessionIdOf, remoteConfig,
+                              RemoteConfig, local );
+   VORN_KEYED_REFERENCE_COLL( 0x106, LocalPwFecSessionStatus, PwFecSessionId, PwFecSessionIdOf, localStatus,
+                              LocalStatus, local );
+   VORN_KEYED_REFERENCE_COLL( 0x107, RemotePwFecSessionStatus, PwFecSessionId, PwFecSessionIdOf, remoteStatus,
+                              RemoteStatus, local );
+};
+VORN_FACTORY( PwFecSessionInfoMap, pwFecSessionInfoMapFactory )
+
+/// The reverse maps of a VRF.
+class VORN_API LdpIndex : public Vorn::Entity {
+   VORN_ENTITY( LdpIndex, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( Lumo::IpGenAddr, PeerToSession );
+                  VORN_ON_KEYED( Lumo::IntfId, LdpAdjPerLinkColl );
+                  VORN_ON_KEYED( Lumo::IpAddr, TargetIpToLdpAdjId );
+                  VORN_ON_KEYED( Lumo::IpGenAddr, TransportIpToPeer );
+                  VORN_ON_KEYED( Pseudowire::PseudowireLdpRequestKey, PwKeyToPwFecSessionInfo );
+                  VORN_ON_KEYED( Lumo::IpGenAddr, PeerToPwRequest );
+                  VORN_ON_KEYED( Lumo::MplsLabel, LabelToFec ); )
+
+ public:
+   explicit LdpIndex( Vorn::Name const & name ) : name_( name ) {}
+   ~LdpIndex() override;
+
+   VORN_NAME;
+   /// Sessions of a peer's transport address.
+   VORN_ENTITY_COLL( 0x102, PeerSession, Lumo::IpGenAddr, peerToSession, PeerToSession, local );
+   /// Adjacencies of an interface.
+   VORN_ENTITY_COLL( 0x103, LdpAdjPerLink, Lumo::IntfId, ldpAdjPerLinkColl, LdpAdjPerLinkColl, local );
+   /// The adjacency of a target address.
+   VORN_VALUE_COLL( 0x104, LdpAdjId, Lumo::IpAddr, targetIpToLdpAdjId, TargetIpToLdpAdjId, local );
+   /// Identifiers behind a transport address.
+   VORN_ENTITY_COLL( 0x105, PeerTransportIpMap, Lumo::IpGenAddr, transportIpToPeer, TransportIpToPeer,
+                     local );
+   /// Everything about a pseudowire request.
+   VORN_ENTITY_COLL( 0x106, PwFecSessionInfoMap, Pseudowire::PseudowireLdpRequestKey, pwKeyToPwFecSessionInfo,
+                     PwKeyToPwFecSessionInfo, local );
+   /// Pseudowire requests towards a peer.
+   VORN_ENTITY_COLL( 0x107, PeerPwRequest, Lumo::IpGenAddr, peerToPwRequest, PeerToPwRequest, local );
+   /// FECs that use a label.
+   VORN_ENTITY_COLL( 0x108, LabelFecMap, Lumo::MplsLabel, labelToFec, LabelToFec, local );
+};
+VORN_FACTORY( LdpIndex, ldpIndexFactory )
+
+} // namespace Ldp

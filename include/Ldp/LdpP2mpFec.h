@@ -1,0 +1,125 @@
+/// \file
+/// Point-to-multipoint FECs (RFC 6388): each with its role in the tree, the peer towards the root, and the
+/// sessions on both sides. A FEC is known by its root address and the index of its opaque value; whoever
+/// makes or deletes one also tells the opaque table (LdpP2mpOpaqueTable.h).
+#pragma once
+
+#include "Ldp/LdpFec.h"
+
+namespace Ldp {
+
+/// Why a P2MP FEC exists.
+#define LDP_P2MP_FEC_STATE_MEMBERSHIPS( X )                                                                  \
+   X( p2mpFecMemberFib, 0 )                                                                                  \
+   X( p2mpFecMemberLocalSession, 1 )                                                                         \
+   X( p2mpFecMemberRemoteSession, 2 )                                                                        \
+   X( p2mpFecMemberStatic, 3 )
+VORN_ENUM( LdpP2mpFecStateMembership, LDP_P2MP_FEC_STATE_MEMBERSHIPS )
+
+/// Place of this router in the tree.
+#define LDP_P2MP_FEC_ROLES( X )                                                                              \
+   X( unknown, 0 )                                                                                           \
+   X( leaf, 1 )                                                                                              \
+   X( bud, 2 )                                                                                               \
+   X( transit, 3 )
+VORN_ENUM( LdpP2mpFecRole, LDP_P2MP_FEC_ROLES )
+
+/// One P2MP FEC. As with `LdpFecConfig`, `membership` is the writer's to keep in step.
+class VORN_API LdpP2mpFecState : public Vorn::Entity {
+   VORN_ENTITY( LdpP2mpFecState, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON( MplsLabelSet ); VORN_ON( AdvertisedTo );
+                  VORN_ON_KEYED( LdpP2mpFecStateMembership, Membership );
+                  VORN_ON_KEYED( LdpSessionId, LocalSessionMember );
+                  VORN_ON_KEYED( LdpSessionId, RemoteSessionMember ); VORN_ON( P2mpFecRole );
+                  VORN_ON( UpstreamLsr ); VORN_ON_KEYED( Via, Via ); VORN_ON( IsProtocolOperational ); )
+
+ public:
+   explicit LdpP2mpFecState( Mpls::FwdEqvClass const & p2mpFecId );
+   ~LdpP2mpFecState() override;
+
+   VORN_KEY( 0x102, Mpls::FwdEqvClass, p2mpFecId );
+   /// Labels of the FEC. Made by the constructor, under the name labelSet.
+   VORN_CHILD( 0x103, MplsLabelSet, mplsLabelSet, MplsLabelSet, local );
+   /// Peers that have been told. Made by the constructor.
+   VORN_CHILD( 0x104, LdpIdentifierSet, advertisedTo, AdvertisedTo, replicated );
+   /// Why the FEC exists.
+   VORN_VALUE_COLL( 0x105, bool, LdpP2mpFecStateMembership, membership, Membership, local );
+   /// Sessions to which we have sent a label, and those from which we have one.
+   VORN_VALUE_COLL( 0x106, bool, LdpSessionId, localSessionMember, LocalSessionMember, replicated );
+   VORN_VALUE_COLL( 0x107, bool, LdpSessionId, remoteSessionMember, RemoteSessionMember, replicated );
+   VORN_MUTABLE( 0x108, LdpP2mpFecRole, p2mpFecRole, P2mpFecRole, replicated ) = unknown;
+   /// The peer towards the root.
+   VORN_MUTABLE( 0x109, LdpIdentifier, upstreamLsr, UpstreamLsr, local );
+   /// Next hops towards the root.
+   VORN_VALUE_COLL( 0x10a, bool, Via, via, Via, local );
+   /// Reverse maps of the next hops, for the writer's own look-ups, as in `LdpFecConfig`.
+   VORN_LOCAL_ENTITY_COLL( 0x10b, IntfIpViaMapping, Lumo::IpGenAddr, intfIpViaMapping );
+   VORN_LOCAL_VALUE_COLL( 0x10c, LdpIdentifier, Via, viaLdpIdMapping );
+   VORN_LOCAL_ENTITY_COLL( 0x10d, LdpIdViaMapping, LdpIdentifier, ldpIdViaMapping );
+   /// Whether the protocol works for this FEC.
+   VORN_MUTABLE( 0x10e, bool, isProtocolOperational, IsProtocolOperational, local ) = false;
+};
+VORN_FACTORY( LdpP2mpFecState, ldpP2mpFecStateFactory )
+
+/// The P2MP FECs of a VRF.
+class VORN_API LdpP2mpFecStateColl : public Vorn::Entity {
+   VORN_ENTITY( LdpP2mpFecStateColl, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( Mpls::FwdEqvClass, P2mpFecState ); VORN_ON( NotifyCounter ); )
+
+ public:
+   explicit LdpP2mpFecStateColl( Vorn::Name const & name ) : name_( name ) {}
+   ~LdpP2mpFecStateColl() override;
+
+   VORN_NAME;
+   VORN_ENTITY_COLL( 0x102, LdpP2mpFecState, Mpls::FwdEqvClass, p2mpFecState, P2mpFecState, replicated );
+   /// Means nothing but its changes: observers are to look at their own state. 255 goes on with 0.
+   VORN_COUNTER( 0x103, U8, notifyCounter, NotifyCounter, local ) = 0;
+};
+VORN_FACTORY( LdpP2mpFecStateColl, ldpP2mpFecStateCollFactory )
+
+/// The P2MP FECs that end at one local label.
+class VORN_API LdpP2mpLabelTerminatingInfo : public Vorn::Entity {
+   VORN_ENTITY( LdpP2mpLabelTerminatingInfo, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( Mpls::FwdEqvClass, P2mpFec ); )
+
+ public:
+   explicit LdpP2mpLabelTerminatingInfo( Lumo::MplsLabel const & label ) : label_( label ) {}
+   ~LdpP2mpLabelTerminatingInfo() override;
+
+   VORN_KEY( 0x102, Lumo::MplsLabel, label );
+   VORN_SET( 0x103, Mpls::FwdEqvClass, p2mpFec, P2mpFec, replicated );
+};
+VORN_FACTORY( LdpP2mpLabelTerminatingInfo, ldpP2mpLabelTerminatingInfoFactory )
+
+/// The local labels at which P2MP FECs end.
+class VORN_API LdpP2mpLabelTerminatingInfoColl : public Vorn::Entity {
+   VORN_ENTITY( LdpP2mpLabelTerminatingInfoColl, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( Lumo::MplsLabel, LabelTerminatingInfo ); )
+
+ public:
+   explicit LdpP2mpLabelTerminatingInfoColl( Vorn::Name const & name ) : name_( name ) {}
+   ~LdpP2mpLabelTerminatingInfoColl() override;
+
+   VORN_NAME;
+   VORN_ENTITY_COLL( 0x102, LdpP2mpLabelTerminatingInfo, Lumo::MplsLabel, labelTerminatingInfo,
+                     LabelTerminatingInfo, replicated );
+};
+VORN_FACTORY( LdpP2mpLabelTerminatingInfoColl, ldpP2mpLabelTerminatingInfoCollFactory )
+
+/// Counters of the TLVs in label mappings for P2MP FECs, by type.
+class VORN_API LdpP2mpFecCounters : public Vorn::Entity {
+   VORN_ENTITY( LdpP2mpFecCounters, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( LdpTlvType, LabelMappingRxTlv );
+                  VORN_ON_KEYED( LdpTlvType, LabelMappingTxTlv ); )
+
+ public:
+   explicit LdpP2mpFecCounters( Vorn::Name const & name ) : name_( name ) {}
+   ~LdpP2mpFecCounters() override;
+
+   VORN_NAME;
+   VORN_COUNTER_COLL( 0x102, U64, LdpTlvType, labelMappingRxTlv, LabelMappingRxTlv, local );
+   VORN_COUNTER_COLL( 0x103, U64, LdpTlvType, labelMappingTxTlv, LabelMappingTxTlv, local );
+};
+VORN_FACTORY( LdpP2mpFecCounters, ldpP2mpFecCountersFactory )
+
+} // namespace Ldp

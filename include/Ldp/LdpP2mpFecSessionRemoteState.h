@@ -1,0 +1,98 @@
+/// \file
+/// What each peer has said about each P2MP FEC: a tree by session first and by FEC second, as for the
+/// speaker's own side.
+#pragma once
+
+#include "Ldp/LdpFecSession.h"
+
+namespace Ldp {
+
+/// One P2MP FEC on one session: the one label that the peer has for it.
+class VORN_API LdpP2mpFecSessionRemoteState : public Vorn::Entity {
+   VORN_ENTITY( LdpP2mpFecSessionRemoteState, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON( PeerLabelState ); VORN_ON( PeerLabel ); VORN_ON( RemoteFecSessionInUse );
+                  VORN_ON_KEYED( LdpMsgType, LdpMsgRx ); VORN_ON_KEYED( LdpMsgType, LdpMsgTx ); )
+
+ public:
+   explicit LdpP2mpFecSessionRemoteState( LdpFecSessionId const & ldpP2mpFecSessionId )
+        : ldpP2mpFecSessionId_( ldpP2mpFecSessionId ) {}
+   ~LdpP2mpFecSessionRemoteState() override;
+
+   VORN_MUTABLE( 0x102, LdpPeerLabelState, peerLabelState, PeerLabelState, local ) = noneRcvd;
+   VORN_MUTABLE( 0x103, Lumo::MplsLabel, peerLabel, PeerLabel, local );
+   VORN_MUTABLE( 0x104, bool, remoteFecSessionInUse, RemoteFecSessionInUse, local ) = false;
+   VORN_KEY( 0x105, LdpFecSessionId, ldpP2mpFecSessionId );
+   /// Messages received and sent, by type.
+   VORN_COUNTER_COLL( 0x106, U64, LdpMsgType, ldpMsgRx, LdpMsgRx, local );
+   VORN_COUNTER_COLL( 0x107, U64, LdpMsgType, ldpMsgTx, LdpMsgTx, local );
+};
+VORN_FACTORY( LdpP2mpFecSessionRemoteState, ldpP2mpFecSessionRemoteStateFactory )
+
+/// The P2MP FECs on one session.
+class VORN_API LdpP2mpFecSessionRemoteStatePerSessionColl : public Vorn::Entity {
+   VORN_ENTITY( LdpP2mpFecSessionRemoteStatePerSessionColl, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( LdpFecSessionId, P2mpFecSessionRemoteState ); )
+
+ public:
+   explicit LdpP2mpFecSessionRemoteStatePerSessionColl( LdpSessionId const & ldpSessionId )
+        : ldpSessionId_( ldpSessionId ) {}
+   ~LdpP2mpFecSessionRemoteStatePerSessionColl() override;
+
+   VORN_KEY( 0x102, LdpSessionId, ldpSessionId );
+   VORN_ENTITY_COLL( 0x103, LdpP2mpFecSessionRemoteState, LdpFecSessionId, p2mpFecSessionRemoteState,
+                     P2mpFecSessionRemoteState, local );
+};
+VORN_FACTORY( LdpP2mpFecSessionRemoteStatePerSessionColl, ldpP2mpFecSessionRemoteStatePerSessionCollFactory )
+
+/// The sessions of a VRF.
+class VORN_API LdpP2mpFecSessionRemoteStateColl : public Vorn::Entity {
+   VORN_ENTITY( LdpP2mpFecSessionRemoteStateColl, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( LdpSessionId, P2mpFecSessionRemoteStateColl ); )
+
+ public:
+   explicit LdpP2mpFecSessionRemoteStateColl( Vorn::Name const & name ) : name_( name ) {}
+   ~LdpP2mpFecSessionRemoteStateColl() override;
+
+   VORN_NAME;
+   VORN_ENTITY_COLL( 0x102, LdpP2mpFecSessionRemoteStatePerSessionColl, LdpSessionId,
+                     p2mpFecSessionRemoteStateColl, P2mpFecSessionRemoteStateColl, local );
+};
+VORN_FACTORY( LdpP2mpFecSessionRemoteStateColl, ldpP2mpFecSessionRemoteStateCollFactory )
+
+/// Tells one observer of a change in any P2MP FEC of a session: the writer stores id and message type, then
+/// moves the count. Both stay in place behind that.
+class VORN_API LdpP2mpFecSessionRemoteStateNotifier : public Vorn::Entity {
+   VORN_ENTITY( LdpP2mpFecSessionRemoteStateNotifier, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON( P2mpFecSessionId ); VORN_ON( MsgType ); VORN_ON( NotifyCounter ); )
+
+ public:
+   explicit LdpP2mpFecSessionRemoteStateNotifier( LdpSessionId const & ldpSessionId )
+        : ldpSessionId_( ldpSessionId ) {}
+   ~LdpP2mpFecSessionRemoteStateNotifier() override;
+
+   VORN_KEY( 0x102, LdpSessionId, ldpSessionId );
+   VORN_MUTABLE( 0x103, LdpFecSessionId, p2mpFecSessionId, P2mpFecSessionId, local );
+   VORN_MUTABLE( 0x104, LdpMsgType, msgType, MsgType, local ) = LdpNotification;
+   /// 255 goes on with 0.
+   VORN_COUNTER( 0x105, U8, notifyCounter, NotifyCounter, local ) = 0;
+};
+VORN_FACTORY( LdpP2mpFecSessionRemoteStateNotifier, ldpP2mpFecSessionRemoteStateNotifierFactory )
+
+/// The notifiers of all sessions.
+class VORN_API LdpP2mpFecSessionRemoteStateNotifierColl : public Vorn::Entity {
+   VORN_ENTITY( LdpP2mpFecSessionRemoteStateNotifierColl, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON( LdpSessionId ); VORN_ON_KEYED( LdpSessionId, P2mpFecSessionRemoteStateNotifier ); )
+
+ public:
+   explicit LdpP2mpFecSessionRemoteStateNotifierColl( Vorn::Name const & name ) : name_( name ) {}
+   ~LdpP2mpFecSessionRemoteStateNotifierColl() override;
+
+   VORN_NAME;
+   /// For the writer, as context; it is tied to no key.
+   VORN_MUTABLE( 0x102, LdpSessionId, ldpSessionId, LdpSessionId, local );
+   VORN_ENTITY_COLL( 0x103, LdpP2mpFecSessionRemoteStateNotifier, LdpSessionId,
+                     p2mpFecSessionRemoteStateNotifier, P2mpFecSessionRemoteStateNotifier, local );
+};
+VORN_FACTORY( LdpP2mpFecSessionRemoteStateNotifierColl, ldpP2mpFecSessionRemoteStateNotifierCollFactory )
+
+} // namespace Ldp

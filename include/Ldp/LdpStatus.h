@@ -1,0 +1,220 @@
+/// \file
+/// The root of a VRF's run-time state: every other type of the model hangs below `Status`, which owns it.
+#pragma once
+
+#include "Ldp/LdpFec.h"
+#include "Ldp/LdpFecSession.h"
+#include "Ldp/LdpGr.h"
+#include "Ldp/LdpIndex.h"
+#include "Ldp/LdpLink.h"
+#include "Ldp/LdpP2mpFec.h"
+#include "Ldp/LdpP2mpFecSessionLocalState.h"
+#include "Ldp/LdpP2mpFecSessionRemoteState.h"
+#include "Ldp/LdpP2mpOpaqueTable.h"
+#include "Ldp/LdpPeer.h"
+#include "Ldp/LdpSessionStatistics.h"
+#include "Ldp/LdpTarget.h"
+#include "Ldp/LdpTargetServer.h"
+#include "Ldp/LdpTcpConn.h"
+#include "Ldp/LdpTcpServer.h"
+#include "Lumo/NamespaceName.h"
+
+namespace Ldp {
+
+/// How often the agent has started.
+class VORN_API LdpAgentStatus : public Vorn::Entity {
+   VORN_ENTITY( LdpAgentStatus, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON( NumStartups ); )
+
+ public:
+   explicit LdpAgentStatus( Vorn::Name const & name ) : name_( name ) {}
+   ~LdpAgentStatus() override;
+
+   VORN_NAME;
+   VORN_MUTABLE( 0x102, U32, numStartups, NumStartups, replicated ) = 0;
+};
+VORN_FACTORY( LdpAgentStatus, ldpAgentStatusFactory )
+
+/// Counters of a VRF.
+class VORN_API Statistics : public Vorn::Entity {
+   VORN_ENTITY( Statistics, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON( MessageId ); VORN_ON( SessionStatisticsColl ); VORN_ON( FecCountUnfiltered );
+                  VORN_ON( FecCountFiltered ); )
+
+ public:
+   explicit Statistics( Vorn::Name const & name ) : name_( name ) {}
+   ~Statistics() override;
+
+   VORN_NAME;
+   /// Id of the last message sent.
+   VORN_COUNTER( 0x102, U32, messageId, MessageId, local ) = 0;
+   /// Those of each session; null until somebody makes it.
+   VORN_CHILD( 0x103, LdpSessionStatisticsColl, sessionStatisticsColl, SessionStatisticsColl, replicated );
+   /// FECs that the filter lets through, and those that it does not.
+   VORN_COUNTER_DEC( 0x104, U32, fecCountUnfiltered, FecCountUnfiltered, replicated ) = 0;
+   VORN_COUNTER_DEC( 0x105, U32, fecCountFiltered, FecCountFiltered, replicated ) = 0;
+};
+VORN_FACTORY( Statistics, statisticsFactory )
+
+/// One VRF. The constructor makes no child: each comes into being when the agent, or the attribute log, asks
+/// for it, and a reader expects null. The destructor takes them down in the order of the lines.
+class VORN_API Status : public Vorn::Entity {
+   VORN_ENTITY( Status, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON( NetNs ); VORN_ON( LdpLinkConfigColl ); VORN_ON( LdpLinkStatusColl );
+                  VORN_ON( LdpLinkUdpPamStatus ); VORN_ON( LdpTargetConfigColl );
+                  VORN_ON( LdpTargetStatusColl ); VORN_ON( LdpAdjConfigColl ); VORN_ON( LdpAdjStatusColl );
+                  VORN_ON( LdpPeerConfigColl ); VORN_ON( LdpPeerStatusColl ); VORN_ON( LdpSessionConfigColl );
+                  VORN_ON( LdpSessionStatusColl ); VORN_ON( LdpFecConfigColl ); VORN_ON( LdpFecStatusColl );
+                  VORN_ON( LdpFecSessionStatusColl ); VORN_ON( LdpTcpConnConfigColl );
+                  VORN_ON( LdpTcpConnStatusColl ); VORN_ON( LdpTcpServerConfig );
+                  VORN_ON( LdpTcpServerStatus ); VORN_ON( LdpTargetServerConfig );
+                  VORN_ON( LdpTargetServerStatus ); VORN_ON( LocalLabelBindingTable );
+                  VORN_ON( PeerLabelBindingTableColl ); VORN_ON( LocalAdvertisement );
+                  VORN_ON( LocalIntfIpColl ); VORN_ON( LdpLabelAllocRequestTable );
+                  VORN_ON( P2mpLabelAllocRequestTable ); VORN_ON( StaticBindingTable ); VORN_ON( Index );
+                  VORN_ON( PwTargetConfigColl ); VORN_ON( PwConfigColl ); VORN_ON( PwStatusColl );
+                  VORN_ON( LocalPwFecSessionConfigColl ); VORN_ON( RemotePwFecSessionConfigColl );
+                  VORN_ON( LocalPwFecSessionStatusColl ); VORN_ON( RemotePwFecSessionStatusColl );
+                  VORN_ON( P2mpOpaqueTable ); VORN_ON( P2mpFecStateColl );
+                  VORN_ON( P2mpFecSessionLocalStateColl ); VORN_ON( P2mpFecSessionRemoteStateColl );
+                  VORN_ON( P2mpLocalLabelAllocTable ); VORN_ON( P2mpLocalAdvertisement );
+                  VORN_ON( P2mpLocalLabelBindingTable ); VORN_ON( P2mpPeerLabelBindingTableColl );
+                  VORN_ON( MldpFecNexthopColl ); VORN_ON( LdpIdIntfIpMappingEntryTable );
+                  VORN_ON( P2mpFecRouterLabelInfoColl ); VORN_ON( P2mpRouterTransportIpAddrInfoColl );
+                  VORN_ON( P2mpIpAddrRouterIdInfoColl ); VORN_ON( P2mpIpNexthopInfoColl );
+                  VORN_ON( P2mpRouterNexthopInfoColl ); VORN_ON( P2mpIntfRouterNexthopInfoColl );
+                  VORN_ON( P2mpMplsIntfColl ); VORN_ON( P2mpRouterIpNexthopInfoColl );
+                  VORN_ON( P2mpRouterIntfIpAddrInfoColl ); VORN_ON( P2mpRouterFilteredNexthopColl );
+                  VORN_ON( P2mpFecRouterNexthopInfoColl ); VORN_ON( P2mpLabelForwardingInfoColl );
+                  VORN_ON( HrTargetConfigColl ); VORN_ON( Statistics ); VORN_ON( LocalGrStatus ); )
+
+ public:
+   explicit Status( L3::VrfName const & vrfName ) : vrfName_( vrfName ) {}
+   ~Status() override;
+
+   VORN_KEY( 0x102, L3::VrfName, vrfName );
+   /// The namespace that `netNs` begins with.
+   VORN_DERIVED_CONSTANT( 0x103, Lumo::NamespaceName, defaultNsName );
+   /// The network namespace in which the sockets live.
+   VORN_MUTABLE( 0x104, Lumo::NamespaceName, netNs, NetNs,
+                 replicated ) = Lumo::NamespaceName::defaultNamespace();
+   /// Basic discovery: links.
+   VORN_CHILD( 0x105, LdpLinkConfigColl, ldpLinkConfigColl, LdpLinkConfigColl, replicated );
+   VORN_CHILD( 0x106, LdpLinkStatusColl, ldpLinkStatusColl, LdpLinkStatusColl, replicated );
+   VORN_CHILD( 0x107, LdpLinkUdpPamStatus, ldpLinkUdpPamStatus, LdpLinkUdpPamStatus, local );
+   /// Extended discovery: targets.
+   VORN_CHILD( 0x108, LdpTargetConfigColl, ldpTargetConfigColl, LdpTargetConfigColl, replicated );
+   VORN_CHILD( 0x109, LdpTargetStatusColl, ldpTargetStatusColl, LdpTargetStatusColl, replicated );
+   /// Adjacencies and peers.
+   VORN_CHILD( 0x10a, LdpAdjConfigColl, ldpAdjConfigColl, LdpAdjConfigColl, replicated );
+   VORN_CHILD( 0x10b, LdpAdjStatusColl, ldpAdjStatusColl, LdpAdjStatusColl, replicated );
+   VORN_CHILD( 0x10c, LdpPeerConfigColl, ldpPeerConfigColl, LdpPeerConfigColl, replicated );
+   VORN_CHILD( 0x10d, LdpPeerStatusColl, ldpPeerStatusColl, LdpPeerStatusColl, local );
+   /// Sessions.
+   VORN_CHILD( 0x10e, LdpSessionConfigColl, ldpSessionConfigColl, LdpSessionConfigColl, replicated );
+   VORN_CHILD( 0x10f, LdpSessionStatusColl, ldpSessionStatusColl, LdpSessionStatusColl, replicated );
+   /// FECs, and FECs on sessions.
+   VORN_CHILD( 0x110, LdpFecConfigColl, ldpFecConfigColl, LdpFecConfigColl, local );
+   VORN_CHILD( 0x111, LdpFecStatusColl, ldpFecStatusColl, LdpFecStatusColl, local );
+   VORN_CHILD( 0x112, LdpFecSessionStatusColl, ldpFecSessionStatusColl, LdpFecSessionStatusColl, local );
+   /// Connections, and the listeners for sessions and for targeted hellos.
+   VORN_CHILD( 0x113, LdpTcpConnConfigColl, ldpTcpConnConfigColl, LdpTcpConnConfigColl, local );
+   VORN_CHILD( 0x114, LdpTcpConnStatusColl, ldpTcpConnStatusColl, LdpTcpConnStatusColl, local );
+   VORN_CHILD( 0x115, LdpTcpServerConfig, ldpTcpServerConfig, LdpTcpServerConfig, local );
+   VORN_CHILD( 0x116, LdpTcpServerStatus, ldpTcpServerStatus, LdpTcpServerStatus, local );
+   VORN_CHILD( 0x117, LdpTargetServerConfig, ldpTargetServerConfig, LdpTargetServerConfig, local );
+   VORN_CHILD( 0x118, LdpTargetServerStatus, ldpTargetServerStatus, LdpTargetServerStatus, local );
+   /// Label bindings: ours, those of the peers, and to whom ours were advertised.
+   VORN_CHILD( 0x119, Mpls::LabelBindingTable, localLabelBindingTable, LocalLabelBindingTable, local );
+   VORN_CHILD( 0x11a, Mpls::LabelBindingTableColl, peerLabelBindingTableColl, PeerLabelBindingTableColl,
+               local );
+   VORN_CHILD( 0x11b, LabelAdvertisementColl, localAdvertisement, LocalAdvertisement, local );
+   /// Local addresses.
+   VORN_CHILD( 0x11c, LocalIntfIpColl, localIntfIpColl, LocalIntfIpColl, local );
+   /// Requests for labels of unicast and of P2MP FECs.
+   VORN_CHILD( 0x11d, LabelAllocRequestTable, ldpLabelAllocRequestTable, LdpLabelAllocRequestTable, local );
+   VORN_CHILD( 0x11e, LabelAllocRequestTable, p2mpLabelAllocRequestTable, P2mpLabelAllocRequestTable, local );
+   /// Bindings by configuration.
+   VORN_CHILD( 0x11f, Mpls::LabelBindingTable, staticBindingTable, StaticBindingTable, local );
+   /// Reverse maps.
+   VORN_CHILD( 0x120, LdpIndex, index, Index, local );
+   /// Pseudowires.
+   VORN_CHILD( 0x121, PwTargetConfigColl, pwTargetConfigColl, PwTargetConfigColl, local );
+   VORN_CHILD( 0x122, PwConfigColl, pwConfigColl, PwConfigColl, local );
+   VORN_CHILD( 0x123, PwStatusColl, pwStatusColl, PwStatusColl, local );
+   VORN_CHILD( 0x124, PwFecSessionConfigColl, localPwFecSessionConfigColl, LocalPwFecSessionConfigColl,
+               local );
+   VORN_CHILD( 0x125, PwFecSessionConfigColl, remotePwFecSessionConfigColl, RemotePwFecSessionConfigColl,
+               local );
+   VORN_CHILD( 0x126, LocalPwFecSessionStatusColl, localPwFecSessionStatusColl, LocalPwFecSessionStatusColl,
+               local );
+   VORN_CHILD( 0x127, RemotePwFecSessionStatusColl, remotePwFecSessionStatusColl,
+               RemotePwFecSessionStatusColl, local );
+   /// P2MP FECs (RFC 6388).
+   VORN_CHILD( 0x128, LdpP2mpOpaqueTable, p2mpOpaqueTable, P2mpOpaqueTable, replicated );
+   VORN_CHILD( 0x129, LdpP2mpFecStateColl, p2mpFecStateColl, P2mpFecStateColl, replicated );
+   VORN_CHILD( 0x12a, LdpP2mpFecSessionLocalStateColl, p2mpFecSessionLocalStateColl,
+               P2mpFecSessionLocalStateColl, local );
+   VORN_CHILD( 0x12b, LdpP2mpFecSessionRemoteStateColl, p2mpFecSessionRemoteStateColl,
+               P2mpFecSessionRemoteStateColl, local );
+   /// Label bindings of P2MP FECs.
+   VORN_CHILD( 0x12c, Mpls::LabelBindingTable, p2mpLocalLabelAllocTable, P2mpLocalLabelAllocTable, local );
+   VORN_CHILD( 0x12d, LabelAdvertisementColl, p2mpLocalAdvertisement, P2mpLocalAdvertisement, local );
+   VORN_CHILD( 0x12e, Mpls::LabelBindingTable, p2mpLocalLabelBindingTable, P2mpLocalLabelBindingTable,
+               local );
+   VORN_CHILD( 0x12f, Mpls::LabelBindingTableColl, p2mpPeerLabelBindingTableColl,
+               P2mpPeerLabelBindingTableColl, local );
+   /// Next hops of P2MP FECs.
+   VORN_CHILD( 0x130, LdpFecNexthopColl, mldpFecNexthopColl, MldpFecNexthopColl, local );
+   /// Interface addresses of the peers.
+   VORN_CHILD( 0x131, LdpIdIntfIpMappingEntryTable, ldpIdIntfIpMappingEntryTable,
+               LdpIdIntfIpMappingEntryTable, replicated );
+   /// What the multicast tree knows of routers, interfaces and next hops.
+   VORN_CHILD( 0x132, Mpls::FecRouterLabelInfoColl, p2mpFecRouterLabelInfoColl, P2mpFecRouterLabelInfoColl,
+               local );
+   VORN_CHILD( 0x133, Mpls::RouterIpAddrInfoColl, p2mpRouterTransportIpAddrInfoColl,
+               P2mpRouterTransportIpAddrInfoColl, local );
+   VORN_CHILD( 0x134, Mpls::IpAddrRouterIdInfoColl, p2mpIpAddrRouterIdInfoColl, P2mpIpAddrRouterIdInfoColl,
+               local );
+   VORN_CHILD( 0x135, Mpls::IpNexthopInfoColl, p2mpIpNexthopInfoColl, P2mpIpNexthopInfoColl, local );
+   VORN_CHILD( 0x136, Mpls::RouterNexthopInfoColl, p2mpRouterNexthopInfoColl, P2mpRouterNexthopInfoColl,
+               local );
+   VORN_CHILD( 0x137, Mpls::IntfRouterNexthopInfoColl, p2mpIntfRouterNexthopInfoColl,
+               P2mpIntfRouterNexthopInfoColl, local );
+   VORN_CHILD( 0x138, Mpls::MplsIntfColl, p2mpMplsIntfColl, P2mpMplsIntfColl, local );
+   VORN_CHILD( 0x139, Mpls::RouterIpNexthopInfoColl, p2mpRouterIpNexthopInfoColl, P2mpRouterIpNexthopInfoColl,
+               local );
+   VORN_CHILD( 0x13a, Mpls::RouterIpAddrInfoColl, p2mpRouterIntfIpAddrInfoColl, P2mpRouterIntfIpAddrInfoColl,
+               local );
+   VORN_CHILD( 0x13b, Mpls::RouterNexthopInfoColl, p2mpRouterFilteredNexthopColl,
+               P2mpRouterFilteredNexthopColl, local );
+   VORN_CHILD( 0x13c, Mpls::FecRouterNexthopInfoColl, p2mpFecRouterNexthopInfoColl,
+               P2mpFecRouterNexthopInfoColl, local );
+   VORN_CHILD( 0x13d, Mpls::LabelForwardingInfoColl, p2mpLabelForwardingInfoColl, P2mpLabelForwardingInfoColl,
+               local );
+   /// Targets that are wanted for hello redundancy.
+   VORN_CHILD( 0x13e, LdpIpAddrColl, hrTargetConfigColl, HrTargetConfigColl, local );
+   /// Counters.
+   VORN_CHILD( 0x13f, Statistics, statistics, Statistics, replicated );
+   /// Our own graceful restart.
+   VORN_CHILD( 0x140, LocalGrStatus, localGrStatus, LocalGrStatus, replicated );
+};
+VORN_FACTORY( Status, statusFactory )
+
+/// All VRFs: the run-time state of each, and what it keeps of the time before a restart. The two stand apart;
+/// deleting one leaves the other.
+class VORN_API LdpStatusColl : public Vorn::Entity {
+   VORN_ENTITY( LdpStatusColl, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( L3::VrfName, GrStatus ); VORN_ON_KEYED( L3::VrfName, Status ); )
+
+ public:
+   explicit LdpStatusColl( Vorn::Name const & name ) : name_( name ) {}
+   ~LdpStatusColl() override;
+
+   VORN_NAME;
+   VORN_ENTITY_COLL( 0x102, LdpGrStatus, L3::VrfName, grStatus, GrStatus, replicated );
+   VORN_ENTITY_COLL( 0x103, Status, L3::VrfName, status, Status, replicated );
+};
+VORN_FACTORY( LdpStatusColl, ldpStatusCollFactory )
+
+} // namespace Ldp

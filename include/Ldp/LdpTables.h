@@ -1,0 +1,78 @@
+/// \file
+/// Entities that the model makes and holds, and whose contents are those of the library that defines them. A
+/// host puts its own in the place of this header; here each has what the model itself needs of it.
+#pragma once
+
+#include "Ldp/LdpIdentifier.h"
+#include "Mpls/FwdEqvClass.h"
+#include "Vorn/Attributes.h"
+
+namespace Ldp {
+
+/// The peers to which a FEC has been advertised.
+class VORN_API LdpIdentifierSet : public Vorn::Entity {
+   VORN_ENTITY( LdpIdentifierSet, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( LdpIdentifier, LdpIdentifier ); )
+
+ public:
+   explicit LdpIdentifierSet( Mpls::FwdEqvClass const & fwdEqvClass ) : fwdEqvClass_( fwdEqvClass ) {}
+   ~LdpIdentifierSet() override;
+
+   VORN_KEY( 0x102, Mpls::FwdEqvClass, fwdEqvClass );
+   VORN_SET( 0x103, LdpIdentifier, ldpIdentifier, LdpIdentifier, replicated );
+};
+VORN_FACTORY( LdpIdentifierSet, ldpIdentifierSetFactory )
+
+/// What has been advertised to whom.
+class VORN_API LabelAdvertisementColl : public Vorn::Entity {
+   VORN_ENTITY( LabelAdvertisementColl, Vorn::Entity )
+   VORN_NOTIFIEE()
+
+ public:
+   explicit LabelAdvertisementColl( Vorn::Name const & name ) : name_( name ) {}
+   ~LabelAdvertisementColl() override;
+
+   VORN_NAME;
+};
+VORN_FACTORY( LabelAdvertisementColl, labelAdvertisementCollFactory )
+
+/// Addresses that somebody is interested in.
+class VORN_API LdpIpAddrColl : public Vorn::Entity {
+   VORN_ENTITY( LdpIpAddrColl, Vorn::Entity )
+   VORN_NOTIFIEE()
+
+ public:
+   explicit LdpIpAddrColl( Vorn::Name const & name ) : name_( name ) {}
+   ~LdpIpAddrColl() override;
+
+   VORN_NAME;
+};
+VORN_FACTORY( LdpIpAddrColl, ldpIpAddrCollFactory )
+
+/// Which peer has which interface address, as it was before a restart.
+class VORN_API LdpIdIntfIpMappingTable : public Vorn::Entity {
+   VORN_ENTITY( LdpIdIntfIpMappingTable, Vorn::Entity )
+   VORN_NOTIFIEE()
+
+ public:
+   explicit LdpIdIntfIpMappingTable( Vorn::Name const & name ) : name_( name ) {}
+   ~LdpIdIntfIpMappingTable() override;
+
+   VORN_NAME;
+};
+VORN_FACTORY( LdpIdIntfIpMappingTable, ldpIdIntfIpMappingTableFactory )
+
+/// Which peer has which interface address.
+class VORN_API LdpIdIntfIpMappingEntryTable : public Vorn::Entity {
+   VORN_ENTITY( LdpIdIntfIpMappingEntryTable, Vorn::Entity )
+   VORN_NOTIFIEE()
+
+ public:
+   explicit LdpIdIntfIpMappingEntryTable( Vorn::Name const & name ) : name_( name ) {}
+   ~LdpIdIntfIpMappingEntryTable() override;
+
+   VORN_NAME;
+};
+VORN_FACTORY( LdpIdIntfIpMappingEntryTable, ldpIdIntfIpMappingEntryTableFactory )
+
+} // namespace Ldp

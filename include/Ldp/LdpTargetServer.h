@@ -1,0 +1,49 @@
+/// \file
+/// The listener for targeted hellos.
+#pragma once
+
+#include "Lumo/Ip.h"
+#include "Lumo/UdpPam.h"
+#include "Vorn/Attributes.h"
+
+namespace Ldp {
+
+/// What is wanted of the listener.
+class VORN_API LdpTargetServerConfig : public Vorn::Entity {
+   VORN_ENTITY( LdpTargetServerConfig, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON( Enabled ); VORN_ON( ListenIpAddr ); VORN_ON( ListenPort ); VORN_ON( RxUdpPam ); )
+
+ public:
+   explicit LdpTargetServerConfig( Vorn::Name const & name ) : name_( name ) {}
+   ~LdpTargetServerConfig() override;
+
+   VORN_NAME;
+   VORN_MUTABLE( 0x102, bool, enabled, Enabled, local ) = false;
+   /// Where it listens: 0.0.0.0 for every address, and the port of the protocol.
+   VORN_MUTABLE( 0x103, Lumo::IpAddr, listenIpAddr, ListenIpAddr, local );
+   VORN_MUTABLE( 0x104, U16, listenPort, ListenPort, local ) = 646;
+   /// The packet mover through which it receives.
+   VORN_REFERENCE( 0x105, Lumo::UdpPam, rxUdpPam, RxUdpPam, local );
+};
+VORN_FACTORY( LdpTargetServerConfig, ldpTargetServerConfigFactory )
+
+/// Run-time state of the listener.
+class VORN_API LdpTargetServerStatus : public Vorn::Entity {
+   VORN_ENTITY( LdpTargetServerStatus, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON( Listening ); VORN_ON( Reason ); VORN_ON( RxPktCount ); VORN_ON( ErrPktCount ); )
+
+ public:
+   explicit LdpTargetServerStatus( Vorn::Name const & name ) : name_( name ) {}
+   ~LdpTargetServerStatus() override;
+
+   VORN_NAME;
+   VORN_MUTABLE( 0x102, bool, listening, Listening, local ) = false;
+   /// Why it does not listen, for a person.
+   VORN_MUTABLE( 0x103, Vorn::String, reason, Reason, local );
+   /// Hellos received, and those of them that were bad.
+   VORN_COUNTER( 0x104, U32, rxPktCount, RxPktCount, local ) = 0;
+   VORN_COUNTER( 0x105, U32, errPktCount, ErrPktCount, local ) = 0;
+};
+VORN_FACTORY( LdpTargetServerStatus, ldpTargetServerStatusFactory )
+
+} // namespace Ldp

@@ -1,0 +1,88 @@
+/// \file
+/// Pseudowire requests: what a service asks LDP to signal, and what came of it.
+#pragma once
+
+#include "Lumo/MplsLabel.h"
+#include "Pseudowire/Types.h"
+#include "Vorn/Attributes.h"
+
+namespace Ldp {
+
+/// How the status of a pseudowire is signalled (RFC 8077, 5.4).
+#define PW_STATUS_METHODS( X )                                                                               \
+   X( pwStatusMethodUndefined, 0 )                                                                           \
+   X( pwStatusMethodTlv, 1 )                                                                                 \
+   X( pwStatusMethodWithdraw, 2 )
+VORN_ENUM( PwStatusMethod, PW_STATUS_METHODS )
+
+/// One request.
+class VORN_API PwConfig : public Vorn::Entity {
+   VORN_ENTITY( PwConfig, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON( GroupId ); VORN_ON( LocalLabel ); VORN_ON( PreferControlWord ); VORN_ON( Mtu );
+                  VORN_ON( Status ); )
+   VORN_CTOR_TYPES( Pseudowire::PseudowireLdpRequestKey, Pseudowire::PseudowireType )
+
+ public:
+   PwConfig( Pseudowire::PseudowireLdpRequestKey const & pwKey, Pseudowire::PseudowireType pwType )
+        : pwKey_( pwKey ), pwType_( pwType ) {}
+   ~PwConfig() override;
+
+   VORN_KEY( 0x102, Pseudowire::PseudowireLdpRequestKey, pwKey );
+   VORN_CTOR_ARG( 0x103, Pseudowire::PseudowireType, pwType );
+   VORN_MUTABLE( 0x104, Pseudowire::GroupId, groupId, GroupId, local );
+   /// The label that the peer is to use.
+   VORN_MUTABLE( 0x105, Lumo::MplsLabel, localLabel, LocalLabel, local );
+   VORN_MUTABLE( 0x106, bool, preferControlWord, PreferControlWord, local ) = false;
+   /// MTU of the attachment circuit in octets; 0 for none.
+   VORN_MUTABLE( 0x107, U32, mtu, Mtu, local ) = 0;
+   /// State of the attachment circuit.
+   VORN_MUTABLE( 0x108, Pseudowire::PseudowireConnectorStatus, status, Status,
+                 local ) = Pseudowire::PseudowireConnectorStatus( 0 );
+};
+VORN_FACTORY( PwConfig, pwConfigFactory )
+
+/// The requests of a VRF.
+class VORN_API PwConfigColl : public Vorn::Entity {
+   VORN_ENTITY( PwConfigColl, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( Pseudowire::PseudowireLdpRequestKey, Config ); )
+
+ public:
+   explicit PwConfigColl( Vorn::Name const & name ) : name_( name ) {}
+   ~PwConfigColl() override;
+
+   VORN_NAME;
+   VORN_ENTITY_COLL( 0x102, PwConfig, Pseudowire::PseudowireLdpRequestKey, config, Config, local );
+};
+VORN_FACTORY( PwConfigColl, pwConfigCollFactory )
+
+/// What came of one request. The defaults are optimistic on purpose: status by TLV and a control word, until
+/// negotiation says otherwise.
+class VORN_API PwStatus : public Vorn::Entity {
+   VORN_ENTITY( PwStatus, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON( PwStatusMethod ); VORN_ON( NegotiatedControlWord ); )
+
+ public:
+   explicit PwStatus( Pseudowire::PseudowireLdpRequestKey const & pwKey ) : pwKey_( pwKey ) {}
+   ~PwStatus() override;
+
+   VORN_KEY( 0x102, Pseudowire::PseudowireLdpRequestKey, pwKey );
+   VORN_MUTABLE( 0x103, PwStatusMethod, pwStatusMethod, PwStatusMethod, local ) = pwStatusMethodTlv;
+   VORN_MUTABLE( 0x104, bool, negotiatedControlWord, NegotiatedControlWord, local ) = true;
+};
+VORN_FACTORY( PwStatus, pwStatusFactory )
+
+/// What came of the requests of a VRF.
+class VORN_API PwStatusColl : public Vorn::Entity {
+   VORN_ENTITY( PwStatusColl, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON_KEYED( Pseudowire::PseudowireLdpRequestKey, Status ); )
+
+ public:
+   explicit PwStatusColl( Vorn::Name const & name ) : name_( name ) {}
+   ~PwStatusColl() override;
+
+   VORN_NAME;
+   VORN_ENTITY_COLL( 0x102, PwStatus, Pseudowire::PseudowireLdpRequestKey, status, Status, local );
+};
+VORN_FACTORY( PwStatusColl, pwStatusCollFactory )
+
+} // namespace Ldp

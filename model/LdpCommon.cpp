@@ -1,0 +1,31 @@
+#include "Ldp/LdpCommon.h"
+
+namespace Ldp {
+
+VORN_OBJECT_RECORD( Ldp, LdpMsg, nullptr )
+VORN_RECORD( Ldp, LdpMsgPipe )
+VORN_RECORD( Ldp, LdpFecSessionMsgPipe )
+VORN_RECORD( Ldp, LdpP2mpSessionLocalLabelMsgPipe )
+VORN_RECORD( Ldp, LdpP2mpSessionRemoteLabelMsgPipe )
+VORN_RECORD( Ldp, LdpTargetMsgPipeCollection )
+VORN_RECORD( Ldp, LdpLinkMsgPipeCollection )
+VORN_RECORD( Ldp, LdpAdjMsgPipeCollection )
+VORN_RECORD( Ldp, LdpSessionMsgPipeColl )
+VORN_RECORD( Ldp, LdpFecSessionMsgPipeColl )
+VORN_RECORD( Ldp, LdpP2mpSessionLocalLabelMsgPipeColl )
+VORN_RECORD( Ldp, LdpP2mpSessionRemoteLabelMsgPipeColl )
+VORN_MODULE( &LdpMsg::_vornType, &LdpMsgPipe::_vornType, &LdpFecSessionMsgPipe::_vornType, &LdpP2mpSessionLocalLabelMsgPipe::_vornType, &LdpP2mpSessionRemoteLabelMsgPipe::_vornType, &LdpTargetMsgPipeCollection::_vornType, &LdpLinkMsgPipeCollection::_vornType, &LdpAdjMsgPipeCollection::_vornType, &LdpSessionMsgPipeColl::_vornType, &LdpFecSessionMsgPipeColl::_vornType, &LdpP2mpSessionLocalLabelMsgPipeColl::_vornType, &LdpP2mpSessionRemoteLabelMsgPipeColl::_vornType )
+
+LdpMsgPipe::~LdpMsgPipe() { vornTeardown(); }
+LdpFecSessionMsgPipe::~LdpFecSessionMsgPipe() { vornTeardown(); }
+LdpP2mpSessionLocalLabelMsgPipe::~LdpP2mpSessionLocalLabelMsgPipe() { vornTeardown(); }
+LdpP2mpSessionRemoteLabelMsgPipe::~LdpP2mpSessionRemoteLabelMsgPipe() { vornTeardown(); }
+LdpTargetMsgPipeCollection::~LdpTargetMsgPipeCollection() { vornTeardown(); }
+LdpLinkMsgPipeCollection::~LdpLinkMsgPipeCollection() { vornTeardown(); }
+LdpAdjMsgPipeCollection::~LdpAdjMsgPipeCollection() { vornTeardown(); }
+LdpSessionMsgPipeColl::~LdpSessionMsgPipeColl() { vornTeardown(); }
+LdpFecSessionMsgPipeColl::~LdpFecSessionMsgPipeColl() { vornTeardown(); }
+LdpP2mpSessionLocalLabelMsgPipeColl::~LdpP2mpSessionLocalLabelMsgPipeColl() { vornTeardown(); }
+LdpP2mpSessionRemoteLabelMsgPipeColl::~LdpP2mpSessionRemoteLabelMsgPipeColl() { vornTeardown(); }
+
+} // namespace Ldp

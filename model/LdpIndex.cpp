@@ -1,0 +1,20 @@
+#include "Ldp/LdpIndex.h"
+
+namespace Ldp {
+
+VORN_RECORD( Ldp, PeerSession )
+VORN_RECORD( Ldp, PeerTransportIpMap )
+VORN_RECORD( Ldp, PeerPwRequest )
+VORN_RECORD( Ldp, LabelFecMap )
+VORN_RECORD( Ldp, PwFecSessionInfoMap )
+VORN_RECORD( Ldp, LdpIndex )
+VORN_MODULE( &PeerSession::_vornType, &PeerTransportIpMap::_vornType, &PeerPwRequest::_vornType, &LabelFecMap::_vornType, &PwFecSessionInfoMap::_vornType, &LdpIndex::_vornType )
+
+PeerSession::~PeerSession() { vornTeardown(); }
+PeerTransportIpMap::~PeerTransportIpMap() { vornTeardown(); }
+PeerPwRequest::~PeerPwRequest() { vornTeardown(); }
+LabelFecMap::~LabelFecMap() { vornTeardown(); }
+PwFecSessionInfoMap::~PwFecSessionInfoMap() { vornTeardown(); }
+LdpIndex::~LdpIndex() { vornTeardown(); }
+
+} // namespace Ldp

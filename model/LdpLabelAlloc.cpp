@@ -1,0 +1,17 @@
+#include "Ldp/LdpLabelAlloc.h"
+
+namespace Ldp {
+
+VORN_ENUM_RECORD( Ldp, LabelAllocStatusEnum, LDP_LABEL_ALLOC_STATUSES )
+VORN_RECORD( Ldp, LabelAllocRequest )
+VORN_RECORD( Ldp, LabelAllocRequestTable )
+VORN_RECORD( Ldp, LabelAllocGlobalStatus )
+VORN_RECORD( Ldp, MplsLabelSet )
+VORN_MODULE( &LabelAllocStatusEnum_vornType, &LabelAllocRequest::_vornType, &LabelAllocRequestTable::_vornType, &LabelAllocGlobalStatus::_vornType, &MplsLabelSet::_vornType )
+
+LabelAllocRequest::~LabelAllocRequest() { vornTeardown(); }
+LabelAllocRequestTable::~LabelAllocRequestTable() { vornTeardown(); }
+LabelAllocGlobalStatus::~LabelAllocGlobalStatus() { vornTeardown(); }
+MplsLabelSet::~MplsLabelSet() { vornTeardown(); }
+
+} // namespace Ldp

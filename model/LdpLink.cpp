@@ -1,0 +1,29 @@
+#include "Ldp/LdpLink.h"
+
+namespace Ldp {
+
+VORN_ENUM_RECORD( Ldp, ConfigState, LDP_CONFIG_STATES )
+VORN_RECORD( Ldp, LdpLinkBaseConfig )
+VORN_RECORD( Ldp, LdpLinkCommonConfig )
+VORN_RECORD( Ldp, LdpLinkConfig )
+VORN_RECORD( Ldp, LdpLinkConfigColl )
+VORN_RECORD( Ldp, LdpLinkStatus )
+VORN_RECORD( Ldp, LdpLinkCommonStatus )
+VORN_RECORD( Ldp, LdpLinkStatusColl )
+VORN_RECORD( Ldp, LdpLinkUdpPamStatus )
+VORN_RECORD( Ldp, IpIntfMember )
+VORN_RECORD( Ldp, LocalIntfIpColl )
+VORN_MODULE( &ConfigState_vornType, &LdpLinkBaseConfig::_vornType, &LdpLinkCommonConfig::_vornType, &LdpLinkConfig::_vornType, &LdpLinkConfigColl::_vornType, &LdpLinkStatus::_vornType, &LdpLinkCommonStatus::_vornType, &LdpLinkStatusColl::_vornType, &LdpLinkUdpPamStatus::_vornType, &IpIntfMember::_vornType, &LocalIntfIpColl::_vornType )
+
+LdpLinkBaseConfig::~LdpLinkBaseConfig() { vornTeardown(); }
+LdpLinkCommonConfig::~LdpLinkCommonConfig() { vornTeardown(); }
+LdpLinkConfig::~LdpLinkConfig() { vornTeardown(); }
+LdpLinkConfigColl::~LdpLinkConfigColl() { vornTeardown(); }
+LdpLinkStatus::~LdpLinkStatus() { vornTeardown(); }
+LdpLinkCommonStatus::~LdpLinkCommonStatus() { vornTeardown(); }
+LdpLinkStatusColl::~LdpLinkStatusColl() { vornTeardown(); }
+LdpLinkUdpPamStatus::~LdpLinkUdpPamStatus() { vornTeardown(); }
+IpIntfMember::~IpIntfMember() { vornTeardown(); }
+LocalIntfIpColl::~LocalIntfIpColl() { vornTeardown(); }
+
+} // namespace Ldp

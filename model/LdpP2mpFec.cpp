@@ -1,0 +1,20 @@
+#include "Ldp/LdpP2mpFec.h"
+
+namespace Ldp {
+
+VORN_ENUM_RECORD( Ldp, LdpP2mpFecStateMembership, LDP_P2MP_FEC_STATE_MEMBERSHIPS )
+VORN_ENUM_RECORD( Ldp, LdpP2mpFecRole, LDP_P2MP_FEC_ROLES )
+VORN_RECORD( Ldp, LdpP2mpFecState )
+VORN_RECORD( Ldp, LdpP2mpFecStateColl )
+VORN_RECORD( Ldp, LdpP2mpLabelTerminatingInfo )
+VORN_RECORD( Ldp, LdpP2mpLabelTerminatingInfoColl )
+VORN_RECORD( Ldp, LdpP2mpFecCounters )
+VORN_MODULE( &LdpP2mpFecStateMembership_vornType, &LdpP2mpFecRole_vornType, &LdpP2mpFecState::_vornType, &LdpP2mpFecStateColl::_vornType, &LdpP2mpLabelTerminatingInfo::_vornType, &LdpP2mpLabelTerminatingInfoColl::_vornType, &LdpP2mpFecCounters::_vornType )
+
+LdpP2mpFecState::~LdpP2mpFecState() { vornTeardown(); }
+LdpP2mpFecStateColl::~LdpP2mpFecStateColl() { vornTeardown(); }
+LdpP2mpLabelTerminatingInfo::~LdpP2mpLabelTerminatingInfo() { vornTeardown(); }
+LdpP2mpLabelTerminatingInfoColl::~LdpP2mpLabelTerminatingInfoColl() { vornTeardown(); }
+LdpP2mpFecCounters::~LdpP2mpFecCounters() { vornTeardown(); }
+
+} // namespace Ldp

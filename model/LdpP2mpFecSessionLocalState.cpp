@@ -1,0 +1,21 @@
+#include "Ldp/LdpP2mpFecSessionLocalState.h"
+
+namespace Ldp {
+
+VORN_ENUM_RECORD( Ldp, LdpP2mpFecSessionEvent, LDP_P2MP_FEC_SESSION_EVENTS )
+VORN_RECORD( Ldp, LdpP2mpFecSessionLocalEphemeralState )
+VORN_RECORD( Ldp, LdpP2mpFecSessionLocalState )
+VORN_RECORD( Ldp, LdpP2mpFecSessionLocalStatePerSessionColl )
+VORN_RECORD( Ldp, LdpP2mpFecSessionLocalStateColl )
+VORN_RECORD( Ldp, LdpP2mpFecSessionLocalStateNotifier )
+VORN_RECORD( Ldp, LdpP2mpFecSessionLocalStateNotifierColl )
+VORN_MODULE( &LdpP2mpFecSessionEvent_vornType, &LdpP2mpFecSessionLocalEphemeralState::_vornType, &LdpP2mpFecSessionLocalState::_vornType, &LdpP2mpFecSessionLocalStatePerSessionColl::_vornType, &LdpP2mpFecSessionLocalStateColl::_vornType, &LdpP2mpFecSessionLocalStateNotifier::_vornType, &LdpP2mpFecSessionLocalStateNotifierColl::_vornType )
+
+LdpP2mpFecSessionLocalEphemeralState::~LdpP2mpFecSessionLocalEphemeralState() { vornTeardown(); }
+LdpP2mpFecSessionLocalState::~LdpP2mpFecSessionLocalState() { vornTeardown(); }
+LdpP2mpFecSessionLocalStatePerSessionColl::~LdpP2mpFecSessionLocalStatePerSessionColl() { vornTeardown(); }
+LdpP2mpFecSessionLocalStateColl::~LdpP2mpFecSessionLocalStateColl() { vornTeardown(); }
+LdpP2mpFecSessionLocalStateNotifier::~LdpP2mpFecSessionLocalStateNotifier() { vornTeardown(); }
+LdpP2mpFecSessionLocalStateNotifierColl::~LdpP2mpFecSessionLocalStateNotifierColl() { vornTeardown(); }
+
+} // namespace Ldp

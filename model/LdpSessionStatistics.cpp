@@ -1,0 +1,14 @@
+#include "Ldp/LdpSessionStatistics.h"
+
+namespace Ldp {
+
+VORN_VALUE_RECORD( Ldp, LdpMsgIdFecMappingInfo )
+VORN_VALUE_RECORD( Ldp, PwMsgIdFecMappingInfo )
+VORN_RECORD( Ldp, LdpSessionStatistics )
+VORN_RECORD( Ldp, LdpSessionStatisticsColl )
+VORN_MODULE( &LdpMsgIdFecMappingInfo::_vornType, &PwMsgIdFecMappingInfo::_vornType, &LdpSessionStatistics::_vornType, &LdpSessionStatisticsColl::_vornType )
+
+LdpSessionStatistics::~LdpSessionStatistics() { vornTeardown(); }
+LdpSessionStatisticsColl::~LdpSessionStatisticsColl() { vornTeardown(); }
+
+} // namespace Ldp

@@ -1,0 +1,16 @@
+#include "Ldp/LdpStatus.h"
+
+namespace Ldp {
+
+VORN_RECORD( Ldp, LdpAgentStatus )
+VORN_RECORD( Ldp, Statistics )
+VORN_RECORD( Ldp, Status )
+VORN_RECORD( Ldp, LdpStatusColl )
+VORN_MODULE( &LdpAgentStatus::_vornType, &Statistics::_vornType, &Status::_vornType, &LdpStatusColl::_vornType )
+
+LdpAgentStatus::~LdpAgentStatus() { vornTeardown(); }
+Statistics::~Statistics() { vornTeardown(); }
+Status::~Status() { vornTeardown(); }
+LdpStatusColl::~LdpStatusColl() { vornTeardown(); }
+
+} // namespace Ldp

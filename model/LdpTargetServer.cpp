@@ -1,0 +1,12 @@
+#include "Ldp/LdpTargetServer.h"
+
+namespace Ldp {
+
+VORN_RECORD( Ldp, LdpTargetServerConfig )
+VORN_RECORD( Ldp, LdpTargetServerStatus )
+VORN_MODULE( &LdpTargetServerConfig::_vornType, &LdpTargetServerStatus::_vornType )
+
+LdpTargetServerConfig::~LdpTargetServerConfig() { vornTeardown(); }
+LdpTargetServerStatus::~LdpTargetServerStatus() { vornTeardown(); }
+
+} // namespace Ldp

@@ -1,0 +1,16 @@
+#include "Ldp/LdpTcpConn.h"
+
+namespace Ldp {
+
+VORN_RECORD( Ldp, LdpTcpConnConfig )
+VORN_RECORD( Ldp, LdpTcpConnConfigColl )
+VORN_RECORD( Ldp, LdpTcpConnStatus )
+VORN_RECORD( Ldp, LdpTcpConnStatusColl )
+VORN_MODULE( &LdpTcpConnConfig::_vornType, &LdpTcpConnConfigColl::_vornType, &LdpTcpConnStatus::_vornType, &LdpTcpConnStatusColl::_vornType )
+
+LdpTcpConnConfig::~LdpTcpConnConfig() { vornTeardown(); }
+LdpTcpConnConfigColl::~LdpTcpConnConfigColl() { vornTeardown(); }
+LdpTcpConnStatus::~LdpTcpConnStatus() { vornTeardown(); }
+LdpTcpConnStatusColl::~LdpTcpConnStatusColl() { vornTeardown(); }
+
+} // namespace Ldp

@@ -1,0 +1,17 @@
+#include "Ldp/PwConfig.h"
+
+namespace Ldp {
+
+VORN_ENUM_RECORD( Ldp, PwStatusMethod, PW_STATUS_METHODS )
+VORN_RECORD( Ldp, PwConfig )
+VORN_RECORD( Ldp, PwConfigColl )
+VORN_RECORD( Ldp, PwStatus )
+VORN_RECORD( Ldp, PwStatusColl )
+VORN_MODULE( &PwStatusMethod_vornType, &PwConfig::_vornType, &PwConfigColl::_vornType, &PwStatus::_vornType, &PwStatusColl::_vornType )
+
+PwConfig::~PwConfig() { vornTeardown(); }
+PwConfigColl::~PwConfigColl() { vornTeardown(); }
+PwStatus::~PwStatus() { vornTeardown(); }
+PwStatusColl::~PwStatusColl() { vornTeardown(); }
+
+} // namespace Ldp
