@@ -14,7 +14,12 @@ VORN_RECORD( Ldp, LdpSessionMsgPipeColl )
 VORN_RECORD( Ldp, LdpFecSessionMsgPipeColl )
 VORN_RECORD( Ldp, LdpP2mpSessionLocalLabelMsgPipeColl )
 VORN_RECORD( Ldp, LdpP2mpSessionRemoteLabelMsgPipeColl )
-VORN_MODULE( &LdpMsg::_vornType, &LdpMsgPipe::_vornType, &LdpFecSessionMsgPipe::_vornType, &LdpP2mpSessionLocalLabelMsgPipe::_vornType, &LdpP2mpSessionRemoteLabelMsgPipe::_vornType, &LdpTargetMsgPipeCollection::_vornType, &LdpLinkMsgPipeCollection::_vornType, &LdpAdjMsgPipeCollection::_vornType, &LdpSessionMsgPipeColl::_vornType, &LdpFecSessionMsgPipeColl::_vornType, &LdpP2mpSessionLocalLabelMsgPipeColl::_vornType, &LdpP2mpSessionRemoteLabelMsgPipeColl::_vornType )
+VORN_MODULE( &LdpMsg::_vornType, &LdpMsgPipe::_vornType, &LdpFecSessionMsgPipe::_vornType,
+             &LdpP2mpSessionLocalLabelMsgPipe::_vornType, &LdpP2mpSessionRemoteLabelMsgPipe::_vornType,
+             &LdpTargetMsgPipeCollection::_vornType, &LdpLinkMsgPipeCollection::_vornType,
+             &LdpAdjMsgPipeCollection::_vornType, &LdpSessionMsgPipeColl::_vornType,
+             &LdpFecSessionMsgPipeColl::_vornType, &LdpP2mpSessionLocalLabelMsgPipeColl::_vornType,
+             &LdpP2mpSessionRemoteLabelMsgPipeColl::_vornType )
 
 LdpMsgPipe::~LdpMsgPipe() { vornTeardown(); }
 LdpFecSessionMsgPipe::~LdpFecSessionMsgPipe() { vornTeardown(); }
@@ -27,5 +32,20 @@ LdpSessionMsgPipeColl::~LdpSessionMsgPipeColl() { vornTeardown(); }
 LdpFecSessionMsgPipeColl::~LdpFecSessionMsgPipeColl() { vornTeardown(); }
 LdpP2mpSessionLocalLabelMsgPipeColl::~LdpP2mpSessionLocalLabelMsgPipeColl() { vornTeardown(); }
 LdpP2mpSessionRemoteLabelMsgPipeColl::~LdpP2mpSessionRemoteLabelMsgPipeColl() { vornTeardown(); }
+
+LdpMsg::~LdpMsg() = default;
+
+Vorn::Ptr< LdpMsg > ldpMsgFactory( LdpIdentifier const & ldpIdentifier, Vorn::Ptr< Lumo::Pkt > const & pkt,
+                                   U16 offset ) {
+   return Vorn::newObject< LdpMsg >( ldpIdentifier, pkt, offset );
+}
+
+void LdpMsgPipe::txMsgIs( Vorn::Ptr< LdpMsg > const & msg ) {
+   VORN_ASSERT_TEXT( !msgHolder_, "msgHolder_ == __null" );
+   msgHolder_ = msg;
+   readableCountInc( 1 );
+}
+
+Vorn::Ptr< LdpMsg > LdpMsgPipe::rxMsg() const { return std::exchange( msgHolder_, nullptr ); }
 
 } // namespace Ldp

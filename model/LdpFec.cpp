@@ -1,5 +1,7 @@
 #include "Ldp/LdpFec.h"
 
+#include <cstring>
+
 namespace Ldp {
 
 VORN_ENUM_RECORD( Ldp, LdpFecConfigMembership, LDP_FEC_CONFIG_MEMBERSHIPS )
@@ -20,7 +22,14 @@ VORN_RECORD( Ldp, LdpFecStatusColl )
 VORN_RECORD( Ldp, LdpFecNexthop )
 VORN_RECORD( Ldp, LdpFecNexthopColl )
 VORN_RECORD( Ldp, LdpFecCounters )
-VORN_MODULE( &LdpFecConfigMembership_vornType, &LdpFecLspRole_vornType, &FecConfigChange_vornType, &LdpLabelUnassignedReason_vornType, &LdpXsessionNotification_LdpXsessionNotificationType_vornType, &Via::_vornType, &IntfIpViaMapping::_vornType, &LdpIdViaMapping::_vornType, &LdpFecConfig::_vornType, &LdpFecConfigNotifier::_vornType, &LdpFecConfigColl::_vornType, &LdpXsessionNotification::_vornType, &LdpFecStatus::_vornType, &LdpFecStatusNotifier::_vornType, &LdpFecStatusColl::_vornType, &LdpFecNexthop::_vornType, &LdpFecNexthopColl::_vornType, &LdpFecCounters::_vornType )
+VORN_MODULE( &LdpFecConfigMembership_vornType, &LdpFecLspRole_vornType, &FecConfigChange_vornType,
+             &LdpLabelUnassignedReason_vornType,
+             &LdpXsessionNotification_LdpXsessionNotificationType_vornType, &Via::_vornType,
+             &IntfIpViaMapping::_vornType, &LdpIdViaMapping::_vornType, &LdpFecConfig::_vornType,
+             &LdpFecConfigNotifier::_vornType, &LdpFecConfigColl::_vornType,
+             &LdpXsessionNotification::_vornType, &LdpFecStatus::_vornType, &LdpFecStatusNotifier::_vornType,
+             &LdpFecStatusColl::_vornType, &LdpFecNexthop::_vornType, &LdpFecNexthopColl::_vornType,
+             &LdpFecCounters::_vornType )
 
 IntfIpViaMapping::~IntfIpViaMapping() { vornTeardown(); }
 LdpIdViaMapping::~LdpIdViaMapping() { vornTeardown(); }
@@ -34,5 +43,120 @@ LdpFecStatusColl::~LdpFecStatusColl() { vornTeardown(); }
 LdpFecNexthop::~LdpFecNexthop() { vornTeardown(); }
 LdpFecNexthopColl::~LdpFecNexthopColl() { vornTeardown(); }
 LdpFecCounters::~LdpFecCounters() { vornTeardown(); }
+
+namespace {
+
+// Puts a context field back when an update is over, also when an observer's exception has ended it.
+template< class T >
+class Reset {
+ public:
+   explicit Reset( T & field ) : field_( field ) {}
+   Reset( Reset const & ) = delete;
+   Reset & operator=( Reset const & ) = delete;
+   ~Reset() { field_ = T(); }
+
+ private:
+   T & field_;
+};
+
+} // namespace
+
+U32 Via::hash() const {
+   Lumo::Ip6Addr octets;
+   std::memcpy( octets.octets(), hop_.octets(), Lumo::Ip6Addr::size );
+   U32 const hop = octets.hash();
+   U32 const intf = intfId_.hash();
+   Vorn::Hash hash;
+   hash.mix< 4 >( &hop );
+   hash.mix< 4 >( &intf );
+   return hash.result();
+}
+
+Vorn::String Via::stringValue() const { return hop_.stringValue() + "-" + intfId_.stringValue(); }
+
+VORN_TEXT_OF_RECORD( Via )
+
+LdpFecConfig::LdpFecConfig( Mpls::FwdEqvClass const & fwdEqvClass ) : fwdEqvClass_( fwdEqvClass ) {
+   mplsLabelSetIs( Vorn::Name( "labelSet" ), fwdEqvClass );
+   advertisedToIs( fwdEqvClass );
+}
+
+LdpFecConfigColl::LdpFecConfigColl( Vorn::Name const & name ) : name_( name ) {
+   fecConfigNotifierIs( Vorn::Name() );
+}
+
+LdpFecStatus::LdpFecStatus( Mpls::FwdEqvClass const & fwdEqvClass ) : fwdEqvClass_( fwdEqvClass ) {
+   ldpXsessionNotificationIs( Vorn::Name() );
+}
+
+LdpFecStatusColl::LdpFecStatusColl( Vorn::Name const & name ) : name_( name ) {
+   fecStatusNotifierIs( Vorn::Name() );
+}
+
+Mpls::FwdEqvClass LdpFecConfigNotifier::lastFwdEqvClass() const {
+   return lastFecConfig_ ? lastFecConfig_->fwdEqvClass() : Mpls::FwdEqvClass();
+}
+
+void LdpFecConfigNotifier::update( FecPtr const & fec, Count count ) {
+   Reset const clearFec( lastFecConfig_ );
+   lastFecConfig_ = fec;
+   ( this->*count )( 1 );
+}
+
+void LdpFecConfigNotifier::updateDownstreamLsr( FecPtr const & fec, LdpIdentifier const & peer ) {
+   Reset const clearPeer( lastLdpId_ );
+   lastLdpId_ = peer;
+   update( fec, &LdpFecConfigNotifier::downstreamLsrChangeCntInc );
+}
+
+void LdpFecConfigNotifier::updateLoopDetection( FecPtr const & fec ) {
+   update( fec, &LdpFecConfigNotifier::loopDetectionChangeCntInc );
+}
+
+void LdpFecConfigNotifier::updateDsLsrMappingAvail( FecPtr const & fec ) {
+   update( fec, &LdpFecConfigNotifier::dsLsrMappingAvailChangeCntInc );
+}
+
+void LdpFecConfigNotifier::updateLabelDistCtrl( FecPtr const & fec ) {
+   update( fec, &LdpFecConfigNotifier::labelDistCtrlChangeCntInc );
+}
+
+void LdpFecConfigNotifier::updateLabelRetention( FecPtr const & fec ) {
+   update( fec, &LdpFecConfigNotifier::labelRetentionChangeCntInc );
+}
+
+void LdpFecConfigNotifier::updateVia( FecPtr const & fec ) {
+   update( fec, &LdpFecConfigNotifier::viaChangeCntInc );
+}
+
+void LdpFecConfigNotifier::updateLspRole( FecPtr const & fec ) {
+   update( fec, &LdpFecConfigNotifier::lspRoleChangeCntInc );
+}
+
+void LdpFecConfigNotifier::updateMplsLabelSet( FecPtr const & fec, Lumo::MplsLabel label ) {
+   Reset const clearLabel( lastMplsLabel_ );
+   lastMplsLabel_ = label;
+   update( fec, &LdpFecConfigNotifier::mplsLabelSetChangeCntInc );
+}
+
+void LdpFecConfigNotifier::updateProgrammedLabelSet( FecPtr const & fec ) {
+   update( fec, &LdpFecConfigNotifier::programmedLabelSetChangeCntInc );
+}
+
+Mpls::FwdEqvClass LdpFecStatusNotifier::lastFwdEqvClass() const {
+   return lastFecStatus_ ? lastFecStatus_->fwdEqvClass() : Mpls::FwdEqvClass();
+}
+
+void LdpFecStatusNotifier::updateRequestSmNotiTime( FecPtr const & fec ) {
+   Reset const clearFec( lastFecStatus_ );
+   lastFecStatus_ = fec;
+   labelXsessionRequestSmNotiTimeChangeCntInc( 1 );
+}
+
+void LdpFecStatusNotifier::updateMappingSmNotiTime( FecPtr const & fec ) {
+   Reset const clearFec( lastFecStatus_ );
+   lastFecStatus_ = fec;
+   labelXsessionMappingSmNotiTimeChangeCntInc( 1 );
+}
 
 } // namespace Ldp

@@ -1,5 +1,7 @@
 #include "Ldp/LdpFecSession.h"
 
+#include <algorithm>
+
 namespace Ldp {
 
 VORN_ENUM_RECORD( Ldp, LdpLocalLabelState, LDP_LOCAL_LABEL_STATES )
@@ -11,11 +13,69 @@ VORN_RECORD( Ldp, LdpFecSessionStatus )
 VORN_RECORD( Ldp, LdpFecSessionStatusBySession )
 VORN_RECORD( Ldp, LdpFecSessionStatusColl )
 VORN_RECORD( Ldp, LdpFecSessionNotifier )
-VORN_MODULE( &LdpLocalLabelState_vornType, &LdpPeerLabelState_vornType, &LdpFecSessionId::_vornType, &LdpLocalLabelSessionState::_vornType, &LdpPeerLabelSessionState::_vornType, &LdpFecSessionStatus::_vornType, &LdpFecSessionStatusBySession::_vornType, &LdpFecSessionStatusColl::_vornType, &LdpFecSessionNotifier::_vornType )
+VORN_MODULE( &LdpLocalLabelState_vornType, &LdpPeerLabelState_vornType, &LdpFecSessionId::_vornType,
+             &LdpLocalLabelSessionState::_vornType, &LdpPeerLabelSessionState::_vornType,
+             &LdpFecSessionStatus::_vornType, &LdpFecSessionStatusBySession::_vornType,
+             &LdpFecSessionStatusColl::_vornType, &LdpFecSessionNotifier::_vornType )
 
 LdpFecSessionStatus::~LdpFecSessionStatus() { vornTeardown(); }
 LdpFecSessionStatusBySession::~LdpFecSessionStatusBySession() { vornTeardown(); }
 LdpFecSessionStatusColl::~LdpFecSessionStatusColl() { vornTeardown(); }
 LdpFecSessionNotifier::~LdpFecSessionNotifier() { vornTeardown(); }
+
+U32 LdpFecSessionId::hash() const { return fwdEqvClass_.hash() + ldpSessionId_.hash(); }
+
+Vorn::String LdpFecSessionId::stringValue() const {
+   return fwdEqvClass_.stringValue() + "_" + ldpSessionId_.stringValue();
+}
+
+void LdpFecSessionId::stringValueIs( Vorn::String const & text ) {
+   auto it = text.begin();
+   LdpFecSessionId read;
+   sequenceToValue( it, text.end(), &read );
+   if ( it != text.end() ) Vorn::throwRangeException( "Invalid LdpFecSessionId" );
+   *this = read;
+}
+
+Vorn::String valueToStrep( LdpFecSessionId const & value ) { return value.stringValue(); }
+
+void sequenceToValue( Vorn::String::IteratorConst & it, Vorn::String::IteratorConst const & end,
+                      LdpFecSessionId * value ) {
+   auto const bar = std::find( it, end, '_' );
+   if ( bar == end || bar + 1 == end ) Vorn::throwRangeException( "Invalid LdpFecSessionId" );
+   auto at = it;
+   Lumo::IpGenPrefix prefix;
+   LdpIdentifier peer;
+   sequenceToValue( at, bar, &prefix );
+   if ( at != bar ) Vorn::throwRangeException( "Invalid LdpFecSessionId" );
+   ++at;
+   sequenceToValue( at, end, &peer );
+   *value = LdpFecSessionId( Mpls::FwdEqvClass( prefix ), LdpSessionId( peer ) );
+   it = at;
+}
+
+VORN_TEXT_STREAM( LdpFecSessionId )
+
+Vorn::String valueToStrep( LdpLocalLabelSessionState const & value ) {
+   return Vorn::valueToStrep( value.value() );
+}
+
+void sequenceToValue( Vorn::String::IteratorConst & it, Vorn::String::IteratorConst const & end,
+                      LdpLocalLabelSessionState * value ) {
+   *value = LdpLocalLabelSessionState( Vorn::deserializeAttr< U32 >( it, end, "value" ) );
+}
+
+VORN_TEXT_STREAM( LdpLocalLabelSessionState )
+
+Vorn::String valueToStrep( LdpPeerLabelSessionState const & value ) {
+   return Vorn::valueToStrep( value.value() );
+}
+
+void sequenceToValue( Vorn::String::IteratorConst & it, Vorn::String::IteratorConst const & end,
+                      LdpPeerLabelSessionState * value ) {
+   *value = LdpPeerLabelSessionState( Vorn::deserializeAttr< U32 >( it, end, "value" ) );
+}
+
+VORN_TEXT_STREAM( LdpPeerLabelSessionState )
 
 } // namespace Ldp

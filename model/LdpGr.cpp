@@ -1,5 +1,9 @@
 #include "Ldp/LdpGr.h"
 
+#include "Vorn/System.h"
+
+#include <limits>
+
 namespace Ldp {
 
 VORN_ENUM_RECORD( Ldp, GrMembership, LDP_GR_MEMBERSHIPS )
@@ -9,5 +13,11 @@ VORN_MODULE( &GrMembership_vornType, &LocalGrStatus::_vornType, &LdpGrStatus::_v
 
 LocalGrStatus::~LocalGrStatus() { vornTeardown(); }
 LdpGrStatus::~LdpGrStatus() { vornTeardown(); }
+
+double LocalGrStatus::remainingHoldingTime() const {
+   if ( holdingTimerExpirationTime_ > std::numeric_limits< double >::max() ) return 0.0;
+   double const remaining = holdingTimerExpirationTime_ - Vorn::System::currentTime();
+   return remaining > 0.0 ? remaining : 0.0;
+}
 
 } // namespace Ldp

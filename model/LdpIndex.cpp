@@ -8,7 +8,8 @@ VORN_RECORD( Ldp, PeerPwRequest )
 VORN_RECORD( Ldp, LabelFecMap )
 VORN_RECORD( Ldp, PwFecSessionInfoMap )
 VORN_RECORD( Ldp, LdpIndex )
-VORN_MODULE( &PeerSession::_vornType, &PeerTransportIpMap::_vornType, &PeerPwRequest::_vornType, &LabelFecMap::_vornType, &PwFecSessionInfoMap::_vornType, &LdpIndex::_vornType )
+VORN_MODULE( &PeerSession::_vornType, &PeerTransportIpMap::_vornType, &PeerPwRequest::_vornType,
+             &LabelFecMap::_vornType, &PwFecSessionInfoMap::_vornType, &LdpIndex::_vornType )
 
 PeerSession::~PeerSession() { vornTeardown(); }
 PeerTransportIpMap::~PeerTransportIpMap() { vornTeardown(); }

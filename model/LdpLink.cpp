@@ -13,7 +13,10 @@ VORN_RECORD( Ldp, LdpLinkStatusColl )
 VORN_RECORD( Ldp, LdpLinkUdpPamStatus )
 VORN_RECORD( Ldp, IpIntfMember )
 VORN_RECORD( Ldp, LocalIntfIpColl )
-VORN_MODULE( &ConfigState_vornType, &LdpLinkBaseConfig::_vornType, &LdpLinkCommonConfig::_vornType, &LdpLinkConfig::_vornType, &LdpLinkConfigColl::_vornType, &LdpLinkStatus::_vornType, &LdpLinkCommonStatus::_vornType, &LdpLinkStatusColl::_vornType, &LdpLinkUdpPamStatus::_vornType, &IpIntfMember::_vornType, &LocalIntfIpColl::_vornType )
+VORN_MODULE( &ConfigState_vornType, &LdpLinkBaseConfig::_vornType, &LdpLinkCommonConfig::_vornType,
+             &LdpLinkConfig::_vornType, &LdpLinkConfigColl::_vornType, &LdpLinkStatus::_vornType,
+             &LdpLinkCommonStatus::_vornType, &LdpLinkStatusColl::_vornType, &LdpLinkUdpPamStatus::_vornType,
+             &IpIntfMember::_vornType, &LocalIntfIpColl::_vornType )
 
 LdpLinkBaseConfig::~LdpLinkBaseConfig() { vornTeardown(); }
 LdpLinkCommonConfig::~LdpLinkCommonConfig() { vornTeardown(); }
@@ -25,5 +28,9 @@ LdpLinkStatusColl::~LdpLinkStatusColl() { vornTeardown(); }
 LdpLinkUdpPamStatus::~LdpLinkUdpPamStatus() { vornTeardown(); }
 IpIntfMember::~IpIntfMember() { vornTeardown(); }
 LocalIntfIpColl::~LocalIntfIpColl() { vornTeardown(); }
+
+LdpLinkStatusColl::LdpLinkStatusColl( Vorn::Name const & name ) : name_( name ) {
+   ldpLinkCommonStatusIs( Vorn::Name( "llcs" ) );
+}
 
 } // namespace Ldp

@@ -9,7 +9,10 @@ VORN_RECORD( Ldp, LdpP2mpFecSessionLocalStatePerSessionColl )
 VORN_RECORD( Ldp, LdpP2mpFecSessionLocalStateColl )
 VORN_RECORD( Ldp, LdpP2mpFecSessionLocalStateNotifier )
 VORN_RECORD( Ldp, LdpP2mpFecSessionLocalStateNotifierColl )
-VORN_MODULE( &LdpP2mpFecSessionEvent_vornType, &LdpP2mpFecSessionLocalEphemeralState::_vornType, &LdpP2mpFecSessionLocalState::_vornType, &LdpP2mpFecSessionLocalStatePerSessionColl::_vornType, &LdpP2mpFecSessionLocalStateColl::_vornType, &LdpP2mpFecSessionLocalStateNotifier::_vornType, &LdpP2mpFecSessionLocalStateNotifierColl::_vornType )
+VORN_MODULE( &LdpP2mpFecSessionEvent_vornType, &LdpP2mpFecSessionLocalEphemeralState::_vornType,
+             &LdpP2mpFecSessionLocalState::_vornType, &LdpP2mpFecSessionLocalStatePerSessionColl::_vornType,
+             &LdpP2mpFecSessionLocalStateColl::_vornType, &LdpP2mpFecSessionLocalStateNotifier::_vornType,
+             &LdpP2mpFecSessionLocalStateNotifierColl::_vornType )
 
 LdpP2mpFecSessionLocalEphemeralState::~LdpP2mpFecSessionLocalEphemeralState() { vornTeardown(); }
 LdpP2mpFecSessionLocalState::~LdpP2mpFecSessionLocalState() { vornTeardown(); }
@@ -17,5 +20,10 @@ LdpP2mpFecSessionLocalStatePerSessionColl::~LdpP2mpFecSessionLocalStatePerSessio
 LdpP2mpFecSessionLocalStateColl::~LdpP2mpFecSessionLocalStateColl() { vornTeardown(); }
 LdpP2mpFecSessionLocalStateNotifier::~LdpP2mpFecSessionLocalStateNotifier() { vornTeardown(); }
 LdpP2mpFecSessionLocalStateNotifierColl::~LdpP2mpFecSessionLocalStateNotifierColl() { vornTeardown(); }
+
+LdpP2mpFecSessionLocalState::LdpP2mpFecSessionLocalState( LdpFecSessionId const & ldpP2mpFecSessionId )
+     : ldpP2mpFecSessionId_( ldpP2mpFecSessionId ) {
+   ephemeralStateIs( Vorn::Name() );
+}
 
 } // namespace Ldp

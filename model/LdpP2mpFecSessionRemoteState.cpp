@@ -7,7 +7,9 @@ VORN_RECORD( Ldp, LdpP2mpFecSessionRemoteStatePerSessionColl )
 VORN_RECORD( Ldp, LdpP2mpFecSessionRemoteStateColl )
 VORN_RECORD( Ldp, LdpP2mpFecSessionRemoteStateNotifier )
 VORN_RECORD( Ldp, LdpP2mpFecSessionRemoteStateNotifierColl )
-VORN_MODULE( &LdpP2mpFecSessionRemoteState::_vornType, &LdpP2mpFecSessionRemoteStatePerSessionColl::_vornType, &LdpP2mpFecSessionRemoteStateColl::_vornType, &LdpP2mpFecSessionRemoteStateNotifier::_vornType, &LdpP2mpFecSessionRemoteStateNotifierColl::_vornType )
+VORN_MODULE( &LdpP2mpFecSessionRemoteState::_vornType, &LdpP2mpFecSessionRemoteStatePerSessionColl::_vornType,
+             &LdpP2mpFecSessionRemoteStateColl::_vornType, &LdpP2mpFecSessionRemoteStateNotifier::_vornType,
+             &LdpP2mpFecSessionRemoteStateNotifierColl::_vornType )
 
 LdpP2mpFecSessionRemoteState::~LdpP2mpFecSessionRemoteState() { vornTeardown(); }
 LdpP2mpFecSessionRemoteStatePerSessionColl::~LdpP2mpFecSessionRemoteStatePerSessionColl() { vornTeardown(); }

@@ -6,9 +6,13 @@ VORN_VALUE_RECORD( Ldp, LdpMsgIdFecMappingInfo )
 VORN_VALUE_RECORD( Ldp, PwMsgIdFecMappingInfo )
 VORN_RECORD( Ldp, LdpSessionStatistics )
 VORN_RECORD( Ldp, LdpSessionStatisticsColl )
-VORN_MODULE( &LdpMsgIdFecMappingInfo::_vornType, &PwMsgIdFecMappingInfo::_vornType, &LdpSessionStatistics::_vornType, &LdpSessionStatisticsColl::_vornType )
+VORN_MODULE( &LdpMsgIdFecMappingInfo::_vornType, &PwMsgIdFecMappingInfo::_vornType,
+             &LdpSessionStatistics::_vornType, &LdpSessionStatisticsColl::_vornType )
 
 LdpSessionStatistics::~LdpSessionStatistics() { vornTeardown(); }
 LdpSessionStatisticsColl::~LdpSessionStatisticsColl() { vornTeardown(); }
+
+VORN_TEXT_OF_RECORD( LdpMsgIdFecMappingInfo )
+VORN_TEXT_OF_RECORD( PwMsgIdFecMappingInfo )
 
 } // namespace Ldp

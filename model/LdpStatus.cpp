@@ -6,11 +6,14 @@ VORN_RECORD( Ldp, LdpAgentStatus )
 VORN_RECORD( Ldp, Statistics )
 VORN_RECORD( Ldp, Status )
 VORN_RECORD( Ldp, LdpStatusColl )
-VORN_MODULE( &LdpAgentStatus::_vornType, &Statistics::_vornType, &Status::_vornType, &LdpStatusColl::_vornType )
+VORN_MODULE( &LdpAgentStatus::_vornType, &Statistics::_vornType, &Status::_vornType,
+             &LdpStatusColl::_vornType )
 
 LdpAgentStatus::~LdpAgentStatus() { vornTeardown(); }
 Statistics::~Statistics() { vornTeardown(); }
 Status::~Status() { vornTeardown(); }
 LdpStatusColl::~LdpStatusColl() { vornTeardown(); }
+
+Lumo::NamespaceName Status::defaultNsName() const { return Lumo::NamespaceName::defaultNamespace(); }
 
 } // namespace Ldp

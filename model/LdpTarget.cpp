@@ -9,7 +9,9 @@ VORN_RECORD( Ldp, LdpTargetConfig )
 VORN_RECORD( Ldp, LdpTargetConfigColl )
 VORN_RECORD( Ldp, LdpTargetStatus )
 VORN_RECORD( Ldp, LdpTargetStatusColl )
-VORN_MODULE( &LdpTargetMembership_vornType, &LdpTargetBaseConfig::_vornType, &LdpTargetCommonConfig::_vornType, &LdpTargetConfig::_vornType, &LdpTargetConfigColl::_vornType, &LdpTargetStatus::_vornType, &LdpTargetStatusColl::_vornType )
+VORN_MODULE( &LdpTargetMembership_vornType, &LdpTargetBaseConfig::_vornType,
+             &LdpTargetCommonConfig::_vornType, &LdpTargetConfig::_vornType, &LdpTargetConfigColl::_vornType,
+             &LdpTargetStatus::_vornType, &LdpTargetStatusColl::_vornType )
 
 LdpTargetBaseConfig::~LdpTargetBaseConfig() { vornTeardown(); }
 LdpTargetCommonConfig::~LdpTargetCommonConfig() { vornTeardown(); }

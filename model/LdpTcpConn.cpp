@@ -1,16 +1,27 @@
 #include "Ldp/LdpTcpConn.h"
 
+#include "Vorn/System.h"
+
 namespace Ldp {
 
 VORN_RECORD( Ldp, LdpTcpConnConfig )
 VORN_RECORD( Ldp, LdpTcpConnConfigColl )
 VORN_RECORD( Ldp, LdpTcpConnStatus )
 VORN_RECORD( Ldp, LdpTcpConnStatusColl )
-VORN_MODULE( &LdpTcpConnConfig::_vornType, &LdpTcpConnConfigColl::_vornType, &LdpTcpConnStatus::_vornType, &LdpTcpConnStatusColl::_vornType )
+VORN_MODULE( &LdpTcpConnConfig::_vornType, &LdpTcpConnConfigColl::_vornType, &LdpTcpConnStatus::_vornType,
+             &LdpTcpConnStatusColl::_vornType )
 
 LdpTcpConnConfig::~LdpTcpConnConfig() { vornTeardown(); }
 LdpTcpConnConfigColl::~LdpTcpConnConfigColl() { vornTeardown(); }
 LdpTcpConnStatus::~LdpTcpConnStatus() { vornTeardown(); }
 LdpTcpConnStatusColl::~LdpTcpConnStatusColl() { vornTeardown(); }
+
+LdpTcpConnConfig::LdpTcpConnConfig( Lumo::IpGenAddr const & serverIpAddr, Lumo::Port serverPort,
+                                    Lumo::IpGenAddr const & clientIpAddr,
+                                    LdpIdentifier const & ldpIdentifier )
+     : Lumo::TcpClientConfig( serverIpAddr, serverPort ), ldpIdentifier_( ldpIdentifier ),
+       requestTime_( Vorn::System::currentTime() ) {
+   clientIpAddrIs( clientIpAddr );
+}
 
 } // namespace Ldp

@@ -7,7 +7,8 @@ VORN_RECORD( Ldp, PwConfig )
 VORN_RECORD( Ldp, PwConfigColl )
 VORN_RECORD( Ldp, PwStatus )
 VORN_RECORD( Ldp, PwStatusColl )
-VORN_MODULE( &PwStatusMethod_vornType, &PwConfig::_vornType, &PwConfigColl::_vornType, &PwStatus::_vornType, &PwStatusColl::_vornType )
+VORN_MODULE( &PwStatusMethod_vornType, &PwConfig::_vornType, &PwConfigColl::_vornType, &PwStatus::_vornType,
+             &PwStatusColl::_vornType )
 
 PwConfig::~PwConfig() { vornTeardown(); }
 PwConfigColl::~PwConfigColl() { vornTeardown(); }

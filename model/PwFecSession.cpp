@@ -1,5 +1,7 @@
 #include "Ldp/PwFecSession.h"
 
+#include <algorithm>
+
 namespace Ldp {
 
 VORN_ENUM_RECORD( Ldp, PwFecSessionMember, PW_FEC_SESSION_MEMBERS )
@@ -12,7 +14,11 @@ VORN_RECORD( Ldp, LocalPwFecSessionStatusColl )
 VORN_RECORD( Ldp, RemotePwFecSessionStatus )
 VORN_RECORD( Ldp, RemotePwFecSessionStatusColl )
 VORN_RECORD( Ldp, PwFecSessionMsgPipeColl )
-VORN_MODULE( &PwFecSessionMember_vornType, &PwFecSessionStatusState_vornType, &PwFecSessionId::_vornType, &PwFecSessionConfig::_vornType, &PwFecSessionConfigColl::_vornType, &LocalPwFecSessionStatus::_vornType, &LocalPwFecSessionStatusColl::_vornType, &RemotePwFecSessionStatus::_vornType, &RemotePwFecSessionStatusColl::_vornType, &PwFecSessionMsgPipeColl::_vornType )
+VORN_MODULE( &PwFecSessionMember_vornType, &PwFecSessionStatusState_vornType, &PwFecSessionId::_vornType,
+             &PwFecSessionConfig::_vornType, &PwFecSessionConfigColl::_vornType,
+             &LocalPwFecSessionStatus::_vornType, &LocalPwFecSessionStatusColl::_vornType,
+             &RemotePwFecSessionStatus::_vornType, &RemotePwFecSessionStatusColl::_vornType,
+             &PwFecSessionMsgPipeColl::_vornType )
 
 PwFecSessionConfig::~PwFecSessionConfig() { vornTeardown(); }
 PwFecSessionConfigColl::~PwFecSessionConfigColl() { vornTeardown(); }
@@ -21,5 +27,70 @@ LocalPwFecSessionStatusColl::~LocalPwFecSessionStatusColl() { vornTeardown(); }
 RemotePwFecSessionStatus::~RemotePwFecSessionStatus() { vornTeardown(); }
 RemotePwFecSessionStatusColl::~RemotePwFecSessionStatusColl() { vornTeardown(); }
 PwFecSessionMsgPipeColl::~PwFecSessionMsgPipeColl() { vornTeardown(); }
+
+bool PwFecSessionId::isValid() const { return pwFwdEqvClass_.pwId().value() != 0; }
+
+U32 PwFecSessionId::hash() const {
+   U32 const fec = pwFwdEqvClass_.hash();
+   U32 const session = ldpSessionId_.hash();
+   Vorn::Hash hash;
+   hash.mix< 4 >( &fec );
+   hash.mix< 4 >( &session );
+   return hash.result();
+}
+
+Vorn::String PwFecSessionId::stringValue() const {
+   return ldpSessionId_.stringValue() + "_" + pwFwdEqvClass_.stringValue();
+}
+
+void PwFecSessionId::stringValueIs( Vorn::String const & text ) {
+   auto it = text.begin();
+   PwFecSessionId read;
+   sequenceToValue( it, text.end(), &read );
+   if ( it != text.end() ) Vorn::throwRangeException( "Invalid PwFecSessionId" );
+   *this = read;
+}
+
+Vorn::String valueToStrep( PwFecSessionId const & value ) { return value.stringValue(); }
+
+void sequenceToValue( Vorn::String::IteratorConst & it, Vorn::String::IteratorConst const & end,
+                      PwFecSessionId * value ) {
+   auto const bar = std::find( it, end, '_' );
+   if ( bar == end || bar + 1 == end ) Vorn::throwRangeException( "Invalid PwFecSessionId" );
+   auto at = it;
+   LdpIdentifier peer;
+   PwFwdEqvClass fec;
+   sequenceToValue( at, bar, &peer );
+   if ( at != bar ) Vorn::throwRangeException( "Invalid PwFecSessionId" );
+   ++at;
+   sequenceToValue( at, end, &fec );
+   *value = PwFecSessionId( fec, LdpSessionId( peer ) );
+   it = at;
+}
+
+VORN_TEXT_STREAM( PwFecSessionId )
+
+PwFecSessionConfig::PwFecSessionConfig( PwFecSessionId const & pwFecSessionId, PwFecSessionMember initMember )
+     : pwFecSessionId_( pwFecSessionId ), initMember_( initMember ) {
+   handlePwFecSessionId();
+   memberIs( initMember, true );
+}
+
+void PwFecSessionConfig::handlePwFecSessionId() const { VORN_ASSERT( pwFecSessionId().isValid() ); }
+
+PwFwdEqvClass PwFecSessionConfig::pwFwdEqvClass() const { return pwFecSessionId_.pwFwdEqvClass(); }
+
+PwFwdEqvClassInfo PwFecSessionConfig::fecInfo() const {
+   PwFwdEqvClassInfo info;
+   info.fwdEqvClassIs( pwFwdEqvClass() );
+   info.paramsIs( fecParams_ );
+   return info;
+}
+
+RemotePwFecSessionStatus::RemotePwFecSessionStatus( PwFecSessionId const & pwFecSessionId )
+     : pwFecSessionId_( pwFecSessionId ) {
+   mplsLabelSetIs( Vorn::Name(), Mpls::FwdEqvClass() );
+   mplsReleaseLabelSetIs( Vorn::Name(), Mpls::FwdEqvClass() );
+}
 
 } // namespace Ldp

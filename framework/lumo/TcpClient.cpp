@@ -6,10 +6,14 @@ VORN_ENUM_RECORD( Lumo, TcpClientStatus_ConnectionStatus, LUMO_TCP_CONNECTION_ST
 VORN_RECORD( Lumo, TcpConfigBase )
 VORN_RECORD( Lumo, TcpClientConfig )
 VORN_RECORD( Lumo, TcpClientStatus )
-VORN_MODULE( &TcpClientStatus_ConnectionStatus_vornType, &TcpConfigBase::_vornType, &TcpClientConfig::_vornType, &TcpClientStatus::_vornType )
+VORN_MODULE( &TcpClientStatus_ConnectionStatus_vornType, &TcpConfigBase::_vornType,
+             &TcpClientConfig::_vornType, &TcpClientStatus::_vornType )
 
 TcpConfigBase::~TcpConfigBase() { vornTeardown(); }
 TcpClientConfig::~TcpClientConfig() { vornTeardown(); }
 TcpClientStatus::~TcpClientStatus() { vornTeardown(); }
 
 } // namespace Lumo
+
+VORN_OUTSIDE_RECORD( Lumo, TcpSocketOptions )
+VORN_OUTSIDE_RECORD( Lumo, TcpConnSocket )

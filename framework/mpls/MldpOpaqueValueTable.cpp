@@ -7,12 +7,18 @@ VORN_RECORD( Mpls, MldpOpaqueIndexColl )
 VORN_RECORD( Mpls, MldpOpaqueVal )
 VORN_RECORD( Mpls, MldpOpaqueValColl )
 VORN_RECORD( Mpls, MldpOpaqueValueTable )
-VORN_MODULE( &MldpOpaqueIndex::_vornType, &MldpOpaqueIndexColl::_vornType, &MldpOpaqueVal::_vornType, &MldpOpaqueValColl::_vornType, &MldpOpaqueValueTable::_vornType )
+VORN_MODULE( &MldpOpaqueIndex::_vornType, &MldpOpaqueIndexColl::_vornType, &MldpOpaqueVal::_vornType,
+             &MldpOpaqueValColl::_vornType, &MldpOpaqueValueTable::_vornType )
 
 MldpOpaqueIndex::~MldpOpaqueIndex() { vornTeardown(); }
 MldpOpaqueIndexColl::~MldpOpaqueIndexColl() { vornTeardown(); }
 MldpOpaqueVal::~MldpOpaqueVal() { vornTeardown(); }
 MldpOpaqueValColl::~MldpOpaqueValColl() { vornTeardown(); }
 MldpOpaqueValueTable::~MldpOpaqueValueTable() { vornTeardown(); }
+
+MldpOpaqueValueTable::MldpOpaqueValueTable( Vorn::Name const & name ) : name_( name ) {
+   opaqueIndexCollIs( Vorn::Name() );
+   opaqueValCollIs( Vorn::Name() );
+}
 
 } // namespace Mpls

@@ -14,7 +14,12 @@ VORN_RECORD( Mpls, MplsIntfColl )
 VORN_RECORD( Mpls, RouterIpAddrInfoColl )
 VORN_RECORD( Mpls, RouterIpNexthopInfoColl )
 VORN_RECORD( Mpls, RouterNexthopInfoColl )
-VORN_MODULE( &LabelBindingTable::_vornType, &LabelBindingTableColl::_vornType, &FecRouterLabelInfoColl::_vornType, &FecRouterNexthopInfoColl::_vornType, &IntfRouterNexthopInfoColl::_vornType, &IpAddrRouterIdInfoColl::_vornType, &IpNexthopInfoColl::_vornType, &LabelForwardingInfoColl::_vornType, &MplsIntfColl::_vornType, &RouterIpAddrInfoColl::_vornType, &RouterIpNexthopInfoColl::_vornType, &RouterNexthopInfoColl::_vornType )
+VORN_MODULE( &LabelBindingTable::_vornType, &LabelBindingTableColl::_vornType,
+             &FecRouterLabelInfoColl::_vornType, &FecRouterNexthopInfoColl::_vornType,
+             &IntfRouterNexthopInfoColl::_vornType, &IpAddrRouterIdInfoColl::_vornType,
+             &IpNexthopInfoColl::_vornType, &LabelForwardingInfoColl::_vornType, &MplsIntfColl::_vornType,
+             &RouterIpAddrInfoColl::_vornType, &RouterIpNexthopInfoColl::_vornType,
+             &RouterNexthopInfoColl::_vornType )
 
 LabelBindingTable::~LabelBindingTable() { vornTeardown(); }
 LabelBindingTableColl::~LabelBindingTableColl() { vornTeardown(); }

@@ -5,6 +5,7 @@
 /// a mistake, and the process ends.
 #pragma once
 
+#include "Ldp/LdpAdj.h"
 #include "Ldp/LdpFecSession.h"
 #include "Lumo/Pkt.h"
 

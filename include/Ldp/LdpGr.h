@@ -2,6 +2,7 @@
 /// Graceful restart (RFC 3478): the speaker's own state, and the tables that outlive a restart.
 #pragma once
 
+#include "L3/VrfName.h"
 #include "Ldp/LdpSession.h"
 #include "Ldp/LdpTables.h"
 #include "Mpls/Tables.h"

@@ -58,7 +58,7 @@ class VORN_API LdpP2mpOpaqueTable : public Vorn::Entity {
    /// process.
    U32 allocate();
    /// Takes an index back. It may not be `invalidId`; nothing else is looked at.
-   void free( U32 index );
+   void free( U32 id );
 };
 VORN_FACTORY( LdpP2mpOpaqueTable, ldpP2mpOpaqueTableFactory )
 

@@ -22,7 +22,7 @@ class VORN_API LdpTcpConnConfig : public Lumo::TcpClientConfig {
    /// Whether the client is to act.
    VORN_MUTABLE( 0x203, bool, enabled, Enabled, local ) = false;
    /// When the connection was asked for, in seconds: when the object was made, to begin with.
-   VORN_MUTABLE( 0x204, double, requestTime, RequestTime, local );
+   VORN_MUTABLE( 0x204, double, requestTime, RequestTime, local ) = 0.0;
 };
 VORN_FACTORY( LdpTcpConnConfig, ldpTcpConnConfigFactory )
 

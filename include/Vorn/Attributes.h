@@ -216,7 +216,7 @@
    static_assert( true )
 
 /// Constant of the type: `VORN_CONSTANT( 0x115, double, linkReadyTimeoutDefault, 60.0 );`
-#define VORN_CONSTANT( id, Type, x, value )                                                           \
+#define VORN_CONSTANT( id, Type, x, value )                                                                  \
  public:                                                                                                     \
    static constexpr ::Vorn::ConstantOf< Type, decltype( value ) > x() noexcept { return value; }             \
    static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \

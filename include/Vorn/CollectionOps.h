@@ -35,15 +35,22 @@ void scalarIs( Self & self, T & field, Arg< T > value, NotifieeChange const & ch
    self.notify( change );
 }
 
-/// The types of an entity's constructor arguments: what it declares, else its key or name alone.
+/// The types of an entity's constructor arguments: what it declares, else its key or name alone. A base that
+/// nobody makes by itself has none.
 template< class Type >
-struct CtorTypesOf {
-   using Types = std::tuple< std::remove_cvref_t< decltype( std::declval< Type const & >().vornKey() ) > >;
+concept DeclaresCtorTypes = requires {
+   typename Type::VornCtorTypes;
 };
 template< class Type >
-requires requires { typename Type::VornCtorTypes; }
+struct CtorTypesOf {};
+template< DeclaresCtorTypes Type >
 struct CtorTypesOf< Type > {
    using Types = typename Type::VornCtorTypes;
+};
+template< class Type >
+requires( !DeclaresCtorTypes< Type > ) && requires( Type const & entity ) { entity.vornKey(); }
+struct CtorTypesOf< Type > {
+   using Types = std::tuple< std::remove_cvref_t< decltype( std::declval< Type const & >().vornKey() ) > >;
 };
 template< class Type >
 using CtorTypes = typename CtorTypesOf< Type >::Types;

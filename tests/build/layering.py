@@ -13,7 +13,8 @@ import sys
 WITHOUT_SOURCE = {}
 
 # The values that decode and model share: status codes, identifiers, FEC values, the protocol's parameters.
-SHARED_WITH_MODEL = {"LdpEnums.h", "LdpIdentifier.h", "LdpFecHdr.h", "LdpProtoParam.h"}
+SHARED_WITH_MODEL = {"LdpEnums.h", "LdpIdentifier.h", "LdpFecHdr.h", "LdpProtoParam.h", "PwTypes.h",
+                     "LdpMsgParser.h"}  # the last for the two parsers that a cross-session notification keeps
 
 MAY_INCLUDE = {
     "framework": {"framework"},

@@ -13,6 +13,8 @@ Member::~Member() { vornTeardown(); }
 Everything::~Everything() { vornTeardown(); }
 Derived::~Derived() { vornTeardown(); }
 
+Vorn::String Everything::motto() const { return "plain"; }
+
 U32 Everything::doubled() const { return 2 * number(); }
 
 U32 Everything::sum( U32 a, U32 b ) { return a + b + number(); }
