@@ -4,7 +4,7 @@ PREFIX ?= /usr/local
 FUZZ_SECONDS ?= 60
 JOBS ?= $(shell nproc)
 
-.PHONY: help setup build demo test sanitize bench fuzz format format-check docs install
+.PHONY: help setup build demo test sanitize bench fuzz format format-check docs model-doc install
 
 help:
 	@echo "make demo       decode a capture of real routers"
@@ -13,6 +13,7 @@ help:
 	@echo "make bench      run the benchmarks"
 	@echo "make fuzz       run each fuzz target for FUZZ_SECONDS (60)"
 	@echo "make docs       reference documentation, into build/release/docs/html"
+	@echo "make model-doc  write docs/model.md anew from the type table"
 	@echo "make format     put all sources into the project's format; format-check only looks"
 	@echo "make install    install into PREFIX (/usr/local)"
 
@@ -48,6 +49,10 @@ format format-check: setup
 
 docs: build/release/build.ninja
 	cmake --build --preset release --target docs
+
+model-doc: build/release/build.ninja
+	cmake --build --preset release --target ldptool
+	build/release/bin/ldptool types --json | scripts/model_doc.py docs/model.md
 
 install: build
 	cmake --install build/release --prefix $(PREFIX)
