@@ -8,21 +8,17 @@ using Vorn::needString;
 using Vorn::String;
 
 U32 FwdEqvClass::hash() const noexcept {
-   switch ( tag_ ) {
-   case wordsTag: return ( first_ * 0x9e3779b1u ) ^ ( second_ * 0x85ebca6bu );
-   case p2mpTag: return root_.hash() + first_ * 0x9e3779b1u;
-   case prefixTag: break;
-   }
-   return prefix_.hash();
+   if ( tag_ == wordsTag ) return ( first_ * 0x9e3779b1u ) ^ ( second_ * 0x85ebca6bu );
+   return address_.hash() + first_ * 0x9e3779b1u;
 }
 
 String FwdEqvClass::stringValue() const {
    switch ( tag_ ) {
    case wordsTag: return Vorn::format( "words(%u,%u)", first_, second_ );
-   case p2mpTag: return "p2mp(" + root_.stringValue() + Vorn::format( ",%u)", first_ );
+   case p2mpTag: return "p2mp(" + address_.stringValue() + Vorn::format( ",%u)", first_ );
    case prefixTag: break;
    }
-   return prefix_.stringValue();
+   return prefix().stringValue();
 }
 
 String valueToStrep( FwdEqvClass const & value ) { return value.stringValue(); }

@@ -111,6 +111,8 @@ class VORN_API IpGenPrefix {
    IpGenPrefix( IpAddr const & addr, U32 bits ) noexcept : IpGenPrefix( IpGenAddr( addr ), bits ) {}
    /// `bits` is at most 128.
    IpGenPrefix( Ip6Addr const & addr, U32 bits ) noexcept : IpGenPrefix( IpGenAddr( addr ), bits ) {}
+   /// `addr` has a family, and `bits` fits it.
+   IpGenPrefix( IpGenAddr const & addr, U32 bits ) noexcept;
 
    IpGenAddr const & address() const noexcept { return address_; }
    /// Prefix length in bits.
@@ -123,11 +125,6 @@ class VORN_API IpGenPrefix {
    friend auto operator<=>( IpGenPrefix const &, IpGenPrefix const & ) noexcept = default;
 
  private:
-   friend void sequenceToValue( Vorn::String::IteratorConst & it, Vorn::String::IteratorConst const & end,
-                                IpGenPrefix * value );
-   friend void logIn( Vorn::NboAttrLog::In & in, IpGenPrefix * value );
-   IpGenPrefix( IpGenAddr const & addr, U32 bits ) noexcept;
-
    IpGenAddr address_;
    U32 len_ = 0;
 };

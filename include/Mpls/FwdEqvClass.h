@@ -7,7 +7,7 @@
 namespace Mpls {
 
 /// A FEC value: a tag that tells its kind, and one of three payloads. The payloads that the tag does not name
-/// hold their defaults, so that equal FECs are equal in every field. The default is the prefix form of no
+/// read as their defaults. The default is the prefix form of no
 /// prefix.
 class VORN_API FwdEqvClass {
  public:
@@ -19,16 +19,20 @@ class VORN_API FwdEqvClass {
    };
 
    FwdEqvClass() noexcept = default;
-   explicit FwdEqvClass( Lumo::IpGenPrefix const & prefix ) noexcept : prefix_( prefix ) {}
+   explicit FwdEqvClass( Lumo::IpGenPrefix const & prefix ) noexcept
+        : address_( prefix.address() ), first_( prefix.len() ) {}
    FwdEqvClass( U32 first, U32 second ) noexcept : tag_( wordsTag ), first_( first ), second_( second ) {}
    FwdEqvClass( Lumo::IpGenAddr const & root, U32 index ) noexcept
-        : tag_( p2mpTag ), root_( root ), first_( index ) {}
+        : tag_( p2mpTag ), address_( root ), first_( index ) {}
 
    Tag tag() const noexcept { return tag_; }
-   Lumo::IpGenPrefix const & prefix() const noexcept { return prefix_; }
-   Lumo::IpGenAddr const & root() const noexcept { return root_; }
+   Lumo::IpGenPrefix prefix() const noexcept {
+      if ( tag_ != prefixTag || address_.family() == Lumo::noFamily ) return {};
+      return Lumo::IpGenPrefix( address_, first_ );
+   }
+   Lumo::IpGenAddr root() const noexcept { return tag_ == p2mpTag ? address_ : Lumo::IpGenAddr(); }
    /// First word, or the index of the point-to-multipoint form.
-   U32 first() const noexcept { return first_; }
+   U32 first() const noexcept { return tag_ == prefixTag ? 0 : first_; }
    U32 second() const noexcept { return second_; }
 
    U32 hash() const noexcept;
@@ -39,12 +43,13 @@ class VORN_API FwdEqvClass {
    friend auto operator<=>( FwdEqvClass const &, FwdEqvClass const & ) noexcept = default;
 
  private:
+   // The payloads share their room, since a router keeps millions of these.
    Tag tag_ = prefixTag;
-   Lumo::IpGenPrefix prefix_;
-   Lumo::IpGenAddr root_;
-   U32 first_ = 0;
+   Lumo::IpGenAddr address_; // of the prefix, or the root
+   U32 first_ = 0;           // length of the prefix, first word, or index
    U32 second_ = 0;
 };
+static_assert( sizeof( FwdEqvClass ) == 32 );
 VORN_TEXT( FwdEqvClass )
 
 /// In the attribute log the tag in 8 bits, then the payload that it names.

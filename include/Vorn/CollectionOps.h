@@ -174,13 +174,11 @@ void valueIs( Self & self, Map & map, Change const & change, Key const & key, T 
 
 template< class T, class Self, class Map, class Change, class Key >
 T valueDel( Self & self, Map & map, Change const & change, Key const & key ) {
-   auto * const node = map[key];
-   if ( !node ) return T{};
-   T const value = node->value();
-   Key const kept = key;
-   map.del( kept );
+   auto const deleted = map.del( key );
+   if ( !deleted ) return T{};
+   Key const & kept = deleted->key(); // the caller's may have lain in the map
    self.notify( change, &kept );
-   return value;
+   return deleted->value();
 }
 
 template< class Self, class Map, class Change, class Key >
@@ -193,8 +191,9 @@ void keyIs( Self & self, Map & map, Change const & change, Key const & key ) {
 
 template< class Self, class Map, class Change, class Key >
 bool keyDel( Self & self, Map & map, Change const & change, Key const & key ) {
-   Key const kept = key;
-   if ( !map.del( kept ) ) return false;
+   auto const deleted = map.del( key );
+   if ( !deleted ) return false;
+   Key const & kept = deleted->key();
    self.notify( change, &kept );
    return true;
 }
