@@ -6,6 +6,7 @@ set -euo pipefail
 way=$1 compiler=$2 prefix=$( realpath "$3" )
 source=$( dirname "$( realpath "$0" )" )
 program=$source/../../../examples/decode_buffer.cpp
+types=$source/knows_types.cpp
 build=$prefix-$way
 rm -rf "$build"
 mkdir -p "$build"
@@ -13,7 +14,7 @@ mkdir -p "$build"
 case "$way" in
    package_*)
       cmake -G Ninja -S "$source" -B "$build" -D CMAKE_CXX_COMPILER="$compiler" -D CMAKE_PREFIX_PATH="$prefix" \
-         -D KIND="${way#package_}" -D PROGRAM="$program"
+         -D KIND="${way#package_}" -D PROGRAM="$program" -D TYPES="$types"
       cmake --build "$build"
       ;;
    pkgconfig_*)
@@ -26,10 +27,12 @@ case "$way" in
       esac
       read -ra flags <<<"$( pkg-config --cflags Ldp )"
       "$compiler" -std=c++20 "${flags[@]}" "$program" "${libraries[@]}" -o "$build/consumer"
+      "$compiler" -std=c++20 "${flags[@]}" "$types" "${libraries[@]}" -o "$build/types"
       ;;
 esac
 
 "$build/consumer"
+"$build/types"
 needed=$( readelf --dynamic "$build/consumer" )
 case "$way" in
    *_shared) [[ $needed == *"[libLdp.so.0]"* ]] ;;
