@@ -409,6 +409,7 @@
 /// Queue of values, each with an index that rises.
 #define VORN_QUEUE( id, Type, x, X, replication )                                                            \
    VORN_COLL_( id, U32, x, X, VORN_ARG_( ::Vorn::LinkQueue< Self, U32, Type > ) )                            \
+   ::Vorn::LinkQueue< Self, U32, Type > const & x() const noexcept { return x##_; }                          \
    Type x( U32 index ) const { return x##_.value( index ); }                                                 \
    U32 x##Enq( ::Vorn::Arg< Type > value ) { return ::Vorn::queueEnq( *this, x##_, x##Change_(), value ); }  \
    Type x##Deq() { return ::Vorn::queueDeq< Type >( *this, x##_, x##Change_() ); }                           \
@@ -416,6 +417,9 @@
       ::Vorn::queueIs( *this, x##_, x##Change_(), index, value );                                            \
    }                                                                                                         \
    Type x##Del( U32 index ) { return ::Vorn::queueDel< Type >( *this, x##_, x##Change_(), index ); }         \
+   Type x##Del( ::Vorn::LinkQueue< Self, U32, Type >::IteratorConst const & at ) {                           \
+      return at ? x##Del( at->index() ) : Type{};                                                            \
+   }                                                                                                         \
    void x##DelAll() { ::Vorn::queueDelAll( *this, x##_, x##Change_() ); }                                    \
    static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
       return ::Vorn::keyedRecord< Self, Type, U32 >(                                                         \

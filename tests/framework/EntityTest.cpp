@@ -226,8 +226,12 @@ TEST_F( EntityTest, queueKeepsItsIndicesRising ) {
    EXPECT_EQ( thing->eventEnq( 102 ), 2u );
    thing->eventIs( 2, 7 );
    EXPECT_EQ( thing->event( 2 ), 7u );
+   EXPECT_EQ( thing->eventDel( thing->event().begin() ), 7u );
+   EXPECT_EQ( thing->eventDel( thing->event().begin() ), 0u ); // stands on nothing
+   thing->eventIs( 3, 8 );
    thing->eventDelAll();
-   EXPECT_EQ( log->taken(), "event 0, event 1, event 0, event 1, event 2, event 2, event 2" );
+   EXPECT_EQ( log->taken(),
+              "event 0, event 1, event 0, event 1, event 2, event 2, event 2, event 3, event 3" );
 }
 
 TEST_F( EntityTest, constantsDerivedAndFunctions ) {
