@@ -1,5 +1,17 @@
-// What the model's types must look like, written down apart from the code: a mistake in an attribute's line
-// does not find itself here again.
+// What the model's types must look like, written down apart from the code in expected/*.txt: a mistake in an
+// attribute's line does not find itself here again. A type is a line, with a line for each of its attributes:
+//
+//     entity Ldp::LdpLinkConfig : Ldp::LdpLinkBaseConfig
+//       0x182 ctor          no  intfId: Lumo::IntfId
+//       0x183 mutable       log ipAddr: Lumo::IpAddr = 0.0.0.0
+//       0x184 values        no  adjIdSet[Ldp::LdpAdjId]: bool
+//
+// An attribute is id, kind, whether the log carries it, name, key in brackets, type, and behind `=` the text
+// of its default: `default` is that of its type, `#4` the enumerator of that number.
+//
+// A type's attributes are its own, those of the base stand there. Behind its name come the constructor's
+// arguments, `MplsLabelSet( name fwdEqvClass )`, unless they are its ctor lines or else its name, and
+// `adapter` if it has one for the log although nothing of it is logged.
 #pragma once
 
 #include "Vorn/VornType.h"
@@ -17,18 +29,35 @@ struct ExpectedAttr {
    std::string key; // empty for an attribute without a key
    bool logged;
    bool isSet = false;      // a collection of bool that holds keys alone
+   bool isWrite = false;    // an operation that only writes
    std::string defaultText; // empty where none is to be compared
+   std::string owner;       // the type that declares it
+};
+
+enum class ExpectedForm {
+   entity,
+   base,   // an entity type that others derive from; how one is made does not matter
+   object, // counted, but no entity
+   value,
 };
 
 struct ExpectedType {
+   ExpectedForm form;
    std::string name;
-   std::vector< ExpectedAttr > attributes; // without those that every entity has
+   std::string base;                       // of entities that are not directly below Entity
+   std::vector< std::string > ctorArgs;    // names
+   bool adapter = false;                   // for the log, although nothing is logged
+   std::vector< ExpectedAttr > attributes; // its own
 };
 
-// Entities, in no order.
+// Types that can be made and reached through reflection as entities.
 std::vector< ExpectedType > const & expectedEntities();
-// Value types.
+// The other types of those forms.
+std::vector< ExpectedType > const & expectedBases();
+std::vector< ExpectedType > const & expectedObjects();
 std::vector< ExpectedType > const & expectedValues();
+// The attributes of a type behind those of its bases, without those that every entity has.
+std::vector< ExpectedAttr > expectedAttributes( ExpectedType const & type );
 
 struct ExpectedEnum {
    std::string name;

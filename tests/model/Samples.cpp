@@ -1,15 +1,22 @@
 #include "model/Samples.h"
 
+#include "Lumo/Pkt.h"
+#include "Vorn/AttributeOps.h"
+#include "Vorn/Entity.h"
+
 #include <gtest/gtest.h>
 
 #include <map>
+#include <stdexcept>
 
 namespace Test {
 
+using Vorn::Entity;
 using Vorn::Ptr;
 using Vorn::PtrInterface;
 using Vorn::VornAttr;
 using Vorn::VornCtorArg;
+using Vorn::VornKind;
 using Vorn::VornType;
 using Vorn::GenericIf::Value;
 
@@ -27,6 +34,12 @@ std::string composite( VornType const & type, std::size_t index ) {
 }
 
 } // namespace
+
+VornType const & typeOf( std::string const & name ) {
+   VornType const * const type = Vorn::typeNode( name.c_str() );
+   if ( !type ) throw std::runtime_error( name + " is not registered" );
+   return *type;
+}
 
 std::vector< std::string > sampleTexts( VornType const & type ) {
    static std::map< std::string, std::vector< std::string > > const texts{
@@ -56,6 +69,10 @@ std::vector< std::string > sampleTexts( VornType const & type ) {
       { "Mpls::FwdEqvClass", { "10.0.0.0/8", "words(1,2)", "p2mp(10.0.0.1,7)" } },
       { "Ldp::LdpIdentifier", { "10.0.0.1:0", "10.0.0.1:1" } },
       { "Ldp::LdpSessionId", { "10.0.0.1:0", "10.0.0.1:1" } },
+      { "Ldp::LdpFecSessionId", { "10.0.0.0/8_10.0.0.1:0", "10.0.0.0/9_10.0.0.1:1" } },
+      { "Ldp::PwFecSessionId", { "10.0.0.1:0_pw100:pwTypeRaw:cbit1", "10.0.0.1:0_pw7:99:cbit0" } },
+      { "Ldp::LdpLocalLabelSessionState", { "4", "2147483652" } },
+      { "Ldp::LdpPeerLabelSessionState", { "4", "2147483652" } },
       { "Ldp::LdpAdjId", { "10.0.0.1:0_Ethernet1", "10.0.0.1:0_TARGET_10.0.0.1" } },
       { "Ldp::LdpP2mpFecGenericOpaqueId", { "10.0.0.1_7", "2001:db8::1_4294967295" } },
       { "Ldp::LdpProtoParamSetting", { "2", "512" } },
@@ -91,29 +108,83 @@ std::vector< std::string > sampleTexts( VornType const & type ) {
    return made;
 }
 
+Value room( VornType const & type ) {
+   // A counted type without methods of its own is referred to like an entity.
+   return Value( type.methods ? &type : &Entity::_vornType );
+}
+
 Value sample( VornType const & type, std::size_t index ) {
-   Value value( &type );
-   if ( type.genericIfConstructFromCtorArgs ) {
-      Ptr< PtrInterface > const object = newSampleObject( type, index );
-      type.methods->assign( value.data(), &object );
+   Value value = room( type );
+   bool const object = type.genericIfConstructFromCtorArgs || !type.methods;
+   if ( object ) {
+      Ptr< PtrInterface > const made = newSampleObject( type, index );
+      value.type()->methods->assign( value.data(), &made );
    } else {
       value.stringValueIs( sampleTexts( type ).at( index ).c_str() );
    }
    return value;
 }
 
+namespace {
+
+U32 callWith( std::vector< Value > const & args, auto const & call ) {
+   std::vector< void const * > pointers;
+   for ( Value const & value : args ) {
+      pointers.push_back( value.data() );
+   }
+   return call( pointers.data() );
+}
+
+} // namespace
+
 Ptr< PtrInterface > newSampleObject( VornType const & type, std::size_t index ) {
+   static std::map< std::string, Ptr< PtrInterface > ( * )() > const makers{
+      { "Lumo::Pkt", [] { return Ptr< PtrInterface >( Lumo::pktFactory( "pkt", 3 ) ); } },
+   };
+   if ( auto const maker = makers.find( type.name ); maker != makers.end() ) return maker->second();
    std::vector< Value > values;
    for ( VornCtorArg const * arg = type.ctorArgs; arg->name; ++arg ) {
       values.push_back( sample( *arg->type, index ) );
    }
-   std::vector< void const * > args;
-   for ( Value const & value : values ) {
-      args.push_back( value.data() );
-   }
    Ptr< PtrInterface > object;
-   type.genericIfConstructFromCtorArgs( &object, args.data() );
+   callWith( values, [&]( void const * const * args ) {
+      type.genericIfConstructFromCtorArgs( &object, args );
+      return 0u;
+   } );
    return object;
+}
+
+U32 attributeOp( Ptr< PtrInterface > const & object, VornAttr const & attr, U32 op, void * result,
+                 void const * key, std::vector< Value > const & args ) {
+   return callWith( args, [&]( void const * const * pointers ) {
+      return object->fwkType()->genericIfAttributeOp( result, address( object ), attr, op, key, pointers );
+   } );
+}
+
+std::vector< Value > sampleArgs( VornAttr const & attr, std::size_t index ) {
+   std::vector< Value > args;
+   if ( attr.instantiating() ) {
+      for ( VornCtorArg const * arg = attr.memberCtorArgs; arg->name; ++arg ) {
+         args.push_back( sample( *arg->type, index ) );
+      }
+   } else {
+      args.push_back( sample( *attr.type, index ) );
+   }
+   return args;
+}
+
+Value sampleKey( VornAttr const & attr, std::size_t index ) {
+   bool const sampled = attr.keyed() && attr.kind() != VornKind::queue;
+   return sampled ? sample( *attr.keyType, index ) : Value( Vorn::recordOf< U32 >() );
+}
+
+bool isWritten( VornAttr const & attr ) {
+   switch ( attr.kind() ) {
+   case VornKind::mutableAttr:
+   case VornKind::state:
+   case VornKind::reference: return true;
+   default: return attr.keyed() || attr.instantiating();
+   }
 }
 
 } // namespace Test

@@ -1,0 +1,135 @@
+// Every type's record is as the tables of expected types have it.
+#include "model/ExpectedTypes.h"
+#include "model/Samples.h"
+
+#include "Vorn/Entity.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <set>
+
+namespace {
+
+using namespace Test;
+using Vorn::Entity;
+using Vorn::VornAttr;
+using Vorn::VornKind;
+using Vorn::VornType;
+using Vorn::GenericIf::Value;
+
+void expectRecord( VornAttr const & attr, ExpectedAttr const & expected ) {
+   SCOPED_TRACE( expected.owner + "::" + expected.name );
+   EXPECT_EQ( attr.name, expected.name );
+   EXPECT_EQ( attr.id(), expected.id );
+   EXPECT_EQ( attr.kind(), expected.kind );
+   EXPECT_EQ( attr.logged(), expected.logged );
+   EXPECT_EQ( attr.owner->name, expected.owner );
+   EXPECT_EQ( attr.type->name, expected.type );
+   EXPECT_EQ( attr.keyType ? attr.keyType->name : "", expected.key );
+   EXPECT_EQ( attr.keyed(), !expected.key.empty() );
+   if ( !attr.keyed() || !attr.instantiating() ) return;
+   // The key of the members is the argument of its type, wherever it stands among them.
+   std::string key;
+   for ( auto const * arg = attr.memberCtorArgs; arg->name; ++arg ) {
+      if ( arg->type == attr.keyType ) key = arg->name;
+   }
+   EXPECT_EQ( attr.memberKey, key );
+}
+
+void expectCtorArgs( VornType const & type, ExpectedType const & expected ) {
+   std::vector< std::string > args;
+   for ( auto const * arg = type.ctorArgs; arg->name; ++arg ) {
+      args.push_back( arg->name );
+   }
+   EXPECT_EQ( args, expected.ctorArgs );
+}
+
+// A counted type's record; `inherited` are the attributes that every type of its form begins with.
+void expectType( ExpectedType const & expected, VornType const * root,
+                 std::vector< std::string > const & inherited ) {
+   VornType const & type = typeOf( expected.name );
+   SCOPED_TRACE( type.name );
+   EXPECT_EQ( type.base, expected.base.empty() ? root : &typeOf( expected.base ) );
+   EXPECT_EQ( type.sizeAndFlags >> 28, 8u );
+   EXPECT_EQ( type.flags, 0x0200ffffu );
+   auto const attributes = expectedAttributes( expected );
+   ASSERT_EQ( type.attributeNum, inherited.size() + attributes.size() );
+   VornAttr const * attr = type.attributes;
+   for ( std::string const & name : inherited ) {
+      EXPECT_EQ( attr++->name, name );
+   }
+   for ( ExpectedAttr const & own : attributes ) {
+      expectRecord( *attr++, own );
+   }
+   EXPECT_EQ( attr->name, nullptr ) << "the end of the table";
+   if ( expected.form != ExpectedForm::base ) expectCtorArgs( type, expected );
+}
+
+TEST( TypeRecords, OfCountedTypesAreAsWrittenDown ) {
+   std::vector< std::string > const base{ "name", "fullName", "parent", "parentAttrName", "entity" };
+   for ( ExpectedType const & expected : expectedEntities() ) {
+      expectType( expected, &Entity::_vornType, base );
+   }
+   for ( ExpectedType const & expected : expectedBases() ) {
+      expectType( expected, &Entity::_vornType, base );
+   }
+   for ( ExpectedType const & expected : expectedObjects() ) {
+      expectType( expected, nullptr, {} );
+   }
+}
+
+TEST( TypeRecords, OfValuesAreAsWrittenDown ) {
+   for ( ExpectedType const & expected : expectedValues() ) {
+      VornType const & type = typeOf( expected.name );
+      SCOPED_TRACE( type.name );
+      EXPECT_EQ( type.base, nullptr );
+      EXPECT_EQ( type.flags, 0xffffu );
+      ASSERT_EQ( type.attributeNum, expected.attributes.size() );
+      Value value( &type );
+      for ( std::size_t i = 0; i < expected.attributes.size(); ++i ) {
+         ExpectedAttr const & attr = expected.attributes[i];
+         expectRecord( type.attributes[i], attr );
+         if ( attr.defaultText.empty() ) continue;
+         std::string const text = attr.defaultText == "default"
+                                       ? room( *type.attributes[i].type ).stringValue().charPtr()
+                                       : attr.defaultText;
+         EXPECT_EQ( Vorn::GenericIf::attributeText( value.data(), type, type.attributes[i] ), text.c_str() );
+      }
+      expectCtorArgs( type, expected );
+   }
+}
+
+TEST( TypeRecords, OfEnumerationsAreAsWrittenDown ) {
+   for ( ExpectedEnum const & expected : expectedEnums() ) {
+      VornType const & type = typeOf( expected.name );
+      SCOPED_TRACE( type.name );
+      ASSERT_EQ( type.attributeNum, expected.enumerators.size() );
+      for ( std::size_t i = 0; i < expected.enumerators.size(); ++i ) {
+         EXPECT_EQ( type.attributes[i].name, expected.enumerators[i].first );
+         EXPECT_EQ( type.attributes[i].id(), expected.enumerators[i].second );
+         EXPECT_EQ( type.attributes[i].kind(), VornKind::enumerator );
+      }
+   }
+}
+
+TEST( TypeRecords, NoTypeOfTheModelIsLeftOut ) {
+   // Entities of neighbouring libraries, which say themselves what they hold.
+   std::set< std::string > expected{ "Ldp::LdpIdentifierSet", "Ldp::LabelAdvertisementColl",
+                                     "Ldp::LdpIpAddrColl", "Ldp::LdpIdIntfIpMappingTable",
+                                     "Ldp::LdpIdIntfIpMappingEntryTable" };
+   for ( auto const * types : { &expectedEntities(), &expectedBases() } ) {
+      for ( ExpectedType const & type : *types ) {
+         expected.insert( type.name );
+      }
+   }
+   std::string before;
+   for ( VornType const * type : Vorn::typeNodes() ) {
+      EXPECT_LT( before, type->name ) << "in order of name, each once";
+      before = type->name;
+      if ( !type->isDerived( &Entity::_vornType ) || std::strncmp( type->name, "Ldp::", 5 ) != 0 ) continue;
+      EXPECT_TRUE( expected.count( type->name ) ) << type->name;
+   }
+}
+
+} // namespace

@@ -1,0 +1,80 @@
+// What every value type promises: its text reads back, and nothing else does.
+#include "model/Samples.h"
+
+#include "Vorn/Entity.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <set>
+
+namespace {
+
+using namespace Test;
+using Vorn::Entity;
+using Vorn::RangeException;
+using Vorn::VornAttr;
+using Vorn::VornType;
+using Vorn::GenericIf::Value;
+
+// All value types that are registered or stand in an attribute.
+std::set< VornType const * > valueTypes() {
+   std::set< VornType const * > types;
+   auto const add = [&]( VornType const * type ) {
+      if ( type && type->methods && !type->isDerived( &Entity::_vornType ) && type->methods->equal &&
+           type->methods->logOut )
+         types.insert( type );
+   };
+   for ( VornType const * type : Vorn::typeNodes() ) {
+      add( type );
+      if ( type->isEnum() ) continue;
+      for ( VornAttr const * attr = type->attributes; attr && attr->name; ++attr ) {
+         add( attr->type );
+         add( attr->keyType );
+      }
+   }
+   return types;
+}
+
+TEST( ValueSweep, EveryValueReadsBackFromItsText ) {
+   for ( VornType const * type : valueTypes() ) {
+      SCOPED_TRACE( type->name );
+      Value const unset( type );
+      std::set< std::string > seen{ unset.stringValue().charPtr() };
+      std::vector< Value > values{ unset };
+      for ( std::size_t i = 0; i < sampleTexts( *type ).size(); ++i ) {
+         values.push_back( sample( *type, i ) );
+         EXPECT_EQ( values.back().stringValue(), sampleTexts( *type )[i].c_str() );
+         bool const fresh = seen.insert( values.back().stringValue().charPtr() ).second;
+         EXPECT_TRUE( fresh || !std::strcmp( type->name, "bool" ) ) << "samples differ";
+      }
+      for ( Value const & value : values ) {
+         Value read( type );
+         read.stringValueIs( value.stringValue() );
+         EXPECT_TRUE( read == value ) << value.stringValue();
+      }
+   }
+}
+
+TEST( ValueSweep, TextReadersRefuseWhatIsNotTheirs ) {
+   for ( VornType const * type : valueTypes() ) {
+      SCOPED_TRACE( type->name );
+      std::string const good = sampleTexts( *type ).front();
+      Value value = sample( *type, 1 );
+      Value const before = value;
+      std::vector< std::string > bad{ "", " " + good };
+      // An interface's name goes on to the end, whatever it is made of.
+      if ( std::strcmp( type->name, "Ldp::LdpAdjId" ) != 0 ) bad.push_back( good + " " );
+      if ( good.starts_with( "Value(" ) ) {
+         bad.push_back( "Value( " + good.substr( 6 ) );
+         bad.push_back( std::string( good ).insert( good.find( '{' ) + 1, " " ) );
+         bad.push_back( good.substr( 0, good.size() - 1 ) );
+      }
+      for ( std::string const & text : bad ) {
+         EXPECT_THROW( value.stringValueIs( text.c_str() ), RangeException ) << text;
+         EXPECT_TRUE( value == before ) << "it stays as it was";
+      }
+   }
+}
+
+} // namespace
