@@ -126,12 +126,7 @@ TEST( LdpGrOperationalFlagTest, ShowsItsFlagsByName ) {
 
 template< class Call >
 std::string rangeText( Call const & call ) {
-   try {
-      call();
-   } catch ( Vorn::RangeException const & failure ) {
-      return failure.message().charPtr();
-   }
-   return "none";
+   return Test::messageOf< Vorn::RangeException >( call );
 }
 
 TEST( Ranges, RefuseWithTheirTexts ) {

@@ -1,6 +1,8 @@
 #include "model/Samples.h"
 
-#include "Lumo/Pkt.h"
+#include "Ldp/LdpCommon.h"
+#include "Ldp/LdpMsgParser.h"
+#include "Lumo/UdpPam.h"
 #include "Vorn/AttributeOps.h"
 #include "Vorn/Entity.h"
 
@@ -60,6 +62,15 @@ std::vector< std::string > sampleTexts( VornType const & type ) {
       { "Lumo::MplsLabel", { "16", "1048575" } },
       { "Lumo::NetU16", { "7", "65535" } },
       { "Lumo::NetU32", { "7", "4294967295" } },
+      { "Lumo::IpAddrWithMask", { "10.0.0.1/8", "10.0.0.1/32" } },
+      { "Lumo::IpGenAddrWithMask", { "10.0.0.1/8", "2001:db8::1/64" } },
+      { "Lumo::IpTtl", { "7", "255" } },
+      { "Lumo::Port", { "646", "65535" } },
+      { "Lumo::TcpSocketOptions", { "7", "4294967295" } },
+      { "Lumo::TcpConnSocket", { "7", "8" } },
+      { "Mpls::RouterId", { "10.0.0.1", "255.255.255.255" } },
+      { "Pseudowire::PseudowireLdpRequestKey", { "10.0.0.1_7", "2001:db8::1_4294967295" } },
+      { "Pseudowire::PseudowireLdpStatusFlags", { "7", "4294967295" } },
       { "Pseudowire::PseudowireId", { "7", "4294967295" } },
       { "Pseudowire::GroupId", { "7", "4294967295" } },
       { "Pseudowire::VccvCvTypes", { "7", "255" } },
@@ -127,6 +138,8 @@ Value sample( VornType const & type, std::size_t index ) {
 
 namespace {
 
+Ptr< Lumo::Pkt > packet() { return Lumo::pktFactory( "", 0 ); }
+
 U32 callWith( std::vector< Value > const & args, auto const & call ) {
    std::vector< void const * > pointers;
    for ( Value const & value : args ) {
@@ -139,7 +152,13 @@ U32 callWith( std::vector< Value > const & args, auto const & call ) {
 
 Ptr< PtrInterface > newSampleObject( VornType const & type, std::size_t index ) {
    static std::map< std::string, Ptr< PtrInterface > ( * )() > const makers{
-      { "Lumo::Pkt", [] { return Ptr< PtrInterface >( Lumo::pktFactory( "pkt", 3 ) ); } },
+      { "Lumo::Pkt", [] { return Ptr< PtrInterface >( packet() ); } },
+      { "Lumo::UdpPam", [] { return Ptr< PtrInterface >( Vorn::newObject< Lumo::UdpPam >() ); } },
+      { "Ldp::LdpMsg", [] { return Ptr< PtrInterface >( Ldp::ldpMsgFactory( {}, packet(), 0 ) ); } },
+      { "Ldp::LdpLabelMappingMsgParser",
+        [] { return Ptr< PtrInterface >( Ldp::ldpLabelMappingMsgParserFactory( packet(), 0 ) ); } },
+      { "Ldp::LdpLabelRequestMsgParser",
+        [] { return Ptr< PtrInterface >( Ldp::ldpLabelRequestMsgParserFactory( packet(), 0 ) ); } },
    };
    if ( auto const maker = makers.find( type.name ); maker != makers.end() ) return maker->second();
    std::vector< Value > values;

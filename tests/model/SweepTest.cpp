@@ -1,5 +1,6 @@
 // What every attribute of every entity type promises by its kind, by reflection alone.
 #include "model/ExpectedTypes.h"
+#include "model/Observe.h"
 #include "model/Samples.h"
 
 #include "Vorn/Entity.h"
@@ -21,37 +22,6 @@ using Vorn::VornType;
 using Vorn::GenericIf::Value;
 namespace GenericIf = Vorn::GenericIf;
 
-// Writes down what it is told of, as "0x103" and "0x104['key']".
-class Watcher : public GenericIf::NotifieeConst {
- public:
-   Watcher( PtrInterface const & object ) : type_( *object.fwkType() ) {
-      bound_ = Ptr< PtrInterface::NotifieeConst >(
-           static_cast< PtrInterface::NotifieeConst * >( type_.genericIfNotifiee( *this ).ptr() ) );
-      bound_->isRegisteredNotifieeIs( true );
-      bound_->notifierIs( Ptr< PtrInterface const >( &object ) );
-      bound_->isWeakReferenceIs( true );
-   }
-   ~Watcher() override {
-      bound_->isRegisteredNotifieeIs( false );
-      bound_->notifierIs( nullptr );
-   }
-   void onRawAttribute( U32 id ) override { seen_.push_back( text( id ) ); }
-   void onRawAttribute( U32 id, void const * key, bool keyed ) override {
-      EXPECT_TRUE( keyed );
-      VornType const & keyType = *type_.attribute( id )->keyType;
-      seen_.push_back( text( id ) + "[" + keyType.methods->genericIfStrRep( key, &keyType ).charPtr() + "]" );
-   }
-   std::vector< std::string > taken() { return std::exchange( seen_, {} ); }
-
- private:
-   std::string text( U32 id ) const { return type_.attribute( id ) ? type_.attribute( id )->name : "?"; }
-
-   VornType const & type_;
-   Ptr< PtrInterface::NotifieeConst > bound_;
-   std::vector< std::string > seen_;
-};
-
-using Calls = std::vector< std::string >;
 using Values = std::vector< Value >;
 
 // One attribute of one object under test.
