@@ -12,6 +12,7 @@ using Lumo::IpAddr;
 using Mpls::FwdEqvClass;
 using Test::Calls;
 using Test::messageOf;
+using Test::typeOf;
 using Test::Watcher;
 using Vorn::String;
 
@@ -62,7 +63,7 @@ TEST( BitWords, AViewIsOneBit ) {
    for ( Word const & word : { Word{ "Ldp::LdpLocalLabelSessionState", 6, 0xffffffff },
                                Word{ "Ldp::LdpPeerLabelSessionState", 7, 0xffffffff },
                                Word{ "Ldp::LdpProtoParamSetting", 5, ~U64( 0 ) } } ) {
-      Vorn::VornType const & type = Test::typeOf( word.type );
+      Vorn::VornType const & type = typeOf( word.type );
       ASSERT_EQ( type.attributeNum, 1 + 2 * word.views );
       auto const text = [&]( U64 value ) { return Vorn::valueToStrep( value ); };
       for ( U32 i = 1; i <= word.views; ++i ) {
@@ -110,7 +111,7 @@ TEST( FecSessionViewTest, RefersToWhatTheCollectionOwns ) {
    view->fecSessionStatusIs( id, nullptr );
    EXPECT_EQ( seen.taken(), ( Calls{ "fecSessionStatus[10.0.0.0/8_10.0.0.1:0]",
                                      "fecSessionStatus[10.0.0.0/8_10.0.0.1:0]" } ) );
-   EXPECT_FALSE( view->fecSessionStatusHas( id ) );
+   EXPECT_FALSE( view->fecSessionStatus( id ) );
 
    view->fecSessionStatusIs( id, again );
    coll->fecSessionStatusBySessionCollDel( peer1 );

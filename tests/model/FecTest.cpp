@@ -90,7 +90,7 @@ class FecNotifierTest : public testing::Test {
       std::string text = notifier->lastFecConfig() ? "FEC " : "";
       text += notifier->lastFwdEqvClass().stringValue().charPtr();
       text += std::string( " " ) + notifier->lastLdpId().stringValue().charPtr();
-      return text + " " + Vorn::valueToStrep( notifier->lastMplsLabel() ).charPtr();
+      return text + " " + valueToStrep( notifier->lastMplsLabel() ).charPtr();
    }
 
    Ptr< LdpFecConfigColl > coll = ldpFecConfigCollFactory( "fecs" );

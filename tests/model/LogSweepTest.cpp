@@ -3,6 +3,7 @@
 #include "model/Samples.h"
 
 #include "Vorn/NboAttrLog.h"
+#include "Vorn/System.h"
 
 #include <gtest/gtest.h>
 
@@ -55,9 +56,10 @@ class Carried {
 
 // What an attribute holds, as text: of a collection the keys with their members, of an entity type and name.
 std::string content( Ptr< PtrInterface > const & object, VornAttr const & attr ) {
-   auto const text = []( Value const & value ) {
+   bool const isEntity = attr.type->isDerived( &Entity::_vornType );
+   auto const text = [&]( Value const & value ) {
       std::string shown = value.stringValue().charPtr();
-      if ( value.type()->isDerived( &Entity::_vornType ) && shown != "null" ) {
+      if ( isEntity && shown != "null" ) {
          auto const & entity = *static_cast< Ptr< PtrInterface > const * >( value.data() );
          shown += static_cast< Entity & >( *entity ).nameText().charPtr();
       }
@@ -74,7 +76,7 @@ std::string content( Ptr< PtrInterface > const & object, VornAttr const & attr )
       Value value = room( *attr.type );
       it.key( key.data() );
       it.object( value.data() );
-      members.insert( text( key ) + "=" + text( value ) );
+      members.insert( key.stringValue().charPtr() + ( "=" + text( value ) ) );
    }
    std::string all;
    for ( std::string const & member : members ) {
@@ -86,18 +88,21 @@ std::string content( Ptr< PtrInterface > const & object, VornAttr const & attr )
 // Changes the attribute so that it holds something else than before.
 void change( Carried & carried, VornAttr const & attr ) {
    auto const & object = carried.original();
-   std::size_t const index = attr.kind() == VornKind::child ? 1 : 0; // unlike a child of the constructor
-   std::vector< Value > args = sampleArgs( attr, index );
-   if ( !attr.keyed() && !attr.instantiating() &&
-        content( object, attr ) == args.front().stringValue().charPtr() )
-      args.front().stringValueIs( sampleTexts( *attr.type )[1].c_str() );
-   if ( attr.kind() == VornKind::reference && attr.logged() )
-      carried.onLog( *static_cast< Ptr< PtrInterface > const * >( args.front().data() ) );
-   Value const key = sampleKey( attr, index );
-   EXPECT_EQ( attributeOp( object, attr, GenericIf::write, nullptr, key.data(), args ), GenericIf::done );
+   std::string const before = content( object, attr );
+   // A child of the constructor may go by the first sample, and a value be it.
+   std::size_t index = attr.kind() == VornKind::child ? 1 : 0;
+   for ( ; index < 2 && content( object, attr ) == before; ++index ) {
+      std::vector< Value > const args = sampleArgs( attr, index );
+      if ( attr.kind() == VornKind::reference && attr.logged() )
+         carried.onLog( *static_cast< Ptr< PtrInterface > const * >( args.front().data() ) );
+      Value const key = sampleKey( attr, index );
+      EXPECT_EQ( attributeOp( object, attr, GenericIf::write, nullptr, key.data(), args ), GenericIf::done );
+   }
+   EXPECT_NE( content( object, attr ), before );
 }
 
 TEST( LogSweep, AnAttributeTravelsIfAndOnlyIfItIsLogged ) {
+   Vorn::System::clockIs( [] { return 1.5; } ); // some defaults are the time
    for ( ExpectedType const & expected : expectedEntities() ) {
       VornType const & type = typeOf( expected.name );
       for ( ExpectedAttr const & expectedAttr : expectedAttributes( expected ) ) {
@@ -110,7 +115,6 @@ TEST( LogSweep, AnAttributeTravelsIfAndOnlyIfItIsLogged ) {
          EXPECT_EQ( before, content( carried.original(), attr ) ) << "constructor arguments and defaults";
          if ( !isWritten( attr ) ) continue;
          change( carried, attr );
-         EXPECT_NE( before, content( carried.original(), attr ) );
          if ( expectedAttr.logged ) {
             EXPECT_GT( carried.carry(), 0u );
             EXPECT_EQ( content( carried.copy(), attr ), content( carried.original(), attr ) );
@@ -120,6 +124,7 @@ TEST( LogSweep, AnAttributeTravelsIfAndOnlyIfItIsLogged ) {
          }
       }
    }
+   Vorn::System::clockIs( nullptr );
 }
 
 TEST( LogSweep, EntitiesAndMembersOfLoggedCollectionsHaveAnAdapter ) {

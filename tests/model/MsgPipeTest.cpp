@@ -79,7 +79,7 @@ TEST_F( MsgPipeTest, ACollectionRefersToPipesUntilNull ) {
    EXPECT_FALSE( pipe->parent() ) << "it is referred to, not owned";
    coll->msgPipeIs( key, nullptr );
    EXPECT_EQ( seen.taken(), Calls{ "msgPipe[10.0.0.1:0_e]" } );
-   EXPECT_FALSE( coll->msgPipeHas( key ) );
+   EXPECT_FALSE( coll->msgPipe( key ) );
    pipe->txMsgIs( msg ); // it lives on
 }
 

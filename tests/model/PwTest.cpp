@@ -73,7 +73,8 @@ TEST( PwFecSessionConfigTest, ShowsItsParametersWithItsFec ) {
    PwFwdEqvClassParams params;
    params.mtuIs( 1500 );
    config->fecParamsIs( params );
-   EXPECT_EQ( config->fecInfo(), PwFwdEqvClassInfo( pw100, params ) );
+   EXPECT_EQ( config->fecInfo().fwdEqvClass(), pw100 );
+   EXPECT_EQ( config->fecInfo().params(), params );
 }
 
 std::string reinstantiating( Vorn::Entity const & entity, std::string const & differs ) {

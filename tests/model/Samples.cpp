@@ -126,8 +126,7 @@ Value room( VornType const & type ) {
 
 Value sample( VornType const & type, std::size_t index ) {
    Value value = room( type );
-   bool const object = type.genericIfConstructFromCtorArgs || !type.methods;
-   if ( object ) {
+   if ( type.isPolymorphic() ) {
       Ptr< PtrInterface > const made = newSampleObject( type, index );
       value.type()->methods->assign( value.data(), &made );
    } else {
