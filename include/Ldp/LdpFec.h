@@ -368,6 +368,9 @@ class VORN_API LdpFecNexthop : public Vorn::Entity {
    VORN_NOTIFIEE( VORN_ON( Hop ); VORN_ON( LdpFecDeliveryType ); VORN_ON_KEYED( Via, Via ); )
 
  public:
+   /// The log knows it, and carries nothing of it at present.
+   static constexpr bool vornOnLog = true;
+
    explicit LdpFecNexthop( Mpls::FwdEqvClass const & fwdEqvClass ) : fwdEqvClass_( fwdEqvClass ) {}
    ~LdpFecNexthop() override;
 
@@ -385,6 +388,9 @@ class VORN_API LdpFecNexthopColl : public Vorn::Entity {
    VORN_NOTIFIEE( VORN_ON_KEYED( Mpls::FwdEqvClass, FecNexthop ); )
 
  public:
+   /// The log knows it, and carries nothing of it at present.
+   static constexpr bool vornOnLog = true;
+
    explicit LdpFecNexthopColl( Vorn::Name const & name ) : name_( name ) {}
    ~LdpFecNexthopColl() override;
 

@@ -45,7 +45,9 @@
    static ::Vorn::Ptr< Type > Type##Is( Args const &... args ) {                                             \
       return ::Vorn::newObject< Type >( args... );                                                           \
    }                                                                                                         \
-   bool vornHasAttrLogInterface() const override { return ::Vorn::hasAttrLogInterface( _vornType ); }        \
+   bool vornHasAttrLogInterface() const override {                                                           \
+      return vornOnLog || ::Vorn::hasAttrLogInterface( _vornType );                                          \
+   }                                                                                                         \
                                                                                                              \
  private:                                                                                                    \
    static constexpr auto replicated = ::Vorn::replicated;                                                    \

@@ -21,6 +21,10 @@ class VORN_API Entity : public PtrInterface {
  public:
    static VornType const _vornType;
 
+   /// Whether the attribute log can carry entities of a type although nothing of them is logged so far. A
+   /// type says so in a line of its own.
+   static constexpr bool vornOnLog = false;
+
    /// Where the ids of the attributes of types directly below begin.
    static constexpr U32 vornChildFirstId = 0x102;
    /// Attribute ids of the base's own attributes.

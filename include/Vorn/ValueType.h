@@ -287,11 +287,13 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
    VORN_TEXT_STREAM( Type )
 
 /// Defines the record and the text forms of an enumeration. Stands in the source file.
-#define VORN_ENUM_RECORD( Namespace, Type, LIST )                                                            \
+#define VORN_ENUM_RECORD( Namespace, Type, LIST ) VORN_ENUM_RECORD_NAMED( #Namespace "::" #Type, Type, LIST )
+/// The same under a name of its own, for the enumeration of a class.
+#define VORN_ENUM_RECORD_NAMED( name, Type, LIST )                                                           \
    static constexpr ::Vorn::VornAttr Type##_enumerators[] = { LIST(                                          \
         VORN_ENUMERATOR_RECORD )::Vorn::VornAttr{} };                                                        \
    constinit ::Vorn::VornType const Type##_vornType = ::Vorn::valueRecord< Type >(                           \
-        #Namespace "::" #Type, Type##_enumerators, U32( std::size( Type##_enumerators ) - 1 ), nullptr );    \
+        name, Type##_enumerators, U32( std::size( Type##_enumerators ) - 1 ), nullptr );                     \
    ::Vorn::String valueToStrep( Type const & value ) {                                                       \
       return ::Vorn::EnumType< unsigned int >::valueToStrep( value, &Type##_vornType );                      \
    }                                                                                                         \
