@@ -17,6 +17,13 @@ struct Tables {
    std::vector< ExpectedEnum > enums;
 };
 
+std::map< std::string, ExpectedForm > const forms{
+   { "entity", ExpectedForm::entity },
+   { "base", ExpectedForm::base },
+   { "object", ExpectedForm::object },
+   { "value", ExpectedForm::value },
+};
+
 ExpectedAttr readAttr( std::istringstream & line ) {
    static std::map< std::string, VornKind > const kinds{
       { "ctor", VornKind::constructor },
@@ -107,12 +114,6 @@ ExpectedEnum readEnum( std::istringstream & words ) {
 }
 
 void read( std::istream & lines, Tables & tables ) {
-   static std::map< std::string, ExpectedForm > const forms{
-      { "entity", ExpectedForm::entity },
-      { "base", ExpectedForm::base },
-      { "object", ExpectedForm::object },
-      { "value", ExpectedForm::value },
-   };
    ExpectedType * type = nullptr;
    for ( std::string line; std::getline( lines, line ); ) {
       std::istringstream words( line );
@@ -137,8 +138,8 @@ Tables const & tables() {
          std::ifstream lines( file.path() );
          Test::read( lines, all );
       }
-      for ( auto & [form, types] : all.types ) {
-         for ( ExpectedType & type : types ) {
+      for ( auto const & [word, form] : forms ) {
+         for ( ExpectedType & type : all.types[form] ) {
             complete( type );
          }
       }
