@@ -1,7 +1,8 @@
-// What every value type promises: its text reads back, and nothing else does.
+// What every value type promises: its text and its octets on the log read back, and nothing else does.
 #include "model/Samples.h"
 
 #include "Vorn/Entity.h"
+#include "Vorn/NboAttrLog.h"
 
 #include <gtest/gtest.h>
 
@@ -52,6 +53,31 @@ TEST( ValueSweep, EveryValueReadsBackFromItsText ) {
          Value read( type );
          read.stringValueIs( value.stringValue() );
          EXPECT_TRUE( read == value ) << value.stringValue();
+      }
+   }
+}
+
+TEST( ValueSweep, EveryValueReadsBackFromItsOctets ) {
+   namespace NboAttrLog = Vorn::NboAttrLog;
+   auto const demuxer = Vorn::newObject< NboAttrLog::Demuxer >( Vorn::newObject< NboAttrLog::Out >() );
+   for ( VornType const * type : valueTypes() ) {
+      SCOPED_TRACE( type->name );
+      for ( std::size_t i = 0; i < sampleTexts( *type ).size(); ++i ) {
+         Value const value = sample( *type, i );
+         auto const out = Vorn::newObject< NboAttrLog::Out >();
+         std::size_t const header = out->bytes();
+         type->methods->logOut( *out, value.data() );
+         std::size_t const octets = out->bytes() - header;
+         U8 const * const at = out->data() + header;
+         Value read( type );
+         NboAttrLog::In in( at, octets, *demuxer );
+         type->methods->logIn( in, read.data() );
+         in.endIs();
+         EXPECT_TRUE( read == value ) << value.stringValue();
+         for ( std::size_t left = 0; left < octets; ++left ) {
+            NboAttrLog::In cut( at, left, *demuxer );
+            EXPECT_THROW( type->methods->logIn( cut, read.data() ), Vorn::AttrLogRecordException ) << left;
+         }
       }
    }
 }
