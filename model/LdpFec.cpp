@@ -98,16 +98,20 @@ Mpls::FwdEqvClass LdpFecConfigNotifier::lastFwdEqvClass() const {
    return lastFecConfig_ ? lastFecConfig_->fwdEqvClass() : Mpls::FwdEqvClass();
 }
 
-void LdpFecConfigNotifier::update( FecPtr const & fec, Count count ) {
+void LdpFecConfigNotifier::update( FecPtr const & fec, Count count, LdpIdentifier const & peer,
+                                   Lumo::MplsLabel label ) {
+   // All of the context, so that nothing shows which somebody has written before.
    Reset const clearFec( lastFecConfig_ );
+   Reset const clearPeer( lastLdpId_ );
+   Reset const clearLabel( lastMplsLabel_ );
    lastFecConfig_ = fec;
+   lastLdpId_ = peer;
+   lastMplsLabel_ = label;
    ( this->*count )( 1 );
 }
 
 void LdpFecConfigNotifier::updateDownstreamLsr( FecPtr const & fec, LdpIdentifier const & peer ) {
-   Reset const clearPeer( lastLdpId_ );
-   lastLdpId_ = peer;
-   update( fec, &LdpFecConfigNotifier::downstreamLsrChangeCntInc );
+   update( fec, &LdpFecConfigNotifier::downstreamLsrChangeCntInc, peer );
 }
 
 void LdpFecConfigNotifier::updateLoopDetection( FecPtr const & fec ) {
@@ -135,9 +139,7 @@ void LdpFecConfigNotifier::updateLspRole( FecPtr const & fec ) {
 }
 
 void LdpFecConfigNotifier::updateMplsLabelSet( FecPtr const & fec, Lumo::MplsLabel label ) {
-   Reset const clearLabel( lastMplsLabel_ );
-   lastMplsLabel_ = label;
-   update( fec, &LdpFecConfigNotifier::mplsLabelSetChangeCntInc );
+   update( fec, &LdpFecConfigNotifier::mplsLabelSetChangeCntInc, LdpIdentifier(), label );
 }
 
 void LdpFecConfigNotifier::updateProgrammedLabelSet( FecPtr const & fec ) {

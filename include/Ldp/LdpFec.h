@@ -234,7 +234,8 @@ class VORN_API LdpFecConfigNotifier : public Vorn::Entity {
 
  private:
    using Count = U8 ( LdpFecConfigNotifier::* )( U8 );
-   void update( FecPtr const & fec, Count count );
+   void update( FecPtr const & fec, Count count, LdpIdentifier const & peer = LdpIdentifier(),
+                Lumo::MplsLabel label = Lumo::MplsLabel() );
 };
 VORN_FACTORY( LdpFecConfigNotifier, ldpFecConfigNotifierFactory )
 

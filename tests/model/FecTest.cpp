@@ -163,6 +163,12 @@ TEST_F( FecNotifierTest, WritingTheContextDirectlyTells ) {
    notifier->lastLdpIdIs( peer );
    EXPECT_EQ( seen.taken(), ( Calls{ "lastFecConfig", "lastMplsLabel", "lastLdpId" } ) );
    EXPECT_EQ( notifier->lastFwdEqvClass(), net10 );
+
+   Calls contexts;
+   Watcher during( *notifier, [&] { contexts.push_back( context() ); } );
+   notifier->updateVia( fec );
+   EXPECT_EQ( contexts, Calls{ "FEC 10.0.0.0/8 0.0.0.0:0 1048576" } ) << "an update has a context of its own";
+   EXPECT_EQ( context(), none );
 }
 
 TEST( FecStatusNotifierTest, TheContextIsThereWhileTheCounterMoves ) {
