@@ -7,7 +7,8 @@
 //       0x184 values        no  adjIdSet[Ldp::LdpAdjId]: bool
 //
 // An attribute is id, kind, whether the log carries it, name, key in brackets, type, and behind `=` the text
-// of its default: `default` is that of its type, `#4` the enumerator of that number.
+// of its default: `default` is that of its type, `#4` the enumerator of that number; of a child its type and
+// name, of which FECs and VRFs are those of the samples.
 //
 // A type's attributes are its own, those of the base stand there. Behind its name come the constructor's
 // arguments, `MplsLabelSet( name fwdEqvClass )`, unless they are its ctor lines or else its name, and

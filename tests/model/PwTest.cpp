@@ -77,6 +77,12 @@ TEST( PwFecSessionConfigTest, ShowsItsParametersWithItsFec ) {
    EXPECT_EQ( config->fecInfo().params(), params );
 }
 
+TEST( RemotePwFecSessionStatusTest, HasLabelSetsOfNoFec ) {
+   auto const status = remotePwFecSessionStatusFactory( id );
+   EXPECT_EQ( status->mplsLabelSet()->fwdEqvClass(), Mpls::FwdEqvClass() );
+   EXPECT_EQ( status->mplsReleaseLabelSet()->fwdEqvClass(), Mpls::FwdEqvClass() );
+}
+
 std::string reinstantiating( Vorn::Entity const & entity, std::string const & differs ) {
    return std::string( "Reinstantiating the entity with fullName " ) +
           Vorn::valueToStrep( entity.fullName() ).charPtr() + " where constructor parameter attribute " +

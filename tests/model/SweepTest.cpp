@@ -192,7 +192,11 @@ void expectDefault( Subject & subject, VornAttr const & attr, std::string const 
       ASSERT_TRUE( attr.type->isEnum() );
       EXPECT_EQ( *static_cast< U32 const * >( value.data() ), std::stoul( text.substr( 1 ) ) );
    } else if ( !text.empty() ) {
-      EXPECT_EQ( value.stringValue(), text.c_str() );
+      std::string shown = value.stringValue().charPtr();
+      if ( attr.kind() == VornKind::child && shown != "null" ) {
+         shown += std::string( " '" ) + entityIn( value )->nameText().charPtr() + "'";
+      }
+      EXPECT_EQ( shown, text );
    }
 }
 
