@@ -20,7 +20,6 @@ struct Tables {
 std::map< std::string, ExpectedForm > const forms{
    { "entity", ExpectedForm::entity },
    { "base", ExpectedForm::base },
-   { "object", ExpectedForm::object },
    { "value", ExpectedForm::value },
 };
 
@@ -152,7 +151,6 @@ Tables const & tables() {
 
 std::vector< ExpectedType > const & expectedEntities() { return tables().types.at( ExpectedForm::entity ); }
 std::vector< ExpectedType > const & expectedBases() { return tables().types.at( ExpectedForm::base ); }
-std::vector< ExpectedType > const & expectedObjects() { return tables().types.at( ExpectedForm::object ); }
 std::vector< ExpectedType > const & expectedValues() { return tables().types.at( ExpectedForm::value ); }
 std::vector< ExpectedEnum > const & expectedEnums() { return tables().enums; }
 

@@ -37,8 +37,7 @@ struct ExpectedAttr {
 
 enum class ExpectedForm {
    entity,
-   base,   // an entity type that others derive from; how one is made does not matter
-   object, // counted, but no entity
+   base, // an entity type that others derive from; how one is made does not matter
    value,
 };
 
@@ -55,7 +54,6 @@ struct ExpectedType {
 std::vector< ExpectedType > const & expectedEntities();
 // The other types of those forms.
 std::vector< ExpectedType > const & expectedBases();
-std::vector< ExpectedType > const & expectedObjects();
 std::vector< ExpectedType > const & expectedValues();
 // The attributes of a type behind those of its bases, without those that every entity has.
 std::vector< ExpectedAttr > expectedAttributes( ExpectedType const & type );
