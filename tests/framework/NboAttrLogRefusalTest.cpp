@@ -1,6 +1,7 @@
 // Streams that lie, pieces of every size, and what a change must not cost.
 
 #include "framework/LogKinds.h"
+#include "framework/LogOctets.h"
 #include "framework/LogPair.h"
 
 #include "Ldp/LdpAdj.h"
@@ -29,30 +30,6 @@ using namespace Test;
 using Vorn::AttrLogRecordException;
 using Vorn::Name;
 using Vorn::String;
-using Octets = std::vector< U8 >;
-
-Octets operator+( Octets a, Octets const & b ) {
-   a.insert( a.end(), b.begin(), b.end() );
-   return a;
-}
-Octets number( U32 value ) { return { U8( value >> 24 ), U8( value >> 16 ), U8( value >> 8 ), U8( value ) }; }
-Octets text( std::string const & octets ) { return Octets( octets.begin(), octets.end() ); }
-Octets counted( std::string const & octets ) { return number( U32( octets.size() ) ) + text( octets ); }
-Octets record( U8 kind, U32 entity, U32 attribute, Octets const & value ) {
-   return number( U32( value.size() ) + 11 ) + Octets{ kind } + number( entity ) + number( attribute ) +
-          Octets{ 0 } + value + Octets{ 2 };
-}
-
-Octets const header{ 'V', 'N', 'A', 'L', 0, 1, 0, 0 };
-/// A tree, 1, with branch 2, and age 7.
-Octets const good =
-     header + record( 2, 0, 1, text( "Test::Tree" ) ) + record( 2, 0, 2, text( "Test::Branch" ) ) +
-     record( 2, 0, 3, text( "Test::Twig" ) ) +
-     record( 3, 0, 0x88,
-             Octets{ 0 } + number( 1 ) + Octets{ 2 } + counted( "tree" ) + Octets{ 3 } + number( 1 ) ) +
-     record( 3, 1, 0x108, counted( "branch" ) + number( 2 ) + number( 2 ) ) + record( 0, 1, 0x105, { 7 } );
-Octets const twig = number( 5 ) + counted( "oak" ) + Octets{ 0, 9 };
-
 TEST( NboAttrLogRefusal, aStreamThatLiesIsRefusedWholeAndWhatStoodBeforeItStays ) {
    struct Row {
       char const * name;
@@ -105,7 +82,12 @@ TEST( NboAttrLogRefusal, aStreamThatLiesIsRefusedWholeAndWhatStoodBeforeItStays 
       { "group whose second entry is bad",
         record( 0, 1, 0x90,
                 Octets{ 0, 4, 0, 14 } + number( 0x105 ) + Octets{ 8 } + number( 0x104 ) + Octets{ 5 } ) },
-      { "group with a member", record( 0, 1, 0x90, Octets{ 0, 4, 0, 8 } + number( 0x108 ) ) },
+      { "group with half a member", record( 0, 1, 0x90, Octets{ 0, 4, 0, 8 } + number( 0x108 ) ) },
+      { "group with a child", record( 0, 1, 0x90, Octets{ 0, 4, 0, 8 } + number( 0x106 ) ) },
+      { "group with the deletion of a scalar",
+        record( 0, 1, 0x90, Octets{ 0, 4, 0, 8 } + number( 0u - 0x105 ) ) },
+      { "withdrawal of a member", record( 0, 2, 0u - 0x88, {} ) },
+      { "withdrawal with a value", record( 0, 1, 0u - 0x88, { 0 } ) },
       { "no token in front", number( 12 ) + Octets{ 0 } + number( 1 ) + number( 0x105 ) + Octets{ 1, 8, 2 } },
       { "no token behind", number( 12 ) + Octets{ 0 } + number( 1 ) + number( 0x105 ) + Octets{ 0, 8, 1 } },
    };
@@ -148,10 +130,15 @@ TEST( NboAttrLogRefusal, everyPrefixWaitsForTheRest ) {
 }
 
 TEST( NboAttrLogRefusal, everyDamagedOctetIsRefusedOrHarmless ) {
-   Octets const all = good + record( 3, 2, 0x103, twig + number( 3 ) + number( 3 ) ) +
-                      record( 0, 2, 0x104, counted( "score" ) + number( 0 ) + number( 0 ) ) +
-                      record( 1, 2, 0x107, Octets{ 0 } + number( 0 ) + number( 4 ) + number( 5 ) ) +
-                      record( 0, 2, 0x107, number( 4 ) + counted( "event" ) );
+   Octets const all =
+        good + record( 3, 2, 0x103, twig + number( 3 ) + number( 3 ) ) +
+        record( 0, 2, 0x104, counted( "score" ) + number( 0 ) + number( 0 ) ) +
+        record( 1, 2, 0x107, Octets{ 0 } + number( 0 ) + number( 4 ) + number( 5 ) ) +
+        record( 0, 2, 0x107, number( 4 ) + counted( "event" ) ) +
+        record( 0, 2, 0u - 0x90,
+                Octets{ 0, 4, 0, 37 } + number( 0u - 0x103 ) + number( 5 ) + number( 0x103 ) + number( 6 ) +
+                     counted( "ash" ) + Octets{ 0, 1 } + number( 3 ) + number( 4 ) ) +
+        record( 0, 1, 0u - 0x88, {} );
    for ( std::size_t at = 0; at < all.size(); ++at ) {
       for ( U8 const change : { U8( 0x01 ), U8( 0x80 ), U8( 0xff ) } ) {
          Octets damaged = all;
@@ -163,6 +150,9 @@ TEST( NboAttrLogRefusal, everyDamagedOctetIsRefusedOrHarmless ) {
          EXPECT_EQ( nullptr, end.out->takeException() );
       }
    }
+   LogEnd end( StreamAdapter::readOnly );
+   ASSERT_NO_THROW( end.demuxer->bytesIs( all.data(), all.size() ) ) << "undamaged it is good";
+   EXPECT_TRUE( end.demuxer->roots().empty() );
 }
 
 TEST( NboAttrLogRefusal, aFreshConnectionRepairsWhatALieLeft ) {
@@ -217,7 +207,7 @@ TEST( NboAttrLogRefusal, aRecordThatNoReaderTakesEndsTheLog ) {
    auto const tree = treeFactory( Name( "tree" ) );
    tree->vornNboAttrLogSaIs( 0, 0, pair.source.out );
    pair.flush();
-   tree->kindIs( String( std::string( Vorn::NboAttrLog::maxRecordBytes, 'x' ) ) );
+   tree->kindIs( String( std::string( Out::maxRecordBytes, 'x' ) ) );
    EXPECT_FALSE( pair.source.out->failure().empty() );
    EXPECT_EQ( 0u, pair.source.out->bytes() );
    tree->ageIs( 9 );

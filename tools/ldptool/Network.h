@@ -11,7 +11,7 @@ namespace LdpTool {
 /// One speaker: what it hears of its neighbours, as far as the capture shows it.
 class Speaker : public Vorn::Entity {
    VORN_ENTITY( Speaker, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( AdjStatusColl ) VORN_ON( PeerConfigColl ) VORN_ON( SessionStatusColl ) )
+   VORN_NOTIFIEE( VORN_ON( AdjStatusColl ); VORN_ON( PeerConfigColl ); VORN_ON( SessionStatusColl ); )
 
  public:
    explicit Speaker( Ldp::LdpIdentifier const & ldpIdentifier );
@@ -29,7 +29,7 @@ class Speaker : public Vorn::Entity {
 /// All speakers heard.
 class Network : public Vorn::Entity {
    VORN_ENTITY( Network, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Ldp::LdpIdentifier, Speaker ) )
+   VORN_NOTIFIEE( VORN_ON_KEYED( Ldp::LdpIdentifier, Speaker ); )
 
  public:
    explicit Network( Vorn::Name const & name ) : name_( name ) {}
