@@ -195,11 +195,13 @@ namespace GenericIfImpl {
 
 /// Methods of counted objects, which are passed as `Ptr< PtrInterface >` whatever class `T` they are of.
 template< class T >
-struct GenericIfPtrInterfaceMethods : GenericIfPtrInterfaceMethods< PtrInterface > {};
+struct GenericIfPtrInterfaceMethods;
 template<>
 struct VORN_API GenericIfPtrInterfaceMethods< PtrInterface > {
    static GenericIfMethods const vtable_;
 };
+template< class T >
+struct GenericIfPtrInterfaceMethods : GenericIfPtrInterfaceMethods< PtrInterface > {};
 /// Methods of views over foreign bytes, which are passed as `NrcPtrInterface const *`.
 VORN_API extern GenericIfMethods const viewMethods;
 
