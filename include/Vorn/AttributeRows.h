@@ -240,7 +240,7 @@ constexpr VornAttr childRow( char const * name ) {
                                              &ownedOps< Self, get, set, del > );
 }
 
-/// Operations that apply while the object is of a mind for them.
+/// Operations that apply while `test` holds of the object.
 template< class Self, auto test, bool alwaysRead, VornAttrOps const * ops >
 inline constexpr VornAttrOps whereOps{
    []( void * result, void * object, VornAttr const & attr, U32 op, void const * key,
