@@ -39,9 +39,6 @@ struct AddressRules {
 
 } // namespace
 
-VORN_OBJECT_RECORD( Ldp, LdpAddressMsgParser, &LdpMsgParser::_vornType )
-VORN_OBJECT_RECORD( Ldp, LdpAddressWithdrawMsgParser, &LdpMsgParser::_vornType )
-
 Vorn::Ptr< LdpAddressMsgParser > ldpAddressMsgParserFactory( Vorn::Ptr< Lumo::Pkt > const & pkt,
                                                              U32 offset ) {
    return Vorn::newObject< LdpAddressMsgParser >( pkt, offset );

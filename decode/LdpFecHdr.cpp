@@ -1,22 +1,27 @@
 #include "Ldp/LdpFecHdr.h"
 
-#include "Vorn/ValueType.h"
-
+#include "Vorn/AttributeRows.h"
 #include "Vorn/Hash.h"
 
 #include <algorithm>
 
 namespace Ldp {
 
-VORN_OUTSIDE_COMPOSITE( Ldp, LdpMPBasicOpaqueValueElementHdr, VORN_TEXT_FIELD( type ),
-                        VORN_TEXT_FIELD( opaqueLenNbo ) )
-VORN_OUTSIDE_COMPOSITE( Ldp, LdpGenericLSPId, VORN_TEXT_FIELD( type ), VORN_TEXT_FIELD( opaqueLenNbo ),
-                        VORN_TEXT_FIELD( opaqueId ) )
-VORN_OUTSIDE_COMPOSITE( Ldp, LdpP2mpFecElement, VORN_TEXT_FIELD( rootIp ), VORN_TEXT_FIELD( opaqueStr ) )
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpFecTlvP2mpOpaqueLength, part( totalOpaqueLen ) )
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpMPBasicOpaqueValueElementHdr, part( type ), part( opaqueLenNbo ) )
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpGenericLSPId, part( type ), part( opaqueLenNbo ), part( opaqueId ) )
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpP2mpFecElement, part( rootIp ), part( opaqueStr ), read( stringValue ) )
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpP2mpFecGenericOpaqueId, ctor( rootIp ), ctor( gOpaqueId ),
+                             write( stringValue ), read( hash ), constant( defaultAttribute ) )
+VORN_MODULE( &LdpFecTlvP2mpOpaqueLength::_vornType, &LdpMPBasicOpaqueValueElementHdr::_vornType,
+             &LdpGenericLSPId::_vornType, &LdpP2mpFecElement::_vornType,
+             &LdpP2mpFecGenericOpaqueId::_vornType )
+
+VORN_TEXT_OF_RECORD( LdpMPBasicOpaqueValueElementHdr )
+VORN_TEXT_OF_RECORD( LdpGenericLSPId )
+VORN_TEXT_OF_RECORD( LdpP2mpFecElement )
 
 // The text of a record of one number is that number.
-static constexpr auto LdpFecTlvP2mpOpaqueLength_attributes =
-     ::Vorn::outsideAttributes< LdpFecTlvP2mpOpaqueLength >( VORN_TEXT_FIELD( totalOpaqueLen ) );
 Vorn::String valueToStrep( LdpFecTlvP2mpOpaqueLength const & value ) {
    return valueToStrep( value.totalOpaqueLen() );
 }
@@ -88,13 +93,3 @@ void logIn( Vorn::NboAttrLog::In & in, LdpP2mpFecGenericOpaqueId * value ) {
 }
 
 } // namespace Ldp
-
-VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpFecTlvP2mpOpaqueLength )
-VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpMPBasicOpaqueValueElementHdr )
-VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpGenericLSPId )
-VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpP2mpFecElement )
-VORN_OUTSIDE_RECORD( Ldp, LdpP2mpFecGenericOpaqueId )
-VORN_MODULE( ::Vorn::recordOf< Ldp::LdpFecTlvP2mpOpaqueLength >(),
-             ::Vorn::recordOf< Ldp::LdpMPBasicOpaqueValueElementHdr >(),
-             ::Vorn::recordOf< Ldp::LdpGenericLSPId >(), ::Vorn::recordOf< Ldp::LdpP2mpFecElement >(),
-             ::Vorn::recordOf< Ldp::LdpP2mpFecGenericOpaqueId >() )

@@ -109,13 +109,6 @@ LdpStatusCode parseFecTlvP2mpElement( LdpFecTlvParser * parser, U32 & currOffset
 
 } // namespace
 
-VORN_OBJECT_RECORD( Ldp, LdpFecTlvElement, nullptr )
-VORN_OBJECT_RECORD( Ldp, LdpFecTlvWildcardElement, &LdpFecTlvElement::_vornType )
-VORN_OBJECT_RECORD( Ldp, LdpFecTlvPrefixElement, &LdpFecTlvElement::_vornType )
-VORN_OBJECT_RECORD( Ldp, LdpFecTlvHostAddrElement, &LdpFecTlvElement::_vornType )
-VORN_OBJECT_RECORD( Ldp, LdpFecTlvP2mpElement, &LdpFecTlvElement::_vornType )
-VORN_OBJECT_RECORD( Ldp, LdpFecTlvParser, &LdpTlvParser::_vornType )
-
 LdpFecTlvElement::~LdpFecTlvElement() = default;
 LdpFecTlvWildcardElement::~LdpFecTlvWildcardElement() = default;
 LdpFecTlvPrefixElement::~LdpFecTlvPrefixElement() = default;
@@ -130,16 +123,15 @@ Vorn::String LdpFecTlvElement::stringValue() const {
 }
 
 void LdpFecTlvElement::assertIp() const {
-   VORN_ASSERT_TEXT( type() == prefixElement || type() == hostAddrElement || type() == wildcardElement,
-                     "fwdEqvCls valid for Ip Fec Tlvs only" );
+   VORN_ASSERT_TEXT( isIp(), "fwdEqvCls valid for Ip Fec Tlvs only" );
 }
 
 void LdpFecTlvElement::assertPw() const {
-   VORN_ASSERT_TEXT( type() == pwIdElement, "pwFwdEqvCls valid for Pw Fec Tlvs only" );
+   VORN_ASSERT_TEXT( isPw(), "pwFwdEqvCls valid for Pw Fec Tlvs only" );
 }
 
 void LdpFecTlvElement::assertP2mp() const {
-   VORN_ASSERT_TEXT( type() == p2mpElement, "p2mpFecId valid for p2mp Fec Tlvs only" );
+   VORN_ASSERT_TEXT( isP2mp(), "p2mpFecId valid for p2mp Fec Tlvs only" );
 }
 
 Mpls::FwdEqvClass const & LdpFecTlvElement::fwdEqvCls() const {

@@ -13,9 +13,6 @@ VORN_TRACE_FACILITY( "LdpGenMsgParser" )
 
 } // namespace
 
-VORN_OBJECT_RECORD( Ldp, LdpTlvGroupParser, nullptr )
-VORN_OBJECT_RECORD( Ldp, LdpPduParser, nullptr )
-
 LdpTlvGroupParser::~LdpTlvGroupParser() = default;
 
 Vorn::Ptr< LdpTlvGroupParser > LdpTlvGroupParser::named( Vorn::Ptr< LdpTlvGroupParser > & child,

@@ -1,11 +1,6 @@
 #include "Ldp/LdpHdr.h"
 
-#include "Vorn/ValueType.h"
-
 namespace Ldp {
-
-VORN_OUTSIDE_COMPOSITE( Ldp, LdpHdrMsgUbitAndTypeField, VORN_TEXT_FIELD( v0 ), VORN_TEXT_FIELD( v1 ) )
-VORN_OUTSIDE_COMPOSITE( Ldp, LdpTlvTypeField, VORN_TEXT_FIELD( v0 ), VORN_TEXT_FIELD( v1 ) )
 
 Vorn::String LdpPduHdr::stringValue() const {
    return Vorn::format( "LdpPduHdr: Ver(%d),Len(%d),LdpId: ", version(), length() ) +
@@ -26,8 +21,3 @@ LdpStatusCode LdpTlvHdr::validateTlvHdr() const noexcept {
 }
 
 } // namespace Ldp
-
-VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpHdrMsgUbitAndTypeField )
-VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpTlvTypeField )
-VORN_MODULE( ::Vorn::recordOf< Ldp::LdpHdrMsgUbitAndTypeField >(),
-             ::Vorn::recordOf< Ldp::LdpTlvTypeField >() )

@@ -9,8 +9,6 @@ VORN_TRACE_FACILITY( "LdpMsgParser" )
 
 } // namespace
 
-VORN_OBJECT_RECORD( Ldp, LdpHelloMsgParser, &LdpMsgParser::_vornType )
-
 Vorn::Ptr< LdpHelloMsgParser > ldpHelloMsgParserFactory( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset ) {
    return Vorn::newObject< LdpHelloMsgParser >( pkt, offset );
 }

@@ -1,10 +1,14 @@
 #include "Ldp/LdpIdentifier.h"
 
-#include "Vorn/ValueType.h"
+#include "Vorn/AttributeRows.h"
 
 #include "Lumo/Ip.h"
 
 namespace Ldp {
+
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpIdentifier, ctor( lsrId ), ctor( lblSpace ), read( stringValue ),
+                             read( hash ) )
+VORN_MODULE( &LdpIdentifier::_vornType )
 
 Vorn::String LdpIdentifier::stringValue() const {
    return Lumo::IpAddr( lsrId() ).stringValue() + ":" + Vorn::valueToStrep( lblSpace() );
@@ -38,6 +42,3 @@ void logIn( Vorn::NboAttrLog::In & in, LdpIdentifier * value ) {
 }
 
 } // namespace Ldp
-
-VORN_OUTSIDE_RECORD( Ldp, LdpIdentifier )
-VORN_MODULE( ::Vorn::recordOf< Ldp::LdpIdentifier >() )

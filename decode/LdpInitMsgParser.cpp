@@ -36,10 +36,6 @@ struct CapabilityRule {
 
 } // namespace
 
-VORN_OBJECT_RECORD( Ldp, LdpCapabilityParser, &LdpMsgParser::_vornType )
-VORN_OBJECT_RECORD( Ldp, LdpInitMsgParser, &LdpCapabilityParser::_vornType )
-VORN_OBJECT_RECORD( Ldp, LdpCapabilityMsgParser, &LdpCapabilityParser::_vornType )
-
 Vorn::Ptr< LdpInitMsgParser > ldpInitMsgParserFactory( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset ) {
    return Vorn::newObject< LdpInitMsgParser >( pkt, offset );
 }

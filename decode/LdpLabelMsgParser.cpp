@@ -74,12 +74,6 @@ void appendLine( Vorn::String & text, View const * view ) {
 
 } // namespace
 
-VORN_OBJECT_RECORD( Ldp, LdpLabelMappingMsgParser, &LdpMsgParser::_vornType )
-VORN_OBJECT_RECORD( Ldp, LdpLabelRequestMsgParser, &LdpMsgParser::_vornType )
-VORN_OBJECT_RECORD( Ldp, LdpLabelWithdrawMsgParser, &LdpMsgParser::_vornType )
-VORN_OBJECT_RECORD( Ldp, LdpLabelReleaseMsgParser, &LdpMsgParser::_vornType )
-VORN_OBJECT_RECORD( Ldp, LdpLabelAbortReqMsgParser, &LdpMsgParser::_vornType )
-
 #define DEFINE_LABEL_MSG_PARSER( Type, factory )                                                             \
    Vorn::Ptr< Type > factory( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset ) {                             \
       return Vorn::newObject< Type >( pkt, offset );                                                         \

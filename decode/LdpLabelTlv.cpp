@@ -1,15 +1,8 @@
 #include "Ldp/LdpLabelTlv.h"
 
-#include "Vorn/ValueType.h"
-
 #include <cstring>
 
 namespace Ldp {
-
-#define FOUR_OCTETS VORN_TEXT_FIELD( v0 ), VORN_TEXT_FIELD( v1 ), VORN_TEXT_FIELD( v2 ), VORN_TEXT_FIELD( v3 )
-VORN_OUTSIDE_COMPOSITE( Ldp, LdpGenLabelTlvLabel, FOUR_OCTETS )
-VORN_OUTSIDE_COMPOSITE( Ldp, LdpStatusTlvStatusCode, FOUR_OCTETS )
-#undef FOUR_OCTETS
 
 LdpStatusCode LdpGenLabelTlv::validate() const {
    VORN_ASSERT( type() == genLabelTlv );
@@ -142,8 +135,3 @@ Vorn::String LdpAddressListTlv::stringValue() const {
 }
 
 } // namespace Ldp
-
-VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpGenLabelTlvLabel )
-VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpStatusTlvStatusCode )
-VORN_MODULE( ::Vorn::recordOf< Ldp::LdpGenLabelTlvLabel >(),
-             ::Vorn::recordOf< Ldp::LdpStatusTlvStatusCode >() )

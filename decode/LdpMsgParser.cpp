@@ -21,8 +21,6 @@ bool sizeObeys( LdpTlvRule::Size const & size, LdpTlvHdr const & tlv ) {
 
 } // namespace
 
-VORN_OBJECT_RECORD( Ldp, LdpMsgParser, nullptr )
-
 Vorn::Ptr< LdpMsgParser > ldpMsgParserFactory( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset ) {
    return Vorn::newObject< LdpMsgParser >( pkt, offset );
 }

@@ -10,8 +10,6 @@ VORN_TRACE_FACILITY( "LdpMsgParser" )
 
 } // namespace
 
-VORN_OBJECT_RECORD( Ldp, LdpNotificationMsgParser, &LdpMsgParser::_vornType )
-
 Vorn::Ptr< LdpNotificationMsgParser > ldpNotificationMsgParserFactory( Vorn::Ptr< Lumo::Pkt > const & pkt,
                                                                        U32 offset ) {
    return Vorn::newObject< LdpNotificationMsgParser >( pkt, offset );

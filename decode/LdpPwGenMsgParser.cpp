@@ -127,8 +127,6 @@ LdpStatusCode IntfParamWalk::unknown( LdpPwIntfParamSubTlv const & subTlv ) cons
 
 } // namespace
 
-VORN_OBJECT_RECORD( Ldp, LdpFecTlvPwIdElement, &LdpFecTlvElement::_vornType )
-
 LdpFecTlvPwIdElement::~LdpFecTlvPwIdElement() = default;
 
 Vorn::Ptr< LdpFecTlvPwIdElement > ldpFecTlvPwIdElementFactory() {

@@ -1,18 +1,19 @@
 #include "Ldp/LdpPwHdr.h"
 
-#include "Vorn/ValueType.h"
+#include "Vorn/AttributeRows.h"
 
 #include <cstring>
 
 namespace Ldp {
 
-VORN_OUTSIDE_COMPOSITE( Ldp, LdpFecTlvPwIdElementHdrTypeField, VORN_TEXT_FIELD( v0 ), VORN_TEXT_FIELD( v1 ) )
-VORN_OUTSIDE_COMPOSITE( Ldp, LdpPwVccvParamField, VORN_TEXT_FIELD( v0 ), VORN_TEXT_FIELD( v1 ) )
-VORN_OUTSIDE_COMPOSITE( Ldp, LdpPwIntfParamFlags, VORN_TEXT_FIELD( intfMtu ), VORN_TEXT_FIELD( intfDesc ),
-                        VORN_TEXT_FIELD( requestedVlanId ), VORN_TEXT_FIELD( fragIndicator ),
-                        VORN_TEXT_FIELD( vccvParam ) )
-VORN_OUTSIDE_COMPOSITE( Ldp, LdpPwStatusField, VORN_TEXT_FIELD( v0 ), VORN_TEXT_FIELD( v1 ),
-                        VORN_TEXT_FIELD( v2 ), VORN_TEXT_FIELD( v3 ) )
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpPwIntfParamFlags, part( value ), constant( intfMtu_ ),
+                             constant( intfDesc_ ), constant( requestedVlanId_ ), constant( fragIndicator_ ),
+                             constant( vccvParam_ ), write( intfMtu ), write( intfDesc ),
+                             write( requestedVlanId ), write( fragIndicator ), write( vccvParam ) )
+VORN_TEXT_COMPOSITE( Ldp, LdpPwIntfParamFlags, VORN_TEXT_FIELD( intfMtu ), VORN_TEXT_FIELD( intfDesc ),
+                     VORN_TEXT_FIELD( requestedVlanId ), VORN_TEXT_FIELD( fragIndicator ),
+                     VORN_TEXT_FIELD( vccvParam ) )
+VORN_MODULE( &LdpPwIntfParamFlags::_vornType )
 
 namespace {
 
@@ -89,11 +90,3 @@ Vorn::String LdpPwStatusTlv::stringValue() const {
 }
 
 } // namespace Ldp
-
-VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpFecTlvPwIdElementHdrTypeField )
-VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpPwVccvParamField )
-VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpPwIntfParamFlags )
-VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpPwStatusField )
-VORN_MODULE( ::Vorn::recordOf< Ldp::LdpFecTlvPwIdElementHdrTypeField >(),
-             ::Vorn::recordOf< Ldp::LdpPwVccvParamField >(), ::Vorn::recordOf< Ldp::LdpPwIntfParamFlags >(),
-             ::Vorn::recordOf< Ldp::LdpPwStatusField >() )

@@ -2,7 +2,6 @@
 
 #include "Ldp/LdpProtoParam.h"
 #include "Twain/Trace.h"
-#include "Vorn/ValueType.h"
 
 namespace Ldp {
 
@@ -11,9 +10,6 @@ namespace {
 VORN_TRACE_FACILITY( "LdpHdr" )
 
 } // namespace
-
-VORN_OUTSIDE_COMPOSITE( Ldp, LdpCommonHelloTargetField, VORN_TEXT_FIELD( v0 ), VORN_TEXT_FIELD( v1 ) )
-VORN_OUTSIDE_COMPOSITE( Ldp, LdpFtSessionFlags, VORN_TEXT_FIELD( v0 ), VORN_TEXT_FIELD( v1 ) )
 
 LdpStatusCode LdpCommonHelloTlv::validate() const {
    VORN_ASSERT( type() == commonHelloTlv );
@@ -114,8 +110,3 @@ Vorn::String LdpFtSessionTlv::stringValue() const {
 }
 
 } // namespace Ldp
-
-VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpCommonHelloTargetField )
-VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, LdpFtSessionFlags )
-VORN_MODULE( ::Vorn::recordOf< Ldp::LdpCommonHelloTargetField >(),
-             ::Vorn::recordOf< Ldp::LdpFtSessionFlags >() )

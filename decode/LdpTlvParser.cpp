@@ -4,8 +4,6 @@
 
 namespace Ldp {
 
-VORN_OBJECT_RECORD( Ldp, LdpTlvParser, nullptr )
-
 LdpTlvParser::LdpTlvParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset )
      : pkt_( std::move( pkt ) ), offset_( offset ) {
    handleHeader();
@@ -23,7 +21,6 @@ Vorn::Ptr< LdpTlvParser > ldpTlvParserFactory( Vorn::Ptr< Lumo::Pkt > const & pk
 }
 
 #define DEFINE_TLV_PARSER( Type, factory )                                                                   \
-   VORN_OBJECT_RECORD( Ldp, Type, &LdpTlvParser::_vornType )                                                 \
    Type::~Type() = default;                                                                                  \
    Vorn::Ptr< Type > factory( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset ) {                             \
       return Vorn::newObject< Type >( pkt, offset );                                                         \

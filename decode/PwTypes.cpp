@@ -1,7 +1,7 @@
 #include "Ldp/PwTypes.h"
 
+#include "Vorn/AttributeRows.h"
 #include "Vorn/Hash.h"
-#include "Vorn/ValueType.h"
 
 #include <algorithm>
 
@@ -9,11 +9,19 @@ namespace Ldp {
 
 using Vorn::String;
 
-VORN_OUTSIDE_COMPOSITE( Ldp, PwFwdEqvClassParams, VORN_TEXT_FIELD( groupId ), VORN_TEXT_FIELD( mtu ),
-                        VORN_TEXT_FIELD( intfDescription ), VORN_TEXT_FIELD( requestedVlanId ),
-                        VORN_TEXT_FIELD( fragCapable ), VORN_TEXT_FIELD( vccvCcTypes ),
-                        VORN_TEXT_FIELD( vccvCvTypes ) )
-VORN_OUTSIDE_COMPOSITE( Ldp, PwFwdEqvClassInfo, VORN_TEXT_FIELD( fwdEqvClass ), VORN_TEXT_FIELD( params ) )
+VORN_REFLECTED_VALUE_RECORD( Ldp, PwFwdEqvClass, ctor( pwId ), ctor( pwType ), ctor( controlWord ),
+                             constant( defaultAttribute ), write( stringValue ), read( pwTypeValue ),
+                             read( hash ) )
+VORN_REFLECTED_VALUE_RECORD( Ldp, PwFwdEqvClassParams, part( groupId ), part( mtu ), part( intfDescription ),
+                             part( requestedVlanId ), part( fragCapable ), part( vccvCcTypes ),
+                             part( vccvCvTypes ), constant( unspecifiedMtu ), read( stringValue ) )
+VORN_REFLECTED_VALUE_RECORD( Ldp, PwFwdEqvClassInfo, part( fwdEqvClass ), part( params ), read( pwId ),
+                             write( groupId ), write( intfDescription ), write( requestedVlanId ),
+                             read( stringValue ) )
+VORN_MODULE( &PwFwdEqvClass::_vornType, &PwFwdEqvClassParams::_vornType, &PwFwdEqvClassInfo::_vornType )
+
+VORN_TEXT_OF_RECORD( PwFwdEqvClassParams )
+VORN_TEXT_OF_RECORD( PwFwdEqvClassInfo )
 
 String PwFwdEqvClass::stringValue() const {
    return "pw" + valueToStrep( pwId_ ) + ":" + valueToStrep( pwType_ ) + ":cbit" +
@@ -98,9 +106,3 @@ String PwFwdEqvClassInfo::stringValue() const {
 }
 
 } // namespace Ldp
-
-VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, PwFwdEqvClassParams )
-VORN_OUTSIDE_COMPOSITE_RECORD( Ldp, PwFwdEqvClassInfo )
-VORN_OUTSIDE_RECORD( Ldp, PwFwdEqvClass )
-VORN_MODULE( ::Vorn::recordOf< Ldp::PwFwdEqvClassParams >(), ::Vorn::recordOf< Ldp::PwFwdEqvClassInfo >(),
-             ::Vorn::recordOf< Ldp::PwFwdEqvClass >() )

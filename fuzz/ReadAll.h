@@ -1,5 +1,5 @@
-// Reads all that a parser offers, so that a sanitizer sees every octet that an agent could come to read.
-// The views of a refused message are not to be used, and are not read.
+// Reads all that a parser offers, so that a sanitizer sees every octet that an agent could come to read:
+// every attribute by its record, and what that leads to.
 #pragma once
 
 #include "Ldp/LdpUtils.h"
@@ -16,6 +16,17 @@ class Sink {
  private:
    U64 sum_ = 0;
 };
+
+// Every attribute of an object that is known by its record.
+void readRecord( Sink & sink, void * object, Vorn::VornType const & type );
+inline void readObject( Sink & sink, Vorn::PtrInterface const & object ) {
+   readRecord( sink, const_cast< Vorn::PtrInterface * >( &object ), *object.fwkType() );
+}
+template< class View >
+void readView( Sink & sink, View const & view ) {
+   Vorn::NrcPtrInterface const & base = view;
+   readRecord( sink, const_cast< Vorn::NrcPtrInterface * >( &base ), View::_vornType );
+}
 
 // The PDU and every message in it; the caller has asked the guard.
 void readPdu( Sink & sink, Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset );

@@ -7,3 +7,4 @@ namespace Interface {
 VORN_ENUM_RECORD( Interface, IntfOperStatus, INTERFACE_OPER_STATUSES )
 
 } // namespace Interface
+VORN_MODULE( ::Vorn::recordOf< Interface::IntfOperStatus >() )

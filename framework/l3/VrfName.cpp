@@ -31,3 +31,4 @@ void logIn( Vorn::NboAttrLog::In & in, VrfName * value ) {
 } // namespace L3
 
 VORN_OUTSIDE_RECORD( L3, VrfName )
+VORN_MODULE( ::Vorn::recordOf< L3::VrfName >() )

@@ -32,3 +32,4 @@ void logIn( Vorn::NboAttrLog::In & in, MplsLabel * value ) {
 } // namespace Lumo
 
 VORN_OUTSIDE_RECORD( Lumo, MplsLabel )
+VORN_MODULE( ::Vorn::recordOf< Lumo::MplsLabel >() )

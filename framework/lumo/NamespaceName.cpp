@@ -32,3 +32,4 @@ void logIn( Vorn::NboAttrLog::In & in, NamespaceName * value ) {
 } // namespace Lumo
 
 VORN_OUTSIDE_RECORD( Lumo, NamespaceName )
+VORN_MODULE( ::Vorn::recordOf< Lumo::NamespaceName >() )

@@ -4,6 +4,14 @@
 
 namespace Lumo {
 
+void logOut( Vorn::NboAttrLog::Out & out, NetU8 value ) { logOut( out, value.value() ); }
+
+void logIn( Vorn::NboAttrLog::In & in, NetU8 * value ) {
+   U8 host;
+   logIn( in, &host );
+   value->valueIs( host );
+}
+
 void logOut( Vorn::NboAttrLog::Out & out, NetU16 value ) { logOut( out, value.value() ); }
 
 void logIn( Vorn::NboAttrLog::In & in, NetU16 * value ) {
@@ -22,5 +30,8 @@ void logIn( Vorn::NboAttrLog::In & in, NetU32 * value ) {
 
 } // namespace Lumo
 
+VORN_OUTSIDE_RECORD( Lumo, NetU8 )
 VORN_OUTSIDE_RECORD( Lumo, NetU16 )
 VORN_OUTSIDE_RECORD( Lumo, NetU32 )
+VORN_MODULE( ::Vorn::recordOf< Lumo::NetU8 >(), ::Vorn::recordOf< Lumo::NetU16 >(),
+             ::Vorn::recordOf< Lumo::NetU32 >() )

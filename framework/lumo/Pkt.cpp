@@ -29,3 +29,4 @@ Vorn::Ptr< Pkt > pktFactory( void const * data, std::size_t bytes ) {
 }
 
 } // namespace Lumo
+VORN_MODULE( &Lumo::Pkt::_vornType )

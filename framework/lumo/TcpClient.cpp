@@ -6,8 +6,6 @@ VORN_ENUM_RECORD( Lumo, TcpClientStatus_ConnectionStatus, LUMO_TCP_CONNECTION_ST
 VORN_RECORD( Lumo, TcpConfigBase )
 VORN_RECORD( Lumo, TcpClientConfig )
 VORN_RECORD( Lumo, TcpClientStatus )
-VORN_MODULE( &TcpClientStatus_ConnectionStatus_vornType, &TcpConfigBase::_vornType,
-             &TcpClientConfig::_vornType, &TcpClientStatus::_vornType )
 
 TcpConfigBase::~TcpConfigBase() { vornTeardown(); }
 TcpClientConfig::~TcpClientConfig() { vornTeardown(); }
@@ -17,3 +15,6 @@ TcpClientStatus::~TcpClientStatus() { vornTeardown(); }
 
 VORN_OUTSIDE_RECORD( Lumo, TcpSocketOptions )
 VORN_OUTSIDE_RECORD( Lumo, TcpConnSocket )
+VORN_MODULE( &Lumo::TcpClientStatus_ConnectionStatus_vornType, &Lumo::TcpConfigBase::_vornType,
+             &Lumo::TcpClientConfig::_vornType, &Lumo::TcpClientStatus::_vornType,
+             ::Vorn::recordOf< Lumo::TcpSocketOptions >(), ::Vorn::recordOf< Lumo::TcpConnSocket >() )

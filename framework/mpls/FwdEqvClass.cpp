@@ -92,3 +92,4 @@ void logIn( Vorn::NboAttrLog::In & in, FwdEqvClass * value ) {
 } // namespace Mpls
 
 VORN_OUTSIDE_RECORD( Mpls, FwdEqvClass )
+VORN_MODULE( ::Vorn::recordOf< Mpls::FwdEqvClass >() )

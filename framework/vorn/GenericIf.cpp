@@ -108,8 +108,7 @@ String attributeText( void const * object, VornType const &, VornAttr const & at
 namespace GenericIfImpl {
 
 void throwTypeException( VornType const * type ) {
-   throw RangeException( String( "an object of type " ) + ( type ? type->name : "none" ) +
-                         " cannot stand here" );
+   throw RangeException( String( "an object of type " ) + type->name + " cannot stand here" );
 }
 
 void throwUnhashableException( VornType const * type ) {
@@ -153,7 +152,7 @@ AnyPtr const & ptrAt( void const * value ) { return *static_cast< AnyPtr const *
 
 } // namespace
 
-GenericIfMethods const ptrMethods{
+constexpr GenericIfMethods const GenericIfPtrInterfaceMethods< PtrInterface >::vtable_{
    []( void * value ) { static_cast< AnyPtr * >( value )->~AnyPtr(); },
    []( void * value, void const * from ) {
       from ? new ( value ) AnyPtr( ptrAt( from ) ) : new ( value ) AnyPtr();
@@ -165,9 +164,37 @@ GenericIfMethods const ptrMethods{
    },
    []( void *, String const &, VornType const * type ) { throwTypeException( type ); },
    voidPtrIs,
-   []( String::IteratorConst &, String::IteratorConst const &, void * ) { throwTypeException( nullptr ); },
+   []( String::IteratorConst &, String::IteratorConst const &, void *, VornType const * type ) {
+      throwTypeException( type );
+   },
    []( void const * a, void const * b ) { return ptrAt( a ) == ptrAt( b ); },
    []( void * to, void const * from ) { *static_cast< AnyPtr * >( to ) = ptrAt( from ); },
+   nullptr,
+   nullptr,
+};
+
+namespace {
+
+using View = NrcPtrInterface const *;
+
+View & viewAt( void const * value ) { return *static_cast< View * >( const_cast< void * >( value ) ); }
+
+} // namespace
+
+constexpr GenericIfMethods const & ptrMethods = GenericIfPtrInterfaceMethods< PtrInterface >::vtable_;
+
+GenericIfMethods const viewMethods{
+   []( void * ) {},
+   []( void * value, void const * from ) { new ( value ) View( from ? viewAt( from ) : nullptr ); },
+   ptrMethods.genericIfHash,
+   []( void const * value, VornType const * type ) {
+      return String( viewAt( value ) ? type->name : "null" );
+   },
+   ptrMethods.genericIfStrepToValue,
+   voidPtrIs,
+   ptrMethods.sequenceTo,
+   []( void const * a, void const * b ) { return viewAt( a ) == viewAt( b ); },
+   []( void * to, void const * from ) { viewAt( to ) = viewAt( from ); },
    nullptr,
    nullptr,
 };
@@ -203,7 +230,7 @@ void recordFromSequence( String::IteratorConst & it, String::IteratorConst const
       first = false;
       GenericIf::Value field( attr->type );
       try {
-         attr->type->methods->sequenceTo( it, end, field.data() );
+         attr->type->methods->sequenceTo( it, end, field.data(), attr->type );
       } catch ( RangeException const & failure ) {
          rethrowFromDeserializeAttr( failure, attr->name );
       }

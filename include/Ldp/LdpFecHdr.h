@@ -14,6 +14,8 @@ namespace Ldp {
 
 /// The type octet of a FEC element.
 class VORN_API LdpFecTlvElementHdrTypeField : public Lumo::NetU8 {
+   VORN_REFLECTED( LdpFecTlvElementHdrTypeField, Lumo::NetU8 )
+
  public:
    using NetU8::NetU8;
 
@@ -23,6 +25,8 @@ class VORN_API LdpFecTlvElementHdrTypeField : public Lumo::NetU8 {
 
 /// What every FEC element begins with. A Wildcard element is this octet alone.
 class VORN_API LdpFecTlvElementHdr : public Vorn::NrcPtrInterface {
+   VORN_REFLECTED( LdpFecTlvElementHdr, void )
+
  public:
    LdpFecTlvElementHdrTypeField typeField() const noexcept { return typeField_; }
    void typeFieldIs( LdpFecTlvElementHdrTypeField field ) noexcept { typeField_ = field; }
@@ -35,11 +39,15 @@ class VORN_API LdpFecTlvElementHdr : public Vorn::NrcPtrInterface {
 static_assert( sizeof( LdpFecTlvElementHdr ) == 1 );
 
 /// Wildcard element (RFC 5036, 3.4.1).
-class VORN_API LdpFecTlvWildcardElementHdr : public LdpFecTlvElementHdr {};
+class VORN_API LdpFecTlvWildcardElementHdr : public LdpFecTlvElementHdr {
+   VORN_REFLECTED( LdpFecTlvWildcardElementHdr, LdpFecTlvElementHdr )
+};
 static_assert( sizeof( LdpFecTlvWildcardElementHdr ) == 1 );
 
 /// Prefix element: 4 octets, then the leading octets of the prefix, as many as `prefixBits` needs.
 class VORN_API LdpFecTlvPrefixElementHdr : public LdpFecTlvElementHdr {
+   VORN_REFLECTED( LdpFecTlvPrefixElementHdr, LdpFecTlvElementHdr )
+
  public:
    Lumo::NetU16 familyNbo() const noexcept { return family_; }
    void familyNboIs( Lumo::NetU16 family ) noexcept { family_ = family; }
@@ -57,6 +65,8 @@ static_assert( sizeof( LdpFecTlvPrefixElementHdr ) == 4 && alignof( LdpFecTlvPre
 /// Host Address element: 4 octets, then the address. It left the protocol with RFC 5036 and is still
 /// accepted.
 class VORN_API LdpFecTlvHostAddressElementHdr : public LdpFecTlvElementHdr {
+   VORN_REFLECTED( LdpFecTlvHostAddressElementHdr, LdpFecTlvElementHdr )
+
  public:
    Lumo::NetU16 familyNbo() const noexcept { return family_; }
    void familyNboIs( Lumo::NetU16 family ) noexcept { family_ = family; }
@@ -74,6 +84,8 @@ static_assert( sizeof( LdpFecTlvHostAddressElementHdr ) == 4 &&
 
 /// P2MP element (RFC 6388, 2.2): 4 octets, the root address, the opaque length, the opaque value.
 class VORN_API LdpFecTlvP2mpElementHdr : public LdpFecTlvElementHdr {
+   VORN_REFLECTED( LdpFecTlvP2mpElementHdr, LdpFecTlvElementHdr )
+
  public:
    Lumo::NetU16 familyNbo() const noexcept { return family_; }
    void familyNboIs( Lumo::NetU16 family ) noexcept { family_ = family; }
@@ -91,6 +103,8 @@ static_assert( sizeof( LdpFecTlvP2mpElementHdr ) == 4 && alignof( LdpFecTlvP2mpE
 /// The opaque length of a P2MP element: the octets of all its opaque sub-elements, their headers included,
 /// and nothing else.
 class VORN_API LdpFecTlvP2mpOpaqueLength {
+   VORN_REFLECTED( LdpFecTlvP2mpOpaqueLength, void )
+
  public:
    Lumo::NetU16 totalOpaqueLen() const noexcept { return totalOpaqueLen_; }
    void totalOpaqueLenIs( Lumo::NetU16 octets ) noexcept { totalOpaqueLen_ = octets; }
@@ -105,6 +119,8 @@ VORN_TEXT( LdpFecTlvP2mpOpaqueLength )
 
 /// Head of any one opaque sub-element (RFC 6388, 2.3).
 class VORN_API LdpMPBasicOpaqueValueElementHdr {
+   VORN_REFLECTED( LdpMPBasicOpaqueValueElementHdr, void )
+
  public:
    U8 type() const noexcept { return type_; }
    void typeIs( U8 type ) noexcept { type_ = type; }
@@ -124,6 +140,8 @@ VORN_TEXT( LdpMPBasicOpaqueValueElementHdr )
 
 /// Generic LSP identifier (RFC 6388, 2.3.1): that head with a 32-bit identifier behind it.
 class VORN_API LdpGenericLSPId {
+   VORN_REFLECTED( LdpGenericLSPId, void )
+
  public:
    U8 type() const noexcept { return type_; }
    void typeIs( U8 type ) noexcept { type_ = type; }
@@ -144,6 +162,8 @@ VORN_TEXT( LdpGenericLSPId )
 
 /// What a parsed P2MP element says: the root of the tree, and the opaque value as it stood on the wire.
 class VORN_API LdpP2mpFecElement {
+   VORN_REFLECTED( LdpP2mpFecElement, void )
+
  public:
    Lumo::IpGenAddr const & rootIp() const noexcept { return rootIp_; }
    void rootIpIs( Lumo::IpGenAddr const & rootIp ) noexcept { rootIp_ = rootIp; }
@@ -166,6 +186,8 @@ VORN_TEXT( LdpP2mpFecElement )
 
 /// Identity of a P2MP FEC whose opaque value is a generic LSP identifier.
 class VORN_API LdpP2mpFecGenericOpaqueId {
+   VORN_REFLECTED( LdpP2mpFecGenericOpaqueId, void )
+
  public:
    static constexpr char const * defaultAttribute = "stringValue";
 
@@ -206,9 +228,3 @@ VORN_API void logOut( Vorn::NboAttrLog::Out & out, LdpP2mpFecGenericOpaqueId con
 VORN_API void logIn( Vorn::NboAttrLog::In & in, LdpP2mpFecGenericOpaqueId * value );
 
 } // namespace Ldp
-
-VORN_OUTSIDE_VALUE( Ldp::LdpP2mpFecElement )
-VORN_OUTSIDE_VALUE( Ldp::LdpP2mpFecGenericOpaqueId )
-VORN_OUTSIDE_VALUE( Ldp::LdpFecTlvP2mpOpaqueLength )
-VORN_OUTSIDE_VALUE( Ldp::LdpMPBasicOpaqueValueElementHdr )
-VORN_OUTSIDE_VALUE( Ldp::LdpGenericLSPId )

@@ -19,7 +19,7 @@ namespace Ldp {
 /// A parsed FEC element. One object has room for the values of all kinds; the accessors of a value assert
 /// unless the element is of its kind.
 class VORN_API LdpFecTlvElement : public Vorn::PtrInterface {
-   VORN_OBJECT( LdpFecTlvElement )
+   VORN_REFLECTED_OBJECT( LdpFecTlvElement, void )
 
  public:
    LdpFecTlvElement() noexcept = default;
@@ -41,6 +41,11 @@ class VORN_API LdpFecTlvElement : public Vorn::PtrInterface {
    void p2mpFecElemIs( LdpP2mpFecElement const & fec );
 
  private:
+   bool isIp() const {
+      return type() == prefixElement || type() == hostAddrElement || type() == wildcardElement;
+   }
+   bool isPw() const { return type() == pwIdElement; }
+   bool isP2mp() const { return type() == p2mpElement; }
    void assertIp() const;
    void assertPw() const;
    void assertP2mp() const;
@@ -53,7 +58,7 @@ class VORN_API LdpFecTlvElement : public Vorn::PtrInterface {
 
 /// Wildcard: all FECs of the message's kind.
 class VORN_API LdpFecTlvWildcardElement : public LdpFecTlvElement {
-   VORN_OBJECT( LdpFecTlvWildcardElement )
+   VORN_REFLECTED_OBJECT( LdpFecTlvWildcardElement, LdpFecTlvElement )
 
  public:
    ~LdpFecTlvWildcardElement() override;
@@ -62,7 +67,7 @@ class VORN_API LdpFecTlvWildcardElement : public LdpFecTlvElement {
 
 /// An address prefix.
 class VORN_API LdpFecTlvPrefixElement : public LdpFecTlvElement {
-   VORN_OBJECT( LdpFecTlvPrefixElement )
+   VORN_REFLECTED_OBJECT( LdpFecTlvPrefixElement, LdpFecTlvElement )
 
  public:
    ~LdpFecTlvPrefixElement() override;
@@ -72,7 +77,7 @@ class VORN_API LdpFecTlvPrefixElement : public LdpFecTlvElement {
 
 /// A host address; its FEC equals that of a prefix of full length.
 class VORN_API LdpFecTlvHostAddrElement : public LdpFecTlvElement {
-   VORN_OBJECT( LdpFecTlvHostAddrElement )
+   VORN_REFLECTED_OBJECT( LdpFecTlvHostAddrElement, LdpFecTlvElement )
 
  public:
    ~LdpFecTlvHostAddrElement() override;
@@ -82,7 +87,7 @@ class VORN_API LdpFecTlvHostAddrElement : public LdpFecTlvElement {
 
 /// A point-to-multipoint LSP (RFC 6388).
 class VORN_API LdpFecTlvP2mpElement : public LdpFecTlvElement {
-   VORN_OBJECT( LdpFecTlvP2mpElement )
+   VORN_REFLECTED_OBJECT( LdpFecTlvP2mpElement, LdpFecTlvElement )
 
  public:
    ~LdpFecTlvP2mpElement() override;
@@ -99,7 +104,7 @@ VORN_API Vorn::Ptr< LdpFecTlvP2mpElement > ldpFecTlvP2mpElementFactory();
 
 /// Parses a FEC TLV at construction. It throws nothing on what the packet holds.
 class VORN_API LdpFecTlvParser : public LdpTlvParser {
-   VORN_OBJECT( LdpFecTlvParser )
+   VORN_REFLECTED_OBJECT( LdpFecTlvParser, LdpTlvParser )
 
  public:
    using FecElements = Vorn::HashMap2018< LdpFecTlvParser, U32, Vorn::Ptr< LdpFecTlvElement > >;

@@ -19,7 +19,7 @@ namespace Ldp {
 /// Finds where each unit of a byte run begins: the messages of a PDU, or the TLVs of a message. It knows
 /// nothing of what it walks but the outline that both share: 16 bits of type and flags, 16 bits of length.
 class VORN_API LdpTlvGroupParser : public Vorn::PtrInterface {
-   VORN_OBJECT( LdpTlvGroupParser )
+   VORN_REFLECTED_OBJECT( LdpTlvGroupParser, void )
 
  public:
    explicit LdpTlvGroupParser( Vorn::Name name ) : name_( std::move( name ) ) {}
@@ -73,7 +73,7 @@ class VORN_API LdpTlvGroupParser : public Vorn::PtrInterface {
 
 /// Judges one PDU: its header, its length, and the framing of its messages.
 class VORN_API LdpPduParser : public Vorn::PtrInterface {
-   VORN_OBJECT( LdpPduParser )
+   VORN_REFLECTED_OBJECT( LdpPduParser, void )
 
  public:
    /// Octets that the buffer holds at least: the PDU header and one message header.
@@ -132,6 +132,8 @@ class VORN_API LdpPduParser : public Vorn::PtrInterface {
    void handleHeader() noexcept;
    void refuse( LdpStatusCode status, Vorn::String const & reason );
    bool hasHeader() const noexcept { return U64( offset_ ) + sizeof( LdpPduHdr ) <= pkt_->frontBytes(); }
+   /// The view for those who read it without asking further; null unless all of it lies in the packet.
+   LdpPduHdr const * wholeHeader() const noexcept { return hasHeader() ? header_ : nullptr; }
 
    Vorn::Ptr< Lumo::Pkt > pkt_;
    U32 offset_;

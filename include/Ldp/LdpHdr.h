@@ -24,6 +24,8 @@ constexpr U16 totalOfLength( U16 length ) noexcept { return U16( length + 4 ); }
 
 /// U bit and message type, the first two octets of a message header.
 class VORN_API LdpHdrMsgUbitAndTypeField : public Lumo::NetU16 {
+   VORN_REFLECTED( LdpHdrMsgUbitAndTypeField, Lumo::NetU16 )
+
  public:
    using NetU16::NetU16;
 
@@ -39,6 +41,8 @@ VORN_TEXT( LdpHdrMsgUbitAndTypeField )
 
 /// U bit, F bit and TLV type, the first two octets of a TLV header.
 class VORN_API LdpTlvTypeField : public Lumo::NetU16 {
+   VORN_REFLECTED( LdpTlvTypeField, Lumo::NetU16 )
+
  public:
    using NetU16::NetU16;
 
@@ -58,6 +62,8 @@ VORN_TEXT( LdpTlvTypeField )
 
 /// PDU header (RFC 5036, 3.1).
 class VORN_API LdpPduHdr : public Vorn::NrcPtrInterface {
+   VORN_REFLECTED( LdpPduHdr, void )
+
  public:
    /// Octets that the length field does not count: version and length.
    static constexpr U16 pduHdrSizeExclude = 4;
@@ -89,6 +95,8 @@ static_assert( sizeof( LdpPduHdr ) == 10 && alignof( LdpPduHdr ) == 1 );
 
 /// Message header (RFC 5036, 3.5).
 class VORN_API LdpMsgHdr : public Vorn::NrcPtrInterface {
+   VORN_REFLECTED( LdpMsgHdr, void )
+
  public:
    /// Octets that the length field does not count: type and length.
    static constexpr U16 msgHdrSizeExclude = 4;
@@ -123,6 +131,8 @@ static_assert( sizeof( LdpMsgHdr ) == 8 && alignof( LdpMsgHdr ) == 1 );
 
 /// TLV header (RFC 5036, 3.3), with which every TLV body begins.
 class VORN_API LdpTlvHdr : public Vorn::NrcPtrInterface {
+   VORN_REFLECTED( LdpTlvHdr, void )
+
  public:
    /// Octets that the length field does not count: the whole header.
    static constexpr U16 tlvHdrSizeExclude = 4;
@@ -168,6 +178,3 @@ class VORN_API LdpTlvHdr : public Vorn::NrcPtrInterface {
 static_assert( sizeof( LdpTlvHdr ) == 4 && alignof( LdpTlvHdr ) == 1 );
 
 } // namespace Ldp
-
-VORN_OUTSIDE_VALUE( Ldp::LdpHdrMsgUbitAndTypeField )
-VORN_OUTSIDE_VALUE( Ldp::LdpTlvTypeField )

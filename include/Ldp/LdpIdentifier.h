@@ -9,6 +9,8 @@ namespace Ldp {
 
 /// Six octets: the LSR id, then the label space, laid out as in the PDU header. The default is all zero.
 class VORN_API LdpIdentifier {
+   VORN_REFLECTED( LdpIdentifier, void )
+
  public:
    constexpr LdpIdentifier() noexcept = default;
    /// From values in host order.
@@ -51,5 +53,3 @@ VORN_API void logOut( Vorn::NboAttrLog::Out & out, LdpIdentifier const & value )
 VORN_API void logIn( Vorn::NboAttrLog::In & in, LdpIdentifier * value );
 
 } // namespace Ldp
-
-VORN_OUTSIDE_VALUE( Ldp::LdpIdentifier )

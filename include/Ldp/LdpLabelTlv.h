@@ -11,6 +11,8 @@ namespace Ldp {
 
 /// The label field of a Generic Label TLV: 20 bits of label below 12 bits that are kept.
 class VORN_API LdpGenLabelTlvLabel : public Lumo::NetU32 {
+   VORN_REFLECTED( LdpGenLabelTlvLabel, Lumo::NetU32 )
+
  public:
    using NetU32::NetU32;
 
@@ -23,6 +25,8 @@ VORN_TEXT( LdpGenLabelTlvLabel )
 
 /// Generic Label TLV (RFC 5036, 3.4.2.1).
 class VORN_API LdpGenLabelTlv : public LdpTlvHdr {
+   VORN_REFLECTED( LdpGenLabelTlv, LdpTlvHdr )
+
  public:
    LdpGenLabelTlvLabel labelField() const noexcept { return labelField_; }
    void labelFieldIs( LdpGenLabelTlvLabel field ) noexcept { labelField_ = field; }
@@ -41,6 +45,8 @@ static_assert( sizeof( LdpGenLabelTlv ) == 8 && alignof( LdpGenLabelTlv ) == 1 )
 
 /// Label Request Message ID TLV (RFC 5036, 3.4.7).
 class VORN_API LdpLabelReqMsgIdTlv : public LdpTlvHdr {
+   VORN_REFLECTED( LdpLabelReqMsgIdTlv, LdpTlvHdr )
+
  public:
    Lumo::NetU32 reqMsgIdNbo() const noexcept { return reqMsgId_; }
    U32 reqMsgId() const noexcept { return reqMsgId_.value(); }
@@ -57,6 +63,8 @@ static_assert( sizeof( LdpLabelReqMsgIdTlv ) == 8 && alignof( LdpLabelReqMsgIdTl
 
 /// Hop Count TLV (RFC 5036, 3.4.4).
 class VORN_API LdpHopCountTlv : public LdpTlvHdr {
+   VORN_REFLECTED( LdpHopCountTlv, LdpTlvHdr )
+
  public:
    /// Hops along the LSP; 0 is unknown.
    U8 hopCount() const noexcept { return hopCount_; }
@@ -74,6 +82,8 @@ static_assert( sizeof( LdpHopCountTlv ) == 5 && alignof( LdpHopCountTlv ) == 1 )
 /// Path Vector TLV (RFC 5036, 3.4.5): behind the header a row of LSR ids, 4 octets each. It has no fields of
 /// its own; how many ids there are follows from the length, which the caller has checked against the packet.
 class VORN_API LdpPathVectorTlv : public LdpTlvHdr {
+   VORN_REFLECTED( LdpPathVectorTlv, LdpTlvHdr )
+
  public:
    /// Number of LSR ids; 0 when the length is no multiple of 4.
    U32 lsrIdNum() const noexcept { return length() % 4 ? 0 : length() / 4u; }
@@ -90,6 +100,8 @@ static_assert( sizeof( LdpPathVectorTlv ) == 4 );
 
 /// The status word of a Status TLV (RFC 5036, 3.4.6).
 class VORN_API LdpStatusTlvStatusCode : public Lumo::NetU32 {
+   VORN_REFLECTED( LdpStatusTlvStatusCode, Lumo::NetU32 )
+
  public:
    using NetU32::NetU32;
 
@@ -107,6 +119,8 @@ VORN_TEXT( LdpStatusTlvStatusCode )
 
 /// Status TLV (RFC 5036, 3.4.6).
 class VORN_API LdpStatusTlv : public LdpTlvHdr {
+   VORN_REFLECTED( LdpStatusTlv, LdpTlvHdr )
+
  public:
    LdpStatusTlvStatusCode statusCode() const noexcept { return statusCode_; }
    void statusCodeIs( LdpStatusTlvStatusCode code ) noexcept { statusCode_ = code; }
@@ -144,6 +158,8 @@ static_assert( sizeof( LdpStatusTlv ) == 14 && alignof( LdpStatusTlv ) == 1 );
 /// The family and all that follows from it are read only where the length says that they are there. A length
 /// whose total wraps (65533 to 65535) covers nothing: no family, no address.
 class VORN_API LdpAddressListTlv : public LdpTlvHdr {
+   VORN_REFLECTED( LdpAddressListTlv, LdpTlvHdr )
+
  public:
    /// The raw field; 0 when the TLV is too short to hold it.
    Lumo::NetU16 addressFamilyNbo() const noexcept;
@@ -165,6 +181,3 @@ class VORN_API LdpAddressListTlv : public LdpTlvHdr {
 static_assert( sizeof( LdpAddressListTlv ) == 4 );
 
 } // namespace Ldp
-
-VORN_OUTSIDE_VALUE( Ldp::LdpGenLabelTlvLabel )
-VORN_OUTSIDE_VALUE( Ldp::LdpStatusTlvStatusCode )

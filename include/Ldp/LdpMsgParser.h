@@ -25,7 +25,7 @@ struct LdpMsgRules;
 /// Base of the message parsers, and the whole parser of a message without TLVs of its own, such as KeepAlive:
 /// the header (RFC 5036, 3.5), the framing of the TLVs, and whether all their types may be taken.
 class VORN_API LdpMsgParser : public Vorn::PtrInterface {
-   VORN_OBJECT( LdpMsgParser )
+   VORN_REFLECTED_OBJECT( LdpMsgParser, void )
 
  public:
    /// Largest message that is taken, header included, in octets.
@@ -127,6 +127,8 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    void handleHeader();
    bool hasOctets( U64 octets ) const noexcept { return offset_ + octets <= pkt_->frontBytes(); }
    bool hasHeader() const noexcept { return hasOctets( LdpMsgHdr::ldpMsgHdrSize ); }
+   /// The view for those who read it without asking further; null unless all of it lies in the packet.
+   LdpMsgHdr const * wholeMsgHdr() const noexcept { return hasHeader() ? msgHdr_ : nullptr; }
    bool obeyTlv( LdpMsgRules const & rules, U32 index, LdpTlvHdr const & tlv );
    bool obeyFecTlv( LdpMsgRules const & rules, U32 index, LdpTlvHdr const & tlv );
 };
@@ -134,7 +136,7 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
 /// Hello (RFC 5036, 3.5.2): Common Hello Parameters first, then at most one kind of transport address, and a
 /// configuration sequence number.
 class VORN_API LdpHelloMsgParser : public LdpMsgParser {
-   VORN_OBJECT( LdpHelloMsgParser )
+   VORN_REFLECTED_OBJECT( LdpHelloMsgParser, LdpMsgParser )
 
  public:
    LdpHelloMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
@@ -160,7 +162,7 @@ class VORN_API LdpHelloMsgParser : public LdpMsgParser {
 /// What Initialization and Capability messages share: the capability TLVs (RFC 5561), in order of their
 /// types.
 class VORN_API LdpCapabilityParser : public LdpMsgParser {
-   VORN_OBJECT( LdpCapabilityParser )
+   VORN_REFLECTED_OBJECT( LdpCapabilityParser, LdpMsgParser )
 
  public:
    using Capabilities = Vorn::RbTreeMap< LdpCapabilityParser, LdpTlvType, LdpCapabilityParameterTlv const * >;
@@ -193,7 +195,7 @@ class VORN_API LdpCapabilityParser : public LdpMsgParser {
 /// Initialization (RFC 5036, 3.5.3): Common Session Parameters first, then capabilities and the Fault
 /// Tolerant Session TLV.
 class VORN_API LdpInitMsgParser : public LdpCapabilityParser {
-   VORN_OBJECT( LdpInitMsgParser )
+   VORN_REFLECTED_OBJECT( LdpInitMsgParser, LdpCapabilityParser )
 
  public:
    LdpInitMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
@@ -215,7 +217,7 @@ class VORN_API LdpInitMsgParser : public LdpCapabilityParser {
 /// Capability (RFC 5561, 7). `ldpMsgParserGet` leaves such a message a plain `LdpMsgParser`; who wants its
 /// capabilities builds this class.
 class VORN_API LdpCapabilityMsgParser : public LdpCapabilityParser {
-   VORN_OBJECT( LdpCapabilityMsgParser )
+   VORN_REFLECTED_OBJECT( LdpCapabilityMsgParser, LdpCapabilityParser )
 
  public:
    LdpCapabilityMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
@@ -233,7 +235,7 @@ class VORN_API LdpCapabilityMsgParser : public LdpCapabilityParser {
 /// Notification (RFC 5036, 3.5.1): a Status TLV first; with the status of a pseudowire (RFC 8077, 5.4.2) a PW
 /// Status TLV and a FEC TLV behind it.
 class VORN_API LdpNotificationMsgParser : public LdpMsgParser {
-   VORN_OBJECT( LdpNotificationMsgParser )
+   VORN_REFLECTED_OBJECT( LdpNotificationMsgParser, LdpMsgParser )
 
  public:
    LdpNotificationMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
@@ -254,7 +256,7 @@ class VORN_API LdpNotificationMsgParser : public LdpMsgParser {
 
 /// Address (RFC 5036, 3.5.5): an Address List TLV first.
 class VORN_API LdpAddressMsgParser : public LdpMsgParser {
-   VORN_OBJECT( LdpAddressMsgParser )
+   VORN_REFLECTED_OBJECT( LdpAddressMsgParser, LdpMsgParser )
 
  public:
    LdpAddressMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
@@ -273,7 +275,7 @@ class VORN_API LdpAddressMsgParser : public LdpMsgParser {
 
 /// Address Withdraw (RFC 5036, 3.5.6): an Address List TLV first.
 class VORN_API LdpAddressWithdrawMsgParser : public LdpMsgParser {
-   VORN_OBJECT( LdpAddressWithdrawMsgParser )
+   VORN_REFLECTED_OBJECT( LdpAddressWithdrawMsgParser, LdpMsgParser )
 
  public:
    LdpAddressWithdrawMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
@@ -292,7 +294,7 @@ class VORN_API LdpAddressWithdrawMsgParser : public LdpMsgParser {
 
 /// Label Mapping (RFC 5036, 3.5.7): FEC and label, with a good FEC that is no wildcard.
 class VORN_API LdpLabelMappingMsgParser : public LdpMsgParser {
-   VORN_OBJECT( LdpLabelMappingMsgParser )
+   VORN_REFLECTED_OBJECT( LdpLabelMappingMsgParser, LdpMsgParser )
 
  public:
    LdpLabelMappingMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
@@ -319,7 +321,7 @@ class VORN_API LdpLabelMappingMsgParser : public LdpMsgParser {
 
 /// Label Request (RFC 5036, 3.5.8): a good FEC that is no wildcard.
 class VORN_API LdpLabelRequestMsgParser : public LdpMsgParser {
-   VORN_OBJECT( LdpLabelRequestMsgParser )
+   VORN_REFLECTED_OBJECT( LdpLabelRequestMsgParser, LdpMsgParser )
 
  public:
    LdpLabelRequestMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
@@ -340,7 +342,7 @@ class VORN_API LdpLabelRequestMsgParser : public LdpMsgParser {
 
 /// Label Withdraw (RFC 5036, 3.5.10): a good FEC, wildcards included; the label is optional.
 class VORN_API LdpLabelWithdrawMsgParser : public LdpMsgParser {
-   VORN_OBJECT( LdpLabelWithdrawMsgParser )
+   VORN_REFLECTED_OBJECT( LdpLabelWithdrawMsgParser, LdpMsgParser )
 
  public:
    LdpLabelWithdrawMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
@@ -360,7 +362,7 @@ class VORN_API LdpLabelWithdrawMsgParser : public LdpMsgParser {
 /// Label Release (RFC 5036, 3.5.11): a FEC, which is not judged: ask `ldpFecTlvParser()` whether it is
 /// `valid()` before using it. The label is optional.
 class VORN_API LdpLabelReleaseMsgParser : public LdpMsgParser {
-   VORN_OBJECT( LdpLabelReleaseMsgParser )
+   VORN_REFLECTED_OBJECT( LdpLabelReleaseMsgParser, LdpMsgParser )
 
  public:
    LdpLabelReleaseMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
@@ -379,7 +381,7 @@ class VORN_API LdpLabelReleaseMsgParser : public LdpMsgParser {
 
 /// Label Abort Request (RFC 5036, 3.5.9): a good FEC that is no wildcard, and the id of the request.
 class VORN_API LdpLabelAbortReqMsgParser : public LdpMsgParser {
-   VORN_OBJECT( LdpLabelAbortReqMsgParser )
+   VORN_REFLECTED_OBJECT( LdpLabelAbortReqMsgParser, LdpMsgParser )
 
  public:
    LdpLabelAbortReqMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );

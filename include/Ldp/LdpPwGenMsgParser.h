@@ -9,7 +9,7 @@ namespace Ldp {
 
 /// A pseudowire by its PW ID; a PW ID of 0 stands for all of the group and type.
 class VORN_API LdpFecTlvPwIdElement : public LdpFecTlvElement {
-   VORN_OBJECT( LdpFecTlvPwIdElement )
+   VORN_REFLECTED_OBJECT( LdpFecTlvPwIdElement, LdpFecTlvElement )
 
  public:
    ~LdpFecTlvPwIdElement() override;

@@ -17,6 +17,8 @@ namespace Ldp {
 
 /// C bit and PW type of a PW ID element.
 class VORN_API LdpFecTlvPwIdElementHdrTypeField : public Lumo::NetU16 {
+   VORN_REFLECTED( LdpFecTlvPwIdElementHdrTypeField, Lumo::NetU16 )
+
  public:
    using NetU16::NetU16;
 
@@ -31,6 +33,8 @@ VORN_TEXT( LdpFecTlvPwIdElementHdrTypeField )
 /// PW ID FEC element (RFC 8077, 6.1). The view covers the fixed head of 8 octets; the PW ID behind it is
 /// there only when the PW info length says so.
 class VORN_API LdpFecTlvPwIdElementHdr : public LdpFecTlvElementHdr {
+   VORN_REFLECTED( LdpFecTlvPwIdElementHdr, LdpFecTlvElementHdr )
+
  public:
    LdpFecTlvPwIdElementHdrTypeField pwTypeField() const noexcept { return pwTypeField_; }
    void pwTypeFieldIs( LdpFecTlvPwIdElementHdrTypeField field ) noexcept { pwTypeField_ = field; }
@@ -63,6 +67,8 @@ static_assert( sizeof( LdpFecTlvPwIdElementHdr ) == 8 && alignof( LdpFecTlvPwIdE
 
 /// Head of every interface parameter.
 class VORN_API LdpPwIntfParamSubTlv : public Vorn::NrcPtrInterface {
+   VORN_REFLECTED( LdpPwIntfParamSubTlv, void )
+
  public:
    /// Octets of the head.
    static constexpr U8 tlvHdrSizeExclude = 2;
@@ -85,6 +91,8 @@ static_assert( sizeof( LdpPwIntfParamSubTlv ) == 2 );
 
 /// Interface MTU. `validate()` is for a parameter of its own code, here and below: another code asserts.
 class VORN_API LdpPwIntfMtuSubTlv : public LdpPwIntfParamSubTlv {
+   VORN_REFLECTED( LdpPwIntfMtuSubTlv, LdpPwIntfParamSubTlv )
+
  public:
    /// MTU in octets.
    Lumo::NetU16 mtu() const noexcept { return mtu_; }
@@ -98,6 +106,8 @@ static_assert( sizeof( LdpPwIntfMtuSubTlv ) == 4 && alignof( LdpPwIntfMtuSubTlv 
 
 /// Interface description: text of up to 80 octets behind the head.
 class VORN_API LdpPwIntfDescSubTlv : public LdpPwIntfParamSubTlv {
+   VORN_REFLECTED( LdpPwIntfDescSubTlv, LdpPwIntfParamSubTlv )
+
  public:
    /// Largest length, head included.
    static constexpr U8 maxLength = 82;
@@ -111,6 +121,8 @@ static_assert( sizeof( LdpPwIntfDescSubTlv ) == 2 );
 
 /// Requested VLAN id.
 class VORN_API LdpPwRequestedVlanIdSubTlv : public LdpPwIntfParamSubTlv {
+   VORN_REFLECTED( LdpPwRequestedVlanIdSubTlv, LdpPwIntfParamSubTlv )
+
  public:
    Lumo::NetU16 vlanId() const noexcept { return vlanId_; }
    void vlanIdIs( Lumo::NetU16 vlanId ) noexcept { vlanId_ = vlanId; }
@@ -123,6 +135,8 @@ static_assert( sizeof( LdpPwRequestedVlanIdSubTlv ) == 4 && alignof( LdpPwReques
 
 /// Fragmentation indicator (RFC 4623, 5).
 class VORN_API LdpPwFragIndicatorSubTlv : public LdpPwIntfParamSubTlv {
+   VORN_REFLECTED( LdpPwFragIndicatorSubTlv, LdpPwIntfParamSubTlv )
+
  public:
    /// Not zero: the sender can reassemble fragments.
    Lumo::NetU16 fragIndicator() const noexcept { return fragIndicator_; }
@@ -136,6 +150,8 @@ static_assert( sizeof( LdpPwFragIndicatorSubTlv ) == 4 && alignof( LdpPwFragIndi
 
 /// The two octets of a VCCV parameter; their bits are not interpreted here.
 class VORN_API LdpPwVccvParamField : public Lumo::NetU16 {
+   VORN_REFLECTED( LdpPwVccvParamField, Lumo::NetU16 )
+
  public:
    using NetU16::NetU16;
 
@@ -150,6 +166,8 @@ VORN_TEXT( LdpPwVccvParamField )
 
 /// VCCV parameter (RFC 5085, 6.1).
 class VORN_API LdpPwVccvParamSubTlv : public LdpPwIntfParamSubTlv {
+   VORN_REFLECTED( LdpPwVccvParamSubTlv, LdpPwIntfParamSubTlv )
+
  public:
    LdpPwVccvParamField vccvParam() const noexcept { return vccvParam_; }
    void vccvParamIs( LdpPwVccvParamField param ) noexcept { vccvParam_ = param; }
@@ -164,6 +182,8 @@ static_assert( sizeof( LdpPwVccvParamSubTlv ) == 4 && alignof( LdpPwVccvParamSub
 
 /// Which interface parameters a PW ID element carried.
 class VORN_API LdpPwIntfParamFlags {
+   VORN_REFLECTED( LdpPwIntfParamFlags, void )
+
  public:
    static constexpr U32 intfMtu_ = 1;
    static constexpr U32 intfDesc_ = 2;
@@ -201,6 +221,8 @@ VORN_TEXT( LdpPwIntfParamFlags )
 
 /// The status word of a PW Status TLV (RFC 8077, 5.4.2).
 class VORN_API LdpPwStatusField : public Lumo::NetU32 {
+   VORN_REFLECTED( LdpPwStatusField, Lumo::NetU32 )
+
  public:
    using NetU32::NetU32;
 
@@ -231,6 +253,8 @@ VORN_TEXT( LdpPwStatusField )
 
 /// PW Status TLV (RFC 8077, 5.4.2).
 class VORN_API LdpPwStatusTlv : public LdpTlvHdr {
+   VORN_REFLECTED( LdpPwStatusTlv, LdpTlvHdr )
+
  public:
    LdpPwStatusField pwStatusField() const noexcept { return pwStatusField_; }
    void pwStatusFieldIs( LdpPwStatusField field ) noexcept { pwStatusField_ = field; }
@@ -245,8 +269,3 @@ class VORN_API LdpPwStatusTlv : public LdpTlvHdr {
 static_assert( sizeof( LdpPwStatusTlv ) == 8 && alignof( LdpPwStatusTlv ) == 1 );
 
 } // namespace Ldp
-
-VORN_OUTSIDE_VALUE( Ldp::LdpFecTlvPwIdElementHdrTypeField )
-VORN_OUTSIDE_VALUE( Ldp::LdpPwVccvParamField )
-VORN_OUTSIDE_VALUE( Ldp::LdpPwIntfParamFlags )
-VORN_OUTSIDE_VALUE( Ldp::LdpPwStatusField )

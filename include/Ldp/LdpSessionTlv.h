@@ -15,6 +15,8 @@ namespace Ldp {
 
 /// T and R bits of the Common Hello Parameters.
 class VORN_API LdpCommonHelloTargetField : public Lumo::NetU16 {
+   VORN_REFLECTED( LdpCommonHelloTargetField, Lumo::NetU16 )
+
  public:
    using NetU16::NetU16;
 
@@ -32,6 +34,8 @@ VORN_TEXT( LdpCommonHelloTargetField )
 
 /// Common Hello Parameters TLV (RFC 5036, 3.5.2).
 class VORN_API LdpCommonHelloTlv : public LdpTlvHdr {
+   VORN_REFLECTED( LdpCommonHelloTlv, LdpTlvHdr )
+
  public:
    Lumo::NetU16 holdTimeNbo() const noexcept { return holdTime_; }
    LdpCommonHelloTargetField targetHelloField() const noexcept { return targetHelloField_; }
@@ -59,6 +63,8 @@ static_assert( sizeof( LdpCommonHelloTlv ) == 8 && alignof( LdpCommonHelloTlv ) 
 
 /// IPv4 Transport Address TLV (RFC 5036, 3.5.2.1).
 class VORN_API LdpIpTransportAddrTlv : public LdpTlvHdr {
+   VORN_REFLECTED( LdpIpTransportAddrTlv, LdpTlvHdr )
+
  public:
    Lumo::IpAddr ipAddr() const noexcept { return ipAddr_; }
    void ipAddrIs( Lumo::IpAddr const & ipAddr ) noexcept { ipAddr_ = ipAddr; }
@@ -74,6 +80,8 @@ static_assert( sizeof( LdpIpTransportAddrTlv ) == 8 && alignof( LdpIpTransportAd
 
 /// Configuration Sequence Number TLV (RFC 5036, 3.5.2.1).
 class VORN_API LdpConfigSeqNumTlv : public LdpTlvHdr {
+   VORN_REFLECTED( LdpConfigSeqNumTlv, LdpTlvHdr )
+
  public:
    Lumo::NetU32 configSeqNumNbo() const noexcept { return configSeqNum_; }
    U32 configSeqNum() const noexcept { return configSeqNum_.value(); }
@@ -90,6 +98,8 @@ static_assert( sizeof( LdpConfigSeqNumTlv ) == 8 && alignof( LdpConfigSeqNumTlv 
 
 /// IPv6 Transport Address TLV (RFC 5036, 3.5.2.1).
 class VORN_API LdpIp6TransportAddrTlv : public LdpTlvHdr {
+   VORN_REFLECTED( LdpIp6TransportAddrTlv, LdpTlvHdr )
+
  public:
    Lumo::Ip6Addr ip6Addr() const noexcept { return ip6Addr_; }
    void ip6AddrIs( Lumo::Ip6Addr const & ip6Addr ) noexcept { ip6Addr_ = ip6Addr; }
@@ -105,6 +115,8 @@ static_assert( sizeof( LdpIp6TransportAddrTlv ) == 20 && alignof( LdpIp6Transpor
 
 /// A and D bits of the Common Session Parameters.
 class VORN_API LdpCommonSessionParamTlvAdField : public Lumo::NetU8 {
+   VORN_REFLECTED( LdpCommonSessionParamTlvAdField, Lumo::NetU8 )
+
  public:
    using NetU8::NetU8;
 
@@ -121,6 +133,8 @@ class VORN_API LdpCommonSessionParamTlvAdField : public Lumo::NetU8 {
 
 /// Common Session Parameters TLV (RFC 5036, 3.5.3).
 class VORN_API LdpCommonSessionParamTlv : public LdpTlvHdr {
+   VORN_REFLECTED( LdpCommonSessionParamTlv, LdpTlvHdr )
+
  public:
    /// Shortest keep-alive time that a session can have, in seconds.
    static constexpr U16 minKeepAliveTime = 3;
@@ -169,6 +183,8 @@ static_assert( sizeof( LdpCommonSessionParamTlv ) == 18 && alignof( LdpCommonSes
 
 /// Flags of the Fault Tolerant Session TLV (RFC 3479, 8.2).
 class VORN_API LdpFtSessionFlags : public Lumo::NetU16 {
+   VORN_REFLECTED( LdpFtSessionFlags, Lumo::NetU16 )
+
  public:
    using NetU16::NetU16;
 
@@ -194,6 +210,8 @@ VORN_TEXT( LdpFtSessionFlags )
 
 /// Fault Tolerant Session TLV (RFC 3479, 8.2; RFC 3478 for graceful restart).
 class VORN_API LdpFtSessionTlv : public LdpTlvHdr {
+   VORN_REFLECTED( LdpFtSessionTlv, LdpTlvHdr )
+
  public:
    LdpFtSessionFlags ftFlags() const noexcept { return ftFlags_; }
    void ftFlagsIs( LdpFtSessionFlags flags ) noexcept { ftFlags_ = flags; }
@@ -223,6 +241,8 @@ static_assert( sizeof( LdpFtSessionTlv ) == 16 && alignof( LdpFtSessionTlv ) == 
 
 /// S bit of a capability (RFC 5561, 3).
 class VORN_API LdpStateBit : public Lumo::NetU8 {
+   VORN_REFLECTED( LdpStateBit, Lumo::NetU8 )
+
  public:
    using NetU8::NetU8;
 
@@ -235,6 +255,8 @@ class VORN_API LdpStateBit : public Lumo::NetU8 {
 
 /// Fixed part of a Capability Parameter TLV (RFC 5561, 3), for all the capability types.
 class VORN_API LdpCapabilityParameterTlv : public LdpTlvHdr {
+   VORN_REFLECTED( LdpCapabilityParameterTlv, LdpTlvHdr )
+
  public:
    LdpStateBit stateBit() const noexcept { return stateBit_; }
    void stateBitIs( LdpStateBit bit ) noexcept { stateBit_ = bit; }
@@ -248,6 +270,3 @@ class VORN_API LdpCapabilityParameterTlv : public LdpTlvHdr {
 static_assert( sizeof( LdpCapabilityParameterTlv ) == 5 && alignof( LdpCapabilityParameterTlv ) == 1 );
 
 } // namespace Ldp
-
-VORN_OUTSIDE_VALUE( Ldp::LdpCommonHelloTargetField )
-VORN_OUTSIDE_VALUE( Ldp::LdpFtSessionFlags )

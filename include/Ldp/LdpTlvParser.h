@@ -19,7 +19,7 @@ namespace Ldp {
 
 /// Parser of any TLV: its header.
 class VORN_API LdpTlvParser : public Vorn::PtrInterface {
-   VORN_OBJECT( LdpTlvParser )
+   VORN_REFLECTED_OBJECT( LdpTlvParser, void )
 
  public:
    /// `offset` counts from the packet's front, here and everywhere in the decoders.
@@ -44,6 +44,8 @@ class VORN_API LdpTlvParser : public Vorn::PtrInterface {
    /// Whether so many octets from the offset on lie in the packet.
    bool hasOctets( U64 octets ) const noexcept { return offset_ + octets <= pkt_->frontBytes(); }
    bool hasHeader() const noexcept { return hasOctets( sizeof( LdpTlvHdr ) ); }
+   /// The view for those who read it without asking further; null unless all of it lies in the packet.
+   LdpTlvHdr const * wholeHeader() const noexcept { return hasHeader() ? header_ : nullptr; }
 
    /// What the getters show.
    Vorn::Ptr< Lumo::Pkt > pkt_;
@@ -70,8 +72,6 @@ class LdpBodyTlvParser : public LdpTlvParser {
  protected:
    /// The TLV as its kind, wherever it stands.
    Body * body() const noexcept { return static_cast< Body * >( header_ ); }
-
- private:
    bool hasBody() const noexcept {
       // A body without fields of its own reads as far as its length reaches.
       constexpr bool variable = sizeof( Body ) == sizeof( LdpTlvHdr );
@@ -92,7 +92,7 @@ class LdpBodyTlvParser : public LdpTlvParser {
    void x##Is( Type const & value ) { this->body()->x##Is( value ); }
 /// Opens a parser class over `Body`.
 #define LDP_TLV_PARSER( Type )                                                                               \
-   VORN_OBJECT( Type )                                                                                       \
+   VORN_REFLECTED_OBJECT( Type, LdpTlvParser )                                                               \
  public:                                                                                                     \
    using LdpBodyTlvParser::LdpBodyTlvParser;                                                                 \
    ~Type() override;

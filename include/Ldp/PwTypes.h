@@ -10,6 +10,8 @@ namespace Ldp {
 
 /// Identity of a pseudowire FEC. Its text is `pw100:pwTypeRaw:cbit1`.
 class VORN_API PwFwdEqvClass {
+   VORN_REFLECTED( PwFwdEqvClass, void )
+
  public:
    static constexpr char const * defaultAttribute = "stringValue";
 
@@ -57,6 +59,8 @@ VORN_API void logIn( Vorn::NboAttrLog::In & in, PwFwdEqvClass * value );
 /// What the interface parameters and the group of a pseudowire FEC say. A field that was not sent has its
 /// default.
 class VORN_API PwFwdEqvClassParams {
+   VORN_REFLECTED( PwFwdEqvClassParams, void )
+
  public:
    static constexpr U32 unspecifiedMtu = 0;
 
@@ -100,6 +104,8 @@ VORN_TEXT( PwFwdEqvClassParams )
 
 /// A pseudowire FEC with its parameters.
 class VORN_API PwFwdEqvClassInfo {
+   VORN_REFLECTED( PwFwdEqvClassInfo, void )
+
  public:
    PwFwdEqvClass const & fwdEqvClass() const noexcept { return fwdEqvClass_; }
    void fwdEqvClassIs( PwFwdEqvClass const & fwdEqvClass ) noexcept { fwdEqvClass_ = fwdEqvClass; }
@@ -129,7 +135,3 @@ class VORN_API PwFwdEqvClassInfo {
 VORN_TEXT( PwFwdEqvClassInfo )
 
 } // namespace Ldp
-
-VORN_OUTSIDE_VALUE( Ldp::PwFwdEqvClassParams )
-VORN_OUTSIDE_VALUE( Ldp::PwFwdEqvClassInfo )
-VORN_OUTSIDE_VALUE( Ldp::PwFwdEqvClass )

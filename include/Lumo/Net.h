@@ -157,6 +157,8 @@ requires( std::derived_from< Net, NetU8 > || std::same_as< Net, NetU16 > ||
 }
 
 /// In the attribute log the number.
+VORN_API void logOut( Vorn::NboAttrLog::Out & out, NetU8 value );
+VORN_API void logIn( Vorn::NboAttrLog::In & in, NetU8 * value );
 VORN_API void logOut( Vorn::NboAttrLog::Out & out, NetU16 value );
 VORN_API void logIn( Vorn::NboAttrLog::In & in, NetU16 * value );
 VORN_API void logOut( Vorn::NboAttrLog::Out & out, NetU32 value );
@@ -164,5 +166,6 @@ VORN_API void logIn( Vorn::NboAttrLog::In & in, NetU32 * value );
 
 } // namespace Lumo
 
+VORN_OUTSIDE_VALUE( Lumo::NetU8 )
 VORN_OUTSIDE_VALUE( Lumo::NetU16 )
 VORN_OUTSIDE_VALUE( Lumo::NetU32 )

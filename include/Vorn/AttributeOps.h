@@ -23,7 +23,7 @@ template< class T >
 using Arg =
      std::conditional_t< std::is_trivially_copyable_v< T > && sizeof( T ) <= sizeof( void * ), T, T const & >;
 
-/// What a pointer points to; anything else is itself.
+/// What a counted pointer, or the pointer to a view, points to; anything else is itself.
 template< class T >
 struct Pointee {
    using Type = T;
@@ -31,6 +31,10 @@ struct Pointee {
 template< class T >
 struct Pointee< Ptr< T > > {
    using Type = std::remove_const_t< T >;
+};
+template< class T >
+struct Pointee< T const * > {
+   using Type = T;
 };
 
 /// The record of a type: of a class its `_vornType`, of an enumeration its own, else that of `BuiltinType`.
@@ -50,12 +54,15 @@ template< class Self >
 Self * selfOf( void * object ) {
    if constexpr ( std::is_base_of_v< PtrInterface, Self > ) {
       return static_cast< Self * >( static_cast< PtrInterface * >( object ) );
+   } else if constexpr ( std::is_base_of_v< NrcPtrInterface, Self > ) {
+      return static_cast< Self * >( static_cast< NrcPtrInterface * >( object ) );
    } else {
       return static_cast< Self * >( object );
    }
 }
 
-/// Puts a value into a result: a pointer to a counted object as `Ptr< PtrInterface >`.
+/// Puts a value into a result: a pointer to a counted object as `Ptr< PtrInterface >`, one to a view as that
+/// of its base.
 template< class T >
 void resultIs( void * result, T const & value ) {
    *static_cast< T * >( result ) = value;
@@ -64,6 +71,11 @@ template< class T >
 void resultIs( void * result, Ptr< T > const & value ) {
    *static_cast< Ptr< PtrInterface > * >( result ) =
         Ptr< PtrInterface >( const_cast< std::remove_const_t< T > * >( value.ptr() ) );
+}
+
+template< class T >
+void resultIs( void * result, T const * const & value ) {
+   *static_cast< NrcPtrInterface const ** >( result ) = value;
 }
 
 /// One argument of a call through reflection: a value, or a `Ptr< PtrInterface >` as the pointer that is
@@ -148,9 +160,9 @@ template< class Self, class T, T Self::*field, bool settable >
 inline constexpr VornAttrOps fieldOps{
    []( void * result, void * object, VornAttr const &, U32 op, void const *,
        void const * const * args ) -> U32 {
-      T & value = static_cast< Self * >( object )->*field;
+      T & value = selfOf< Self >( object )->*field;
       if ( op == GenericIf::read ) {
-         *static_cast< T * >( result ) = value;
+         resultIs( result, value );
       } else if ( op == GenericIf::place || ( settable && op == GenericIf::write ) ) {
          value = *static_cast< T const * >( args[0] );
       } else {
@@ -165,8 +177,8 @@ inline constexpr VornAttrOps fieldOps{
 /// result.
 template< class Self, auto function, class Signature = decltype( function ) >
 struct FunctionOps;
-template< class Self, auto function, class Result, class Class, class... Args >
-struct FunctionOps< Self, function, Result ( Class::* )( Args... ) > {
+template< class Self, auto function, class Result, class Class, class... Args, bool never >
+struct FunctionOps< Self, function, Result ( Class::* )( Args... ) noexcept( never ) > {
    static U32 op( void * result, void * object, VornAttr const &, U32 op, void const *,
                   void const * const * args ) {
       if ( op != GenericIf::write ) return GenericIf::notApplicable;
@@ -185,8 +197,8 @@ struct FunctionOps< Self, function, Result ( Class::* )( Args... ) > {
    using ResultType = Result;
    static constexpr VornAttrOps ops{ op, nullptr };
 };
-template< class Self, auto function, class Result, class Class, class... Args >
-struct FunctionOps< Self, function, Result ( Class::* )( Args... ) const >
+template< class Self, auto function, class Result, class Class, class... Args, bool never >
+struct FunctionOps< Self, function, Result ( Class::* )( Args... ) const noexcept( never ) >
      : FunctionOps< Self, function, Result ( Class::* )( Args... ) > {
    // The call through a const member pointer reads the same.
 };
@@ -241,13 +253,20 @@ template< class T >
 consteval U32 firstAttrId() {
    if constexpr ( requires { T::vornFirstId; } ) {
       return T::vornFirstId;
+   } else if constexpr ( std::is_base_of_v< PtrInterface, T > || std::is_base_of_v< NrcPtrInterface, T > ) {
+      if constexpr ( std::is_void_v< typename T::VornBase > ) {
+         return 0x102;
+      } else {
+         return firstAttrId< typename T::VornBase >() + 0x80;
+      }
    } else {
       return 0x2;
    }
 }
 
-/// Collects the attribute overloads of a type into its table, the base's rows first. Ids run without a gap:
-/// one that is left out, or given twice, does not compile.
+/// Collects the attributes of a type into its table, the base's rows first. They are the overloads of its
+/// attribute lines, whose ids run without a gap: one that is left out, or given twice, does not compile. A
+/// class that is written by hand has rows instead, which get their ids by position.
 template< class T >
 struct AttrTable {
    static constexpr U32 first = firstAttrId< T >();
@@ -258,7 +277,10 @@ struct AttrTable {
       T::vornAttr( AttrId< id >{} );
    };
 
+   static constexpr bool hasRows = requires { &T::vornRows; };
+
    static constexpr U32 count() {
+      if constexpr ( hasRows ) return U32( T::vornRows().size() );
       U32 num = 0;
       [&]< U32... i >( std::integer_sequence< U32, i... > ) {
          ( ( has< first + i > && num == i ? ++num : num ), ... );
@@ -273,7 +295,7 @@ struct AttrTable {
       ( std::make_integer_sequence< U32, window >{} );
    }
    static constexpr U32 own = count();
-   static_assert( own == declared(), "attribute ids must follow each other without a gap" );
+   static_assert( hasRows || own == declared(), "attribute ids must follow each other without a gap" );
 
    static constexpr U32 baseNum() {
       if constexpr ( requires { typename T::VornBase; } ) {
@@ -291,7 +313,12 @@ struct AttrTable {
             table[i] = AttrTable< typename T::VornBase >::table[i];
          }
       }
-      if constexpr ( own != 0 ) {
+      if constexpr ( hasRows ) {
+         for ( U32 i = 0; i < own; ++i ) {
+            table[baseNum() + i] = T::vornRows()[i];
+            table[baseNum() + i].flags |= first + i;
+         }
+      } else if constexpr ( own != 0 ) {
          [&]< U32... i >( std::integer_sequence< U32, i... > ) {
             ( ( table[baseNum() + i] = T::vornAttr( AttrId< first + i >{} ) ), ... );
          }

@@ -7,8 +7,8 @@
 ///     type.genericIfAttributeOp( hold.data(), object, attr, GenericIf::read, nullptr, nullptr );
 ///     cout << hold.stringValue();
 ///
-/// An object is passed by its address. Values are passed by pointers to them; an entity or counted object, as
-/// a result or an argument, is a `Ptr< PtrInterface >`.
+/// An object is passed by its address. Values are passed by pointers to them; as a result or an argument an
+/// entity or counted object is a `Ptr< PtrInterface >`, a view over a packet an `NrcPtrInterface const *`.
 #pragma once
 
 #include "Vorn/Exception.h"
@@ -33,7 +33,8 @@ struct GenericIfMethods {
    void const * ( *genericIfVoidPtrIs )( void const * value, VornType const * fromType,
                                          VornType const * toType );
    /// The strict reader: moves `it` behind what it has read.
-   void ( *sequenceTo )( String::IteratorConst & it, String::IteratorConst const & end, void * value );
+   void ( *sequenceTo )( String::IteratorConst & it, String::IteratorConst const & end, void * value,
+                         VornType const * type );
    bool ( *equal )( void const * a, void const * b );
    void ( *assign )( void * to, void const * from );
    /// The value's form in the attribute log; null for a type that has none.
@@ -150,9 +151,6 @@ VORN_API void * iterator( VornType const & type, void * object, VornAttr const &
                           GenericIf::IteratorVTable const ** vtable );
 /// `genericIfVoidPtrIs` of every type.
 VORN_API void const * voidPtrIs( void const * value, VornType const * fromType, VornType const * toType );
-
-/// Methods of everything that is passed as `Ptr< PtrInterface >`.
-VORN_API extern GenericIfMethods const ptrMethods;
 
 /// The text and log forms of a value by the fields of its record, in their order.
 VORN_API String recordToStrep( void const * value, VornType const & type );

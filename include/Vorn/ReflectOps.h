@@ -388,6 +388,18 @@ VORN_API Ptr< StreamAdapter > childAttrLogIs( VornType const * type, char const 
 /// Deletes the entity children that a type declares, with notification, in the order of its attributes.
 VORN_API void childrenDel( Entity & entity, VornType const & type );
 
+/// `genericIfIterator` of a type; null where nothing can be walked.
+template< class T >
+constexpr auto iteratorOf() -> decltype( VornType::genericIfIterator ) {
+   for ( VornAttr const & attr : AttrTable< T >::table ) {
+      if ( !attr.ops || !attr.ops->iterator ) continue;
+      return []( void * object, VornAttr const & attr, GenericIf::IteratorVTable const ** vtable ) {
+         return GenericIfImpl::iterator( T::_vornType, object, attr, vtable );
+      };
+   }
+   return nullptr;
+}
+
 /// The record of an entity type.
 template< class T >
 constexpr VornType entityRecord( char const * name ) {
@@ -396,7 +408,7 @@ constexpr VornType entityRecord( char const * name ) {
    type.base = &T::VornBase::_vornType;
    type.attributes = AttrTable< T >::attributes;
    type.ctorArgs = AttrTable< T >::ctorArgs;
-   type.methods = &GenericIfImpl::ptrMethods;
+   type.methods = &GenericIfImpl::GenericIfPtrInterfaceMethods< Entity >::vtable_;
    if constexpr ( requires { typename CtorTypes< T >; } ) {
       type.newEntityForAttrLog = newEntityFromLog< T >;
       type.genericIfConstructFromCtorArgs = []( Ptr< PtrInterface > * result, void const * const * args ) {
@@ -413,10 +425,7 @@ constexpr VornType entityRecord( char const * name ) {
                                    void const * key, void const * const * args ) {
       return GenericIfImpl::attributeOp( T::_vornType, result, object, attr, op, key, args );
    };
-   type.genericIfIterator = []( void * object, VornAttr const & attr,
-                                GenericIf::IteratorVTable const ** vtable ) {
-      return GenericIfImpl::iterator( T::_vornType, object, attr, vtable );
-   };
+   type.genericIfIterator = iteratorOf< T >();
    type.genericIfNotifiee = []( GenericIf::NotifieeConst & observer ) -> Ptr< PtrInterface > {
       return newObject< GenericIfNotifieeOf< T > >( observer );
    };

@@ -27,33 +27,34 @@
 namespace Vorn {
 
 /// Methods of a value type; what the type lacks (hash, text, log form) is refused when it is asked for.
-template< class T >
+template< class T, class Dummy = void >
 struct GenericIfValueMethods {
-   static void destruct( void * value ) { static_cast< T * >( value )->~T(); }
-   static void construct( void * value, void const * from ) {
+   static void genericIfDestruct( void * value ) { static_cast< T * >( value )->~T(); }
+   static void genericIfConstruct( void * value, void const * from ) {
       if ( from ) {
          new ( value ) T( *static_cast< T const * >( from ) );
       } else {
          new ( value ) T{};
       }
    }
-   static U32 hash( void const * value, VornType const * type ) {
+   static U32 genericIfHash( void const * value, VornType const * type ) {
       [[maybe_unused]] T const & v = *static_cast< T const * >( value );
       if constexpr ( requires { v.hash(); } ) {
          return U32( v.hash() );
-      } else if constexpr ( std::is_integral_v< T > || std::is_enum_v< T > ) {
+      } else if constexpr ( std::is_integral_v< T > ) {
          return VornHashBase< false >::hashU64( U64( v ) );
       } else {
          GenericIfImpl::throwUnhashableException( type );
       }
    }
-   static String strRep( void const * value, VornType const * ) {
+   static String genericIfStrRep( void const * value, VornType const * ) {
       return valueToStrep( *static_cast< T const * >( value ) );
    }
-   static void strepTo( void * value, String const & text, VornType const * ) {
+   static void genericIfStrepToValue( void * value, String const & text, VornType const * ) {
       strepToValue( text, static_cast< T * >( value ) );
    }
-   static void sequenceTo( String::IteratorConst & it, String::IteratorConst const & end, void * value ) {
+   static void sequenceTo( String::IteratorConst & it, String::IteratorConst const & end, void * value,
+                           VornType const * ) {
       sequenceToValue( it, end, static_cast< T * >( value ) );
    }
    static bool equal( void const * a, void const * b ) {
@@ -78,10 +79,50 @@ struct GenericIfValueMethods {
       }
    }
 
-   static constexpr GenericIfMethods vtable_{ destruct,   construct, hash,
-                                              strRep,     strepTo,   GenericIfImpl::voidPtrIs,
-                                              sequenceTo, equal,     assign,
-                                              logOutOf,   logInOf };
+   static constexpr GenericIfMethods vtable_{ genericIfDestruct,
+                                              genericIfConstruct,
+                                              genericIfHash,
+                                              genericIfStrRep,
+                                              genericIfStrepToValue,
+                                              GenericIfImpl::voidPtrIs,
+                                              sequenceTo,
+                                              equal,
+                                              assign,
+                                              logOutOf,
+                                              logInOf };
+};
+
+/// Methods of an enumeration, whatever its names: those of its word, with texts by the record.
+template< class Word >
+struct GenericIfEnumMethods : GenericIfValueMethods< Word > {
+   using Base = GenericIfValueMethods< Word >;
+
+   static String genericIfStrRep( void const * value, VornType const * type ) {
+      return EnumType< Word >::valueToStrep( *static_cast< Word const * >( value ), type );
+   }
+   static void genericIfStrepToValue( void * value, String const & text, VornType const * type ) {
+      auto it = text.begin();
+      Word read;
+      sequenceTo( it, text.end(), &read, type );
+      strepToValueEnd( text, it );
+      *static_cast< Word * >( value ) = read;
+   }
+   static void sequenceTo( String::IteratorConst & it, String::IteratorConst const & end, void * value,
+                           VornType const * type ) {
+      *static_cast< Word * >( value ) = EnumType< Word >::sequenceToValue( it, end, type );
+   }
+
+   static constexpr GenericIfMethods vtable_{ Base::genericIfDestruct,
+                                              Base::genericIfConstruct,
+                                              Base::genericIfHash,
+                                              genericIfStrRep,
+                                              genericIfStrepToValue,
+                                              GenericIfImpl::voidPtrIs,
+                                              sequenceTo,
+                                              Base::equal,
+                                              Base::assign,
+                                              Base::logOutOf,
+                                              Base::logInOf };
 };
 
 /// The record of a value type without a base. `attributes` may be null.
@@ -103,41 +144,17 @@ constexpr VornType valueRecord( char const * name, VornAttr const * attributes, 
    return type;
 }
 
-/// How reflection reaches a part of a composite whose class stays as it is.
-template< class T, class Get, class Set >
-struct OutsidePart {
-   using Part = std::remove_cvref_t< std::invoke_result_t< Get, T const & > >;
-
-   static constexpr VornAttrOps ops{
-      []( void * result, void * object, VornAttr const &, U32 op, void const *,
-          void const * const * args ) -> U32 {
-         T & value = *static_cast< T * >( object );
-         switch ( op ) {
-         case GenericIf::read: *static_cast< Part * >( result ) = Get{}( value ); return GenericIf::done;
-         case GenericIf::write:
-         case GenericIf::place:
-            Set{}( value, *static_cast< Part const * >( args[0] ) );
-            return GenericIf::done;
-         default: return GenericIf::notApplicable;
-         }
-      },
-      nullptr,
-   };
-};
-
-/// The attributes of such a composite, from the parts of its text form.
-template< class T, class... Get, class... Set >
-constexpr std::array< VornAttr, sizeof...( Get ) + 1 > outsideAttributes(
-     TextField< Get, Set > const &... fields ) {
-   U32 id = firstAttrId< T >();
-   return { VornAttr{ fields.name, recordOf< T >(), recordOf< typename OutsidePart< T, Get, Set >::Part >(),
-                      nullptr, nullptr, nullptr, attrFlags( VornKind::state, id++, local, false ),
-                      &OutsidePart< T, Get, Set >::ops }...,
-            VornAttr{} };
+/// The record of an enumeration.
+constexpr VornType enumRecord( char const * name, VornAttr const * enumerators, std::size_t num ) {
+   VornType type{};
+   type.name = name;
+   type.attributes = enumerators;
+   type.methods = &GenericIfEnumMethods< unsigned int >::vtable_;
+   type.sizeAndFlags = VornType::objectSizeFlag | U32( sizeof( unsigned int ) );
+   type.attributeNum = U32( num );
+   type.flags = VornType::plainFlags;
+   return type;
 }
-
-/// The constructor arguments of a type whose fields are all set afterwards.
-inline constexpr VornCtorArg noCtorArgs[1]{};
 
 /// The record of one enumerator.
 constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
@@ -159,18 +176,6 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
    template<>                                                                                                \
    constinit ::Vorn::VornType const ::Vorn::BuiltinType< Namespace::Type >::record =                         \
         ::Vorn::valueRecord< Namespace::Type >( #Namespace "::" #Type, nullptr, 0, nullptr );
-
-/// Defines the text forms and the attributes of a composite whose class stays as it is, from its parts in
-/// their order. Stands in the source file, in the type's namespace; the record stands behind it, outside.
-#define VORN_OUTSIDE_COMPOSITE( Namespace, Type, ... )                                                       \
-   VORN_TEXT_COMPOSITE( Namespace, Type, __VA_ARGS__ )                                                       \
-   static constexpr auto Type##_attributes = ::Vorn::outsideAttributes< Type >( __VA_ARGS__ );
-#define VORN_OUTSIDE_COMPOSITE_RECORD( Namespace, Type )                                                     \
-   template<>                                                                                                \
-   constinit ::Vorn::VornType const ::Vorn::BuiltinType< Namespace::Type >::record =                         \
-        ::Vorn::valueRecord< Namespace::Type >( #Namespace "::" #Type, Namespace::Type##_attributes.data(),  \
-                                                U32( Namespace::Type##_attributes.size() - 1 ),              \
-                                                ::Vorn::noCtorArgs );
 
 /// Stands first in a class that is a value type.
 #define VORN_VALUE( Type )                                                                                   \
@@ -292,8 +297,8 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
 #define VORN_ENUM_RECORD_NAMED( name, Type, LIST )                                                           \
    static constexpr ::Vorn::VornAttr Type##_enumerators[] = { LIST(                                          \
         VORN_ENUMERATOR_RECORD )::Vorn::VornAttr{} };                                                        \
-   constinit ::Vorn::VornType const Type##_vornType = ::Vorn::valueRecord< Type >(                           \
-        name, Type##_enumerators, U32( std::size( Type##_enumerators ) - 1 ), nullptr );                     \
+   constinit ::Vorn::VornType const Type##_vornType =                                                        \
+        ::Vorn::enumRecord( name, Type##_enumerators, std::size( Type##_enumerators ) - 1 );                 \
    ::Vorn::String valueToStrep( Type const & value ) {                                                       \
       return ::Vorn::EnumType< unsigned int >::valueToStrep( value, &Type##_vornType );                      \
    }                                                                                                         \

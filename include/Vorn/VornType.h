@@ -66,9 +66,13 @@ inline constexpr U64 keyAccess = 0x10ull << 40;
 /// Set in the access bits of a set of keys, which is reflected as a collection of `bool`.
 inline constexpr U64 setAccess = 0x20ull << 40;
 
+/// Set in the access bits of state that reflection may write.
+inline constexpr U64 writeAccess = 0x02ull << 40;
+
 /// The flag word of an attribute: kind (bits 63 to 48), access (47 to 40), slot (39 to 32), id (31 to 0).
 constexpr U64 attrFlags( VornKind kind, U32 id, VornReplication logged, bool keyed ) {
-   return U64( kind ) << 48 | U64( logged ) << 40 | U64( keyed ? 0x00 : 0xff ) << 32 | id;
+   return U64( kind ) << 48 | ( kind == VornKind::state ? writeAccess : 0 ) | U64( logged ) << 40 |
+          U64( keyed ? 0x00 : 0xff ) << 32 | id;
 }
 
 /// Description of one attribute or, in an enumeration's record, of one enumerator. A record with a null name
@@ -187,11 +191,28 @@ VORN_API VornType const BuiltinType< Name >::record;
 template<>
 VORN_API VornType const BuiltinType< void >::record;
 
+namespace GenericIfImpl {
+
+/// Methods of counted objects, which are passed as `Ptr< PtrInterface >` whatever class `T` they are of.
+template< class T >
+struct GenericIfPtrInterfaceMethods;
+template<>
+struct VORN_API GenericIfPtrInterfaceMethods< PtrInterface > {
+   static GenericIfMethods const vtable_;
+};
+template< class T >
+struct GenericIfPtrInterfaceMethods : GenericIfPtrInterfaceMethods< PtrInterface > {};
+/// Methods of views over foreign bytes, which are passed as `NrcPtrInterface const *`.
+VORN_API extern GenericIfMethods const viewMethods;
+
+} // namespace GenericIfImpl
+
 /// The record of a counted class without reflected attributes.
 constexpr VornType objectRecord( char const * name, VornType const * base, std::size_t size ) {
    VornType type{};
    type.name = name;
    type.base = base;
+   type.methods = &GenericIfImpl::GenericIfPtrInterfaceMethods< PtrInterface >::vtable_;
    type.sizeAndFlags = VornType::objectSizeFlag | U32( size );
    type.flags = VornType::plainFlags | VornType::polymorphicFlag;
    return type;
@@ -220,6 +241,24 @@ struct TypeModule {
 #define VORN_OUTSIDE_VALUE( Type )                                                                           \
    template<>                                                                                                \
    VORN_API ::Vorn::VornType const ::Vorn::BuiltinType< Type >::record;
+
+/// Stands first in a view over a packet or a value that is written by hand: it has a record, whose attributes
+/// a source file lists (AttributeRows.h). `Base` is the reflected class that it derives from, or void.
+#define VORN_REFLECTED( Type, Base )                                                                         \
+ public:                                                                                                     \
+   static ::Vorn::VornType const _vornType;                                                                  \
+   VORN_REFLECTED_( Type, Base )
+/// The same for a counted class.
+#define VORN_REFLECTED_OBJECT( Type, Base )                                                                  \
+   VORN_OBJECT( Type )                                                                                       \
+   VORN_REFLECTED_( Type, Base )
+#define VORN_REFLECTED_( Type, Base )                                                                        \
+ public:                                                                                                     \
+   using VornSelf = Type;                                                                                    \
+   using VornBase = Base;                                                                                    \
+   static constexpr auto vornRows();                                                                         \
+                                                                                                             \
+ private:
 
 /// Registers the records of the file's types when the library is loaded.
 #define VORN_MODULE( ... )                                                                                   \

@@ -66,7 +66,8 @@ class Writer {
    }
 
    std::string member( void const * value, VornAttr const & attr, std::string const & indent ) {
-      if ( attr.type->methods != &GenericIfImpl::ptrMethods ) return text( value, *attr.type );
+      if ( attr.type->methods != &GenericIfImpl::GenericIfPtrInterfaceMethods< PtrInterface >::vtable_ )
+         return text( value, *attr.type );
       auto const & object = *static_cast< Ptr< PtrInterface > const * >( value );
       auto * const target = static_cast< Entity * >( object.ptr() );
       if ( attr.instantiating() ) return target ? entity( *target, indent ) : "null";

@@ -88,6 +88,18 @@ std::vector< std::string > sampleTexts( VornType const & type ) {
       { "Ldp::LdpP2mpFecGenericOpaqueId", { "10.0.0.1_7", "2001:db8::1_4294967295" } },
       { "Ldp::LdpProtoParamSetting", { "2", "512" } },
       { "Ldp::LdpFecTlvP2mpOpaqueLength", { "7", "65535" } },
+      { "Ldp::LdpCommonSessionParamTlvAdField", { "7", "255" } },
+      { "Ldp::LdpStateBit", { "7", "255" } },
+      { "Ldp::LdpFecTlvElementHdrTypeField", { "7", "255" } },
+      { "Ldp::LdpPwIntfParamFlags",
+        { "Value('Ldp::LdpPwIntfParamFlags', ** {'intfMtu': True, 'intfDesc': False, 'requestedVlanId': "
+          "True, "
+          "'fragIndicator': False, 'vccvParam': True})",
+          "Value('Ldp::LdpPwIntfParamFlags', ** {'intfMtu': False, 'intfDesc': True, 'requestedVlanId': "
+          "False, "
+          "'fragIndicator': True, 'vccvParam': False})" } },
+      { "Lumo::NetU8", { "7", "255" } },
+      { "Lumo::Ip6Addr", { "2001:db8::1", "::1" } },
       { "Ldp::LdpGrOperationalFlag",
         { "Value('Ldp::LdpGrOperationalFlag', ** {'grFlagSpeaker': True, 'grFlagHelper': False})",
           "Value('Ldp::LdpGrOperationalFlag', ** {'grFlagSpeaker': True, 'grFlagHelper': True})" } },

@@ -57,6 +57,40 @@ TEST( ValueSweep, EveryValueReadsBackFromItsText ) {
    }
 }
 
+// These and no others: bit words are a number, identities a text of their own.
+TEST( ValueSweep, WhichValuesAreWrittenAsComposites ) {
+   std::set< std::string > const composites{ "LdpFecBindingInfo",
+                                             "LdpGrOperationalFlag",
+                                             "Via",
+                                             "LdpP2mpFecElement",
+                                             "LdpHdrMsgUbitAndTypeField",
+                                             "LdpTlvTypeField",
+                                             "LdpCommonHelloTargetField",
+                                             "LdpStatusTlvStatusCode",
+                                             "LdpGenLabelTlvLabel",
+                                             "LdpGenericLSPId",
+                                             "LdpMPBasicOpaqueValueElementHdr",
+                                             "LdpFtSessionFlags",
+                                             "LdpPwIntfParamFlags",
+                                             "LdpPwVccvParamField",
+                                             "LdpFecTlvPwIdElementHdrTypeField",
+                                             "LdpPwStatusField",
+                                             "LdpSessionState",
+                                             "LdpSessionStateLogEntry",
+                                             "LdpMsgIdFecMappingInfo",
+                                             "PwMsgIdFecMappingInfo",
+                                             "PwFwdEqvClassParams",
+                                             "PwFwdEqvClassInfo" };
+   std::set< std::string > found;
+   for ( VornType const * type : valueTypes() ) {
+      std::string const text = Value( type ).stringValue().charPtr();
+      if ( text.starts_with( std::string( "Value('" ) + type->name + "', ** {'" ) ) {
+         found.insert( std::string( type->name ).substr( 5 ) );
+      }
+   }
+   EXPECT_EQ( found, composites );
+}
+
 TEST( ValueSweep, EveryValueReadsBackFromItsOctets ) {
    namespace NboAttrLog = Vorn::NboAttrLog;
    auto const demuxer = Vorn::newObject< NboAttrLog::Demuxer >( Vorn::newObject< NboAttrLog::Out >() );

@@ -91,6 +91,10 @@ class Types(unittest.TestCase):
         self.assertEqual(types["Ldp::LdpAdjType"]["kind"], "enum")
         self.assertEqual(types["Ldp::LdpAdjType"]["enumerators"], {"LdpLinkAdj": 1, "LdpTargetAdj": 2})
         self.assertEqual(types["Ldp::LdpAdjId"]["kind"], "value")
+        hello = types["Ldp::LdpHelloMsgParser"]
+        self.assertEqual((hello["kind"], hello["base"], hello["ctor"]),
+                         ("object", "Ldp::LdpMsgParser", [["pkt", "Lumo::Pkt"], ["offset", "U32"]]))
+        self.assertEqual((types["Ldp::LdpTlvHdr"]["kind"], types["Ldp::LdpHopCountTlv"]["base"]), ("overlay", "Ldp::LdpTlvHdr"))
         coll = types["Ldp::LdpAdjStatusColl"]
         self.assertEqual(coll["ctor"], [["name", "Vorn::Name"]])
         self.assertTrue(coll["attributes"][-1]["instantiating"])

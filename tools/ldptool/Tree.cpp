@@ -130,7 +130,7 @@ std::string attributeText( Entity const & entity, VornAttr const & attr, void co
    }
    GenericIf::Value value( attr.type );
    attr.ops->op( value.data(), objectOf( entity ), attr, GenericIf::read, key, nullptr );
-   if ( attr.type->methods == &Vorn::GenericIfImpl::ptrMethods ) {
+   if ( attr.type->methods == &Vorn::GenericIfImpl::GenericIfPtrInterfaceMethods< Vorn::Entity >::vtable_ ) {
       auto const & object = *static_cast< Ptr< PtrInterface > const * >( value.data() );
       auto const * const child = dynamic_cast< Entity const * >( object.ptr() );
       return child ? text( child->fullName() ) : object ? object->fwkType()->name : "null";
