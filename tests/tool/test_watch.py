@@ -7,9 +7,9 @@ import re
 import shutil
 import struct
 import subprocess
-import tempfile
 import unittest
 
+import ldpcap
 from ldpcap import ACK, CAPTURES, FIN, RST, SYN, address, ether, hello, message, pcap, pdu, prefix, run, tcp, tlv, udp
 
 def capture(name):
@@ -20,10 +20,7 @@ def watch(source, *options):
     """source: the name of a capture, or frames."""
     if isinstance(source, str):
         return run("watch", *options, capture(source))
-    with tempfile.NamedTemporaryFile(suffix=".pcap") as file:
-        file.write(pcap(source))
-        file.flush()
-        return run("watch", *options, file.name)
+    return ldpcap.watch(pcap(source), *options)
 
 
 def watched(source):
@@ -177,10 +174,8 @@ class Captures(unittest.TestCase):
         frames = len(oracle.ends) - 1
         for cut in range(1, cuts + 1):
             number = frames * cut // cuts
-            with self.subTest(name=name, frames=number), tempfile.NamedTemporaryFile(suffix=".pcap") as file:
-                file.write(oracle.octets[: oracle.ends[number]])
-                file.flush()
-                speakers = states_of(run("watch", "--json", file.name))
+            with self.subTest(name=name, frames=number):
+                speakers = states_of(ldpcap.watch(oracle.octets[: oracle.ends[number]], "--json"))
                 expected = oracle.bindings(number)
                 for speaker, states in speakers.items():
                     own = last_octet(speaker)

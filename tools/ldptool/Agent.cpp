@@ -28,7 +28,7 @@ Addr addressOf( std::array< std::uint8_t, 16 > const & octets, std::uint8_t size
 // tables, restart, label allocation) is not to be seen in messages and stays null.
 Agent::Agent( Speaker & speaker ) : speaker_( speaker ) {
    Vorn::Name const unnamed;
-   Mpls::RouterId const router( Lumo::IpAddr( id().lsrId() ) );
+   Mpls::RouterId const router = routerOf( id() );
    auto const opaqueValues = speaker.opaqueValueTableIs( unnamed );
    status_ = speaker.ldpStatusCollIs( unnamed )->statusIs( defaultVrf() );
    Ldp::Status & status = *status_;

@@ -19,6 +19,11 @@ using Addr = Lumo::IpGenAddr;
 /// The address of that many octets at the beginning of those.
 Addr addressOf( std::array< std::uint8_t, 16 > const & octets, std::uint8_t size );
 
+/// The router that a speaker's identifier names.
+inline Mpls::RouterId routerOf( Ldp::LdpIdentifier const & id ) {
+   return Mpls::RouterId( Lumo::IpAddr( id.lsrId() ) );
+}
+
 class Agent;
 
 /// What a speaker has of its session with one peer.

@@ -58,6 +58,7 @@ void Monitor::onSessionMessage( Message const & message ) {
       receiverIs( message.as< LdpInitMsgParser >().msgSessionParamTlv()->recvLdpIdentifier() );
    if ( !received_ ) return;
    Exchange const exchange{ *sent_, *received_, parser, now_ };
+   sent_->agent.status().statistics()->messageIdIs( parser.msgId() );
    sent_->statistics->ldpMsgTxCountInc( type, 1 );
    received_->statistics->ldpMsgRxCountInc( type, 1 );
    if ( message.bad() ) {

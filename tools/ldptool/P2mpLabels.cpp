@@ -49,8 +49,6 @@ void membersChanged( SessionEnd & end, LdpP2mpFecState & state ) {
    end.agent.status().p2mpOpaqueTable()->delMembership( fec );
 }
 
-Mpls::RouterId routerOf( LdpIdentifier const & id ) { return Mpls::RouterId( Lumo::IpAddr( id.lsrId() ) ); }
-
 Vorn::Ptr< LdpP2mpFecSessionLocalState > localState( SessionEnd & end, Fec const & fec ) {
    auto const session =
         end.agent.status().p2mpFecSessionLocalStateColl()->p2mpFecSessionLocalStateColl( end.id );
@@ -148,8 +146,6 @@ void dropRemote( SessionEnd & end, Fec const & fec ) {
    state->remoteSessionMemberDel( end.id );
    membersChanged( end, *state );
 }
-
-bool names( AnyLabel label, MplsLabel present ) { return !label || *label == present; }
 
 /// A message about a FEC that each end knows by its own value.
 void apply( Exchange const & exchange, Fec const & senderFec, Fec const & receiverFec, AnyLabel label ) {

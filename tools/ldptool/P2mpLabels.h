@@ -3,7 +3,8 @@
 // What label messages show about point-to-multipoint FECs (RFC 6388). The downstream speaker sends its label
 // towards the root and has a local state of the FEC on that session; the upstream one has a remote state.
 
-#include "PrefixLabels.h"
+#include "Agent.h"
+#include "AnyLabel.h"
 
 #include "Ldp/LdpFecHdr.h"
 

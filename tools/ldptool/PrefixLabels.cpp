@@ -10,13 +10,16 @@ using Lumo::MplsLabel;
 
 namespace {
 
-Mpls::RouterId routerOf( LdpIdentifier const & id ) { return Mpls::RouterId( Lumo::IpAddr( id.lsrId() ) ); }
-
 /// One end of a session with its state of one FEC. The state is null where nothing was ever said.
 struct FecEnd {
    FecEnd( SessionEnd & e, Fec const & f ) : end( e ), fec( f ), model( e.agent.status() ) {
       state = model.ldpFecSessionStatusColl()->fecSessionStatus( id() );
-      if ( state ) config = model.ldpFecConfigColl()->fecConfig( fec );
+   }
+
+   /// Looked up only where something changes: most messages repeat what is known.
+   LdpFecConfig & config() {
+      if ( !config_ ) config_ = model.ldpFecConfigColl()->fecConfigIs( fec );
+      return *config_;
    }
 
    LdpFecSessionId id() const { return LdpFecSessionId( fec, end.id ); }
@@ -24,9 +27,8 @@ struct FecEnd {
    /// Makes the state if there is none.
    void create() {
       if ( state ) return;
-      config = model.ldpFecConfigColl()->fecConfigIs( fec );
-      config->membershipIs( fecMemberSessionSm, true );
-      config->sessionMemberIs( end.id, true );
+      config().membershipIs( fecMemberSessionSm, true );
+      config().sessionMemberIs( end.id, true );
       auto const coll = model.ldpFecSessionStatusColl();
       state = coll->fecSessionStatusIs( id() );
       coll->fecSessionStatusBySessionCollIs( end.id )->fecSessionStatusIs( id(), state );
@@ -55,7 +57,7 @@ struct FecEnd {
    static std::vector< MplsLabel > named( Labels const & labels, AnyLabel label ) {
       std::vector< MplsLabel > found;
       for ( auto const & node : labels )
-         if ( !label || node.key() == *label ) found.push_back( node.key() );
+         if ( names( label, node.key() ) ) found.push_back( node.key() );
       return found;
    }
    bool anyLocal( LdpLocalLabelState which ) const {
@@ -89,7 +91,9 @@ struct FecEnd {
    Fec const fec;
    Status & model;
    Vorn::Ptr< LdpFecSessionStatus > state;
-   Vorn::Ptr< LdpFecConfig > config; ///< null with the state
+
+ private:
+   Vorn::Ptr< LdpFecConfig > config_;
 };
 
 void FecEnd::mapSent( MplsLabel label ) {
@@ -97,8 +101,8 @@ void FecEnd::mapSent( MplsLabel label ) {
    if ( state->localLabelState( label ) == mappingSent ) return;
    state->localLabelStateIs( label, mappingSent );
    state->withdrawLabelDel( label );
-   config->mplsLabelSet()->mplsLabelIs( label, true );
-   config->advertisedTo()->ldpIdentifierIs( end.peer() );
+   config().mplsLabelSet()->mplsLabelIs( label, true );
+   config().advertisedTo()->ldpIdentifierIs( end.peer() );
    model.localLabelBindingTable()->labelBindingIs( fec, label );
    model.index()->labelToFecIs( label )->fecIs( fec );
    localWord( []( auto & word ) { word.localMappingSentIs( true ); } );
@@ -108,8 +112,8 @@ void FecEnd::mapRcvd( MplsLabel label ) {
    create();
    if ( state->peerLabelState( label ) == mappingRcvd ) return;
    state->peerLabelStateIs( label, mappingRcvd );
-   config->mappedLsrIs( end.peer(), true );
-   if ( config->downstreamLsr( end.peer() ) ) config->downstreamLsrMappingAvailIs( true );
+   config().mappedLsrIs( end.peer(), true );
+   if ( config().downstreamLsr( end.peer() ) ) config().downstreamLsrMappingAvailIs( true );
    model.peerLabelBindingTableColl()
         ->labelBindingTableIs( routerOf( end.peer() ) )
         ->labelBindingIs( fec, label );
@@ -162,18 +166,18 @@ void FecEnd::releaseRcvd( MplsLabel label ) {
 void FecEnd::localLabelGone( MplsLabel label ) {
    bool const sent = anyLocal( mappingSent );
    localWord( [&]( auto & word ) { word.localMappingSentIs( sent ); } );
-   if ( !sent ) config->advertisedTo()->ldpIdentifierDel( end.peer() );
-   for ( auto const & member : config->sessionMemberColl() ) {
+   if ( !sent ) config().advertisedTo()->ldpIdentifierDel( end.peer() );
+   for ( auto const & member : config().sessionMemberColl() ) {
       auto const other =
            model.ldpFecSessionStatusColl()->fecSessionStatus( LdpFecSessionId( fec, member.key() ) );
       if ( other && other->localLabelState( label ) == mappingSent ) return;
    }
-   config->mplsLabelSet()->mplsLabelDel( label );
+   config().mplsLabelSet()->mplsLabelDel( label );
    if ( auto const users = model.index()->labelToFec( label ) ) {
       users->fecDel( fec );
       if ( users->fecs() == 0 ) model.index()->labelToFecDel( label );
    }
-   auto const & left = config->mplsLabelSet()->mplsLabelColl();
+   auto const & left = config().mplsLabelSet()->mplsLabelColl();
    rebind( *model.localLabelBindingTable(), label,
            left.members() == 0 ? AnyLabel() : AnyLabel( ( *left.begin() ).key() ) );
 }
@@ -182,8 +186,8 @@ void FecEnd::peerLabelGone( MplsLabel label ) {
    bool const cached = anyPeer( mappingRcvd );
    peerWord( [&]( auto & word ) { word.peerLabelMappingCachedIs( cached ); } );
    if ( !cached ) {
-      config->mappedLsrDel( end.peer() );
-      if ( config->downstreamLsr( end.peer() ) ) config->downstreamLsrMappingAvailIs( false );
+      config().mappedLsrDel( end.peer() );
+      if ( config().downstreamLsr( end.peer() ) ) config().downstreamLsrMappingAvailIs( false );
    }
    AnyLabel left;
    for ( auto const & node : state->peerLabelStateColl() )
@@ -209,12 +213,13 @@ void FecEnd::drop() {
    if ( auto const view = coll->fecSessionStatusBySessionColl( end.id ) ) view->fecSessionStatusDel( id() );
    coll->fecSessionStatusDel( id() );
    state = nullptr;
-   config->sessionMemberDel( end.id );
-   config->sessionRxReqTimeDel( end.id );
-   config->downstreamLsrDel( end.peer() );
-   if ( config->sessionMembers() == 0 ) {
-      config->membershipDel( fecMemberSessionSm );
+   config().sessionMemberDel( end.id );
+   config().sessionRxReqTimeDel( end.id );
+   config().downstreamLsrDel( end.peer() );
+   if ( config().sessionMembers() == 0 ) {
+      config().membershipDel( fecMemberSessionSm );
       model.ldpFecConfigColl()->fecConfigDel( fec );
+      config_ = nullptr;
    }
 }
 
@@ -245,7 +250,7 @@ void onMapping( Exchange const & exchange, FecEnd & sender, FecEnd & receiver, M
 void onRequest( Exchange const & exchange, FecEnd & sender, FecEnd & receiver ) {
    U32 const msgId = exchange.message.msgId();
    sender.create();
-   sender.config->downstreamLsrIs( sender.end.peer(), true );
+   sender.config().downstreamLsrIs( sender.end.peer(), true );
    sender.state->isNexthopLsrIs( true );
    sender.state->localLabelRequestMsgIdIs( msgId );
    sender.state->msgIdReqMsgIs( msgId, true );
@@ -253,7 +258,7 @@ void onRequest( Exchange const & exchange, FecEnd & sender, FecEnd & receiver ) 
    sender.end.statistics->ldpMsgIdFecMappingInfoIs(
         msgId, LdpMsgIdFecMappingInfo( sender.fec, LdpLabelRequest, true ) );
    receiver.create();
-   receiver.config->sessionRxReqTimeIs( receiver.end.id, exchange.now );
+   receiver.config().sessionRxReqTimeIs( receiver.end.id, exchange.now );
    receiver.state->peerLabelRequestMsgIdIs( msgId );
    receiver.localWord( []( auto & word ) { word.peerReqMsgOutstandingIs( true ); } );
 }

@@ -4,15 +4,7 @@
 // labels it has, `LdpFecSessionStatus` what was said about it on one session (RFC 5036, 3.5.7 to 3.5.11).
 
 #include "Agent.h"
-
-#include <optional>
-
-namespace LdpTool {
-
-/// The label that a message names; none stands for all labels of its FEC.
-using AnyLabel = std::optional< Lumo::MplsLabel >;
-
-} // namespace LdpTool
+#include "AnyLabel.h"
 
 namespace LdpTool::PrefixLabels {
 

@@ -184,8 +184,6 @@ void onMapping( Exchange const & exchange, PwFwdEqvClassInfo const & fec, MplsLa
    negotiate( exchange.receiver, keyOf( exchange.receiver, fec.pwId() ) );
 }
 
-bool names( AnyLabel label, MplsLabel present ) { return !label || *label == present; }
-
 /// The speaker takes its label back; the pseudowire stays until the peer has released it.
 void withdrawSent( SessionEnd & end, Id const & id, AnyLabel label ) {
    auto const local = Local::statuses( end.agent.status() )->fecSessionStatus( id );

@@ -3,7 +3,8 @@
 // What messages show about pseudowires (RFC 8077). The sender of a mapping signals its own direction: a local
 // config and status with it, a remote config and status with its peer.
 
-#include "PrefixLabels.h"
+#include "Agent.h"
+#include "AnyLabel.h"
 
 #include "Ldp/LdpPwGenMsgParser.h"
 

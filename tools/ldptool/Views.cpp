@@ -103,9 +103,9 @@ bool lies( Lumo::IpGenPrefix const & prefix, Lumo::IpGenPrefix const & within ) 
 
 std::string hexText( std::string_view octets ) {
    std::string text;
-   for ( unsigned char octet : octets ) {
+   for ( char const octet : octets ) {
       char digits[3];
-      std::snprintf( digits, sizeof digits, "%02x", octet );
+      std::snprintf( digits, sizeof digits, "%02x", static_cast< unsigned char >( octet ) );
       text += digits;
    }
    return text;
