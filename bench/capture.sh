@@ -65,14 +65,18 @@ if command -v tshark >/dev/null; then
 else
    echo "capture.sh: no tshark to compare with (apt-get install tshark)" >&2
 fi
-ours() { # NAME CAPTURE FILE MESSAGES BASE OPTIONS...
+ours() { # COMMAND CAPTURE FILE MESSAGES BASE: COMMAND is that of ldptool with its options
    local seconds memory
-   read -r seconds memory < <(measure "$tool" decode "${@:6}" "$3")
-   row "$1" "$2" "$4" "$seconds" "$memory" "$5"
+   # shellcheck disable=SC2086 # the command is several words
+   read -r seconds memory < <(measure "$tool" $1 "$3")
+   row "ldptool $1" "$2" "$4" "$seconds" "$memory" "$5"
 }
-ours "ldptool decode" "$megabytes MB aligned" "$aligned" "$messages" "$base"
-ours "ldptool decode" "$half MB aligned" "$work/aligned-$half.pcap" "$half_messages" ""
-ours "ldptool decode" "$megabytes MB split" "$work/split-$megabytes.pcap" "$split_messages" ""
-ours "ldptool decode --stats" "$megabytes MB aligned" "$aligned" "$messages" "$base" --stats
-ours "ldptool decode --full" "$megabytes MB aligned" "$aligned" "$messages" "$base" --full
-ours "ldptool decode --json" "$megabytes MB aligned" "$aligned" "$messages" "$base" --json
+ours decode "$megabytes MB aligned" "$aligned" "$messages" "$base"
+ours decode "$half MB aligned" "$work/aligned-$half.pcap" "$half_messages" ""
+ours decode "$megabytes MB split" "$work/split-$megabytes.pcap" "$split_messages" ""
+ours "decode --stats" "$megabytes MB aligned" "$aligned" "$messages" "$base"
+ours "decode --full" "$megabytes MB aligned" "$aligned" "$messages" "$base"
+ours "decode --json" "$megabytes MB aligned" "$aligned" "$messages" "$base"
+ours "watch --neighbors" "$megabytes MB aligned" "$aligned" "$messages" "$base"
+ours "watch --neighbors" "$half MB aligned" "$work/aligned-$half.pcap" "$half_messages" ""
+ours "watch --replicate --check" "$megabytes MB aligned" "$aligned" "$messages" "$base"

@@ -29,7 +29,7 @@ VornAttr const * keyAttr( VornType const & type ) {
    return nullptr;
 }
 
-/// Calls `call( attr, child )` for each entity child until it returns true.
+/// Calls `call( child )` for each entity child until it returns true.
 template< class Call >
 bool anyChild( Entity const & entity, Call const & call ) {
    VornType const & type = *entity.fwkType();
@@ -39,12 +39,12 @@ bool anyChild( Entity const & entity, Call const & call ) {
       Ptr< PtrInterface > child;
       if ( !attr->keyed() ) {
          attr->ops->op( &child, object, *attr, GenericIf::read, nullptr, nullptr );
-         if ( child && call( *attr, static_cast< Entity & >( *child ) ) ) return true;
+         if ( child && call( static_cast< Entity & >( *child ) ) ) return true;
          continue;
       }
       for ( GenericIf::Iterator it( object, *attr ); it; it.advance() ) {
          it.object( &child );
-         if ( call( *attr, static_cast< Entity & >( *child ) ) ) return true;
+         if ( call( static_cast< Entity & >( *child ) ) ) return true;
       }
    }
    return false;
@@ -97,21 +97,35 @@ Name Entity::fullName() const {
    return Name( std::string_view( path ) );
 }
 
+// A collection is asked for the entity's key, so that the answer does not take longer among many siblings.
 String Entity::parentAttrName() const {
-   String name;
-   if ( parent_ ) {
-      anyChild( *parent_, [&]( VornAttr const & attr, Entity & child ) {
-         if ( &child != this ) return false;
-         name = attr.name;
-         return true;
-      } );
+   if ( !parent_ ) return {};
+   auto const objectOf = []( Entity const & entity ) {
+      return const_cast< PtrInterface * >( static_cast< PtrInterface const * >( &entity ) );
+   };
+   VornAttr const * const ownKey = keyAttr( *fwkType() );
+   for ( VornAttr const * attr = parent_->fwkType()->attributes; attr->name; ++attr ) {
+      if ( !attr->instantiating() ) continue;
+      Ptr< PtrInterface > child;
+      if ( !attr->keyed() ) {
+         attr->ops->op( &child, objectOf( *parent_ ), *attr, GenericIf::read, nullptr, nullptr );
+      } else if ( !ownKey ) {
+         Name const key = name();
+         if ( attr->keyType != recordOf< Name >() ) continue;
+         attr->ops->op( &child, objectOf( *parent_ ), *attr, GenericIf::read, &key, nullptr );
+      } else if ( attr->keyType == ownKey->type ) {
+         GenericIf::Value key( ownKey->type );
+         ownKey->ops->op( key.data(), objectOf( *this ), *ownKey, GenericIf::read, nullptr, nullptr );
+         attr->ops->op( &child, objectOf( *parent_ ), *attr, GenericIf::read, key.data(), nullptr );
+      }
+      if ( child.ptr() == static_cast< PtrInterface const * >( this ) ) return attr->name;
    }
-   return name;
+   return {};
 }
 
 Ptr< Entity > Entity::entity( String const & childName ) const {
    Ptr< Entity > found;
-   anyChild( *this, [&]( VornAttr const &, Entity & child ) {
+   anyChild( *this, [&]( Entity & child ) {
       if ( !( child.nameText() == childName ) ) return false;
       found = &child;
       return true;

@@ -148,12 +148,20 @@ def run(*arguments, stdin=b""):
     return Result(subprocess.run([LDPTOOL, *arguments], input=stdin, capture_output=True, timeout=120))
 
 
-def decode(capture, *options):
-    """Decode a capture (octets) from a file."""
+def on_file(command, capture, *options):
+    """Run a command on a capture (octets) in a file."""
     with tempfile.NamedTemporaryFile(suffix=".pcap") as file:
         file.write(capture)
         file.flush()
-        return run("decode", *options, file.name)
+        return run(command, *options, file.name)
+
+
+def decode(capture, *options):
+    return on_file("decode", capture, *options)
+
+
+def watch(capture, *options):
+    return on_file("watch", capture, *options)
 
 
 def decode_hex(packets, *options):

@@ -35,6 +35,12 @@ class Garbage(unittest.TestCase):
             self.assertIn(result.status, (0, 1, 2), result.err)
             if form == ["--json"]:
                 result.objects
+        # Whatever it makes of them, the copy in another process is the same.
+        views = ("--neighbors", "--bindings", "--pseudowires", "--dot")
+        result = watch(capture, "--replicate", "--check", *views)
+        self.assertIn(result.status, (0, 2), result.err)
+        if result.status == 0:
+            self.assertTrue(result.out.endswith("the replica agrees\n"), result.out[-200:])
 
     def test_damaged_captures(self):
         for path in sorted(glob.glob(os.path.join(CAPTURES, "*.pcap"))):

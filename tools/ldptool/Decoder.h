@@ -22,6 +22,7 @@ class Decoder : public PduSink {
 
    void onPdu( Origin const & origin, Octets octets ) override;
    void onGap( Origin const & origin, Gap const & gap ) override;
+   void onClose( Origin const & origin ) override { reporter_.onClose( origin ); }
    void onWarning( Origin const & origin, std::string const & text ) override;
    void onIdle() override;
 

@@ -1,29 +1,26 @@
 #pragma once
 
-// What a passive monitor keeps of the speakers that it hears.
+// What a passive monitor keeps of the speakers that it hears: of each the same state that the speaker itself
+// would keep, as far as the capture shows it.
 
-#include "Ldp/LdpAdj.h"
-#include "Ldp/LdpPeer.h"
-#include "Ldp/LdpSession.h"
+#include "Ldp/LdpStatus.h"
 
 namespace LdpTool {
 
-/// One speaker: what it hears of its neighbours, as far as the capture shows it.
+/// One speaker.
 class Speaker : public Vorn::Entity {
    VORN_ENTITY( Speaker, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( AdjStatusColl ); VORN_ON( PeerConfigColl ); VORN_ON( SessionStatusColl ); )
+   VORN_NOTIFIEE( VORN_ON( OpaqueValueTable ); VORN_ON( LdpStatusColl ); )
 
  public:
-   explicit Speaker( Ldp::LdpIdentifier const & ldpIdentifier );
+   explicit Speaker( Ldp::LdpIdentifier const & ldpIdentifier ) : ldpIdentifier_( ldpIdentifier ) {}
    ~Speaker() override;
 
    VORN_KEY( 0x102, Ldp::LdpIdentifier, ldpIdentifier );
-   /// Neighbours whose hellos it can hear.
-   VORN_CHILD( 0x103, Ldp::LdpAdjStatusColl, adjStatusColl, AdjStatusColl, replicated );
-   /// Neighbours with at least one adjacency.
-   VORN_CHILD( 0x104, Ldp::LdpPeerConfigColl, peerConfigColl, PeerConfigColl, replicated );
-   /// Its sessions; "peer" in them is the other end.
-   VORN_CHILD( 0x105, Ldp::LdpSessionStatusColl, sessionStatusColl, SessionStatusColl, replicated );
+   /// Opaque values of P2MP FECs, to which the opaque table of the state below refers.
+   VORN_CHILD( 0x103, Mpls::MldpOpaqueValueTable, opaqueValueTable, OpaqueValueTable, replicated );
+   /// State by VRF. A capture names none: all that it shows stands in the VRF "default".
+   VORN_CHILD( 0x104, Ldp::LdpStatusColl, ldpStatusColl, LdpStatusColl, replicated );
 };
 
 /// All speakers heard.

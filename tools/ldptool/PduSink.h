@@ -43,6 +43,10 @@ class PduSink {
    /// Before the next PDU of this flow some octets were passed over.
    virtual void onGap( Origin const & origin, Gap const & gap ) = 0;
 
+   /// The connection of this flow has ended, by FIN or RST or because another one has begun between its
+   /// ports.
+   virtual void onClose( Origin const & ) {}
+
    /// Anything else about the input that the user should be told.
    virtual void onWarning( Origin const & origin, std::string const & text ) = 0;
 

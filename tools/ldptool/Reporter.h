@@ -50,6 +50,8 @@ class Reporter {
    virtual void onBadPdu( Pdu const & ) = 0;
    /// A PDU that must not be parsed.
    virtual void onFatalPdu( Pdu const &, Ldp::LdpPduGuardResult const & ) = 0;
+   /// The TCP connection has ended.
+   virtual void onClose( Origin const & ) {}
 };
 
 } // namespace LdpTool

@@ -35,7 +35,10 @@ void Streams::take( Segment const & segment, Arrival const & arrival ) {
    std::uint32_t const sequence = segment.sequence + segment.syn; // a SYN takes a number before the payload
    if ( !segment.payload.empty() || segment.missing ) takePayload( here, sequence, segment );
    if ( here.waiting && holeIsLost( here ) ) passHole( here );
-   if ( segment.rst || ( segment.fin && !here.waiting ) ) close( here );
+   if ( segment.rst || ( segment.fin && !here.waiting ) ) {
+      close( here );
+      sink_.onClose( { here.last, &here.flow } );
+   }
    if ( segment.rst ) {
       if ( auto const back = byFlow_.find( segment.flow.reversed() ); back != byFlow_.end() )
          close( *back->second );
@@ -70,6 +73,7 @@ Streams::Direction & Streams::direction( Segment const & segment, Arrival const 
    bool const another = segment.syn ? sequence != known.first : ahead > farAway || ahead < -farAway;
    if ( another && !segment.rst ) {
       close( known );
+      sink_.onClose( { known.last, &known.flow } );
       known.first = known.next = known.acknowledged = sequence;
       known.framer = Framer( segment.syn );
    }

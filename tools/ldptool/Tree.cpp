@@ -99,6 +99,23 @@ Ptr< Entity > childOf( Entity const & entity, VornAttr const & attr ) {
    return Ptr< Entity >( static_cast< Entity * >( child.ptr() ) );
 }
 
+/// The attribute as text: of a collection the member at `key`, "-" where there is none.
+std::string attributeText( Entity const & entity, VornAttr const & attr, void const * key ) {
+   if ( key ) {
+      bool has = false;
+      attr.ops->op( &has, objectOf( entity ), attr, GenericIf::has, key, nullptr );
+      if ( !has ) return "-";
+   }
+   GenericIf::Value value( attr.type );
+   attr.ops->op( value.data(), objectOf( entity ), attr, GenericIf::read, key, nullptr );
+   if ( attr.type->methods == &Vorn::GenericIfImpl::GenericIfPtrInterfaceMethods< Vorn::Entity >::vtable_ ) {
+      auto const & object = *static_cast< Ptr< PtrInterface > const * >( value.data() );
+      auto const * const child = dynamic_cast< Entity const * >( object.ptr() );
+      return child ? text( child->fullName() ) : object ? object->fwkType()->name : "null";
+   }
+   return text( value.stringValue() );
+}
+
 void appendText( std::string & out, Entity const & entity, TreeContent content, std::size_t indent ) {
    std::string const blanks( indent, ' ' );
    for ( VornAttr const * attr = entity.fwkType()->attributes; attr->name; ++attr ) {
@@ -121,22 +138,6 @@ void appendText( std::string & out, Entity const & entity, TreeContent content, 
 }
 
 } // namespace
-
-std::string attributeText( Entity const & entity, VornAttr const & attr, void const * key ) {
-   if ( key ) {
-      bool has = false;
-      attr.ops->op( &has, objectOf( entity ), attr, GenericIf::has, key, nullptr );
-      if ( !has ) return "-";
-   }
-   GenericIf::Value value( attr.type );
-   attr.ops->op( value.data(), objectOf( entity ), attr, GenericIf::read, key, nullptr );
-   if ( attr.type->methods == &Vorn::GenericIfImpl::GenericIfPtrInterfaceMethods< Vorn::Entity >::vtable_ ) {
-      auto const & object = *static_cast< Ptr< PtrInterface > const * >( value.data() );
-      auto const * const child = dynamic_cast< Entity const * >( object.ptr() );
-      return child ? text( child->fullName() ) : object ? object->fwkType()->name : "null";
-   }
-   return text( value.stringValue() );
-}
 
 std::string treeText( Entity const & entity, TreeContent content ) {
    std::string out = text( entity.nameText() ) + "\n";
@@ -166,11 +167,8 @@ ordered_json treeJson( Entity const & entity, TreeContent content ) {
 /// One entity that is watched: a generic observer bound to it.
 class TreeWatcher::Watch : public GenericIf::NotifieeConst {
  public:
-   Watch( Watches & all, Entity & entity );
+   Watch( Watches & all, Entity & entity, std::string path );
    ~Watch() override;
-
-   /// Whether the entity is still there.
-   bool bound() const { return notifiee().notifier(); }
 
    void onRawAttribute( U32 attributeId ) override { tell( attributeId, nullptr ); }
    void onRawAttribute( U32 attributeId, void const * key, bool ) override { tell( attributeId, key ); }
@@ -183,6 +181,7 @@ class TreeWatcher::Watch : public GenericIf::NotifieeConst {
 
    Watches & all_;
    Entity & entity_;
+   std::string const path_;
    Ptr< PtrInterface > bound_;
 };
 
@@ -190,24 +189,25 @@ struct TreeWatcher::Watches {
    OnChange onChange;
    std::unordered_map< Entity const *, std::unique_ptr< Watch > > byEntity;
 
-   void add( Entity & entity ) {
-      auto & watch = byEntity[&entity];
-      // An entity that went leaves its watch behind, and another may come to stand at its address.
-      if ( !watch || !watch->bound() ) watch = std::make_unique< Watch >( *this, entity );
+   // An entity that went leaves its watch behind, and another may come to stand at its address: it gets a
+   // watch of its own.
+   void add( Entity & entity, std::string const & path ) {
+      byEntity[&entity] = std::make_unique< Watch >( *this, entity, path );
       for ( VornAttr const * attr = entity.fwkType()->attributes; attr->name; ++attr ) {
          if ( !attr->instantiating() ) continue;
          if ( attr->keyed() ) {
             for ( auto const & [key, member] : membersOf( entity, *attr ) )
-               add( *member.entity );
+               add( *member.entity, path + "/" + attr->name + "[" + key + "]" );
          } else if ( auto const child = childOf( entity, *attr ) ) {
-            add( *child );
+            add( *child, path + "/" + attr->name );
          }
       }
    }
 };
 
-TreeWatcher::Watch::Watch( Watches & all, Entity & entity )
-     : all_( all ), entity_( entity ), bound_( entity.fwkType()->genericIfNotifiee( *this ) ) {
+TreeWatcher::Watch::Watch( Watches & all, Entity & entity, std::string path )
+     : all_( all ), entity_( entity ), path_( std::move( path ) ),
+       bound_( entity.fwkType()->genericIfNotifiee( *this ) ) {
    notifiee().isRegisteredNotifieeIs( true );
    notifiee().notifierIs( Ptr< PtrInterface const >( &entity ) );
    notifiee().isWeakReferenceIs( true );
@@ -217,22 +217,25 @@ TreeWatcher::Watch::~Watch() { notifiee().notifierIs( nullptr ); }
 
 void TreeWatcher::Watch::tell( U32 attributeId, void const * key ) {
    VornAttr const * const attr = entity_.fwkType()->attribute( attributeId );
-   std::string keyText;
+   std::string attribute = attr->name;
    if ( key ) {
       GenericIf::Value const value( attr->keyType, key );
-      keyText = text( value.stringValue() );
+      attribute += "[" + text( value.stringValue() ) + "]";
    }
-   all_.onChange( entity_, *attr, key, keyText );
-   if ( !attr->instantiating() ) return;
+   if ( !attr->instantiating() ) {
+      all_.onChange( { path_, attribute, attributeText( entity_, *attr, key ) } );
+      return;
+   }
    // A new child is watched from here on.
    Ptr< PtrInterface > child;
    attr->ops->op( &child, objectOf( entity_ ), *attr, GenericIf::read, key, nullptr );
-   if ( child ) all_.add( static_cast< Entity & >( *child ) );
+   all_.onChange( { path_, attribute, child ? "made" : "-" } );
+   if ( child ) all_.add( static_cast< Entity & >( *child ), path_ + "/" + attribute );
 }
 
 TreeWatcher::TreeWatcher( Entity & root, OnChange onChange ) : watches_( std::make_unique< Watches >() ) {
    watches_->onChange = std::move( onChange );
-   watches_->add( root );
+   watches_->add( root, text( root.nameText() ) );
 }
 
 TreeWatcher::~TreeWatcher() = default;

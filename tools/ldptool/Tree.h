@@ -7,6 +7,7 @@
 #include <nlohmann/json_fwd.hpp>
 
 #include <functional>
+#include <memory>
 #include <string>
 
 namespace LdpTool {
@@ -23,13 +24,18 @@ std::string treeText( Vorn::Entity const & entity, TreeContent content );
 /// The same as JSON: attributes by name; collections as objects by the keys' texts, sets as lists.
 nlohmann::ordered_json treeJson( Vorn::Entity const & entity, TreeContent content );
 
+/// A change of an attribute, in words.
+struct TreeChange {
+   std::string const & path; ///< of the entity, from the root
+   std::string attribute;    ///< its name, with the key where there is one
+   std::string value;        ///< what it is now; "-" for a member or child that went
+};
+
 /// Tells every change of an entity and of all below it, children that come later included, for as long as it
 /// lives.
 class TreeWatcher {
  public:
-   /// Called behind each change with the entity, the attribute, and the key and its text where there is one.
-   using OnChange = std::function< void( Vorn::Entity const & entity, Vorn::VornAttr const & attr,
-                                         void const * key, std::string const & keyText ) >;
+   using OnChange = std::function< void( TreeChange const & ) >;
 
    TreeWatcher( Vorn::Entity & root, OnChange onChange );
    ~TreeWatcher();
@@ -39,8 +45,5 @@ class TreeWatcher {
    struct Watches;
    std::unique_ptr< Watches > watches_;
 };
-
-/// The attribute as text: of a collection the member at `key`, "-" where there is none.
-std::string attributeText( Vorn::Entity const & entity, Vorn::VornAttr const & attr, void const * key );
 
 } // namespace LdpTool

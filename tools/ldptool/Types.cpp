@@ -130,7 +130,7 @@ int typesCommand( TypesOptions const & options ) {
       found = true;
    }
    if ( found ) return exitGood;
-   std::cerr << "ldptool types: no type matches " << options.pattern << '\n';
+   std::cerr << "ldptool: no type matches " << options.pattern << '\n';
    return exitUsage;
 }
 

@@ -6,6 +6,7 @@
 #include "Monitor.h"
 #include "Replica.h"
 #include "Tree.h"
+#include "Views.h"
 #include "Words.h"
 
 #include <CLI/CLI.hpp>
@@ -21,8 +22,11 @@ namespace {
 
 constexpr char const * examples = R"(
 Examples:
-  ldptool watch session.pcap                        speakers, adjacencies and sessions at the end
+  ldptool watch session.pcap                        all that is known of each speaker at the end
   ldptool watch --json session.pcap | jq .speaker   the same for programs
+  ldptool watch --neighbors session.pcap            the neighbours of each speaker, as a router shows them
+  ldptool watch --bindings=10.0.0.0/8 session.pcap  the labels of the FECs within a prefix
+  ldptool watch --dot session.pcap | dot -Tsvg      a picture of the network
   ldptool watch --follow -i eth0                    each change as it comes
   ldptool watch --replicate --check session.pcap    a second process agrees on all that is replicated
 
@@ -34,6 +38,10 @@ struct WatchOptions {
    std::string interface;
    bool json = false;
    bool tree = false;
+   bool neighbors = false;
+   std::optional< std::string > bindings; // a prefix, or "all"
+   bool pseudowires = false;
+   bool dot = false;
    bool follow = false;
    bool replicate = false;
    bool check = false;
@@ -62,6 +70,28 @@ void printTree( Output & out, Network const & network, WatchOptions const & opti
    }
 }
 
+std::optional< Lumo::IpGenPrefix > prefixOf( std::string const & text ) {
+   if ( text == "all" ) return {};
+   try {
+      Lumo::IpGenPrefix prefix;
+      Vorn::strepToValue( text.c_str(), &prefix );
+      return prefix;
+   } catch ( Vorn::RangeException const & ) {
+      throw CLI::ValidationError( "--bindings", text + " is not a prefix" );
+   }
+}
+
+/// The views that were asked for; the tree if nothing was.
+void printViews( Output & out, Network const & network, WatchOptions const & options, double now ) {
+   bool const others = options.follow || options.check || options.neighbors || options.bindings ||
+                       options.pseudowires || options.dot;
+   if ( !others || options.tree || options.json ) printTree( out, network, options );
+   if ( options.neighbors ) printNeighbors( out, network, now );
+   if ( options.bindings ) printBindings( out, network, prefixOf( *options.bindings ) );
+   if ( options.pseudowires ) printPseudowires( out, network );
+   if ( options.dot ) printDot( out, network );
+}
+
 int watch( WatchOptions const & options ) {
    try {
       Output out( stdout );
@@ -71,12 +101,9 @@ int watch( WatchOptions const & options ) {
       if ( options.replicate ) replica = std::make_unique< Replica >( *network );
       std::optional< TreeWatcher > watcher;
       if ( options.follow ) {
-         watcher.emplace( *network, [&]( Vorn::Entity const & entity, Vorn::VornAttr const & attr,
-                                         void const * key, std::string const & keyText ) {
-            out << timeText( monitor.arrival() ) << ' ' << std::string( entity.fullName().view() ) << ' '
-                << attr.name;
-            if ( key ) out << '[' << keyText << ']';
-            out << " = " << attributeText( entity, attr, key ) << '\n';
+         watcher.emplace( *network, [&]( TreeChange const & change ) {
+            out << timeText( monitor.arrival() ) << ' ' << change.path << ' ' << change.attribute << " = "
+                << change.value << '\n';
          } );
       }
       WatchSink sink( monitor, out, replica.get() );
@@ -89,8 +116,7 @@ int watch( WatchOptions const & options ) {
          failure = error.what();
       }
       watcher.reset();
-      bool const changesOrVerdict = options.follow || options.check;
-      if ( !changesOrVerdict || options.tree || options.json ) printTree( out, *network, options );
+      printViews( out, *network, options, monitor.now() );
       int result = exitGood;
       if ( replica ) {
          std::string const copy = replica->finish( options.json );
@@ -125,6 +151,12 @@ void addWatchCommand( CLI::App & app ) {
         ->type_name( "IFACE" );
    auto * const tree = command.add_flag( "--tree", options->tree, "print the tree at the end (the default)" );
    command.add_flag( "--json", options->json, "print the tree as JSON" )->excludes( tree );
+   command.add_flag( "--neighbors", options->neighbors,
+                     "print a table of neighbours: adjacencies, sessions" );
+   command.add_flag( "--bindings{all}", options->bindings,
+                     "print a table of label bindings; =PREFIX limits it" );
+   command.add_flag( "--pseudowires", options->pseudowires, "print a table of pseudowires" );
+   command.add_flag( "--dot", options->dot, "print speakers, adjacencies and sessions as a graph for dot" );
    command.add_flag( "--follow", options->follow, "print each change as it comes" );
    auto * const replicate = command.add_flag( "--replicate", options->replicate,
                                               "keep a copy in a second process, fed by the attribute log" );
@@ -134,6 +166,7 @@ void addWatchCommand( CLI::App & app ) {
    command.callback( [options] {
       if ( options->file.empty() == options->interface.empty() )
          throw CLI::ValidationError( "watch", "needs one of FILE and -i IFACE" );
+      if ( options->bindings ) prefixOf( *options->bindings ); // wrong ones are told at once
       throw CLI::RuntimeError( watch( *options ) );
    } );
 }
