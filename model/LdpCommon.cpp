@@ -1,8 +1,11 @@
 #include "Ldp/LdpCommon.h"
 
+#include "Vorn/AttributeRows.h"
+
 namespace Ldp {
 
-VORN_OBJECT_RECORD( Ldp, LdpMsg, nullptr )
+VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpMsg, &ldpMsgFactory, ctor( ldpIdentifier ), state( srcIpAddr ),
+                              ctor( pkt ), ctor( offset ), state( priority ) )
 VORN_RECORD( Ldp, LdpMsgPipe )
 VORN_RECORD( Ldp, LdpFecSessionMsgPipe )
 VORN_RECORD( Ldp, LdpP2mpSessionLocalLabelMsgPipe )

@@ -13,7 +13,7 @@ namespace Ldp {
 
 /// One received message, not parsed: the packet and where the message begins in it, as the parsers want it.
 class VORN_API LdpMsg : public Vorn::PtrInterface {
-   VORN_OBJECT( LdpMsg )
+   VORN_REFLECTED_OBJECT( LdpMsg, void )
 
  public:
    LdpMsg( LdpIdentifier const & ldpIdentifier, Vorn::Ptr< Lumo::Pkt > const & pkt, U16 offset )
