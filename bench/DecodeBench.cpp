@@ -3,18 +3,11 @@
 
 #include "BenchRing.h"
 #include "Ldp/LdpUtils.h"
+#include "MallocCount.h"
 #include "Vorn/Memory.h"
 
 #include <benchmark/benchmark.h>
 #include <vector>
-
-// How often anybody in the process asked malloc.
-static U64 mallocCalls = 0;
-extern "C" void * __libc_malloc( std::size_t size );
-extern "C" void * malloc( std::size_t size ) {
-   ++mallocCalls;
-   return __libc_malloc( size );
-}
 
 namespace {
 

@@ -62,7 +62,7 @@ U16 Entity::vornNextOffset() noexcept {
 }
 
 void Entity::zeroReferencesIs( bool zero ) {
-   if ( zero ) notifieeList_.doVisitZeroReferences();
+   if ( zero && observed() ) notifieeList_.doVisitZeroReferences( *this );
 }
 
 void Entity::nameIsFromBackup( Name const & ) {}
@@ -150,15 +150,8 @@ void childrenDel( Entity & entity, VornType const & type ) {
    void * const object = static_cast< PtrInterface * >( &entity );
    for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
       if ( !attr->instantiating() || attr->owner != &type ) continue;
-      if ( !attr->keyed() ) {
-         attr->ops->op( nullptr, object, *attr, GenericIf::del, nullptr, nullptr );
-         continue;
-      }
-      for ( GenericIf::Iterator it( object, *attr ); it; it.advance() ) {
-         GenericIf::Value key( attr->keyType );
-         it.key( key.data() );
-         attr->ops->op( nullptr, object, *attr, GenericIf::del, key.data(), nullptr );
-      }
+      attr->ops->op( nullptr, object, *attr, attr->keyed() ? GenericIf::delAll : GenericIf::del, nullptr,
+                     nullptr );
    }
 }
 

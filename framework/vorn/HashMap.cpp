@@ -10,17 +10,16 @@ HashMapGeneric::~HashMapGeneric() {
    std::free( buckets_ );
 }
 
-bool HashMapGeneric::before( Entity const & a, Entity const & b ) const {
-   U32 const hashA = bitReverse( vtable_->hash( a ) );
-   U32 const hashB = bitReverse( vtable_->hash( b ) );
-   return hashA != hashB ? hashA < hashB : vtable_->keyLessThan( nullptr, b, &a );
+bool HashMapGeneric::before( Entity const & a, U32 hashOfA, Entity const & b, U32 hashOfB ) const {
+   return hashOfA != hashOfB ? bitReverse( hashOfA ) < bitReverse( hashOfB )
+                             : vtable_->keyLessThan( nullptr, b, &a );
 }
 
-void HashMapGeneric::newMemberG( Entity & member ) {
+void HashMapGeneric::newMemberG( Entity & member, U32 hash ) {
    if ( !buckets_ || memberCount_ >= 2 * buckets() ) grow();
-   Entity ** link = &buckets_[bucketOf( vtable_->hash( member ) )];
+   Entity ** link = &buckets_[bucketOf( hash )];
    Entity * previous = nullptr;
-   while ( *link && before( **link, member ) ) {
+   while ( *link && before( **link, vtable_->hash( **link ), member, hash ) ) {
       previous = *link;
       link = &next( *previous );
    }
@@ -35,10 +34,10 @@ void HashMapGeneric::newMemberG( Entity & member ) {
    ++modificationCount_;
 }
 
-void HashMapGeneric::deleteMember( Entity & member ) {
+void HashMapGeneric::deleteMember( Entity & member, U32 hash ) {
    Ptr< Entity > const hold( &member );
    VORN_ASSERT_TEXT( buckets_, "the member is in the map" );
-   Entity ** const head = &buckets_[bucketOf( vtable_->hash( member ) )];
+   Entity ** const head = &buckets_[bucketOf( hash )];
    Ptr< Entity > const behind( next( member ) );
    if ( *head == &member ) {
       if ( behind ) behind->referenceInc();
@@ -108,9 +107,10 @@ Entity * HashMapGeneric::findNextBucket( std::int32_t * bucket ) const noexcept 
 Entity * HashMapGeneric::findNextG( Entity const * member, std::int32_t * bucket ) const {
    *bucket = -1;
    if ( !member || !buckets_ ) return findNextBucket( bucket );
-   *bucket = std::int32_t( bucketOf( vtable_->hash( *member ) ) );
+   U32 const hash = vtable_->hash( *member );
+   *bucket = std::int32_t( bucketOf( hash ) );
    for ( Entity * at = buckets_[*bucket]; at; at = next( *at ) ) {
-      if ( before( *member, *at ) ) return at;
+      if ( before( *member, hash, *at, vtable_->hash( *at ) ) ) return at;
    }
    return findNextBucket( bucket );
 }

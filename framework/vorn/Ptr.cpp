@@ -1,5 +1,7 @@
 #include "Vorn/Ptr.h"
 
+#include "NotifieeVisit.h"
+
 namespace Vorn {
 
 NotifieeList * PtrInterface::notifieeList() const { return nullptr; }
@@ -11,6 +13,8 @@ void PtrInterface::zeroReferencesIs( bool ) {}
 PtrInterface::~PtrInterface() = default;
 
 void PtrInterface::handleZeroRef() const noexcept {
+   if ( NotifieeVisit::keeps( *this ) ) [[unlikely]]
+      return;
    refs_ |= beingDestroyed;
    auto * self = const_cast< PtrInterface * >( this );
    self->zeroReferencesIs( true );

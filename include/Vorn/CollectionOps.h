@@ -125,7 +125,8 @@ Ptr< Type > memberIs( Self & self, HashMap< Self, Type, Key > & map, Change cons
    // In the types that the attributes have, since the comparison goes by their records.
    CtorTypes< Type > const args( given... );
    Key const & key = std::get< keyIndex< Type >() >( args );
-   if ( Ptr< Type > const present{ map.member( key ) } ) {
+   U32 const hash = keyHash( key );
+   if ( Ptr< Type > const present{ map.member( key, hash ) } ) {
       if constexpr ( sizeof...( Given ) > 1 ) {
          withPointers( args, [&]( void const * const * pointers ) {
             reinstantiate( *present, Type::_vornType, pointers );
@@ -135,29 +136,37 @@ Ptr< Type > memberIs( Self & self, HashMap< Self, Type, Key > & map, Change cons
    }
    Ptr< Type > const member =
         std::apply( []( auto const &... arg ) { return newObject< Type >( arg... ); }, args );
-   map.newMember( *member );
+   map.newMember( *member, hash );
    member->vornParentIs( &self );
    self.notify( change, &key );
    return member;
 }
 
-template< class Self, class Map, class Change, class Key >
-auto memberDel( Self & self, Map & map, Change const & change, Key const & key ) {
-   using Type = std::remove_pointer_t< decltype( map.member( key ) ) >;
-   Ptr< Type > const member( map.member( key ) );
-   if ( !member ) return member;
-   Key const kept = key; // the caller's may lie in the member
-   map.del( *member );
-   member->parentIs( nullptr );
-   self.notify( change, &kept );
+/// Takes out a member that somebody holds; `hash` is that of its key.
+template< class Self, class Type, class Key, class Change >
+void memberTakeOut( Self & self, HashMap< Self, Type, Key > & map, Change const & change, Type & member,
+                    U32 hash ) {
+   map.del( member, hash );
+   member.parentIs( nullptr );
+   Key const & key = member.vornKey();
+   self.notify( change, &key );
+}
+
+template< class Self, class Type, class Key, class Change >
+Ptr< Type > memberDel( Self & self, HashMap< Self, Type, Key > & map, Change const & change,
+                       Key const & key ) {
+   U32 const hash = keyHash( key );
+   Ptr< Type > const member( map.member( key, hash ) );
+   if ( member ) memberTakeOut( self, map, change, *member, hash );
    return member;
 }
 
-template< class Self, class Map, class Change >
-void membersDel( Self & self, Map & map, Change const & change ) {
+template< class Self, class Type, class Key, class Change >
+void membersDel( Self & self, HashMap< Self, Type, Key > & map, Change const & change ) {
+   // The iterator holds the member until it moves on.
    for ( auto it = map.begin(); it; it.advance() ) {
-      using Key = std::remove_cvref_t< decltype( it->vornKey() ) >;
-      memberDel( self, map, change, Key( it->vornKey() ) );
+      Key const & key = it->vornKey();
+      memberTakeOut( self, map, change, *it, keyHash( key ) );
    }
 }
 

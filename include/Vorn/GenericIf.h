@@ -57,6 +57,7 @@ enum AttributeOp : U32 {
    clearMark = 8,         ///< takes the mark of the key's member away
    indices = 9,           ///< of a queue: its head and its next index, two U32
    indicesIs = 10,        ///< of an empty queue: sets both, from `args[ 0 ]`
+   delAll = 11,           ///< deletes each member of a collection of entities
 };
 
 /// What an operation came to.

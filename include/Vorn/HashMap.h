@@ -54,10 +54,10 @@ class VORN_API HashMapGeneric {
    HashMapGeneric & operator=( HashMapGeneric const & ) = delete;
    ~HashMapGeneric();
 
-   /// Inserts a member whose key is not there.
-   void newMemberG( Entity & member );
+   /// Inserts a member whose key is not there; `hash` is that of its key.
+   void newMemberG( Entity & member, U32 hash );
    /// Takes a member out and drops the map's reference.
-   void deleteMember( Entity & member );
+   void deleteMember( Entity & member, U32 hash );
    U32 bucketOf( U32 hash ) const noexcept { return bitReverse( hash ) >> ( 32 - exponent_ ); }
    Entity * first( U32 bucket ) const noexcept { return buckets_ ? buckets_[bucket] : nullptr; }
    Entity *& next( Entity & member ) const noexcept {
@@ -66,7 +66,8 @@ class VORN_API HashMapGeneric {
 
  private:
    void grow();
-   bool before( Entity const & a, Entity const & b ) const;
+   /// The order of the members, whose keys have these hashes.
+   bool before( Entity const & a, U32 hashOfA, Entity const & b, U32 hashOfB ) const;
 
    U32 modificationCount_ = 0;
    U32 memberCount_ = 0;
@@ -126,15 +127,18 @@ class HashMap : public HashMapGeneric {
                           Entity::vornNextOffset() ) {}
 
    /// The member with that key, or null.
-   Member * member( Key const & key ) const {
-      for ( Entity * at = first( bucketOf( keyHash( key ) ) ); at; at = next( *at ) ) {
+   Member * member( Key const & key ) const { return member( key, keyHash( key ) ); }
+   // Some keys take long to hash, so it is done once for what belongs together: `hash` is the key's
+   // `keyHash()`.
+   Member * member( Key const & key, U32 hash ) const {
+      for ( Entity * at = first( bucketOf( hash ) ); at; at = next( *at ) ) {
          auto * const member = static_cast< Member * >( at );
          if ( key == member->vornKey() ) return member;
       }
       return nullptr;
    }
-   void newMember( Member & member ) { newMemberG( member ); }
-   void del( Member & member ) { deleteMember( member ); }
+   void newMember( Member & member, U32 hash ) { newMemberG( member, hash ); }
+   void del( Member & member, U32 hash ) { deleteMember( member, hash ); }
 
    IteratorConst begin() const { return IteratorConst( *this ); }
    std::nullptr_t end() const noexcept { return nullptr; }

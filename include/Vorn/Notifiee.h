@@ -78,7 +78,6 @@ class VORN_API PtrInterface::NotifieeConst : public PtrInterface {
    Ptr< PtrInterface const > strong_; // the notifier, unless the binding is weak
    NotifieeConst * next_ = nullptr;   // in the notifier's list; the last points to null
    NotifieeConst * prev_ = nullptr;   // the first points to the last
-   U64 boundAt_ = 0;                  // rises with each entry into any list
    bool registered_ = false;
    bool weak_ = false;
    bool active_ = false;
@@ -107,7 +106,7 @@ class VORN_API NotifieeList {
    /// Calls every observer of the change; `notifier`, whose list this is, is kept alive until all are called.
    void doVisit( PtrInterface const & notifier, NotifieeChange const & change, void const * key = nullptr );
    /// Tells every observer that the object's last reference has gone.
-   void doVisitZeroReferences();
+   void doVisitZeroReferences( PtrInterface const & notifier );
    /// Tells every observer that the object has another parent; `notifier` is kept alive.
    void doVisitFwkActivity( PtrInterface const & notifier );
    /// Unbinds all observers.

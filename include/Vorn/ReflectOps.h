@@ -148,6 +148,7 @@ inline constexpr VornAttrOps entityCollOps{
       case GenericIf::del:
          member = memberDel( self, map, change(), *static_cast< Key const * >( key ) );
          break;
+      case GenericIf::delAll: membersDel( self, map, change() ); return GenericIf::done;
       case GenericIf::has:
          *static_cast< bool * >( result ) = map.member( *static_cast< Key const * >( key ) );
          return GenericIf::done;

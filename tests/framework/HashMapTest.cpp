@@ -139,7 +139,7 @@ class Model {
    void add( U32 number ) {
       if ( members_.count( number ) ) return;
       Ptr< M > const member( new M( number ) );
-      map_->newMember( *member );
+      map_->newMember( *member, Key{ number }.hash() );
       RC_ASSERT( member->references() == 2u );
       members_[number] = member.ptr();
    }
@@ -147,7 +147,7 @@ class Model {
       Ptr< M > const member( map_->member( Key{ number } ) );
       RC_ASSERT( bool( member ) == ( members_.erase( number ) == 1 ) );
       if ( !member ) return;
-      map_->del( *member );
+      map_->del( *member, Key{ number }.hash() );
       RC_ASSERT( !member->vornNext() && !map_->member( Key{ number } ) );
       for ( Held & held : held_ ) {
          held.mustMeet.erase( number );
@@ -214,7 +214,7 @@ TEST( HashMap, releasesALongChainInALoop ) {
       MapOf< M > map;
       for ( U32 i = 300000; i; --i ) {
          Ptr< M > const member( new M( i ) );
-         map.newMember( *member ); // each in front
+         map.newMember( *member, member->vornKey().hash() ); // each in front
       }
    }
    EXPECT_EQ( M::allocTrack().objects(), 0u );
@@ -224,7 +224,7 @@ TEST( HashMapDeathTest, deletesMembersOnly ) {
    using M = Member< 7 >;
    MapOf< M > map;
    Ptr< M > const stranger( new M( 3 ) );
-   EXPECT_DEATH( map.del( *stranger ), "the member is in the map" );
+   EXPECT_DEATH( map.del( *stranger, stranger->vornKey().hash() ), "the member is in the map" );
 }
 
 } // namespace

@@ -1,0 +1,169 @@
+// What it costs to write an attribute: unobserved, beside a compare and a store by hand, and with observers,
+// beside virtual calls by hand and, where they are installed, sigc++ and boost::signals2.
+
+#include "Ldp/LdpAdj.h"
+#include "MallocCount.h"
+
+#include <benchmark/benchmark.h>
+#include <cmath>
+#include <memory>
+#include <string>
+#include <vector>
+
+#if defined( LDP_BENCH_SIGC )
+#include <sigc++/sigc++.h>
+#endif
+#if defined( LDP_BENCH_BOOST )
+#include <boost/signals2.hpp>
+#endif
+
+namespace {
+
+using Vorn::Ptr;
+
+Ptr< Ldp::LdpAdjStatus > adjacency() {
+   return Ldp::ldpAdjStatusFactory(
+        Ldp::LdpAdjId( Ldp::LdpIdentifier( 0x0a000001, 0 ), Lumo::IntfId( "Ethernet1" ) ) );
+}
+
+// Writes another value each time.
+template< class Write >
+void writes( benchmark::State & state, Write const & write ) {
+   U32 value = 0;
+   U64 const mallocs = mallocCalls;
+   for ( auto _ : state ) {
+      benchmark::DoNotOptimize( ++value );
+      write( value );
+      benchmark::ClobberMemory();
+   }
+   // google-benchmark itself asks a few times at the end of a run.
+   state.counters["allocations"] =
+        std::floor( double( mallocCalls - mallocs ) / double( state.iterations() ) );
+}
+
+// An attribute that nobody can observe.
+
+struct Plain {
+   void msgIdIs( U32 value ) {
+      if ( value == msgId ) return;
+      msgId = value;
+   }
+   U32 msgId = 0;
+};
+
+void unobservedByHand( benchmark::State & state ) {
+   auto const plain = std::make_unique< Plain >();
+   benchmark::DoNotOptimize( plain.get() );
+   writes( state, [&]( U32 value ) { plain->msgIdIs( value ); } );
+}
+BENCHMARK( unobservedByHand )->Name( "write of an unobserved attribute/by hand" );
+
+void unobserved( benchmark::State & state ) {
+   auto const status = adjacency();
+   benchmark::DoNotOptimize( status.ptr() );
+   writes( state, [&]( U32 value ) { status->msgIdIs( value ); } );
+}
+BENCHMARK( unobserved )->Name( "write of an unobserved attribute/Vorn" );
+
+// Each observer adds up what it hears, so that no call can be left out.
+
+class Listener {
+ public:
+   virtual ~Listener() = default;
+   virtual void onMsgId() = 0;
+};
+
+struct Observed {
+   void msgIdIs( U32 value ) {
+      if ( value == msgId ) return;
+      msgId = value;
+      for ( Listener * const listener : listeners ) {
+         listener->onMsgId();
+      }
+   }
+   U32 msgId = 0;
+   std::vector< Listener * > listeners;
+};
+
+class Adder : public Listener {
+ public:
+   explicit Adder( Observed const & observed ) : observed_( observed ) {}
+   void onMsgId() override { sum_ += observed_.msgId; }
+
+ private:
+   Observed const & observed_;
+   U64 sum_ = 0;
+};
+
+void virtualCalls( benchmark::State & state, U32 num ) {
+   Observed observed;
+   std::vector< std::unique_ptr< Adder > > adders;
+   for ( U32 i = 0; i < num; ++i ) {
+      adders.push_back( std::make_unique< Adder >( observed ) );
+      observed.listeners.push_back( adders.back().get() );
+   }
+   writes( state, [&]( U32 value ) { observed.msgIdIs( value ); } );
+}
+
+class Observer : public Ldp::LdpAdjStatus::NotifieeConst {
+ public:
+   void onMsgId() override { sum_ += static_cast< Ldp::LdpAdjStatus const & >( *notifier() ).msgId(); }
+
+ private:
+   U64 sum_ = 0;
+};
+
+void observers( benchmark::State & state, U32 num ) {
+   auto const status = adjacency();
+   std::vector< Ptr< Observer > > all;
+   for ( U32 i = 0; i < num; ++i ) {
+      all.push_back( Vorn::newObject< Observer >() );
+      all.back()->isRegisteredNotifieeIs( true );
+      all.back()->notifierIs( status );
+      all.back()->isWeakReferenceIs( true );
+   }
+   writes( state, [&]( U32 value ) { status->msgIdIs( value ); } );
+}
+
+/// An attribute with a signal of a library.
+template< class Signal >
+void signals( benchmark::State & state, U32 num ) {
+   struct Signalled {
+      void msgIdIs( U32 value ) {
+         if ( value == msgId ) return;
+         msgId = value;
+         changed();
+      }
+      U32 msgId = 0;
+      Signal changed;
+   } signalled;
+   std::vector< U64 > sums( num );
+   for ( U64 & sum : sums ) {
+      signalled.changed.connect( [&] { sum += signalled.msgId; } );
+   }
+   writes( state, [&]( U32 value ) { signalled.msgIdIs( value ); } );
+}
+
+int const registered = [] {
+   for ( U32 const num : { 1u, 8u, 64u } ) {
+      auto const enter = [&]( char const * what, void ( *run )( benchmark::State &, U32 ) ) {
+         auto const name =
+              "write with " + std::to_string( num ) + ( num == 1 ? " observer/" : " observers/" ) + what;
+         benchmark::RegisterBenchmark( name.c_str(), run, num );
+      };
+      enter( "virtual calls by hand", virtualCalls );
+      enter( "Vorn", observers );
+#if defined( LDP_BENCH_SIGC )
+      enter( "sigc++", signals< sigc::signal< void() > > );
+#endif
+#if defined( LDP_BENCH_BOOST )
+      enter( "boost::signals2", signals< boost::signals2::signal< void() > > );
+      using Unlocked = boost::signals2::signal_type<
+           void(), boost::signals2::keywords::mutex_type< boost::signals2::dummy_mutex > >::type;
+      enter( "boost::signals2 without a lock", signals< Unlocked > );
+#endif
+   }
+   return 0;
+}();
+
+} // namespace
