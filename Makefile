@@ -4,12 +4,13 @@ PREFIX ?= /usr/local
 FUZZ_SECONDS ?= 60
 JOBS ?= $(shell nproc)
 
-.PHONY: help setup build demo test sanitize bench fuzz format format-check docs model-doc install
+.PHONY: help setup build demo test sanitize thread bench fuzz format format-check docs model-doc install
 
 help:
 	@echo "make demo       decode a capture of real routers"
 	@echo "make test       build everything, run the whole suite"
 	@echo "make sanitize   the same with clang++ under address and undefined-behaviour sanitizers"
+	@echo "make thread     the test of references that threads share, under the thread sanitizer"
 	@echo "make bench      run the benchmarks"
 	@echo "make fuzz       run each fuzz target for FUZZ_SECONDS (60)"
 	@echo "make docs       reference documentation, into build/release/docs/html"
@@ -36,6 +37,10 @@ test: build
 sanitize: build/sanitize/build.ninja
 	cmake --build --preset sanitize
 	ctest --preset sanitize -j $(JOBS)
+
+thread: build/thread/build.ninja
+	cmake --build --preset thread
+	build/thread/bin/thread_tests
 
 bench: build
 	scripts/bench.sh build/release/bin

@@ -362,6 +362,30 @@ TEST_F( ObserverTest, notifierLivesThroughTheVisit ) {
    EXPECT_EQ( a->lastReferences, 1 );
 }
 
+TEST_F( ObserverTest, objectsOfNestedVisitsLiveUntilTheOutermostEnds ) {
+   Ptr< Hook > a;
+   auto const & object = *thing;
+   U32 seen = 0;
+   a = hook( "a", [&] {
+      if ( last == 1 ) {
+         thing->numberIs( ++last );
+         seen = object.number(); // the visit within is over
+         EXPECT_EQ( a, nullptr );
+         Ptr< Everything const > const again( &object ); // taken and dropped
+         return;
+      }
+      thing = nullptr; // within the inner visit: both are still needed by the outer
+      a = nullptr;
+   } );
+   auto const b = hook( "b" );
+   U64 const objects = Everything::allocTrack().objects();
+   thing->numberIs( ++last );
+   EXPECT_EQ( seen, 2u );
+   EXPECT_EQ( order, "aabb" );
+   EXPECT_EQ( b->lastReferences, 1 );
+   EXPECT_EQ( Everything::allocTrack().objects(), objects - 1 );
+}
+
 TEST_F( ObserverTest, exceptionGoesToItsObserverAndTheVisitGoesOn ) {
    auto const a = hook( "a", [] { throw Vorn::RangeException( "no" ); } );
    auto const b = hook( "b" );
