@@ -1,12 +1,14 @@
-// The node hash map beside std::unordered_map (the base of each table) and, where it is installed,
-// absl::flat_hash_map: nanoseconds a key, at several numbers of keys, for a number and for an identifier of 6
-// octets. The last tables are a message parser's map of offsets: made, filled, read and dropped.
+// The hash maps beside std::unordered_map (the base of each table) and, where it is installed,
+// absl::flat_hash_map: nanoseconds a key, at several numbers of keys, for a number and for an LDP identifier.
+// The map of values holds a number beside the key. The map of entities is beside a map of pointers to
+// structs. The last tables are a message parser's map of offsets: made, filled, read and dropped.
 
-#include "Vorn/HashMap2018.h"
+#include "Ldp/LdpIdentifier.h"
+#include "Vorn/Attributes.h"
 
-#include <array>
 #include <benchmark/benchmark.h>
 #include <functional>
+#include <memory>
 #include <numeric>
 #include <random>
 #include <string>
@@ -17,30 +19,12 @@
 #include <absl/container/flat_hash_map.h>
 #endif
 
-namespace {
+namespace Bench {
 
-/// As an LDP identifier: an LSR id and a label space.
-struct Identifier {
-   std::array< U8, 6 > octets;
-
-   U32 hash() const {
-      U32 x = U32( octets[0] ) << 24 | U32( octets[1] ) << 16 | U32( octets[2] ) << 8 | octets[3];
-      x = x * 32767 - 1;
-      x = ( x ^ ( x >> 12 ) ) * 5;
-      x = ( x ^ ( x >> 4 ) ) * 2057;
-      return ( x ^ ( x >> 16 ) ) + ( U32( octets[4] ) << 8 | octets[5] );
-   }
-   friend auto operator<=>( Identifier const &, Identifier const & ) = default;
-#if defined( LDP_BENCH_ABSL )
-   template< class H >
-   friend H AbslHashValue( H state, Identifier const & id ) {
-      return H::combine_contiguous( std::move( state ), id.octets.data(), id.octets.size() );
-   }
-#endif
-};
+using Ldp::LdpIdentifier;
 
 struct IdentifierHash {
-   std::size_t operator()( Identifier const & id ) const { return id.hash(); }
+   std::size_t operator()( LdpIdentifier const & id ) const { return id.hash(); }
 };
 
 template< class Key >
@@ -51,11 +35,38 @@ Key keyOf( U32 number ) {
       number = ( number ^ ( number >> 13 ) ) * 0xc2b2ae35u;
       return number ^ ( number >> 16 );
    } else {
-      return { { 10, U8( number >> 16 ), U8( number >> 8 ), U8( number ), 0, 0 } };
+      return LdpIdentifier( 0x0a000000 + number, 0 );
    }
 }
 
-// One face for the three maps.
+/// The entities with the two keys.
+class Numbered : public Vorn::Entity {
+   VORN_ENTITY( Numbered, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON( Value ); )
+
+ public:
+   explicit Numbered( U32 number ) : number_( number ) {}
+
+   VORN_KEY( 0x102, U32, number );
+   VORN_MUTABLE( 0x103, U32, value, Value, local ) = 0;
+};
+VORN_RECORD( Bench, Numbered )
+
+class Identified : public Vorn::Entity {
+   VORN_ENTITY( Identified, Vorn::Entity )
+   VORN_NOTIFIEE( VORN_ON( Value ); )
+
+ public:
+   explicit Identified( LdpIdentifier const & id ) : id_( id ) {}
+
+   VORN_KEY( 0x102, LdpIdentifier, id );
+   VORN_MUTABLE( 0x103, U32, value, Value, local ) = 0;
+};
+VORN_RECORD( Bench, Identified )
+
+namespace {
+
+// One face for all maps.
 
 template< class Key >
 struct Ours {
@@ -76,18 +87,62 @@ struct Ours {
    }
 };
 
+template< class Key >
+struct OursOfEntities {
+   using Member = std::conditional_t< std::is_same_v< Key, U32 >, Numbered, Identified >;
+   Vorn::HashMap< OursOfEntities, Member, Key > map;
+
+   void put( Key const & key, U32 value ) {
+      U32 const hash = Vorn::keyHash( key );
+      Vorn::Ptr< Member > member( map.member( key, hash ) );
+      if ( !member ) {
+         member = Vorn::newObject< Member >( key );
+         map.newMember( *member, hash );
+      }
+      member->valueIs( value );
+   }
+   U32 get( Key const & key ) const {
+      auto const * const member = map.member( key );
+      return member ? member->value() : 0;
+   }
+   void del( Key const & key ) {
+      U32 const hash = Vorn::keyHash( key );
+      if ( auto * const member = map.member( key, hash ) ) map.del( *member, hash );
+   }
+   U32 sum() const {
+      U32 sum = 0;
+      for ( auto const & member : map ) {
+         sum += member.value();
+      }
+      return sum;
+   }
+};
+
+/// A member of the maps of pointers.
+struct Struct {
+   U32 value = 0;
+};
+
 template< class Map >
 struct Theirs {
    Map map;
 
+   static constexpr bool pointers = !std::is_same_v< typename Map::mapped_type, U32 >;
+
    template< class Key >
    void put( Key const & key, U32 value ) {
-      map.insert_or_assign( key, value );
+      if constexpr ( pointers ) {
+         auto & member = map[key];
+         if ( !member ) member = std::make_unique< Struct >();
+         member->value = value;
+      } else {
+         map.insert_or_assign( key, value );
+      }
    }
    template< class Key >
    U32 get( Key const & key ) const {
       auto const at = map.find( key );
-      return at != map.end() ? at->second : 0;
+      return at != map.end() ? number( at->second ) : 0;
    }
    template< class Key >
    void del( Key const & key ) {
@@ -96,9 +151,18 @@ struct Theirs {
    U32 sum() const {
       U32 sum = 0;
       for ( auto const & [key, value] : map ) {
-         sum += value;
+         sum += number( value );
       }
       return sum;
+   }
+
+ private:
+   static U32 number( typename Map::mapped_type const & value ) {
+      if constexpr ( pointers ) {
+         return value->value;
+      } else {
+         return value;
+      }
    }
 };
 
@@ -208,54 +272,72 @@ void message( benchmark::State & state, std::size_t num ) {
    }
 }
 
-using Case = void ( * )( benchmark::State &, std::size_t );
-
-void enter( std::string const & group, char const * map, Case run, std::size_t num ) {
+void enter( std::string const & group, char const * map, void ( *run )( benchmark::State &, std::size_t ),
+            std::size_t num ) {
    auto const name = group + " " + std::to_string( num ) + "/" + map;
    benchmark::RegisterBenchmark( name.c_str(), [=]( benchmark::State & state ) { run( state, num ); } )
         ->MinTime( 0.05 )
         ->Repetitions( 3 );
 }
 
+/// All that a map is asked to do.
+template< class Key, class Map >
+void enterMap( std::string const & what, char const * map, std::size_t num ) {
+   enter( "lookup " + what, map, lookup< Key, Map >, num );
+   enter( "miss " + what, map, miss< Key, Map >, num );
+   enter( "insert " + what, map, insert< Key, Map >, num );
+   enter( "erase " + what, map, erase< Key, Map >, num );
+   enter( "walk " + what, map, walk< Key, Map >, num );
+}
+
 template< class Key >
-using Std = Theirs< std::unordered_map<
-     Key, U32, std::conditional_t< std::is_same_v< Key, U32 >, std::hash< U32 >, IdentifierHash > > >;
+using Hash = std::conditional_t< std::is_same_v< Key, U32 >, std::hash< U32 >, IdentifierHash >;
+template< class Key, class Value >
+using Std = Theirs< std::unordered_map< Key, Value, Hash< Key > > >;
+
+#if defined( LDP_BENCH_ABSL )
+/// Its own hash; that of an identifier would leave out the bits that it looks at first.
+struct AbslHash {
+   std::size_t operator()( U32 number ) const { return absl::HashOf( number ); }
+   std::size_t operator()( LdpIdentifier const & id ) const {
+      return absl::HashOf( id.lsrId(), id.lblSpace() );
+   }
+};
+template< class Key, class Value >
+using Absl = Theirs< absl::flat_hash_map< Key, Value, AbslHash > >;
+#endif
 
 template< class Key >
 void enterAll( char const * keyName ) {
+   using Pointer = std::unique_ptr< Struct >;
+   std::string const values = std::string( keyName ) + " value";
+   std::string const members = std::string( keyName ) + " entity";
    for ( std::size_t const num : { 10u, 1000u, 100000u, 1000000u } ) {
-      auto const each = [&]( char const * work, Case base, Case ours, [[maybe_unused]] Case absl ) {
-         std::string const group = std::string( work ) + " " + keyName;
-         enter( group, "std::unordered_map", base, num );
-         enter( group, "Vorn::HashMap2018", ours, num );
+      enterMap< Key, Std< Key, U32 > >( values, "std::unordered_map", num );
+      enterMap< Key, Ours< Key > >( values, "Vorn::HashMap2018", num );
 #if defined( LDP_BENCH_ABSL )
-         enter( group, "absl::flat_hash_map", absl, num );
+      enterMap< Key, Absl< Key, U32 > >( values, "absl::flat_hash_map", num );
 #endif
-      };
+      enterMap< Key, Std< Key, Pointer > >( members, "std::unordered_map", num );
+      enterMap< Key, OursOfEntities< Key > >( members, "Vorn::HashMap", num );
 #if defined( LDP_BENCH_ABSL )
-      using Absl = Theirs< absl::flat_hash_map< Key, U32 > >;
-#else
-      using Absl = Std< Key >;
+      enterMap< Key, Absl< Key, Pointer > >( members, "absl::flat_hash_map", num );
 #endif
-      each( "lookup", lookup< Key, Std< Key > >, lookup< Key, Ours< Key > >, lookup< Key, Absl > );
-      each( "miss", miss< Key, Std< Key > >, miss< Key, Ours< Key > >, miss< Key, Absl > );
-      each( "insert", insert< Key, Std< Key > >, insert< Key, Ours< Key > >, insert< Key, Absl > );
-      each( "erase", erase< Key, Std< Key > >, erase< Key, Ours< Key > >, erase< Key, Absl > );
-      each( "walk", walk< Key, Std< Key > >, walk< Key, Ours< Key > >, walk< Key, Absl > );
    }
 }
 
 bool const entered = [] {
    enterAll< U32 >( "U32" );
-   enterAll< Identifier >( "identifier" );
+   enterAll< LdpIdentifier >( "LdpIdentifier" );
    for ( std::size_t const num : { 2u, 3u, 8u, 30u } ) {
-      enter( "message", "std::unordered_map", message< Std< U32 > >, num );
+      enter( "message", "std::unordered_map", message< Std< U32, U32 > >, num );
       enter( "message", "Vorn::HashMap2018", message< Ours< U32 > >, num );
 #if defined( LDP_BENCH_ABSL )
-      enter( "message", "absl::flat_hash_map", message< Theirs< absl::flat_hash_map< U32, U32 > > >, num );
+      enter( "message", "absl::flat_hash_map", message< Absl< U32, U32 > >, num );
 #endif
    }
    return true;
 }();
 
 } // namespace
+} // namespace Bench

@@ -1,5 +1,5 @@
 // The attribute log, end to end in memory, beside a hand-written copy of the same values through the same
-// kind of buffer.
+// kind of buffer and, where it is installed, protobuf messages through that buffer.
 
 #include "Ldp/LdpAdj.h"
 #include "Vorn/NboAttrLog.h"
@@ -8,6 +8,12 @@
 #include <cstring>
 #include <unordered_map>
 #include <vector>
+
+#if defined( LDP_BENCH_PROTOBUF )
+#include "Adjacency.pb.h"
+
+#include <google/protobuf/io/coded_stream.h>
+#endif
 
 namespace {
 
@@ -71,6 +77,69 @@ class HandWritten {
    std::size_t used_ = 0;
 };
 
+#if defined( LDP_BENCH_PROTOBUF )
+
+/// Messages behind their length, through the same kind of buffer.
+class ByProtobuf {
+   using Coded = google::protobuf::io::CodedOutputStream;
+
+ public:
+   ByProtobuf() : buffer_( Out::defaultCapacity ) {}
+
+   template< class Message, class Apply >
+   void send( Message const & message, Apply const & apply ) {
+      std::size_t const length = message.ByteSizeLong();
+      if ( buffer_.size() - used_ < sizeof( U32 ) + length ) drain< Message >( apply );
+      U8 * const at = Coded::WriteLittleEndian32ToArray( U32( length ), &buffer_[used_] );
+      message.SerializeWithCachedSizesToArray( at );
+      used_ += sizeof( U32 ) + length;
+   }
+   template< class Message, class Apply >
+   void drain( Apply const & apply ) {
+      Message message;
+      for ( std::size_t at = 0; at < used_; ) {
+         U32 length;
+         google::protobuf::io::CodedInputStream::ReadLittleEndian32FromArray( &buffer_[at], &length );
+         if ( !message.ParseFromArray( &buffer_[at + sizeof length], int( length ) ) ) std::abort();
+         apply( message );
+         at += sizeof length + length;
+      }
+      used_ = 0;
+   }
+
+ private:
+   std::vector< U8 > buffer_;
+   std::size_t used_ = 0;
+};
+
+void protobufOf( bench::Adjacency & message, Adjacency const & adjacency ) {
+   message.set_lsr_id( adjacency.lsrId );
+   message.set_label_space( adjacency.labelSpace );
+   message.set_interface( adjacency.interface );
+   message.set_target( adjacency.target );
+   message.set_status_code( adjacency.statusCode );
+   message.set_peer_hold_time( adjacency.peerHoldTime );
+   message.set_oper_hold_time( adjacency.operHoldTime );
+   message.set_expire_time( adjacency.expireTime );
+   message.set_peer_address( adjacency.peerAddress );
+   message.set_peer_source( adjacency.peerSource );
+}
+
+void protobufTo( Adjacency & adjacency, bench::Adjacency const & message ) {
+   adjacency.lsrId = message.lsr_id();
+   adjacency.labelSpace = U16( message.label_space() );
+   message.interface().copy( adjacency.interface, sizeof adjacency.interface - 1 );
+   adjacency.target = message.target();
+   adjacency.statusCode = message.status_code();
+   adjacency.peerHoldTime = U16( message.peer_hold_time() );
+   adjacency.operHoldTime = U16( message.oper_hold_time() );
+   adjacency.expireTime = message.expire_time();
+   adjacency.peerAddress = message.peer_address();
+   adjacency.peerSource = message.peer_source();
+}
+
+#endif
+
 struct Link {
    void drain() {
       while ( std::size_t const bytes = out->bytes() ) {
@@ -101,6 +170,42 @@ void scalarByHand( benchmark::State & state ) {
         benchmark::Counter( double( state.iterations() ), benchmark::Counter::kIsRate );
 }
 BENCHMARK( scalarByHand )->Name( "change of a scalar/by hand" );
+
+#if defined( LDP_BENCH_PROTOBUF )
+
+void scalarByProtobuf( benchmark::State & state ) {
+   std::vector< Adjacency > original( 1000 ), copy( 1000 );
+   ByProtobuf link;
+   auto const apply = [&]( bench::Change const & change ) {
+      Adjacency & adjacency = copy[change.index()];
+      switch ( change.attribute_case() ) {
+      case bench::Change::kStatusCode: adjacency.statusCode = change.status_code(); break;
+      case bench::Change::kPeerHoldTime: adjacency.peerHoldTime = U16( change.peer_hold_time() ); break;
+      case bench::Change::kOperHoldTime: adjacency.operHoldTime = U16( change.oper_hold_time() ); break;
+      case bench::Change::kExpireTime: adjacency.expireTime = change.expire_time(); break;
+      case bench::Change::kPeerAddress: adjacency.peerAddress = change.peer_address(); break;
+      case bench::Change::kPeerSource: adjacency.peerSource = change.peer_source(); break;
+      case bench::Change::ATTRIBUTE_NOT_SET: break;
+      }
+   };
+   bench::Change change;
+   U32 at = 0;
+   for ( [[maybe_unused]] auto _ : state ) {
+      Adjacency & adjacency = original[at];
+      adjacency.operHoldTime = U16( adjacency.operHoldTime + 1 );
+      change.set_index( at );
+      change.set_oper_hold_time( adjacency.operHoldTime );
+      link.send( change, apply );
+      if ( ++at == original.size() ) at = 0;
+   }
+   link.drain< bench::Change >( apply );
+   benchmark::DoNotOptimize( copy.data() );
+   state.counters["changes/s"] =
+        benchmark::Counter( double( state.iterations() ), benchmark::Counter::kIsRate );
+}
+BENCHMARK( scalarByProtobuf )->Name( "change of a scalar/protobuf" );
+
+#endif
 
 void scalarByLog( benchmark::State & state ) {
    auto const coll = Ldp::ldpAdjStatusCollFactory( Name( "default" ) );
@@ -143,6 +248,33 @@ void syncByHand( benchmark::State & state ) {
    }
 }
 BENCHMARK( syncByHand )->Name( "sync of 100000 entities/by hand" )->Unit( benchmark::kMillisecond );
+
+#if defined( LDP_BENCH_PROTOBUF )
+
+void syncByProtobuf( benchmark::State & state ) {
+   std::unordered_map< U32, Adjacency > original;
+   for ( U32 i = 0; i < syncEntities; ++i ) {
+      std::strcpy( original[i].interface, "Ethernet1" );
+      original[i].lsrId = 0x0a000000 + i;
+   }
+   for ( [[maybe_unused]] auto _ : state ) {
+      std::unordered_map< U32, Adjacency > copy;
+      ByProtobuf link;
+      auto const apply = [&]( bench::Adjacency const & message ) {
+         protobufTo( copy[message.lsr_id()], message );
+      };
+      bench::Adjacency message;
+      for ( auto const & [key, adjacency] : original ) {
+         protobufOf( message, adjacency );
+         link.send( message, apply );
+      }
+      link.drain< bench::Adjacency >( apply );
+      if ( copy.size() != syncEntities ) state.SkipWithError( "lost" );
+   }
+}
+BENCHMARK( syncByProtobuf )->Name( "sync of 100000 entities/protobuf" )->Unit( benchmark::kMillisecond );
+
+#endif
 
 void syncByLog( benchmark::State & state, bool again ) {
    auto const coll = Ldp::ldpAdjStatusCollFactory( Name( "default" ) );
