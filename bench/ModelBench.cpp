@@ -4,12 +4,12 @@
 //
 // LDP_BENCH_FECS in the environment sets another number of FECs, for a machine with less than 16 GB.
 
+#include "HeapBytes.h"
 #include "Ldp/LdpStatus.h"
 #include "Vorn/NboAttrLog.h"
 
 #include <benchmark/benchmark.h>
 #include <cstdlib>
-#include <malloc.h>
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -40,12 +40,6 @@ LdpSessionId session( U32 number ) { return LdpSessionId( LdpIdentifier( 0xc0a80
 
 LdpFecSessionId fecSession( U32 number ) {
    return LdpFecSessionId( fec( number / sessions ), session( number % sessions ) );
-}
-
-/// Bytes that the process holds from the heap.
-double heapBytes() {
-   struct mallinfo2 const info = mallinfo2();
-   return double( info.uordblks + info.hblkhd );
 }
 
 /// What somebody would write who needs only the state: a struct for each FEC on each session, owned by a hash

@@ -36,7 +36,7 @@ void writes( benchmark::State & state, Write const & write ) {
       write( value );
       benchmark::ClobberMemory();
    }
-   // google-benchmark itself asks a few times at the end of a run.
+   // The library that measures asks a few times itself at the end of a run.
    state.counters["allocations"] =
         std::floor( double( mallocCalls - mallocs ) / double( state.iterations() ) );
 }
@@ -64,6 +64,35 @@ void unobserved( benchmark::State & state ) {
    writes( state, [&]( U32 value ) { status->msgIdIs( value ); } );
 }
 BENCHMARK( unobserved )->Name( "write of an unobserved attribute/Vorn" );
+
+// The same, but of a thousand objects in turn.
+
+template< class Objects >
+void writesInTurn( benchmark::State & state, Objects const & objects ) {
+   std::size_t at = 0;
+   writes( state, [&]( U32 value ) {
+      objects[at]->msgIdIs( value );
+      if ( ++at == objects.size() ) at = 0;
+   } );
+}
+
+void manyByHand( benchmark::State & state ) {
+   std::vector< std::unique_ptr< Plain > > all( 1000 );
+   for ( auto & plain : all ) {
+      plain = std::make_unique< Plain >();
+   }
+   writesInTurn( state, all );
+}
+BENCHMARK( manyByHand )->Name( "write of an unobserved attribute, 1000 objects in turn/by hand" );
+
+void many( benchmark::State & state ) {
+   std::vector< Ptr< Ldp::LdpAdjStatus > > all( 1000 );
+   for ( auto & status : all ) {
+      status = adjacency();
+   }
+   writesInTurn( state, all );
+}
+BENCHMARK( many )->Name( "write of an unobserved attribute, 1000 objects in turn/Vorn" );
 
 // Each observer adds up what it hears, so that no call can be left out.
 

@@ -3,7 +3,8 @@
 # missing. Says nothing and asks no network when nothing is missing.
 #
 #   scripts/setup.sh                 what `make demo`, `make test` and all other targets need
-#   scripts/setup.sh --comparison    also the decoders that bench/capture.sh is measured against
+#   scripts/setup.sh --comparison    also what the benchmarks are measured against: decoders, and libraries that a table leaves out
+#                                    where they are missing
 set -euo pipefail
 
 packages=(
@@ -15,7 +16,7 @@ packages=(
 )
 case "${1:-}" in
    "") ;;
-   --comparison) packages+=( tcpdump tshark ) ;;
+   --comparison) packages+=( tcpdump tshark libabsl-dev libboost-dev libsigc++-2.0-dev libprotobuf-dev protobuf-compiler ) ;;
    *) echo "usage: scripts/setup.sh [--comparison]" >&2; exit 2 ;;
 esac
 
