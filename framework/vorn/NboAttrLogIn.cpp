@@ -1,5 +1,6 @@
 #include "Vorn/NboAttrLogIn.h"
 
+#include "NboAttrLogAnchors.h"
 #include "Vorn/Strep.h"
 
 #include <algorithm>
@@ -72,7 +73,7 @@ VornType const & In::nextType() {
 }
 
 void In::endIs() const {
-   if ( left() ) refuse( "the record goes on behind its value" );
+   if ( left() && !open_ ) refuse( "the record goes on behind its value" );
 }
 
 void logIn( In & in, bool * value ) { *value = in.nextbool(); }
@@ -125,11 +126,15 @@ Demuxer::~Demuxer() = default;
 
 void Demuxer::rootIs( Ptr< Entity > const & entity ) { offered_.push_back( entity ); }
 
+std::unique_ptr< Out::Adapter::FlowOut > Demuxer::createFlowOut( VornType const & type ) {
+   return std::make_unique< Out::Adapter::FlowOut >( type );
+}
+
 void Demuxer::bytesIs( void const * octets, std::size_t bytes ) {
-   VORN_ASSERT( !busy_ );
+   VORN_ASSERT( !out_->active_ );
    if ( failed_ ) refuse( "the attribute log was refused before" );
    Ptr< Demuxer > const hold( this );
-   busy_ = true;
+   ClearIsActiveAnchor const anchor( out_->active_ );
    try {
       auto const * from = static_cast< U8 const * >( octets );
       while ( bytes ) {
@@ -148,14 +153,11 @@ void Demuxer::bytesIs( void const * octets, std::size_t bytes ) {
       }
    } catch ( AttrLogRecordException const & ) {
       failed_ = true;
-      busy_ = false;
       throw;
    } catch ( RangeException const & exception ) {
       failed_ = true;
-      busy_ = false;
       refuse( exception.message() );
    }
-   busy_ = false;
 }
 
 /// Octets of the unit that begins here, as far as they are known.
@@ -228,7 +230,10 @@ void Demuxer::recordIs( In & in ) {
       }
       return;
    }
-   if ( kind == markerRecord ) {
+   Ptr< Entity > const hold( &adapter->entity() ); // an observer may drop it
+   if ( attribute == 0 - orphanId ) {
+      checkEphemeralEntityDeletion( *adapter, value );
+   } else if ( kind == markerRecord ) {
       U8 const type = value.nextU8();
       value.nextU32(); // nothing yet
       adapter->doHandleAttrTransaction( attribute, StreamAdapter::AttrTransactionType( type ), value );
@@ -282,7 +287,17 @@ void Demuxer::orphanIs( In & in ) {
       root = Ptr< Entity >( static_cast< Entity * >( object.ptr() ) );
    }
    roots_.push_back( root );
-   entityIdIs( *root, id, nullptr );
+   doEntityIdIs( *root, id, nullptr );
+}
+
+/// Lets go of an entity that the other end introduced by itself and has no more.
+void Demuxer::checkEphemeralEntityDeletion( Out::Adapter & adapter, In & in ) {
+   in.endIs();
+   adapter.checkWritable( orphanId );
+   auto const root = std::find( roots_.begin(), roots_.end(), Ptr< Entity >( &adapter.entity() ) );
+   if ( root == roots_.end() ) refuse( "an entity is withdrawn that was not introduced by itself" );
+   adapter.close();
+   roots_.erase( root );
 }
 
 /// Checks the number of an entity that is introduced: the other end counts them in its order.
@@ -294,11 +309,12 @@ void Demuxer::newEntityIdIs( U32 entityId ) {
 }
 
 /// Ties an entity that came in to its number.
-void Demuxer::entityIdIs( Entity & entity, U32 entityId, Out::Adapter * parent ) {
+void Demuxer::doEntityIdIs( Entity & entity, U32 entityId, Out::Adapter * parent ) {
    Ptr< Out::Adapter > adapter( out_->adapter( entity ) );
    if ( !adapter ) {
-      Vorn_BitSet const flags( flags_.word() & Vorn_BitSet::inheritedFlagsMask() );
-      adapter = out_->newAdapter( entity, flags, parent ? parent->level() + 1 : 0, parent );
+      adapter =
+           parent ? parent->childNboAttrLogAdapterIs( entity )
+                  : out_->newAdapter( entity, flags_.word() & Vorn_BitSet::inheritedFlagsMask(), 0, nullptr );
    }
    out_->entityIdIs( *adapter, entityId );
    adapter->confirmedIs( true );

@@ -1,7 +1,7 @@
 #include "Vorn/NboAttrLogOut.h"
 
+#include "NboAttrLogAnchors.h"
 #include "NboAttrLogReferences.h"
-#include "Vorn/StreamAdapter.h"
 
 namespace Vorn::NboAttrLog {
 
@@ -12,6 +12,12 @@ namespace {
 U64 addressOf( void const * object ) noexcept { return reinterpret_cast< std::uintptr_t >( object ); }
 
 } // namespace
+
+Permits::~Permits() = default;
+
+bool Permits::writable( Entity & ) { return false; }
+
+bool Permits::writeFromReadOnlyRemote( Entity &, U32 ) { return false; }
 
 Out::Out( U32 capacity ) : buffer_( std::max( capacity, minCapacity ) ) {
    head_ = at_ = buffer_.data();
@@ -48,7 +54,7 @@ void Out::drained( std::size_t n ) {
    }
 }
 
-bool Out::idle() { return bytes() == 0 && !firstPending_; }
+bool Out::idle() { return bytes() == 0 && !firstPending_ && withdrawn_.empty(); }
 
 void Out::begin( RecordKind kind, U32 entityId, U32 attributeId ) {
    VORN_ASSERT( !record_ );
@@ -118,8 +124,9 @@ bool Out::roomIs() {
 }
 
 void Out::flow() {
-   if ( flowing_ ) return;
-   flowing_ = true;
+   if ( active_ ) return;
+   ClearIsActiveAnchor const anchor( active_ );
+   if ( !sendWithdrawals() ) return;
    while ( firstPending_ && !blocked_ ) {
       Adapter & adapter = *firstPending_;
       if ( adapter.orphanPending_ ) {
@@ -129,7 +136,15 @@ void Out::flow() {
          adapter.handleAttrFlowOut( adapter.flowOut()->attrId() );
       }
    }
-   flowing_ = false;
+}
+
+/// Says which roots have gone. False if there is no room for all.
+bool Out::sendWithdrawals() {
+   while ( !withdrawn_.empty() ) {
+      if ( !record( attributeRecord, withdrawn_.back(), 0 - orphanId, [] {} ) ) return false;
+      withdrawn_.pop_back();
+   }
+   return true;
 }
 
 U32 Out::typeNumber( VornType const & type ) {

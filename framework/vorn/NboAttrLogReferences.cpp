@@ -40,7 +40,7 @@ void References::targetIs( Entity const & target ) {
       Place const & place = it->second;
       auto & flowOut = place.adapter->flowOutIs();
       if ( place.attr->keyed() ) {
-         flowOut.dirtyKeys( place.attr->id() ).insert( place.key );
+         flowOut.vornIsXDirtyIs( place.attr->id(), place.key );
       } else {
          flowOut.vornIsDirtyIs( place.attr->id(), true );
       }

@@ -2,13 +2,14 @@
 
 #include "Vorn/NboAttrLogIn.h"
 
+#include "NboAttrLogAnchors.h"
 #include "Vorn/Strep.h"
 
 namespace Vorn {
 
 using NboAttrLog::Arguments;
 using NboAttrLog::In;
-using SaIn = Entity::VornNboAttrLogSa;
+using Sa = Entity::VornNboAttrLogSa;
 
 namespace {
 
@@ -18,7 +19,7 @@ namespace {
 
 /// What is being applied: a change that the observer reports of it came from the other end and does not go
 /// back.
-class SaIn::FlowIn {
+class Sa::FlowIn {
  public:
    /// A change of one attribute, at a key for a collection; without an attribute, of the arguments of a
    /// member that is asked for again.
@@ -28,12 +29,12 @@ class SaIn::FlowIn {
    FlowIn( FlowIn const & ) = delete;
    FlowIn & operator=( FlowIn const & ) = delete;
 
-   bool holds( VornAttr const & attr, void const * key ) {
+   /// Whether it is about that attribute, and that key if one is given.
+   bool holds( VornAttr const & attr, void const * key ) const {
       if ( !attr_ ) return attr.isCtorArg();
-      if ( &attr != attr_ || ( key_ && key && !attr.keyType->methods->equal( key, key_ ) ) ) return false;
-      ++reported_;
-      return true;
+      return &attr == attr_ && ( !key_ || !key || attr.keyType->methods->equal( key, key_ ) );
    }
+   void reported() noexcept { ++reported_; }
    FlowIn * outer() const noexcept { return outer_; }
    /// One more change than the one that the record asks for is made to apply it.
    void furtherChange() noexcept { ++made_; }
@@ -49,89 +50,125 @@ class SaIn::FlowIn {
    unsigned reported_ = 0;
 };
 
-bool SaIn::handlingFlowInFor( VornAttr const & attr, void const * key ) {
-   for ( FlowIn * flowIn = flowIn_; flowIn; flowIn = flowIn->outer() ) {
-      if ( flowIn->holds( attr, key ) ) return true;
+Sa::FlowIn * Sa::flowInFor( VornAttr const & attr, void const * key ) const noexcept {
+   FlowIn * flowIn = flowIn_;
+   while ( flowIn && !flowIn->holds( attr, key ) ) {
+      flowIn = flowIn->outer();
    }
-   return false;
+   return flowIn;
 }
 
-void SaIn::throwWriteUpdateFromReadOnlyProxyException() {
-   refuse( "a change came in from a read-only copy" );
+/// Whether a change that the observer reports is one that is being applied.
+bool Sa::handlingFlowInFor( VornAttr const & attr, void const * key ) {
+   FlowIn * const flowIn = flowInFor( attr, key );
+   if ( flowIn ) flowIn->reported();
+   return flowIn;
 }
+
+/// Refuses what comes from a read-only copy, unless the host lets it write this attribute.
+void Sa::checkWritable( U32 attributeId ) const {
+   if ( flags_.any( remoteReadOnly ) && !allowWriteFromReadOnlyRemote( attributeId ) ) {
+      throwWriteUpdateFromReadOnlyProxyException();
+   }
+}
+
+bool Sa::allowWriteFromReadOnlyRemote( U32 attributeId ) const {
+   return out_->permits_ && out_->permits_->writeFromReadOnlyRemote( *entity_, attributeId );
+}
+
+void Sa::throwWriteUpdateFromReadOnlyProxyException() { refuse( "a change came in from a read-only copy" ); }
 
 /// Calls a mutator in the name of the other end. What an observer made of it meanwhile goes out.
 template< class Call >
-void SaIn::apply( VornAttr const & attr, void const * key, Call const & call ) {
+void Sa::apply( VornAttr const & attr, void const * key, Call const & call ) {
    bool again;
    {
       FlowIn flowIn( *this, &attr, key );
       call();
       again = flowIn.writtenAgain();
    }
-   if ( again ) observer_.handleNotification( attr.id(), key );
+   if ( !again || !out_ ) return;
+   try {
+      onX( attr, key );
+   } catch ( ... ) {
+      onNotificationException();
+   }
 }
 
-void SaIn::doHandleAttrDeserialization( U32 attributeId, In & in ) {
-   if ( flags_.any( remoteReadOnly ) ) throwWriteUpdateFromReadOnlyProxyException();
-   if ( attributeId == NboAttrLog::groupId ) {
+void Sa::doHandleAttrDeserialization( U32 attributeId, In & in ) {
+   if ( attributeId == NboAttrLog::groupId || attributeId == 0 - NboAttrLog::groupId ) {
       groupFromLog( in );
       return;
    }
    bool const deletion = attributeId & 0x80000000;
    VornAttr const & attr = loggedAttribute( deletion ? 0 - attributeId : attributeId );
+   checkWritable( attr.id() );
    if ( deletion ) {
-      deletionFromLog( attr, in );
+      deletionFromLog( attr, in, true );
    } else if ( attr.instantiating() ) {
       memberFromLog( attr, in );
    } else {
-      valueFromLog( attr, in );
+      valueFromLog( attr, in, true );
    }
 }
 
-VornAttr const & SaIn::loggedAttribute( U32 id ) const {
+VornAttr const & Sa::loggedAttribute( U32 id ) const {
    VornAttr const * const attr = attribute( id );
-   if ( !attr || !attr->logged() ) {
-      refuse( format( "attribute %#x of %s is not logged", id, type_.name ) );
-   }
+   if ( !attr || !attr->logged() ) doBaseVornNboAttrLogSaMsg( id );
    return *attr;
 }
 
-/// Scalars in one record. All are read before the first is written, so that a bad one leaves all as they
-/// were.
-void SaIn::groupFromLog( In & in ) {
+/// An attribute that is none of the type's logged ones: those of `Entity` are not logged either.
+void Sa::doBaseVornNboAttrLogSaMsg( U32 attributeId ) const {
+   refuse( format( "attribute %#x of %s is not logged", attributeId, type_.name ) );
+}
+
+/// Several attribute records of one entity under one head. All are read before the first is applied, so that
+/// a bad one leaves all as they were.
+void Sa::groupFromLog( In & in ) {
    U16 const first = in.nextU16();
    U16 const end = in.nextU16();
    if ( first != 2 * sizeof( U16 ) || end < first ) refuse( "a group has impossible bounds" );
-   In part = in.nextPart( end - first );
+   In const part = in.nextEntries( end - first );
    in.endIs();
+   U32 lastEntityId = in.demuxer().lastEntityId_;
    for ( bool const write : { false, true } ) {
-      In values = part;
-      while ( values.left() && out_ ) {
-         VornAttr const & attr = loggedAttribute( values.nextAttributeId() );
-         if ( attr.keyed() || attr.instantiating() || attr.kind() == VornKind::reference ) {
-            refuse( "a group holds scalars only" );
-         }
-         GenericIf::Value value( attr.type );
-         attr.type->methods->logIn( values, value.data() );
-         if ( write ) scalarIs( attr, value.data() );
+      In entries = part;
+      while ( entries.left() && out_ ) {
+         entryFromLog( entries, write, lastEntityId );
       }
    }
 }
 
-void SaIn::scalarIs( VornAttr const & attr, void const * value ) {
-   apply( attr, nullptr,
-          [&] { attr.ops->op( nullptr, object(), attr, GenericIf::write, nullptr, &value ); } );
+/// One entry: a scalar, a member, or a deletion. A word that names no logged attribute is passed over.
+void Sa::entryFromLog( In & in, bool write, U32 & lastEntityId ) {
+   U32 const attributeId = in.nextAttributeId();
+   bool const deletion = attributeId & 0x80000000;
+   VornAttr const * const attr = attribute( deletion ? 0 - attributeId : attributeId );
+   if ( !attr || !attr->logged() ) return;
+   bool const keyed = attr->kind() == VornKind::entityColl || attr->kind() == VornKind::valueColl;
+   if ( attr->kind() != VornKind::mutableAttr && !keyed ) {
+      refuse( "a group holds scalars and members of collections only" );
+   }
+   checkWritable( attr->id() );
+   if ( deletion ) {
+      deletionFromLog( *attr, in, write );
+   } else if ( attr->kind() != VornKind::entityColl ) {
+      valueFromLog( *attr, in, write );
+   } else if ( write ) {
+      memberFromLog( *attr, in );
+   } else {
+      Arguments const arguments( in, attr->memberCtorArgs );
+      NboAttrLog::ensureCorrectType( in.nextType(), *attr->type );
+      U32 const id = in.nextEntityId();
+      if ( !( id & NboAttrLog::numberedByPeer ) || id <= lastEntityId ) {
+         refuse( "a group holds a member with a number that was given before" );
+      }
+      lastEntityId = id;
+   }
 }
 
-void SaIn::valueFromLog( VornAttr const & attr, In & in ) {
-   if ( !attr.keyed() && attr.kind() != VornKind::reference ) {
-      GenericIf::Value value( attr.type );
-      attr.type->methods->logIn( in, value.data() );
-      in.endIs();
-      scalarIs( attr, value.data() );
-      return;
-   }
+void Sa::valueFromLog( VornAttr const & attr, In & in, bool write ) {
    std::optional< GenericIf::Value > key;
    if ( attr.keyed() ) {
       key.emplace( attr.keyType );
@@ -147,6 +184,7 @@ void SaIn::valueFromLog( VornAttr const & attr, In & in ) {
       attr.type->methods->logIn( in, value.data() );
    }
    in.endIs();
+   if ( !write ) return;
    void const * const at = key ? key->data() : nullptr;
    if ( isReference && at && !*static_cast< Ptr< PtrInterface > * >( value.data() ) ) {
       memberDel( attr, at );
@@ -163,7 +201,7 @@ void SaIn::valueFromLog( VornAttr const & attr, In & in ) {
    } );
 }
 
-void SaIn::memberFromLog( VornAttr const & attr, In & in ) {
+void Sa::memberFromLog( VornAttr const & attr, In & in ) {
    Arguments const arguments( in, attr.memberCtorArgs );
    NboAttrLog::ensureCorrectType( in.nextType(), *attr.type );
    U32 const id = in.nextEntityId();
@@ -206,41 +244,46 @@ void SaIn::memberFromLog( VornAttr const & attr, In & in ) {
    } );
    auto & entity = static_cast< Entity & >( *member );
    // An observer may have taken it out again.
-   if ( out_ && entity.parent() == entity_ ) in.demuxer().entityIdIs( entity, id, this );
+   if ( out_ && entity.parent().ptr() == entity_ ) in.demuxer().doEntityIdIs( entity, id, this );
 }
 
-void SaIn::deletionFromLog( VornAttr const & attr, In & in ) {
-   if ( !attr.keyed() ) {
-      in.endIs();
-      if ( attr.kind() != VornKind::child ) refuse( "an attribute that cannot be deleted is deleted" );
-      memberDel( attr, nullptr );
-      return;
+void Sa::deletionFromLog( VornAttr const & attr, In & in, bool write ) {
+   std::optional< GenericIf::Value > key;
+   if ( attr.keyed() ) {
+      key.emplace( attr.keyType );
+      attr.keyType->methods->logIn( in, key->data() );
+   } else if ( attr.kind() != VornKind::child ) {
+      refuse( "an attribute that cannot be deleted is deleted" );
    }
-   GenericIf::Value key( attr.keyType );
-   attr.keyType->methods->logIn( in, key.data() );
    in.endIs();
-   memberDel( attr, key.data() );
+   if ( write ) memberDel( attr, key ? key->data() : nullptr );
 }
 
-void SaIn::memberDel( VornAttr const & attr, void const * key ) {
+void Sa::memberDel( VornAttr const & attr, void const * key ) {
    apply( attr, key, [&] { attr.ops->op( nullptr, object(), attr, GenericIf::del, key, nullptr ); } );
 }
 
-void SaIn::doHandleAttrTransaction( U32 attributeId, AttrTransactionType type, In & in ) {
-   if ( flags_.any( remoteReadOnly ) ) throwWriteUpdateFromReadOnlyProxyException();
-   VornAttr const & attr = loggedAttribute( attributeId );
-   if ( !attr.keyed() || ( type != transactionBegin && type != transactionEnd ) ) {
-      refuse( "a marker that cannot be" );
+void StreamAdapter::doHandleAttrTransaction( U32, AttrTransactionType, In & ) {
+   refuse( "a marker that cannot be" );
+}
+
+void Sa::doHandleAttrTransaction( U32 attributeId, AttrTransactionType type, In & in ) {
+   VornAttr const * const attr = attribute( attributeId );
+   if ( !attr || !attr->logged() || !attr->keyed() ||
+        ( type != transactionBegin && type != transactionEnd ) ) {
+      StreamAdapter::doHandleAttrTransaction( attributeId, type, in );
+      return;
    }
-   if ( attr.kind() == VornKind::queue ) {
-      queueFromLog( attr, type, in );
+   checkWritable( attributeId );
+   if ( attr->kind() == VornKind::queue ) {
+      queueFromLog( *attr, type, in );
       return;
    }
    in.endIs();
    if ( type == transactionEnd ) {
-      sweep( attr );
-   } else if ( attr.kind() == VornKind::entityColl ) {
-      for ( GenericIf::Iterator it( object(), attr ); it; it.advance() ) {
+      sweep( *attr );
+   } else if ( attr->kind() == VornKind::entityColl ) {
+      for ( GenericIf::Iterator it( object(), *attr ); it; it.advance() ) {
          Ptr< PtrInterface > member;
          it.object( &member );
          if ( auto * const adapter = out_->adapter( static_cast< Entity & >( *member ) ) ) {
@@ -248,12 +291,12 @@ void SaIn::doHandleAttrTransaction( U32 attributeId, AttrTransactionType type, I
          }
       }
    } else {
-      attr.ops->op( nullptr, object(), attr, GenericIf::markAll, nullptr, nullptr );
+      attr->ops->op( nullptr, object(), *attr, GenericIf::markAll, nullptr, nullptr );
    }
 }
 
 /// Deletes what was not named between the markers.
-void SaIn::sweep( VornAttr const & attr ) {
+void Sa::sweep( VornAttr const & attr ) {
    for ( GenericIf::Iterator it( object(), attr ); it && out_; it.advance() ) {
       bool stale;
       if ( attr.kind() == VornKind::entityColl ) {
@@ -267,15 +310,14 @@ void SaIn::sweep( VornAttr const & attr ) {
       if ( !stale ) continue;
       GenericIf::Value key( attr.keyType );
       it.key( key.data() );
-      flags_.bitsIs( applyingLog, true );
+      NboAttrLog::FlagAnchor const anchor( flags_, applyingLog );
       memberDel( attr, key.data() );
-      flags_.bitsIs( applyingLog, false );
    }
 }
 
 /// A queue has no marks: the indices that come in are remembered, and at the end all others go. Its indices
 /// go on where those of the original do.
-void SaIn::queueFromLog( VornAttr const & attr, AttrTransactionType type, In & in ) {
+void Sa::queueFromLog( VornAttr const & attr, AttrTransactionType type, In & in ) {
    U32 indices[2] = {};
    if ( type == transactionBegin ) {
       indices[0] = in.nextU32();
@@ -292,11 +334,15 @@ void SaIn::queueFromLog( VornAttr const & attr, AttrTransactionType type, In & i
    if ( type == transactionBegin ) {
       if ( !queueSeen_ ) queueSeen_ = std::make_unique< std::map< U32, std::set< U32 > > >();
       ( *queueSeen_ )[attr.id()].clear();
-      delUnless( [&]( U32 index ) { return index - indices[0] < indices[1] - indices[0]; } );
-      U32 members = 0;
-      attr.ops->op( &members, object(), attr, GenericIf::members, nullptr, nullptr );
+      // What is left rises, as it does in the original; where the indices have wrapped, nothing is.
+      U32 least = indices[0];
+      delUnless( [&]( U32 index ) {
+         if ( index < least || index >= indices[1] ) return false;
+         least = index + 1;
+         return true;
+      } );
       void const * const arg = indices;
-      if ( !members ) attr.ops->op( nullptr, object(), attr, GenericIf::indicesIs, nullptr, &arg );
+      attr.ops->op( nullptr, object(), attr, GenericIf::indicesIs, nullptr, &arg );
    } else if ( queueSeen_ ) {
       auto const seen = std::move( ( *queueSeen_ )[attr.id()] );
       queueSeen_->erase( attr.id() );

@@ -14,9 +14,9 @@ class Vorn_BitSet {
    constexpr bool any( U32 bits ) const noexcept { return word_ & bits; }
    constexpr void bitsIs( U32 bits, bool set ) noexcept { word_ = set ? word_ | bits : word_ & ~bits; }
    /// The flags that whoever attaches an entity decides; an adapter that is there already takes them over.
-   static constexpr U32 notificationBitMask() noexcept { return 0x800200c; }
+   static constexpr U32 notificationBitMask() noexcept { return 0x800210c; }
    /// The flags that a child's adapter takes from its parent's.
-   static constexpr U32 inheritedFlagsMask() noexcept { return 0x800200c; }
+   static constexpr U32 inheritedFlagsMask() noexcept { return 0x800210c; }
 
    friend constexpr bool operator==( Vorn_BitSet, Vorn_BitSet ) noexcept = default;
 

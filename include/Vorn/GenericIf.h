@@ -56,7 +56,7 @@ enum AttributeOp : U32 {
    markAll = 7,           ///< marks every member of a value collection for deletion
    clearMark = 8,         ///< takes the mark of the key's member away
    indices = 9,           ///< of a queue: its head and its next index, two U32
-   indicesIs = 10,        ///< of an empty queue: sets both, from `args[ 0 ]`
+   indicesIs = 10,        ///< of a queue: sets the next, of an empty one both, from `args[ 0 ]`
    delAll = 11,           ///< deletes each member of a collection of entities
 };
 

@@ -99,9 +99,10 @@ class LinkQueue {
       if ( node ) doMemberIs( index, nullptr );
       return node;
    }
-   /// Sets the first index and the next of an empty queue, as a copy of another queue needs it.
+   /// Sets the index that the next element will get, which is behind those of all present, and of an empty
+   /// queue the first, as a copy of another queue needs it.
    void indicesIs( Index first, Index next ) noexcept {
-      first_ = first;
+      if ( !head_ ) first_ = first;
       next_ = next;
       ++modificationCount_;
    }

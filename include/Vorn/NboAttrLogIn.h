@@ -2,9 +2,10 @@
 /// The incoming side of an attribute log: `In`, which reads the values of one record, and `Demuxer`, which
 /// takes the octets of the connection and applies them to the model.
 ///
-///     auto const demuxer = newObject< NboAttrLog::Demuxer >( newObject< NboAttrLog::Out >(),
-///     StreamAdapter::readOnly ); demuxer->rootIs( myCopy );           // an entity that is there already,
-///     from a connection before while ( auto const n = receive( buffer ) ) demuxer->bytesIs( buffer, n );
+///     auto const out = newObject< NboAttrLog::Out >();
+///     auto const demuxer = newObject< NboAttrLog::Demuxer >( out, StreamAdapter::readOnly );
+///     demuxer->rootIs( myCopy );     // an entity that is there already, from a connection before
+///     while ( auto const n = receive( buffer ) ) demuxer->bytesIs( buffer, n );
 ///
 /// A stream that lies raises AttrLogRecordException: the records before it are applied, it and what follows
 /// are not. The host then drops both directions of the connection; the next one brings the copy up to date.
@@ -57,7 +58,13 @@ class VORN_API In {
       U8 const * const octets = take( bytes );
       return In( octets, bytes, *demuxer_ );
    }
-   /// Throws unless all octets have been read. Called before anything is changed.
+   /// The same for the entries of a group: behind one of them the next begins.
+   In nextEntries( std::size_t bytes ) {
+      In entries = nextPart( bytes );
+      entries.open_ = true;
+      return entries;
+   }
+   /// Throws unless all octets have been read, or others may follow. Called before anything is changed.
    void endIs() const;
    Demuxer & demuxer() const noexcept { return *demuxer_; }
 
@@ -71,6 +78,7 @@ class VORN_API In {
    U8 const * at_;
    U8 const * end_;
    Demuxer * demuxer_;
+   bool open_ = false;
 };
 
 /// Values of constructor arguments, as they came in, and the pointers through which reflection takes them.
@@ -114,11 +122,15 @@ class VORN_API Demuxer : public PtrInterface {
    /// Offers an entity as the copy of one that the other end is going to introduce, if type and constructor
    /// arguments agree.
    void rootIs( Ptr< Entity > const & entity );
-   /// The entities that the other end has introduced by themselves, in their order; they are kept alive.
+   /// The entities that the other end has introduced by themselves, in their order; they are kept alive until
+   /// it withdraws them.
    std::vector< Ptr< Entity > > const & roots() const noexcept { return roots_; }
    /// Records applied.
    U64 records() const noexcept { return records_; }
    Ptr< Out > const & out() const noexcept { return out_; }
+
+   /// Makes the flow-out of an entity of that type: what it cannot write at once.
+   static std::unique_ptr< Out::Adapter::FlowOut > createFlowOut( VornType const & type );
 
  private:
    friend class In;
@@ -132,7 +144,8 @@ class VORN_API Demuxer : public PtrInterface {
    void typeIs( U32 number, In & in );
    bool gone( U32 entityId ) const;
    void newEntityIdIs( U32 entityId );
-   void entityIdIs( Entity & entity, U32 entityId, Entity::VornNboAttrLogSa * parent );
+   void checkEphemeralEntityDeletion( Out::Adapter & adapter, In & in );
+   void doEntityIdIs( Entity & entity, U32 entityId, Out::Adapter * parent );
 
    Ptr< Out > out_;
    Vorn_BitSet flags_;
@@ -144,7 +157,6 @@ class VORN_API Demuxer : public PtrInterface {
    U64 records_ = 0;
    bool headerSeen_ = false;
    bool failed_ = false;
-   bool busy_ = false;
 };
 
 } // namespace Vorn::NboAttrLog

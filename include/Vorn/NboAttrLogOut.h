@@ -17,6 +17,7 @@
 
 #include <cstring>
 #include <exception>
+#include <memory>
 #include <vector>
 
 namespace Vorn::NboAttrLog {
@@ -40,14 +41,26 @@ inline constexpr U32 streamHeaderBytes = 8;
 inline constexpr U32 recordHeadBytes = 10;
 /// The longest record, without its length field. A writer that would exceed it fails, a reader refuses it.
 inline constexpr U32 maxRecordBytes = 64u << 20;
-/// Introduces an entity that has no parent on the log.
+/// Introduces an entity that has no parent on the log; its negative withdraws it.
 inline constexpr U32 orphanId = 0x88;
 /// Several attribute records of one entity under one head.
 inline constexpr U32 groupId = 0x90;
 /// Set in the id of an entity that the other end of the connection numbered.
 inline constexpr U32 numberedByPeer = 0x80000000;
 
-/// The outgoing side. It keeps the entities that it carries alive; when it goes, it lets go of them.
+/// What a host lets happen against the flags of an end that does not write: nothing, unless it says
+/// otherwise.
+class VORN_API Permits {
+ public:
+   virtual ~Permits();
+   /// Whether a read-only end may write to an entity after all, from now on. Asked when somebody does.
+   virtual bool writable( Entity & entity );
+   /// Whether this attribute may be written by an end that is a read-only copy, as an answer for instance.
+   virtual bool writeFromReadOnlyRemote( Entity & entity, U32 attributeId );
+};
+
+/// The outgoing side. An entity that was attached by hand lives for as long as anybody else holds it, and is
+/// withdrawn from the log when it goes; its members are held.
 class VORN_API Out : public PtrInterface {
    VORN_OBJECT( Out )
 
@@ -82,6 +95,8 @@ class VORN_API Out : public PtrInterface {
    /// The first exception that a change raised since the last call: a local write where this end is
    /// read-only. Null if there was none.
    std::exception_ptr takeException() noexcept { return std::exchange( exception_, nullptr ); }
+   /// What is let happen against the flags; null for nothing.
+   void permitsIs( std::unique_ptr< Permits > permits ) noexcept { permits_ = std::move( permits ); }
 
    /// Whether the last record that was tried would fit now.
    bool hasSufficientBuffer() const noexcept { return !blocked_; }
@@ -147,6 +162,7 @@ class VORN_API Out : public PtrInterface {
    bool roomIs();
    std::size_t used() const noexcept { return std::size_t( at_ - head_ ); }
    void flow();
+   bool sendWithdrawals();
 
    /// The number of a type on this log, which it announces first; 0 if there is no room for that.
    U32 typeNumber( VornType const & type );
@@ -165,15 +181,17 @@ class VORN_API Out : public PtrInterface {
    std::size_t missing_ = 0; // octets of that record which did not fit
    std::size_t need_ = 0;    // room that a record did not find
    bool blocked_ = false;    // a record waits for that room, and everything else behind it
-   bool flowing_ = false;
+   bool active_ = false;     // something flows out, or records come in: nothing flows out by itself
    bool closing_ = false;
    String failure_;
    std::exception_ptr exception_;
+   std::unique_ptr< Permits > permits_;
 
    HashMap2018< Out, U64, Ptr< Adapter > > adapters_; // by the entity's address
    HashMap2018< Out, U32, Adapter * > byId_;
    HashMap2018< Out, U64, U32 > typeNumbers_; // by the record's address
    U32 lastEntityId_ = 0;
+   std::vector< U32 > withdrawn_;     // roots that have gone, and that the other end has still
    Adapter * firstPending_ = nullptr; // those with something to write, each knows its neighbours
    Adapter * lastPending_ = nullptr;
    std::unique_ptr< References > references_;

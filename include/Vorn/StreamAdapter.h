@@ -5,12 +5,11 @@
 /// for all types: what to carry, and how, it takes from the type's record.
 #pragma once
 
-#include "Vorn/GenericIf.h"
+#include "Vorn/NboAttrLogFlow.h"
 #include "Vorn/NboAttrLogOut.h"
 
 #include <map>
 #include <set>
-#include <unordered_set>
 
 namespace Vorn {
 
@@ -25,28 +24,32 @@ class VORN_API StreamAdapter : public PtrInterface {
 
    /// Status flags. Those under `Vorn_BitSet::notificationBitMask()` are given by who attaches an entity.
    enum Flag : U32 {
-      readOnly = 0x4,             ///< this end does not write
-      remoteReadOnly = 0x8,       ///< the other end does not write: what it sends is refused
+      readOnly = 0x4,             ///< this end does not write; see `NboAttrLog::Permits`
+      remoteReadOnly = 0x8,       ///< the other end does not write: what it sends is checked
       applyingLog = 0x10,         ///< a deletion of the sweep is under way, and is not sent back
-      unconfirmed = 0x20,         ///< marked by a running transaction
+      unconfirmed = 0x20,         ///< marked by a running transaction, not named in it yet
+      held = 0x100,               ///< the host holds everything back; it waits until the flag is cleared
       stopped = 0x120,            ///< either bit stops sending
-      suppressed = 0x2000,        ///< nothing is sent at all
+      suppressed = 0x2000,        ///< nothing is sent at all; all of it when the flag is cleared
       flowOutPresent = 0x100000,  ///< changes go through the flow-out
       handlingFlowOut = 0x400000, ///< a scheduled flow-out is being handled
       orphanRecord = 0x2000000,   ///< an orphan record is being written
       hasEntityId = 0x4000000,    ///< the other end knows the entity
       alwaysFlowOut = 0x8000000,  ///< changes wait for the host to ask, even if there is room
+      noRoom = 0x40000000,        ///< the last record found no room; cleared before each
    };
 
-   /// Brings out what is dirty from that attribute on, in order of their ids. The attribute at which the room
-   /// ran out, or 0 when all have been visited.
-   virtual U32 handleAttrFlowOut( U32 attributeId ) = 0;
-   /// Introduces an entity without a parent on the log. False if there is no room.
+   /// Brings out what is dirty from that attribute on, in order of their ids. Gives the attribute at which to
+   /// go on, or 0 when all have been visited. Of the attributes of `Entity` itself none is logged.
+   virtual U32 handleAttrFlowOut( U32 attributeId );
+   /// Lets go of the place at which a flow-out's walk stands.
+   virtual void freeResyncState( NboAttrLog::FlowOut & flowOut ) = 0;
+   /// Introduces an entity without a parent on the log. False if it has to wait.
    virtual bool doSerializeOrphan() = 0;
    /// Applies one attribute record whose value `in` is about to read.
    virtual void doHandleAttrDeserialization( U32 attributeId, NboAttrLog::In & in ) = 0;
-   /// Applies one marker.
-   virtual void doHandleAttrTransaction( U32 attributeId, AttrTransactionType type, NboAttrLog::In & in ) = 0;
+   /// Applies one marker; refuses that of an attribute which is no logged collection.
+   virtual void doHandleAttrTransaction( U32 attributeId, AttrTransactionType type, NboAttrLog::In & in );
    /// Ids of the collections that a synchronisation walks, in their order, ended by 0.
    virtual std::vector< U32 > attrIdsReqSync() const = 0;
 
@@ -67,12 +70,14 @@ class VORN_API Entity::VornNboAttrLogSa final : public StreamAdapter {
 
  public:
    class FlowOut;
-   /// The observer that the adapter binds to its entity; it leaves the entity's life alone. It is part of the
-   /// adapter, which is held while it is called.
+   /// The observer that the adapter binds to its entity, one for all types: it is told of every attribute. It
+   /// leaves the entity's life alone. It is part of the adapter, which is held while it is called.
    class VORN_API VornNboAttrLogSaAdapter_ final : public Entity::Notifiee {
     public:
       explicit VornNboAttrLogSaAdapter_( VornNboAttrLogSa & adapter );
       void handleNotification( U32 attributeId, void const * key ) override;
+      void onNotificationException() override;
+      void onZeroReferences() override;
       void vornFwkActivity() override;
       /// Unbinds the observer and clears its way back.
       void adapterDel();
@@ -85,6 +90,7 @@ class VORN_API Entity::VornNboAttrLogSa final : public StreamAdapter {
                      VornNboAttrLogSa * parent );
    ~VornNboAttrLogSa() override;
 
+   /// The entity, for as long as it is on the log.
    Entity & entity() const noexcept { return *entity_; }
    /// The log, or null once the entity is no longer on it.
    NboAttrLog::Out * nboAttrLogOut() const noexcept { return out_; }
@@ -92,13 +98,15 @@ class VORN_API Entity::VornNboAttrLogSa final : public StreamAdapter {
    U32 entityId() const noexcept { return ownId_ ? ownId_ : peerId_; }
    /// What is to be written still; null if nothing is.
    FlowOut * flowOut() const noexcept { return flowOut_.get(); }
+   /// Takes over the flags that whoever attaches an entity decides, for all below it too.
    void flagsIs( Vorn_BitSet flags );
    /// The adapter of an entity that an attribute of this one holds, made if there is none; the attribute's
    /// walk introduces it.
-   Ptr< VornNboAttrLogSa > childIs( Entity & child );
+   Ptr< VornNboAttrLogSa > childNboAttrLogAdapterIs( Entity & child );
    void hasNotificationActiveIs( bool active ) override;
 
    U32 handleAttrFlowOut( U32 attributeId ) override;
+   void freeResyncState( NboAttrLog::FlowOut & flowOut ) override;
    bool doSerializeOrphan() override;
    void doHandleAttrDeserialization( U32 attributeId, NboAttrLog::In & in ) override;
    void doHandleAttrTransaction( U32 attributeId, AttrTransactionType type, NboAttrLog::In & in ) override;
@@ -110,49 +118,72 @@ class VORN_API Entity::VornNboAttrLogSa final : public StreamAdapter {
    friend class NboAttrLog::References;
    class FlowIn;
 
-   // Outgoing (NboAttrLogSa.cpp).
-   void onAttribute( U32 attributeId, void const * key );
-   void onNotificationException( std::exception_ptr exception );
+   // Life (NboAttrLogSa.cpp).
+   void onNotificationException();
    void onFwkActivity();
-   [[noreturn]] void doThrowReadOnly( VornAttr const & attr ) const;
-   void doThis();
-   void keyChanged( VornAttr const & attr, void const * key );
-   void keyDirtyIs( VornAttr const & attr, void const * key );
-   bool prepareImmediateTransmission( VornAttr const & attr ) const;
-   bool serialize( VornAttr const & attr );
-   bool serializeGroup();
-   bool serializeSing( VornAttr const & attr, void const * key );
-   bool serializeColl( VornAttr const & attr );
-   bool serializeMember( VornAttr const & attr, Entity & member );
-   bool serializeDeletion( VornAttr const & attr, void const * key );
-   bool serializeReference( VornAttr const & attr, void const * key, void const * target );
-   bool sendTransactionMarker( VornAttr const & attr, AttrTransactionType type );
-   FlowOut & flowOutIs();
+   void doFixChildFlags( VornNboAttrLogSa & child ) const;
+   void reschedule();
    void pendingIs( bool pending );
    void pendingFirst();
    void confirmedIs( bool confirmed );
    void close();
    void leaveParent();
 
-   // Incoming (NboAttrLogSaIn.cpp).
+   // Changes that go out (NboAttrLogSaOut.cpp); `x` is the attribute.
+   void onAttribute( U32 attributeId, void const * key );
+   void onX( VornAttr const & x, void const * key );
+   void handleValueSerialization( VornAttr const & x );
+   NboAttrLog::Out * handleValueSerializationImpl( VornAttr const & x );
+   void vornHandleXSerializeSing( VornAttr const & x, void const * key );
+   bool prepareImmediateTransmission( VornAttr const & x ) const;
+   bool convertedToWritable();
+   [[noreturn]] void doThrowReadOnly( VornAttr const & x ) const;
+   void doThis();
+   template< class Body >
+   bool send( NboAttrLog::RecordKind kind, U32 attributeId, Body const & body );
+   U32 typeNumber( VornType const & type );
+   bool serialize( VornAttr const & x );
+   bool serializeGroup();
+   bool serializeKey( VornAttr const & x, void const * key );
+   bool serializeMember( VornAttr const & x, Entity & member );
+   bool serializeDeletion( VornAttr const & x, void const * key );
+   bool handlePtrSerialization( VornAttr const & x, void const * key, void const * reference );
+   bool sendTransactionMarker( VornAttr const & x, AttrTransactionType type );
+
+   // What waits (NboAttrLogFlow.cpp).
+   bool vornHandleXSerializeColl( VornAttr const & x );
+   bool vornHandleXSerializeWalk( VornAttr const & x );
+   bool continueFlowOut() const noexcept;
+   FlowOut & flowOutIs();
+   void flowOutIs( std::unique_ptr< FlowOut > flowOut );
+   void keyDirtyIs( VornAttr const & x, void const * key );
+
+   // Records that come in (NboAttrLogSaIn.cpp).
+   FlowIn * flowInFor( VornAttr const & attr, void const * key ) const noexcept;
    bool handlingFlowInFor( VornAttr const & attr, void const * key );
    template< class Call >
    void apply( VornAttr const & attr, void const * key, Call const & call );
+   void checkWritable( U32 attributeId ) const;
+   bool allowWriteFromReadOnlyRemote( U32 attributeId ) const;
+   [[noreturn]] static void throwWriteUpdateFromReadOnlyProxyException();
+   [[noreturn]] void doBaseVornNboAttrLogSaMsg( U32 attributeId ) const;
    VornAttr const & loggedAttribute( U32 id ) const;
    void groupFromLog( NboAttrLog::In & in );
-   void scalarIs( VornAttr const & attr, void const * value );
+   void entryFromLog( NboAttrLog::In & in, bool write, U32 & lastEntityId );
    void memberFromLog( VornAttr const & attr, NboAttrLog::In & in );
-   void valueFromLog( VornAttr const & attr, NboAttrLog::In & in );
-   void deletionFromLog( VornAttr const & attr, NboAttrLog::In & in );
+   void valueFromLog( VornAttr const & attr, NboAttrLog::In & in, bool write );
+   void deletionFromLog( VornAttr const & attr, NboAttrLog::In & in, bool write );
    void memberDel( VornAttr const & attr, void const * key );
    void sweep( VornAttr const & attr );
    void queueFromLog( VornAttr const & attr, AttrTransactionType type, NboAttrLog::In & in );
-   [[noreturn]] static void throwWriteUpdateFromReadOnlyProxyException();
 
-   void * object() const noexcept { return static_cast< PtrInterface * >( entity_.ptr() ); }
+   void * object() const noexcept { return static_cast< PtrInterface * >( entity_ ); }
    VornAttr const * attribute( U32 id ) const noexcept;
+   /// Whether nothing keeps it from sending but room.
+   bool maySend() const noexcept { return !flags_.any( suppressed | stopped ); }
 
-   Ptr< Entity > entity_;
+   Entity * entity_;
+   Ptr< Entity > member_;  // the same, held; not held where it was attached by hand
    VornType const & type_; // the entity's
    NboAttrLog::Out * out_;
    VornNboAttrLogSaAdapter_ observer_;
@@ -171,78 +202,6 @@ class VORN_API Entity::VornNboAttrLogSa final : public StreamAdapter {
    FlowIn * flowIn_ = nullptr;                                     // what is being applied, innermost first
    std::unique_ptr< std::map< U32, std::set< U32 > > > queueSeen_; // indices of the transactions under way
 };
-
-namespace NboAttrLog {
-
-/// The state of a synchronisation: what is dirty, and where a walk stands. It exists only while there is
-/// something that could not be written at once.
-class VORN_API FlowOut {
- public:
-   struct KeyHash {
-      std::size_t operator()( GenericIf::Value const & key ) const {
-         return key.type()->methods->genericIfHash( key.data(), key.type() );
-      }
-   };
-   using Keys = std::unordered_set< GenericIf::Value, KeyHash >;
-
-   /// Dirty keys of a collection, beyond as many as it has members, from which on all of it is sent anew.
-   static constexpr U32 spareDirtyKeys = 64;
-
-   explicit FlowOut( VornType const & type );
-
-   /// Whether an attribute without a key waits.
-   bool vornIsDirty( U32 attributeId ) const noexcept { return dirty_[index( attributeId )]; }
-   void vornIsDirtyIs( U32 attributeId, bool dirty ) noexcept {
-      bitIs( dirty_, dirtyNum_, attributeId, dirty );
-   }
-   /// Whether a collection has been walked whole; true for what is no collection.
-   bool vornHasSynced( U32 attributeId ) const noexcept { return !unsynced_[index( attributeId )]; }
-   void vornHasSyncedIs( U32 attributeId, bool synced ) noexcept {
-      bitIs( unsynced_, unsyncedNum_, attributeId, !synced );
-   }
-   bool hasDirtyAttributes() const noexcept { return dirtyNum_ || unsyncedNum_; }
-
-   /// The keys of a collection that wait.
-   Keys & dirtyKeys( U32 attributeId ) { return keys_[attributeId]; }
-   bool hasDirtyCollKeys() const noexcept;
-
-   /// The attribute that is being worked on.
-   U32 attrId() const noexcept { return attrId_; }
-   void attrIdIs( U32 attributeId ) noexcept { attrId_ = attributeId; }
-   /// Whether the walk of that collection is under way: some members may have been sent already.
-   bool walking( U32 attributeId ) const noexcept {
-      return attrId_ == attributeId && ( bookmark_ || walkedAll_ );
-   }
-   /// Whether all members of the present collection have been sent, but the marker behind them has not.
-   bool walkedAll() const noexcept { return walkedAll_; }
-   void walkedAllIs( bool all ) noexcept { walkedAll_ = all; }
-   /// Whether the present collection is being walked: the flow-out goes on there.
-   bool walking() const noexcept { return bookmark_ || walkedAll_; }
-
-   /// The key at which the walk of the present collection goes on.
-   GenericIf::Value const * bookmark() const noexcept { return bookmark_.get(); }
-   /// Sets a bookmark; there must be none.
-   void bookmarkIs( std::unique_ptr< GenericIf::Value > key );
-   /// Takes the bookmark back.
-   std::unique_ptr< GenericIf::Value > bookmarkDeq() noexcept { return std::move( bookmark_ ); }
-
- private:
-   using Bits = std::vector< bool >;
-   U32 index( U32 attributeId ) const noexcept;
-   void bitIs( Bits & bits, U32 & count, U32 attributeId, bool set ) noexcept;
-
-   VornType const * type_;
-   Bits dirty_;
-   Bits unsynced_;
-   U32 dirtyNum_ = 0;
-   U32 unsyncedNum_ = 0;
-   U32 attrId_ = 0;
-   bool walkedAll_ = false;
-   std::map< U32, Keys > keys_;
-   std::unique_ptr< GenericIf::Value > bookmark_;
-};
-
-} // namespace NboAttrLog
 
 /// Under the name by which the adapter knows it.
 class VORN_API Entity::VornNboAttrLogSa::FlowOut final : public NboAttrLog::FlowOut {

@@ -9,7 +9,7 @@ namespace Test {
 /// At the bottom: members with a further argument, and with one that can be changed.
 class Twig : public Vorn::Entity {
    VORN_ENTITY( Twig, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Load ) VORN_ON( Label ) VORN_ON( Pal ) )
+   VORN_NOTIFIEE( VORN_ON( Load ); VORN_ON( Label ); VORN_ON( Pal ); )
    VORN_CTOR_TYPES( U32, Vorn::String, U16 )
 
  public:
@@ -31,10 +31,9 @@ struct TwigId {
 /// In the middle, by name: collections of every kind.
 class Branch : public Vorn::Entity {
    VORN_ENTITY( Branch, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Number ) VORN_ON_KEYED( U32, Twig ) VORN_ON_KEYED( Vorn::String, Score )
-                       VORN_ON_KEYED( U64, Mark ) VORN_ON_KEYED( U32, Flag ) VORN_ON_KEYED( U32, Event )
-                            VORN_ON_KEYED( Vorn::String, Beside ) VORN_ON_KEYED( U32, Inside )
-                                 VORN_ON( Secret ) )
+   VORN_NOTIFIEE( VORN_ON( Number ); VORN_ON_KEYED( U32, Twig ); VORN_ON_KEYED( Vorn::String, Score );
+                  VORN_ON_KEYED( U64, Mark ); VORN_ON_KEYED( U32, Flag ); VORN_ON_KEYED( U32, Event );
+                  VORN_ON_KEYED( Vorn::String, Beside ); VORN_ON_KEYED( U32, Inside ); VORN_ON( Secret ); )
 
  public:
    explicit Branch( Vorn::Name const & name ) : name_( name ) {}
@@ -56,8 +55,8 @@ VORN_FACTORY( Branch, branchFactory )
 /// At the top.
 class Tree : public Vorn::Entity {
    VORN_ENTITY( Tree, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Height ) VORN_ON( Kind ) VORN_ON( Alive ) VORN_ON( Age ) VORN_ON( Crown )
-                       VORN_ON( Top ) VORN_ON_KEYED( Vorn::Name, Branch ) )
+   VORN_NOTIFIEE( VORN_ON( Height ); VORN_ON( Kind ); VORN_ON( Alive ); VORN_ON( Age ); VORN_ON( Crown );
+                  VORN_ON( Top ); VORN_ON_KEYED( Vorn::Name, Branch ); )
 
  public:
    explicit Tree( Vorn::Name const & name ) : name_( name ) {}

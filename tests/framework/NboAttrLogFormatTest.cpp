@@ -154,6 +154,8 @@ class Reader {
       }
       if ( attribute == 0x88 && !entity ) {
          orphan( v );
+      } else if ( attribute == 0u - 0x88 ) {
+         std::erase( roots, entity );
       } else {
          Thing & thing = things_.at( entity );
          if ( kind == 1 ) {
@@ -317,6 +319,8 @@ TEST( NboAttrLogFormat, aReaderThatKnowsOnlyThePageUnderstandsTheStream ) {
            Vorn::newObject< ::Test::Out >( seed % 3 ? 64 + 10 * U32( seed ) : ::Test::Out::defaultCapacity );
       auto & tree = const_cast< ::Test::Tree & >( world.tree() );
       tree.vornNboAttrLogSaIs( 0, 0, out );
+      auto passing = ::Test::branchFactory( Vorn::Name( "passing" ) );
+      passing->vornNboAttrLogSaIs( 0, 0, out );
       std::vector< U8 > octets;
       auto const take = [&] {
          while ( std::size_t const bytes = out->bytes() ) {
@@ -327,6 +331,7 @@ TEST( NboAttrLogFormat, aReaderThatKnowsOnlyThePageUnderstandsTheStream ) {
       for ( int i = 0; i < 10; ++i ) {
          world.steps( 20 );
          if ( i % 3 ) take();
+         if ( i == 5 ) passing = nullptr;
       }
       take();
       Reader reader;

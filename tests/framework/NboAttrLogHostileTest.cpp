@@ -38,11 +38,14 @@ class Schedule {
       }
       if ( below( 2 ) ) world_.steps( below( size_ ) );
       world_.attach( pair.source.out );
+      auto passing = branchFactory( Vorn::Name( "passing" ) );
       for ( U32 rounds = below( 30 ); rounds--; ) {
+         passingStep( passing, pair );
          if ( below( 2 ) ) world_.steps( below( size_ / 4 ) );
          carry( pair, below( 2 ) ? below( 20 ) : below( 2 * capacity ) );
          look( pair );
       }
+      passing = nullptr;
       if ( last ) {
          finish( pair );
       } else {
@@ -51,6 +54,16 @@ class Schedule {
          if ( !lost.empty() ) pair.copy.demuxer->bytesIs( lost.data(), below( U32( lost.size() ) ) );
       }
       keep( pair );
+   }
+
+   /// A root that comes and goes while the others stay.
+   void passingStep( Ptr< Branch > & passing, LogPair & pair ) {
+      switch ( below( 6 ) ) {
+      case 0: passing->vornNboAttrLogSaIs( StreamAdapter::remoteReadOnly, 0, pair.source.out ); break;
+      case 1: passing->twigIs( below( 30 ), Vorn::String( "oak" ), U16( below( 9 ) ) ); break;
+      case 2: passing->eventEnq( "event" ); break;
+      case 3: passing = branchFactory( Vorn::Name( "passing" ) ); break;
+      }
    }
 
    /// Carries some octets, in pieces.

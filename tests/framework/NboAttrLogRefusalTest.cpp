@@ -1,6 +1,7 @@
 // Streams that lie, pieces of every size, and what a change must not cost.
 
 #include "framework/LogKinds.h"
+#include "framework/LogOctets.h"
 #include "framework/LogPair.h"
 
 #include "Ldp/LdpAdj.h"
@@ -29,30 +30,6 @@ using namespace Test;
 using Vorn::AttrLogRecordException;
 using Vorn::Name;
 using Vorn::String;
-using Octets = std::vector< U8 >;
-
-Octets operator+( Octets a, Octets const & b ) {
-   a.insert( a.end(), b.begin(), b.end() );
-   return a;
-}
-Octets number( U32 value ) { return { U8( value >> 24 ), U8( value >> 16 ), U8( value >> 8 ), U8( value ) }; }
-Octets text( std::string const & octets ) { return Octets( octets.begin(), octets.end() ); }
-Octets counted( std::string const & octets ) { return number( U32( octets.size() ) ) + text( octets ); }
-Octets record( U8 kind, U32 entity, U32 attribute, Octets const & value ) {
-   return number( U32( value.size() ) + 11 ) + Octets{ kind } + number( entity ) + number( attribute ) +
-          Octets{ 0 } + value + Octets{ 2 };
-}
-
-Octets const header{ 'V', 'N', 'A', 'L', 0, 1, 0, 0 };
-/// A tree, 1, with branch 2, and age 7.
-Octets const good =
-     header + record( 2, 0, 1, text( "Test::Tree" ) ) + record( 2, 0, 2, text( "Test::Branch" ) ) +
-     record( 2, 0, 3, text( "Test::Twig" ) ) +
-     record( 3, 0, 0x88,
-             Octets{ 0 } + number( 1 ) + Octets{ 2 } + counted( "tree" ) + Octets{ 3 } + number( 1 ) ) +
-     record( 3, 1, 0x108, counted( "branch" ) + number( 2 ) + number( 2 ) ) + record( 0, 1, 0x105, { 7 } );
-Octets const twig = number( 5 ) + counted( "oak" ) + Octets{ 0, 9 };
-
 TEST( NboAttrLogRefusal, aStreamThatLiesIsRefusedWholeAndWhatStoodBeforeItStays ) {
    struct Row {
       char const * name;

@@ -1,10 +1,7 @@
 // The attribute log: what travels, when, and what does not.
 
-#include "framework/AllKinds.h"
-#include "framework/LogKinds.h"
-#include "framework/LogPair.h"
-
-#include "Ldp/LdpAdj.h"
+#include "framework/LogOctets.h"
+#include "framework/LogSamples.h"
 
 #include <algorithm>
 
@@ -13,91 +10,6 @@ namespace {
 using namespace Test;
 using Vorn::Name;
 using Vorn::String;
-
-Ldp::LdpAdjId adjId( U32 number ) {
-   return Ldp::LdpAdjId( Ldp::LdpIdentifier( 0x0a000000 + number, 0 ), Lumo::IntfId( "Ethernet1" ) );
-}
-
-Ptr< Tree > grownTree() {
-   auto const tree = treeFactory( Name( "oak" ) );
-   tree->heightIs( 12.5 );
-   tree->kindIs( "quercus" );
-   tree->ageIs( 200 );
-   tree->topIs( U32( 9 ), String( "ash" ), U16( 3 ) )->labelIs( "top" );
-   auto const crown = tree->crownIs( Name( "crown" ) );
-   for ( auto const & branch :
-         { crown, tree->branchIs( Name( "left" ) ), tree->branchIs( Name( "right" ) ) } ) {
-      for ( U32 i = 0; i < 20; ++i ) {
-         auto const twig = branch->twigIs( i, String( "oak" ), U16( i ) );
-         twig->labelIs( Vorn::format( "twig %u", i ) );
-         branch->scoreIs( Vorn::format( "score %u", i ), i / 8.0 );
-         branch->markIs( U64( i ) << 40 );
-         branch->flagIs( i, i % 3 == 0 );
-         branch->eventEnq( Vorn::format( "event %u", i ) );
-         branch->besideIs( Vorn::format( "beside %u", i ), twig );
-         branch->insideIs( twig );
-      }
-      branch->twig( 3 )->palIs( tree->top() );
-      branch->twig( 4 )->palIs( branch->twig( 19 ) );
-      branch->numberInc( 77 );
-   }
-   return tree;
-}
-
-/// The values of all records in what a log has written: what stands between their tokens, with the head.
-struct Record {
-   U8 kind;
-   U32 entity;
-   U32 attribute;
-   std::vector< U8 > value;
-   friend bool operator==( Record const &, Record const & ) = default;
-};
-
-U32 word( U8 const * at ) { return U32( at[0] ) << 24 | U32( at[1] ) << 16 | U32( at[2] ) << 8 | at[3]; }
-
-std::vector< Record > records( std::vector< U8 > const & octets, std::size_t from = 0 ) {
-   std::vector< Record > all;
-   for ( U8 const * at = octets.data() + from; at != octets.data() + octets.size(); ) {
-      U32 const length = word( at );
-      U8 const * const value = at + 4 + Vorn::NboAttrLog::recordHeadBytes;
-      U8 const * const end = at + 4 + length;
-      EXPECT_EQ( 0, value[-1] ) << "a value begins with token 0";
-      EXPECT_EQ( 2, end[-1] ) << "and ends with token 2";
-      all.push_back( { at[4], word( at + 5 ), word( at + 9 ), { value, end - 1 } } );
-      at = end;
-   }
-   return all;
-}
-
-/// An adjacency collection with one member, known to the copy.
-struct Adjacencies : LogPair {
-   explicit Adjacencies( U32 capacity = Out::defaultCapacity ) : LogPair( capacity ) {
-      coll->vornNboAttrLogSaIs( 0, 0, source.out );
-      flush();
-   }
-   Ldp::LdpAdjStatusColl & copied() { return static_cast< Ldp::LdpAdjStatusColl & >( *root() ); }
-   /// Fills the buffer until a change finds no room.
-   void starve() {
-      while ( source.out->hasSufficientBuffer() ) {
-         member->peerHoldTimeIs( U16( member->peerHoldTime() + 1 ) );
-      }
-   }
-
-   Ptr< Ldp::LdpAdjStatusColl > coll = Ldp::ldpAdjStatusCollFactory( Name( "default" ) );
-   Ptr< Ldp::LdpAdjStatus > member = coll->adjStatusIs( adjId( 1 ) );
-};
-
-/// Counts the callbacks on a collection of adjacencies.
-struct Counter : Ldp::LdpAdjStatusColl::NotifieeConst {
-   explicit Counter( Ldp::LdpAdjStatusColl & coll ) {
-      isRegisteredNotifieeIs( true );
-      notifierIs( Ptr< Vorn::PtrInterface const >( &coll ) );
-      isWeakReferenceIs( true );
-      hasNotificationActiveIs( true );
-   }
-   void onAdjStatus( Ldp::LdpAdjId const & key ) override { keys.push_back( key ); }
-   std::vector< Ldp::LdpAdjId > keys;
-};
 
 TEST( NboAttrLog, aWholeTreeArrivesThroughBuffersOfEverySize ) {
    auto const tree = grownTree();
@@ -216,54 +128,6 @@ TEST( NboAttrLog, keysThatComeAndGoWhileNobodyListensDoNotPileUp ) {
    EXPECT_EQ( logged( *tree ), logged( *pair.root() ) );
 }
 
-TEST( NboAttrLog, aTransactionWithoutMembersEmptiesTheCollection ) {
-   Adjacencies first;
-   for ( U32 i = 2; i < 9; ++i ) {
-      first.coll->adjStatusIs( adjId( i ) );
-   }
-   first.flush();
-   auto const copy = first.root();
-   auto const empty = Ldp::ldpAdjStatusCollFactory( Name( "default" ) );
-   auto const counter = Vorn::newObject< Counter >( first.copied() );
-   LogPair second;
-   second.copy.demuxer->rootIs( copy );
-   empty->vornNboAttrLogSaIs( 0, 0, second.source.out );
-   second.flush();
-   EXPECT_EQ( copy, second.root() ) << "the entity that was offered is the one";
-   EXPECT_EQ( 8u, counter->keys.size() ) << "each member is told of";
-   EXPECT_EQ( 0u, static_cast< Ldp::LdpAdjStatusColl & >( *copy ).adjStatuss() );
-}
-
-TEST( NboAttrLog, aFreshConnectionKeepsTheEntitiesThatMatch ) {
-   auto const tree = grownTree();
-   Ptr< Vorn::Entity > copy;
-   {
-      LogPair pair;
-      tree->vornNboAttrLogSaIs( 0, 0, pair.source.out );
-      pair.flush();
-      copy = pair.root();
-   }
-   Branch & left = *static_cast< Tree & >( *copy ).branch( Name( "left" ) );
-   auto const kept = left.twig( 1 );
-   auto const replaced = left.twig( 2 );
-   auto const gone = left.twig( 3 );
-   Branch & original = *tree->branch( Name( "left" ) );
-   original.twigDel( 2 );
-   original.twigIs( 2U, String( "another wood" ), U16( 1 ) );
-   original.twigDel( 3 );
-   original.scoreDel( "score 1" );
-   original.markDel( 0 );
-   original.eventDeq();
-   LogPair pair;
-   pair.copy.demuxer->rootIs( copy );
-   tree->vornNboAttrLogSaIs( 0, 0, pair.source.out );
-   pair.flush();
-   EXPECT_EQ( logged( *tree ), logged( *copy ) );
-   EXPECT_EQ( kept, left.twig( 1 ) );
-   EXPECT_NE( replaced, left.twig( 2 ) ) << "another constructor argument makes another entity";
-   EXPECT_EQ( nullptr, gone->parent() );
-}
-
 TEST( NboAttrLog, aReferenceLeadsToTheCopyOfItsTargetWhileThatIsOnTheLog ) {
    auto const tree = treeFactory( Name( "tree" ) );
    auto const branch = tree->branchIs( Name( "branch" ) );
@@ -305,97 +169,6 @@ TEST( NboAttrLog, aMemberThatWasTakenOutIsSilent ) {
    EXPECT_EQ( nullptr, pair.member->vornNboAttrLogSa( pair.source.out ) );
 }
 
-// Two ends that both write.
-
-TEST( NboAttrLog, bothEndsWriteAndNothingComesBack ) {
-   LogEnd a( 0 ), b( 0 );
-   auto const carry = []( LogEnd & from, LogEnd & to ) {
-      std::size_t const bytes = from.out->bytes();
-      if ( bytes ) to.demuxer->bytesIs( from.out->data(), bytes );
-      from.out->drained( bytes );
-      return bytes;
-   };
-   auto const tree = grownTree();
-   tree->vornNboAttrLogSaIs( 0, 0, a.out );
-   carry( a, b );
-   auto & copy = static_cast< Tree & >( *b.demuxer->roots().at( 0 ) );
-   EXPECT_EQ( Vorn::NboAttrLog::streamHeaderBytes, b.out->bytes() );
-   copy.ageIs( 5 );
-   copy.branchIs( Name( "from the copy" ) )->twigIs( 1U, String( "elm" ), U16( 2 ) )->labelIs( "new" );
-   copy.branchDel( Name( "right" ) );
-   tree->kindIs( "changed meanwhile" );
-   tree->branch( Name( "right" ) )->numberInc( 5 ); // crosses the deletion
-   tree->branch( Name( "right" ) )->twigIs( 77U, String( "elm" ), U16( 2 ) )->labelIs( "lost" );
-   carry( a, b );
-   carry( b, a );
-   EXPECT_EQ( logged( *tree ), logged( copy ) );
-   EXPECT_EQ( 5, tree->age() );
-   EXPECT_EQ( nullptr, tree->branch( Name( "right" ) ) );
-   EXPECT_EQ( 0u, a.out->bytes() + b.out->bytes() );
-
-   // Both make the same member at the same time; each then knows it by its own number.
-   tree->branchIs( Name( "both" ) );
-   copy.branchIs( Name( "both" ) );
-   carry( a, b );
-   carry( b, a );
-   tree->branch( Name( "both" ) )->numberInc( 3 );
-   carry( a, b );
-   EXPECT_EQ( 3u, copy.branch( Name( "both" ) )->number() );
-   copy.branch( Name( "both" ) )->markIs( 9 );
-   carry( b, a );
-   EXPECT_EQ( logged( *tree ), logged( copy ) );
-   EXPECT_EQ( nullptr, a.out->takeException() );
-}
-
-TEST( NboAttrLog, whatAnObserverMakesOfARecordGoesBack ) {
-   LogEnd a( 0 ), b( 0 );
-   auto const tree = treeFactory( Name( "tree" ) );
-   tree->vornNboAttrLogSaIs( 0, 0, a.out );
-   b.demuxer->bytesIs( a.out->data(), a.out->bytes() );
-   a.out->drained( a.out->bytes() );
-   auto & copy = static_cast< Tree & >( *b.demuxer->roots().at( 0 ) );
-   struct AtMostNine : Tree::Notifiee {
-      explicit AtMostNine( Tree & tree ) : tree_( tree ) {
-         isRegisteredNotifieeIs( true );
-         notifierIs( Ptr< Vorn::PtrInterface const >( &tree ) );
-         isWeakReferenceIs( true );
-         hasNotificationActiveIs( true );
-      }
-      void onAge() override {
-         if ( tree_.age() > 9 ) tree_.ageIs( 9 );
-      }
-      Tree & tree_;
-   };
-   auto const observer = Vorn::newObject< AtMostNine >( copy );
-   tree->ageIs( 50 );
-   b.demuxer->bytesIs( a.out->data(), a.out->bytes() );
-   a.out->drained( a.out->bytes() );
-   a.demuxer->bytesIs( b.out->data(), b.out->bytes() );
-   EXPECT_EQ( 9, tree->age() );
-}
-
-// Ends that do not write.
-
-TEST( NboAttrLog, aLocalWriteOnAReadOnlyEndIsReported ) {
-   Adjacencies pair;
-   pair.copied().adjStatus( adjId( 1 ) )->operHoldTimeIs( 5 );
-   auto const raised = pair.copy.out->takeException();
-   ASSERT_NE( nullptr, raised );
-   EXPECT_THROW( std::rethrow_exception( raised ), Vorn::RangeException );
-   EXPECT_EQ( nullptr, pair.copy.out->takeException() );
-   EXPECT_EQ( Vorn::NboAttrLog::streamHeaderBytes, pair.copy.out->bytes() ) << "nothing is sent";
-}
-
-TEST( NboAttrLog, aWriteFromAReadOnlyCopyIsRefused ) {
-   LogEnd a( StreamAdapter::remoteReadOnly ), b( 0 );
-   auto const tree = treeFactory( Name( "tree" ) );
-   tree->vornNboAttrLogSaIs( StreamAdapter::remoteReadOnly, 0, a.out );
-   b.demuxer->bytesIs( a.out->data(), a.out->bytes() );
-   static_cast< Tree & >( *b.demuxer->roots().at( 0 ) ).ageIs( 5 );
-   EXPECT_THROW( a.demuxer->bytesIs( b.out->data(), b.out->bytes() ), Vorn::AttrLogRecordException );
-   EXPECT_EQ( 0, tree->age() );
-}
-
 TEST( NboAttrLog, flagsAreMergedIntoAnAdapterThatIsThere ) {
    Adjacencies pair;
    auto const sa = pair.coll->vornNboAttrLogSa( pair.source.out );
@@ -412,24 +185,106 @@ TEST( NboAttrLog, flagsAreMergedIntoAnAdapterThatIsThere ) {
    EXPECT_EQ( nullptr, pair.coll->vornNboAttrLogSaIs( 0, 0, nullptr ) );
 }
 
-TEST( NboAttrLog, theHooksOfTheRecords ) {
-   auto const & type = Tree::_vornType;
-   ASSERT_NE( nullptr, type.childAttrLogIs );
-   EXPECT_EQ( nullptr, Twig::_vornType.childAttrLogIs ) << "no logged child";
-   auto const tree = grownTree();
-   LogPair pair;
-   tree->vornNboAttrLogSaIs( StreamAdapter::alwaysFlowOut, 0, pair.source.out );
-   EXPECT_EQ( nullptr, type.childAttrLogIs( &type, "height", *tree, pair.source.out ) );
-   auto const crown = type.childAttrLogIs( &type, "crown", *tree, pair.source.out );
-   EXPECT_EQ( tree->crown()->vornNboAttrLogSa( pair.source.out ), crown );
-   EXPECT_EQ( 1u, crown->level() );
-   // A member that is attached by hand comes through its parent all the same.
-   tree->branch( Name( "left" ) )->vornNboAttrLogSaIs( 0, 0, pair.source.out );
+TEST( NboAttrLog, whatTheHostHoldsBackWaits ) {
+   Adjacencies pair;
+   pair.coll->vornNboAttrLogSaIs( StreamAdapter::held, 0, pair.source.out );
+   Ptr< Tree > const tree = grownTree();
+   tree->vornNboAttrLogSaIs( StreamAdapter::held, 0, pair.source.out );
+   for ( U16 i = 0; i < 10; ++i ) {
+      pair.member->operHoldTimeIs( i );
+   }
+   pair.coll->adjStatusIs( adjId( 2 ) );
+   pair.coll->adjStatusIs( adjId( 3 ) );
+   pair.coll->adjStatusDel( adjId( 3 ) );
+   EXPECT_TRUE( pair.take().empty() );
+   pair.coll->vornNboAttrLogSaIs( 0, 0, pair.source.out );
+   auto const sent = records( pair.take() );
+   // One record for the ten changes; of the keys an introduction, its group, and a deletion.
+   EXPECT_EQ( 4u, sent.size() );
+   EXPECT_EQ( 1, std::count( sent.begin(), sent.end(), Record{ 0, 2, 0x106, { 0, 9 } } ) );
+   tree->vornNboAttrLogSaIs( 0, 0, pair.source.out );
    pair.flush();
-   EXPECT_EQ( 1u, pair.copy.demuxer->roots().size() );
+   EXPECT_EQ( logged( *tree ), logged( *pair.copy.demuxer->roots().at( 1 ) ) );
+}
+
+TEST( NboAttrLog, aWalkThatWasSuppressedBeginsAnew ) {
+   auto const tree = treeFactory( Name( "tree" ) );
+   auto const branch = tree->branchIs( Name( "branch" ) );
+   for ( U64 i = 0; i < 100; ++i ) {
+      branch->markIs( i );
+   }
+   LogPair pair( 200 );
+   tree->vornNboAttrLogSaIs( 0, 0, pair.source.out );
+   auto const marks = [&] {
+      auto const & roots = pair.copy.demuxer->roots();
+      auto const copy =
+           roots.empty() ? nullptr : static_cast< Tree & >( *roots[0] ).branch( Name( "branch" ) );
+      return copy ? copy->marks() : 0;
+   };
+   while ( marks() < 50 ) {
+      pair.carry();
+   }
+   tree->vornNboAttrLogSaIs( StreamAdapter::suppressed, 0, pair.source.out );
+   pair.carry(); // what was ready
+   EXPECT_EQ( 0u, pair.carry() ) << "nothing more";
+   branch->markDelAll(); // those that have been sent as well
+   branch->markIs( 1000 );
+   tree->vornNboAttrLogSaIs( 0, 0, pair.source.out );
+   pair.flush();
    EXPECT_EQ( logged( *tree ), logged( *pair.root() ) );
-   EXPECT_EQ( ( std::vector< U32 >{ 0x103, 0x104, 0x105, 0x106, 0x107, 0x108, 0x109, 0 } ),
-              tree->crown()->vornNboAttrLogSa( pair.source.out )->attrIdsReqSync() );
+}
+
+TEST( NboAttrLog, aLongValueIsNotKeptWaitingByShortOnes ) {
+   auto const tree = treeFactory( Name( "tree" ) );
+   LogPair pair( 64 );
+   tree->vornNboAttrLogSaIs( 0, 0, pair.source.out );
+   pair.flush();
+   tree->kindIs( String( std::string( 500, 'x' ) ) );
+   U32 rounds = 0;
+   do {
+      tree->ageIs( U8( ++rounds ) );
+      tree->heightIs( rounds );
+      pair.carry();
+      ASSERT_LT( rounds, 20u );
+   } while ( static_cast< Tree & >( *pair.root() ).kind().empty() );
+}
+
+TEST( NboAttrLog, aRootThatIsDestroyedIsWithdrawn ) {
+   for ( bool const room : { true, false } ) {
+      Adjacencies pair( 100 );
+      auto tree = treeFactory( Name( "tree" ) );
+      tree->branchIs( Name( "branch" ) )->markIs( 5 );
+      tree->vornNboAttrLogSaIs( 0, 0, pair.source.out );
+      pair.flush();
+      ASSERT_EQ( 2u, pair.copy.demuxer->roots().size() );
+      U64 const trees = Tree::allocTrack().objects();
+      if ( !room ) pair.starve();
+      tree->ageIs( 9 ); // finds no room, and never will
+      tree = nullptr;
+      EXPECT_EQ( trees - 1, Tree::allocTrack().objects() ) << "the log does not keep it";
+      pair.flush();
+      EXPECT_EQ( trees - 2, Tree::allocTrack().objects() ) << "nor does the copy's end";
+      ASSERT_EQ( 1u, pair.copy.demuxer->roots().size() );
+      EXPECT_EQ( pair.source.out->adapters(), pair.copy.out->adapters() );
+      EXPECT_EQ( logged( *pair.coll ), logged( *pair.root() ) );
+      EXPECT_EQ( nullptr, pair.copy.out->takeException() );
+   }
+}
+
+TEST( NboAttrLog, aRootThatBecomesAMemberIsNoRootAnyMore ) {
+   auto const tree = treeFactory( Name( "tree" ) );
+   auto const branch = tree->branchIs( Name( "branch" ) );
+   branch->markIs( 5 );
+   LogPair pair;
+   branch->vornNboAttrLogSaIs( 0, 0, pair.source.out );
+   pair.flush();
+   tree->vornNboAttrLogSaIs( 0, 0, pair.source.out );
+   pair.flush();
+   ASSERT_EQ( 1u, pair.copy.demuxer->roots().size() );
+   EXPECT_EQ( logged( *tree ), logged( *pair.root() ) );
+   branch->markIs( 6 );
+   pair.flush();
+   EXPECT_EQ( logged( *tree ), logged( *pair.root() ) );
 }
 
 TEST( NboAttrLogDeathTest, aSecondBookmark ) {
