@@ -165,7 +165,7 @@ std::size_t Demuxer::wanted( U8 const * octets, std::size_t bytes ) const {
    if ( !headerSeen_ ) return streamHeaderBytes;
    if ( bytes < sizeof( U32 ) ) return sizeof( U32 );
    U32 const length = In( octets, sizeof( U32 ), const_cast< Demuxer & >( *this ) ).nextU32();
-   if ( length <= recordHeadBytes || length > maxRecordBytes ) {
+   if ( length <= Out::recordHeadBytes || length > Out::maxRecordBytes ) {
       refuse( format( "a record of the attribute log has an impossible length, %u", length ) );
    }
    return sizeof( U32 ) + length;
@@ -230,7 +230,6 @@ void Demuxer::recordIs( In & in ) {
       }
       return;
    }
-   Ptr< Entity > const hold( &adapter->entity() ); // an observer may drop it
    if ( attribute == 0 - orphanId ) {
       checkEphemeralEntityDeletion( *adapter, value );
    } else if ( kind == markerRecord ) {
@@ -310,11 +309,14 @@ void Demuxer::newEntityIdIs( U32 entityId ) {
 
 /// Ties an entity that came in to its number.
 void Demuxer::doEntityIdIs( Entity & entity, U32 entityId, Out::Adapter * parent ) {
-   Ptr< Out::Adapter > adapter( out_->adapter( entity ) );
-   if ( !adapter ) {
-      adapter =
-           parent ? parent->childNboAttrLogAdapterIs( entity )
-                  : out_->newAdapter( entity, flags_.word() & Vorn_BitSet::inheritedFlagsMask(), 0, nullptr );
+   Ptr< Out::Adapter > adapter;
+   if ( parent ) {
+      adapter = parent->childNboAttrLogAdapterIs( entity );
+   } else {
+      adapter = out_->adapter( entity );
+      if ( !adapter ) {
+         adapter = out_->newAdapter( entity, flags_.word() & Vorn_BitSet::inheritedFlagsMask(), 0, nullptr );
+      }
    }
    out_->entityIdIs( *adapter, entityId );
    adapter->confirmedIs( true );

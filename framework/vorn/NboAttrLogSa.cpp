@@ -66,10 +66,9 @@ Sa::VornNboAttrLogSa( Entity & entity, Out & out, Vorn_BitSet flags, unsigned le
      : StreamAdapter( Vorn_BitSet( flags.word() & Vorn_BitSet::notificationBitMask() ), level ),
        entity_( &entity ), member_( parent ? &entity : nullptr ), type_( *entity.fwkType() ), out_( &out ),
        observer_( *this ), parent_( parent ) {
-   if ( !parent_ ) return;
-   nextChild_ = parent_->firstChild_;
+   nextChild_ = siblings();
    if ( nextChild_ ) nextChild_->prevChild_ = this;
-   parent_->firstChild_ = this;
+   siblings() = this;
 }
 
 Sa::~VornNboAttrLogSa() { observer_.adapterDel(); }
@@ -147,16 +146,18 @@ void Sa::close() {
    }
    // A member's collection tells that it has gone; of an entity by itself nobody else could.
    if ( !parent_ && ownId_ && !out_->closing_ ) out_->withdrawn_.push_back( ownId_ );
-   leaveParent();
+   leaveSiblings();
    pendingIs( false );
    if ( flowOut_ ) freeResyncState( *flowOut_ );
    flowOut_.reset();
    std::exchange( out_, nullptr )->adapterDel( *this );
 }
 
-void Sa::leaveParent() {
-   if ( !parent_ ) return;
-   ( prevChild_ ? prevChild_->nextChild_ : parent_->firstChild_ ) = nextChild_;
+/// The first of the adapters that have the same parent.
+Sa *& Sa::siblings() noexcept { return parent_ ? parent_->firstChild_ : out_->firstRoot_; }
+
+void Sa::leaveSiblings() {
+   ( prevChild_ ? prevChild_->nextChild_ : siblings() ) = nextChild_;
    if ( nextChild_ ) nextChild_->prevChild_ = prevChild_;
    parent_ = nextChild_ = prevChild_ = nullptr;
 }

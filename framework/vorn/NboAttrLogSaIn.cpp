@@ -58,8 +58,7 @@ Sa::FlowIn * Sa::flowInFor( VornAttr const & attr, void const * key ) const noex
    return flowIn;
 }
 
-/// Whether a change that the observer reports is one that is being applied.
-bool Sa::handlingFlowInFor( VornAttr const & attr, void const * key ) {
+bool Sa::flowInReported( VornAttr const & attr, void const * key ) {
    FlowIn * const flowIn = flowInFor( attr, key );
    if ( flowIn ) flowIn->reported();
    return flowIn;
@@ -105,6 +104,8 @@ void Sa::doHandleAttrDeserialization( U32 attributeId, In & in ) {
    checkWritable( attr.id() );
    if ( deletion ) {
       deletionFromLog( attr, in, true );
+   } else if ( attr.kind() == VornKind::mutableAttr ) {
+      scalarFromLog( attr, in, true );
    } else if ( attr.instantiating() ) {
       memberFromLog( attr, in );
    } else {
@@ -153,7 +154,9 @@ void Sa::entryFromLog( In & in, bool write, U32 & lastEntityId ) {
    checkWritable( attr->id() );
    if ( deletion ) {
       deletionFromLog( *attr, in, write );
-   } else if ( attr->kind() != VornKind::entityColl ) {
+   } else if ( attr->kind() == VornKind::mutableAttr ) {
+      scalarFromLog( *attr, in, write );
+   } else if ( attr->kind() == VornKind::valueColl ) {
       valueFromLog( *attr, in, write );
    } else if ( write ) {
       memberFromLog( *attr, in );
@@ -168,6 +171,18 @@ void Sa::entryFromLog( In & in, bool write, U32 & lastEntityId ) {
    }
 }
 
+void Sa::scalarFromLog( VornAttr const & attr, In & in, bool write ) {
+   GenericIf::Value value( attr.type );
+   attr.type->methods->logIn( in, value.data() );
+   in.endIs();
+   if ( !write ) return;
+   apply( attr, nullptr, [&] {
+      void const * const arg = value.data();
+      attr.ops->op( nullptr, object(), attr, GenericIf::write, nullptr, &arg );
+   } );
+}
+
+/// A member of a collection that is no entity of its own, or a single reference.
 void Sa::valueFromLog( VornAttr const & attr, In & in, bool write ) {
    std::optional< GenericIf::Value > key;
    if ( attr.keyed() ) {
@@ -275,6 +290,7 @@ void Sa::doHandleAttrTransaction( U32 attributeId, AttrTransactionType type, In 
       return;
    }
    checkWritable( attributeId );
+   Ptr< Entity > const hold( entity_ ); // while it is walked an observer may drop it
    if ( attr->kind() == VornKind::queue ) {
       queueFromLog( *attr, type, in );
       return;

@@ -14,8 +14,7 @@ namespace {
 
 /// Attributes that one record sets, without a key and without an entity.
 bool isScalar( VornAttr const & attr ) noexcept {
-   return attr.logged() && !attr.keyed() && attr.kind() != VornKind::child &&
-          attr.kind() != VornKind::reference;
+   return attr.kind() == VornKind::mutableAttr && attr.logged();
 }
 
 void writeAttr( Out & out, void * object, VornAttr const & attr ) {

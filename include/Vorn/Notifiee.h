@@ -111,6 +111,15 @@ class VORN_API NotifieeList {
    void doVisitFwkActivity( PtrInterface const & notifier );
    /// Unbinds all observers.
    void deleteAll() noexcept;
+   /// The first observer for which `is( observer )` holds, or null.
+   template< class Is >
+   PtrInterface::NotifieeConst * find( Is const & is ) const {
+      PtrInterface::NotifieeConst * notifiee = first_;
+      while ( notifiee && !is( *notifiee ) ) {
+         notifiee = notifiee->next_;
+      }
+      return notifiee;
+   }
 
  private:
    friend class PtrInterface::NotifieeConst;

@@ -79,6 +79,8 @@ class VORN_API Entity::VornNboAttrLogSa final : public StreamAdapter {
       void onNotificationException() override;
       void onZeroReferences() override;
       void vornFwkActivity() override;
+      /// The adapter, or null once the entity has left the log.
+      VornNboAttrLogSa * adapter() const noexcept { return adapter_; }
       /// Unbinds the observer and clears its way back.
       void adapterDel();
 
@@ -127,7 +129,8 @@ class VORN_API Entity::VornNboAttrLogSa final : public StreamAdapter {
    void pendingFirst();
    void confirmedIs( bool confirmed );
    void close();
-   void leaveParent();
+   VornNboAttrLogSa *& siblings() noexcept;
+   void leaveSiblings();
 
    // Changes that go out (NboAttrLogSaOut.cpp); `x` is the attribute.
    void onAttribute( U32 attributeId, void const * key );
@@ -160,7 +163,11 @@ class VORN_API Entity::VornNboAttrLogSa final : public StreamAdapter {
 
    // Records that come in (NboAttrLogSaIn.cpp).
    FlowIn * flowInFor( VornAttr const & attr, void const * key ) const noexcept;
-   bool handlingFlowInFor( VornAttr const & attr, void const * key );
+   bool flowInReported( VornAttr const & attr, void const * key );
+   /// Whether a change that the observer reports is one that is being applied.
+   bool handlingFlowInFor( VornAttr const & attr, void const * key ) {
+      return flowIn_ && flowInReported( attr, key );
+   }
    template< class Call >
    void apply( VornAttr const & attr, void const * key, Call const & call );
    void checkWritable( U32 attributeId ) const;
@@ -171,6 +178,7 @@ class VORN_API Entity::VornNboAttrLogSa final : public StreamAdapter {
    void groupFromLog( NboAttrLog::In & in );
    void entryFromLog( NboAttrLog::In & in, bool write, U32 & lastEntityId );
    void memberFromLog( VornAttr const & attr, NboAttrLog::In & in );
+   void scalarFromLog( VornAttr const & attr, NboAttrLog::In & in, bool write );
    void valueFromLog( VornAttr const & attr, NboAttrLog::In & in, bool write );
    void deletionFromLog( VornAttr const & attr, NboAttrLog::In & in, bool write );
    void memberDel( VornAttr const & attr, void const * key );
@@ -189,7 +197,7 @@ class VORN_API Entity::VornNboAttrLogSa final : public StreamAdapter {
    VornNboAttrLogSaAdapter_ observer_;
    VornNboAttrLogSa * parent_;               // whose attribute holds the entity; null for an orphan
    VornNboAttrLogSa * firstChild_ = nullptr; // adapters below, in no order
-   VornNboAttrLogSa * nextChild_ = nullptr;  // neighbours among the parent's
+   VornNboAttrLogSa * nextChild_ = nullptr;  // neighbours among the parent's, or the log's roots
    VornNboAttrLogSa * prevChild_ = nullptr;
    VornNboAttrLogSa * nextPending_ = nullptr; // neighbours in the log's list of those with something to write
    VornNboAttrLogSa * prevPending_ = nullptr;

@@ -56,7 +56,7 @@ inline std::vector< Record > records( std::vector< U8 > const & octets, std::siz
    std::vector< Record > all;
    for ( U8 const * at = octets.data() + from; at != octets.data() + octets.size(); ) {
       U32 const length = word( at );
-      U8 const * const value = at + 4 + Vorn::NboAttrLog::recordHeadBytes;
+      U8 const * const value = at + 4 + Vorn::NboAttrLog::Out::recordHeadBytes;
       U8 const * const end = at + 4 + length;
       EXPECT_EQ( 0, value[-1] ) << "a value begins with token 0";
       EXPECT_EQ( 2, end[-1] ) << "and ends with token 2";

@@ -194,7 +194,7 @@ TEST( NboAttrLogRefusal, aRecordThatNoReaderTakesEndsTheLog ) {
    auto const tree = treeFactory( Name( "tree" ) );
    tree->vornNboAttrLogSaIs( 0, 0, pair.source.out );
    pair.flush();
-   tree->kindIs( String( std::string( Vorn::NboAttrLog::maxRecordBytes, 'x' ) ) );
+   tree->kindIs( String( std::string( Out::maxRecordBytes, 'x' ) ) );
    EXPECT_FALSE( pair.source.out->failure().empty() );
    EXPECT_EQ( 0u, pair.source.out->bytes() );
    tree->ageIs( 9 );

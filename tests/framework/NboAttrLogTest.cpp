@@ -207,6 +207,24 @@ TEST( NboAttrLog, whatTheHostHoldsBackWaits ) {
    EXPECT_EQ( logged( *tree ), logged( *pair.copy.demuxer->roots().at( 1 ) ) );
 }
 
+TEST( NboAttrLog, whatWaitsGoesOutInTheOrderOfTheIds ) {
+   Adjacencies pair;
+   pair.coll->vornNboAttrLogSaIs( StreamAdapter::alwaysFlowOut, 0, pair.source.out );
+   pair.member->peerSrcIpAddrIs( Lumo::IpGenAddr( Lumo::IpAddr( 1 ) ) );
+   pair.member->peerIpAddrIs( Lumo::IpGenAddr( Lumo::IpAddr( 2 ) ) );
+   pair.member->adjExpireTimeIs( 3 );
+   pair.member->rxPktCountIs( 4 );
+   pair.member->operHoldTimeIs( 5 );
+   pair.member->peerHoldTimeIs( 6 );
+   pair.member->msgIdIs( 7 );
+   pair.member->adjStatusCodeIs( Ldp::LdpStatusCode( 8 ) );
+   std::vector< U32 > ids;
+   for ( Record const & record : records( pair.take() ) ) {
+      ids.push_back( record.attribute );
+   }
+   EXPECT_EQ( ( std::vector< U32 >{ 0x103, 0x105, 0x106, 0x107, 0x108, 0x109 } ), ids );
+}
+
 TEST( NboAttrLog, aWalkThatWasSuppressedBeginsAnew ) {
    auto const tree = treeFactory( Name( "tree" ) );
    auto const branch = tree->branchIs( Name( "branch" ) );

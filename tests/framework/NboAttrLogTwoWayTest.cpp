@@ -76,6 +76,29 @@ TEST( NboAttrLog, whatAnObserverMakesOfARecordGoesBack ) {
    EXPECT_EQ( 9, tree->age() );
 }
 
+TEST( NboAttrLog, aMarkedMemberSendsNothingUntilItIsNamed ) {
+   LogEnd end( 0 );
+   Octets const member = record( 3, 2, 0x103, twig + number( 3 ) + number( 3 ) );
+   auto const marker = []( U8 type ) { return record( 1, 2, 0x103, Octets{ type } + number( 0 ) ); };
+   auto const take = [&]( Octets const & octets ) { end.demuxer->bytesIs( octets.data(), octets.size() ); };
+   take( good + member );
+   Branch & branch = *static_cast< Tree & >( *end.demuxer->roots().at( 0 ) ).branch( Name( "branch" ) );
+   branch.twigIs( 6U, String( "elm" ), U16( 1 ) );
+   end.out->drained( end.out->bytes() );
+   take( marker( 0 ) );
+   auto const named = branch.twig( 5 );
+   named->labelIs( "written meanwhile" );
+   branch.twig( 6 )->labelIs( "written in vain" );
+   EXPECT_EQ( 0u, end.out->bytes() );
+   take( member );
+   EXPECT_NE( 0u, end.out->bytes() );
+   end.out->drained( end.out->bytes() );
+   take( marker( 2 ) );
+   EXPECT_EQ( named, branch.twig( 5 ) );
+   EXPECT_EQ( nullptr, branch.twig( 6 ) ) << "not named, so the other end does not have it";
+   EXPECT_EQ( 0u, end.out->bytes() ) << "which it need not be told";
+}
+
 // Ends that do not write.
 
 TEST( NboAttrLog, aLocalWriteOnAReadOnlyEndIsReported ) {

@@ -1,0 +1,112 @@
+/// \file
+/// `Connection::Out`: the outgoing octets of a connection, a bounded buffer that the host drains. What is
+/// written to it are records, each whole or not at all; docs/attribute-log.md describes their octets. It
+/// knows no descriptor and starts nothing by itself.
+#pragma once
+
+#include "Vorn/Ptr.h"
+#include "Vorn/String.h"
+
+#include <cstring>
+#include <vector>
+
+namespace Vorn {
+
+/// Home of what a connection has in each direction.
+class Connection {
+ public:
+   class Out;
+};
+
+class VORN_API Connection::Out : public PtrInterface {
+ public:
+   /// Tokens around the value of a record.
+   enum TransactToken : U8 { beginToken = 0, endToken = 2 };
+
+   /// Octets of a record in front of its value, the length field not counted: kind, entity, attribute, token.
+   static constexpr U32 recordHeadBytes = 10;
+   /// The longest record, without its length field. A writer that would exceed it fails, a reader refuses it.
+   static constexpr U32 maxRecordBytes = 64u << 20;
+   static constexpr U32 minCapacity = 64;
+
+   /// The octets that are ready; good until anything else happens to the log or the model.
+   U8 const * data() const noexcept { return head_; }
+   /// The host has taken the first `n` of the octets that were ready.
+   void drained( std::size_t n );
+   /// Whether the last record that was tried would fit now.
+   bool hasSufficientBuffer() const noexcept { return !blocked_; }
+   /// Why nothing is written any more; empty while all is well. The one reason is a record longer than
+   /// `maxRecordBytes`.
+   String const & failure() const noexcept { return failure_; }
+
+   // What values are written with, within a record only.
+   void putU8( U8 value ) { put( &value, 1 ); }
+   void putU16( U16 value ) {
+      value = __builtin_bswap16( value );
+      put( &value, sizeof value );
+   }
+   void putU32( U32 value ) {
+      value = __builtin_bswap32( value );
+      put( &value, sizeof value );
+   }
+   void putU64( U64 value ) {
+      value = __builtin_bswap64( value );
+      put( &value, sizeof value );
+   }
+   void put( void const * octets, std::size_t bytes ) {
+      if ( std::size_t( limit_ - at_ ) >= bytes ) [[likely]] {
+         std::memcpy( at_, octets, bytes );
+         at_ += bytes;
+      } else {
+         missing_ += bytes;
+      }
+   }
+
+ protected:
+   /// A buffer of `capacity` octets, at least `minCapacity`. A record that is longer than all of it waits
+   /// until it is empty and then takes a block of its own, for as long as that is drained.
+   explicit Out( U32 capacity );
+
+   /// Writes a record whose value `body` writes. False if there is no room; then nothing is written.
+   template< class Body >
+   bool record( U8 kind, U32 entityId, U32 attributeId, Body const & body ) {
+      if ( blocked_ ) return false;
+      for ( ;; ) {
+         begin( kind, entityId, attributeId );
+         body();
+         if ( end() ) return true;
+         if ( !roomIs() ) return false;
+      }
+   }
+   /// The same, but without waiting: if there is no room at once, others may have it.
+   template< class Body >
+   bool recordAtOnce( U8 kind, U32 entityId, U32 attributeId, Body const & body ) {
+      if ( blocked_ ) return false;
+      begin( kind, entityId, attributeId );
+      body();
+      return end();
+   }
+   /// Bounds of a group's records, as two 16-bit offsets in front of them.
+   std::size_t partBegin();
+   void partEnd( std::size_t start );
+   /// Octets that are ready.
+   std::size_t used() const noexcept { return std::size_t( at_ - head_ ); }
+
+ private:
+   void begin( U8 kind, U32 entityId, U32 attributeId );
+   bool end();
+   bool roomIs();
+
+   std::vector< U8 > buffer_;
+   std::vector< U8 > large_; // a record longer than the buffer
+   U8 * head_;               // first octet that is not drained, in `buffer_` or `large_`
+   U8 * at_;                 // where the next octet goes
+   U8 * limit_;
+   U8 * record_ = nullptr;   // where the record under way begins
+   std::size_t missing_ = 0; // octets of that record which did not fit
+   std::size_t need_ = 0;    // room that a record did not find
+   bool blocked_ = false;    // a record waits for that room, and everything else behind it
+   String failure_;
+};
+
+} // namespace Vorn
