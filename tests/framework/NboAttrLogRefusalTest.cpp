@@ -82,7 +82,12 @@ TEST( NboAttrLogRefusal, aStreamThatLiesIsRefusedWholeAndWhatStoodBeforeItStays 
       { "group whose second entry is bad",
         record( 0, 1, 0x90,
                 Octets{ 0, 4, 0, 14 } + number( 0x105 ) + Octets{ 8 } + number( 0x104 ) + Octets{ 5 } ) },
-      { "group with a member", record( 0, 1, 0x90, Octets{ 0, 4, 0, 8 } + number( 0x108 ) ) },
+      { "group with half a member", record( 0, 1, 0x90, Octets{ 0, 4, 0, 8 } + number( 0x108 ) ) },
+      { "group with a child", record( 0, 1, 0x90, Octets{ 0, 4, 0, 8 } + number( 0x106 ) ) },
+      { "group with the deletion of a scalar",
+        record( 0, 1, 0x90, Octets{ 0, 4, 0, 8 } + number( 0u - 0x105 ) ) },
+      { "withdrawal of a member", record( 0, 2, 0u - 0x88, {} ) },
+      { "withdrawal with a value", record( 0, 1, 0u - 0x88, { 0 } ) },
       { "no token in front", number( 12 ) + Octets{ 0 } + number( 1 ) + number( 0x105 ) + Octets{ 1, 8, 2 } },
       { "no token behind", number( 12 ) + Octets{ 0 } + number( 1 ) + number( 0x105 ) + Octets{ 0, 8, 1 } },
    };
@@ -125,10 +130,15 @@ TEST( NboAttrLogRefusal, everyPrefixWaitsForTheRest ) {
 }
 
 TEST( NboAttrLogRefusal, everyDamagedOctetIsRefusedOrHarmless ) {
-   Octets const all = good + record( 3, 2, 0x103, twig + number( 3 ) + number( 3 ) ) +
-                      record( 0, 2, 0x104, counted( "score" ) + number( 0 ) + number( 0 ) ) +
-                      record( 1, 2, 0x107, Octets{ 0 } + number( 0 ) + number( 4 ) + number( 5 ) ) +
-                      record( 0, 2, 0x107, number( 4 ) + counted( "event" ) );
+   Octets const all =
+        good + record( 3, 2, 0x103, twig + number( 3 ) + number( 3 ) ) +
+        record( 0, 2, 0x104, counted( "score" ) + number( 0 ) + number( 0 ) ) +
+        record( 1, 2, 0x107, Octets{ 0 } + number( 0 ) + number( 4 ) + number( 5 ) ) +
+        record( 0, 2, 0x107, number( 4 ) + counted( "event" ) ) +
+        record( 0, 2, 0u - 0x90,
+                Octets{ 0, 4, 0, 37 } + number( 0u - 0x103 ) + number( 5 ) + number( 0x103 ) + number( 6 ) +
+                     counted( "ash" ) + Octets{ 0, 1 } + number( 3 ) + number( 4 ) ) +
+        record( 0, 1, 0u - 0x88, {} );
    for ( std::size_t at = 0; at < all.size(); ++at ) {
       for ( U8 const change : { U8( 0x01 ), U8( 0x80 ), U8( 0xff ) } ) {
          Octets damaged = all;
@@ -140,6 +150,9 @@ TEST( NboAttrLogRefusal, everyDamagedOctetIsRefusedOrHarmless ) {
          EXPECT_EQ( nullptr, end.out->takeException() );
       }
    }
+   LogEnd end( StreamAdapter::readOnly );
+   ASSERT_NO_THROW( end.demuxer->bytesIs( all.data(), all.size() ) ) << "undamaged it is good";
+   EXPECT_TRUE( end.demuxer->roots().empty() );
 }
 
 TEST( NboAttrLogRefusal, aFreshConnectionRepairsWhatALieLeft ) {
