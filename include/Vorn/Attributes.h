@@ -94,7 +94,7 @@
 #define VORN_CTOR_ARG_( id, Type, x, flags_ )                                                                \
  public:                                                                                                     \
    ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
-   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+   VORN_ATTR_( id ) {                                                                                        \
       auto attr = ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::constructor, id, ::Vorn::local,    \
                                                     &::Vorn::readOps< Self, &Self::x > );                    \
       attr.flags |= flags_;                                                                                  \
@@ -125,7 +125,7 @@
    void x##Is( ::Vorn::Arg< Type > value ) {                                                                 \
       ::Vorn::scalarIs( *this, x##_, value, ::Vorn::changeOf< Self, id, &NotifieeConst::on##X > );           \
    }                                                                                                         \
-   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+   VORN_ATTR_( id ) {                                                                                        \
       auto attr = ::Vorn::attrRecord< Self, Type >(                                                          \
            #x, kind, id, replication, &::Vorn::scalarOps< Self, Type, &Self::x, &Self::x##Is > );            \
       attr.flags |= flags_;                                                                                  \
@@ -178,7 +178,7 @@
  public:                                                                                                     \
    ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
    void x##Is( ::Vorn::Arg< Type > value ) { x##_ = value; }                                                 \
-   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+   VORN_ATTR_( id ) {                                                                                        \
       return ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::state, id, ::Vorn::local,               \
                                                &::Vorn::scalarOps< Self, Type, &Self::x, &Self::x##Is > );   \
    }                                                                                                         \
@@ -205,13 +205,13 @@
 #define VORN_WRITE_ONLY( id, Type, x )                                                                       \
  public:                                                                                                     \
    void x##Is( ::Vorn::Arg< Type > value );                                                                  \
-   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+   VORN_ATTR_( id ) {                                                                                        \
       return ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::state, id, ::Vorn::local,               \
                                                &::Vorn::writeOps< Self, Type, &Self::x##Is > );              \
    }                                                                                                         \
    static_assert( true )
 #define VORN_REFLECT_( id, Type, x, kind )                                                                   \
-   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+   VORN_ATTR_( id ) {                                                                                        \
       return ::Vorn::attrRecord< Self, Type >( #x, kind, id, ::Vorn::local,                                  \
                                                &::Vorn::readOps< Self, &Self::x > );                         \
    }                                                                                                         \
@@ -221,7 +221,7 @@
 #define VORN_CONSTANT( id, Type, x, value )                                                                  \
  public:                                                                                                     \
    static constexpr ::Vorn::ConstantOf< Type, decltype( value ) > x() noexcept { return value; }             \
-   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+   VORN_ATTR_( id ) {                                                                                        \
       return ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::constant, id, ::Vorn::local,            \
                                                &::Vorn::constantOps< Type, &Self::x > );                     \
    }                                                                                                         \
@@ -230,9 +230,7 @@
 /// Reflects a member function with logic of its own, which the class declares beside the line.
 #define VORN_FUNCTION( id, x )                                                                               \
  public:                                                                                                     \
-   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
-      return ::Vorn::functionRecord< Self, &Self::x >( #x, id );                                             \
-   }                                                                                                         \
+   VORN_ATTR_( id ) { return ::Vorn::functionRecord< Self, &Self::x >( #x, id ); }                           \
    static_assert( true )
 
 /// Owned single child. `xIs( args... )` gives the present child if the first argument is its name or key, and
@@ -247,7 +245,7 @@
    ::Vorn::Ptr< Type > x##Del() {                                                                            \
       return ::Vorn::childDel( *this, x##_, ::Vorn::changeOf< Self, id, &NotifieeConst::on##X > );           \
    }                                                                                                         \
-   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+   VORN_ATTR_( id ) {                                                                                        \
       auto attr = ::Vorn::attrRecord< Self, Type >(                                                          \
            #x, ::Vorn::VornKind::child, id, replication,                                                     \
            &::Vorn::childOps< Self, Type, &Self::x##_,                                                       \
@@ -298,7 +296,7 @@
       return ::Vorn::memberDel( *this, x##_, x##Change_(), key );                                            \
    }                                                                                                         \
    void x##DelAll() { ::Vorn::membersDel( *this, x##_, x##Change_() ); }                                     \
-   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+   VORN_ATTR_( id ) {                                                                                        \
       return ::Vorn::keyedRecord< Self, Type, Key >(                                                         \
            #x, kind, id, replication, ::Vorn::memberKeyName< Type >(), ::Vorn::memberCtorArgs< Type >(),     \
            &::Vorn::entityCollOps< Self, Type, Key, &Self::x##_, &Self::x##Change_ > );                      \
@@ -325,7 +323,7 @@
       return ::Vorn::valueDel< Type >( *this, x##_, x##Change_(), key );                                     \
    }                                                                                                         \
    void x##DelAll() { ::Vorn::valuesDel( *this, x##_, x##Change_() ); }                                      \
-   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+   VORN_ATTR_( id ) {                                                                                        \
       return ::Vorn::keyedRecord< Self, Type, Key >(                                                         \
            #x, kind, id, replication, nullptr, nullptr,                                                      \
            &::Vorn::valueCollOps< Self, Type, Key, &Self::x##_, &Self::x##Change_ > );                       \
@@ -351,7 +349,7 @@
    void x##Is( ::Vorn::Arg< Key > key ) { ::Vorn::keyIs( *this, x##_, x##Change_(), key ); }                 \
    bool x##Del( ::Vorn::Arg< Key > key ) { return ::Vorn::keyDel( *this, x##_, x##Change_(), key ); }        \
    void x##DelAll() { ::Vorn::valuesDel( *this, x##_, x##Change_() ); }                                      \
-   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+   VORN_ATTR_( id ) {                                                                                        \
       auto attr = ::Vorn::keyedRecord< Self, bool, Key >(                                                    \
            #x, ::Vorn::VornKind::valueColl, id, replication, nullptr, nullptr,                               \
            &::Vorn::setOps< Self, Key, &Self::x##_, &Self::x##Change_ > );                                   \
@@ -377,7 +375,7 @@
       return ::Vorn::valueDel< ::Vorn::Ptr< Type > >( *this, x##_, x##Change_(), key );                      \
    }                                                                                                         \
    void x##DelAll() { ::Vorn::valuesDel( *this, x##_, x##Change_() ); }                                      \
-   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+   VORN_ATTR_( id ) {                                                                                        \
       return ::Vorn::keyedRecord< Self, Type, Key >(                                                         \
            #x, ::Vorn::VornKind::referenceColl, id, replication, nullptr, nullptr,                           \
            &::Vorn::referenceCollOps< Self, Type, Key, &Self::x##_, &Self::x##Change_, &Self::x##Is > );     \
@@ -399,7 +397,7 @@
       return ::Vorn::valueDel< ::Vorn::Ptr< Type > >( *this, x##_, x##Change_(), key );                      \
    }                                                                                                         \
    void x##DelAll() { ::Vorn::valuesDel( *this, x##_, x##Change_() ); }                                      \
-   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+   VORN_ATTR_( id ) {                                                                                        \
       return ::Vorn::keyedRecord< Self, Type, Key >(                                                         \
            #x, ::Vorn::VornKind::referenceColl, id, replication, nullptr, nullptr,                           \
            &::Vorn::referenceCollOps< Self, Type, Key, &Self::x##_, &Self::x##Change_, &Self::x##Is > );     \
@@ -423,7 +421,7 @@
       return at ? x##Del( at->index() ) : Type{};                                                            \
    }                                                                                                         \
    void x##DelAll() { ::Vorn::queueDelAll( *this, x##_, x##Change_() ); }                                    \
-   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+   VORN_ATTR_( id ) {                                                                                        \
       return ::Vorn::keyedRecord< Self, Type, U32 >(                                                         \
            #x, ::Vorn::VornKind::queue, id, replication, nullptr, nullptr,                                   \
            &::Vorn::queueOps< Self, Type, &Self::x##_, &Self::x##Change_ > );                                \

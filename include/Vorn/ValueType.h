@@ -187,13 +187,17 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
                                                                                                              \
  private:
 
+/// Heads the function that gives an attribute's record. It is a template so that a file that only includes
+/// the header does not have to compile what the record points to: that is most of a header's cost.
+#define VORN_ATTR_( id )                                                                                     \
+   template< class = void >                                                                                  \
+   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > )
+
 /// A field that the constructor sets and nothing changes. The default stands behind the line.
 #define VORN_CTOR_FIELD( id, Type, x )                                                                       \
  public:                                                                                                     \
    ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
-   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
-      return ::Vorn::fieldAttr< Self, Type, &Self::x##_, false >( #x, id );                                  \
-   }                                                                                                         \
+   VORN_ATTR_( id ) { return ::Vorn::fieldAttr< Self, Type, &Self::x##_, false >( #x, id ); }                \
                                                                                                              \
  private:                                                                                                    \
    Type x##_
@@ -203,9 +207,7 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
  public:                                                                                                     \
    ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
    void x##Is( ::Vorn::Arg< Type > value ) { x##_ = value; }                                                 \
-   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
-      return ::Vorn::fieldAttr< Self, Type, &Self::x##_, true >( #x, id );                                   \
-   }                                                                                                         \
+   VORN_ATTR_( id ) { return ::Vorn::fieldAttr< Self, Type, &Self::x##_, true >( #x, id ); }                 \
                                                                                                              \
  private:                                                                                                    \
    Type x##_
@@ -216,7 +218,7 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
  public:                                                                                                     \
    ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
    void x##Is( ::Vorn::Arg< Type > value );                                                                  \
-   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+   VORN_ATTR_( id ) {                                                                                        \
       return ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::state, id, ::Vorn::local,               \
                                                &::Vorn::scalarOps< Self, Type, &Self::x, &Self::x##Is > );   \
    }                                                                                                         \
@@ -228,16 +230,14 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
 #define VORN_VALUE_FUNCTION( id, Type, x )                                                                   \
  public:                                                                                                     \
    Type x() const;                                                                                           \
-   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
-      return ::Vorn::functionRecord< Self, &Self::x >( #x, id );                                             \
-   }                                                                                                         \
+   VORN_ATTR_( id ) { return ::Vorn::functionRecord< Self, &Self::x >( #x, id ); }                           \
    static_assert( true )
 
 /// Computed on each read; the class defines the function by hand.
 #define VORN_VALUE_DERIVED( id, Type, x )                                                                    \
  public:                                                                                                     \
    Type x() const;                                                                                           \
-   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+   VORN_ATTR_( id ) {                                                                                        \
       return ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::derived, id, ::Vorn::local,             \
                                                &::Vorn::readOps< Self, &Self::x > );                         \
    }                                                                                                         \
@@ -263,7 +263,7 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
 
 /// The record of a view: what can be read and written but is no field.
 #define VORN_VIEW_( id, Type, x, xIs )                                                                       \
-   static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > ) {                                      \
+   VORN_ATTR_( id ) {                                                                                        \
       auto attr =                                                                                            \
            ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::state, id, ::Vorn::local,                 \
                                              &::Vorn::scalarOps< Self, Type, &Self::x, &Self::xIs > );       \
