@@ -4,7 +4,8 @@
 #include <cstdio>
 
 int main() {
-   for ( char const * name : { "Ldp::Status", "Ldp::LdpPwIntfParamSubTlvType", "Mpls::MldpOpaqueValueTable" } ) {
+   for ( char const * name :
+         { "Ldp::Status", "Ldp::LdpPwIntfParamSubTlvType", "Mpls::MldpOpaqueValueTable" } ) {
       if ( Vorn::typeNode( name ) ) continue;
       std::fprintf( stderr, "%s is not in the type table\n", name );
       return 1;
