@@ -220,11 +220,6 @@ void growth() {
       benchmark::RegisterBenchmark( ( "growth, find/" + size ).c_str(), find< Model >, num );
       benchmark::RegisterBenchmark( ( "growth, walk/" + size ).c_str(), walk< Model >, num );
    }
-   benchmark::RegisterBenchmark( "growth, walk/leave", []( benchmark::State & state ) {
-      for ( [[maybe_unused]] auto _ : state ) {
-         worldOf< Model >( 0 );
-      }
-   } )->Iterations( 1 );
 }
 
 // Notifiers: how the observers of all FECs learn of a change of one.
