@@ -14,8 +14,8 @@ MEMBER = re.compile(r"(.*?):(\d+): (?:warning|error): Member .* is not documente
 CONSTRUCTOR = re.compile(r".*: (?:warning|error): Member (\w+)\(.*\) .*of class (?:\w+::)*\1 is not documented\.$")
 CLASS_HEAD = re.compile(r"\s*(template<.*>\s*)?(class|struct)\b.*\{$")
 # What may stand between the head of a class and its first paragraph; of an entity also what is the same in all.
-OPENING = re.compile(r"\s*((public|protected|private):|VORN_(OBJECT|ENTITY|NOTIFIEE|ON|ON_KEYED|VALUE|KEY)\(.*|VORN_NAME;"
-                     r"|LDP_TLV_PARSER\(.*|using .*;|explicit \w+\(.*|~\w+\(\) override;|)$")
+OPENING = re.compile(r"\s*((public|protected|private):|VORN_(OBJECT|ENTITY|NOTIFIEE|ON|ON_KEYED|VALUE|KEY|CTOR_TYPES|REFLECTED|REFLECTED_OBJECT)\(.*"
+                     r"|VORN_NAME;|LDP_TLV_PARSER\(.*|using .*;|(explicit )?[A-Z]+[a-z]\w*\( .*|: \w+(::\w+)*\( .*|~\w+\(\) override;|)$")
 # What the first line of a paragraph stands below.
 BOUNDARY = re.compile(f"{OPENING.pattern}|{CLASS_HEAD.pattern}|}}")
 

@@ -108,7 +108,7 @@ class VORN_API LdpP2mpSessionRemoteLabelMsgPipe : public LdpMsgPipe {
 };
 VORN_FACTORY( LdpP2mpSessionRemoteLabelMsgPipe, ldpP2mpSessionRemoteLabelMsgPipeFactory )
 
-/// Pipes by what they serve. These collections refer to pipes that their readers own.
+/// Pipes by the target that they serve. Like the next four it refers to pipes that their readers own.
 class VORN_API LdpTargetMsgPipeCollection : public Vorn::Entity {
    VORN_ENTITY( LdpTargetMsgPipeCollection, Vorn::Entity )
    VORN_NOTIFIEE( VORN_ON_KEYED( Lumo::IpAddr, MsgPipe ); )
@@ -121,6 +121,7 @@ class VORN_API LdpTargetMsgPipeCollection : public Vorn::Entity {
    VORN_REFERENCE_COLL( 0x102, LdpMsgPipe, Lumo::IpAddr, msgPipe, MsgPipe, local );
 };
 VORN_FACTORY( LdpTargetMsgPipeCollection, ldpTargetMsgPipeCollectionFactory )
+/// Pipes by interface.
 class VORN_API LdpLinkMsgPipeCollection : public Vorn::Entity {
    VORN_ENTITY( LdpLinkMsgPipeCollection, Vorn::Entity )
    VORN_NOTIFIEE( VORN_ON_KEYED( Lumo::IntfId, MsgPipe ); )
@@ -133,6 +134,7 @@ class VORN_API LdpLinkMsgPipeCollection : public Vorn::Entity {
    VORN_REFERENCE_COLL( 0x102, LdpMsgPipe, Lumo::IntfId, msgPipe, MsgPipe, local );
 };
 VORN_FACTORY( LdpLinkMsgPipeCollection, ldpLinkMsgPipeCollectionFactory )
+/// Pipes by adjacency.
 class VORN_API LdpAdjMsgPipeCollection : public Vorn::Entity {
    VORN_ENTITY( LdpAdjMsgPipeCollection, Vorn::Entity )
    VORN_NOTIFIEE( VORN_ON_KEYED( LdpAdjId, MsgPipe ); )
@@ -145,6 +147,7 @@ class VORN_API LdpAdjMsgPipeCollection : public Vorn::Entity {
    VORN_REFERENCE_COLL( 0x102, LdpMsgPipe, LdpAdjId, msgPipe, MsgPipe, local );
 };
 VORN_FACTORY( LdpAdjMsgPipeCollection, ldpAdjMsgPipeCollectionFactory )
+/// Pipes by session.
 class VORN_API LdpSessionMsgPipeColl : public Vorn::Entity {
    VORN_ENTITY( LdpSessionMsgPipeColl, Vorn::Entity )
    VORN_NOTIFIEE( VORN_ON_KEYED( LdpSessionId, MsgPipe ); )
@@ -157,6 +160,7 @@ class VORN_API LdpSessionMsgPipeColl : public Vorn::Entity {
    VORN_REFERENCE_COLL( 0x102, LdpMsgPipe, LdpSessionId, msgPipe, MsgPipe, local );
 };
 VORN_FACTORY( LdpSessionMsgPipeColl, ldpSessionMsgPipeCollFactory )
+/// Pipes for label messages, by session.
 class VORN_API LdpFecSessionMsgPipeColl : public Vorn::Entity {
    VORN_ENTITY( LdpFecSessionMsgPipeColl, Vorn::Entity )
    VORN_NOTIFIEE( VORN_ON_KEYED( LdpSessionId, MsgPipe ); )
@@ -183,6 +187,7 @@ class VORN_API LdpP2mpSessionLocalLabelMsgPipeColl : public LdpMsgPipe {
                      P2mpFecSessionLocalLabelMsgPipe, local );
 };
 VORN_FACTORY( LdpP2mpSessionLocalLabelMsgPipeColl, ldpP2mpSessionLocalLabelMsgPipeCollFactory )
+/// The same for the peers' labels.
 class VORN_API LdpP2mpSessionRemoteLabelMsgPipeColl : public LdpMsgPipe {
    VORN_ENTITY( LdpP2mpSessionRemoteLabelMsgPipeColl, LdpMsgPipe )
    VORN_NOTIFIEE( VORN_ON_KEYED( LdpSessionId, P2mpFecSessionRemoteLabelMsgPipe ); )
