@@ -199,9 +199,9 @@ struct GenericIfPtrInterfaceMethods;
 template<>
 struct VORN_API GenericIfPtrInterfaceMethods< PtrInterface > {
    static GenericIfMethods const vtable_;
-};
+}; /// \cond Doxygen takes this for a recursion.
 template< class T >
-struct GenericIfPtrInterfaceMethods : GenericIfPtrInterfaceMethods< PtrInterface > {};
+struct GenericIfPtrInterfaceMethods : GenericIfPtrInterfaceMethods< PtrInterface > {}; /// \endcond
 /// Methods of views over foreign bytes, which are passed as `NrcPtrInterface const *`.
 VORN_API extern GenericIfMethods const viewMethods;
 
