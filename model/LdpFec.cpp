@@ -47,16 +47,18 @@ LdpFecCounters::~LdpFecCounters() { vornTeardown(); }
 
 namespace {
 
-// Puts a context field back when an update is over, also when an observer's exception has ended it.
+// Puts a context field of a notifier back when an update is over, also when an observer's exception has ended
+// it. The notifier stays until then, although an observer may have dropped the last reference to it.
 template< class T >
 class Reset {
  public:
-   explicit Reset( T & field ) : field_( field ) {}
+   Reset( Vorn::Entity & notifier, T & field ) : notifier_( &notifier ), field_( field ) {}
    Reset( Reset const & ) = delete;
    Reset & operator=( Reset const & ) = delete;
    ~Reset() { field_ = T(); }
 
  private:
+   Vorn::Ptr< Vorn::Entity > const notifier_;
    T & field_;
 };
 
@@ -101,9 +103,7 @@ Mpls::FwdEqvClass LdpFecConfigNotifier::lastFwdEqvClass() const {
 void LdpFecConfigNotifier::update( FecPtr const & fec, Count count, LdpIdentifier const & peer,
                                    Lumo::MplsLabel label ) {
    // All of the context, so that nothing shows which somebody has written before.
-   Reset const clearFec( lastFecConfig_ );
-   Reset const clearPeer( lastLdpId_ );
-   Reset const clearLabel( lastMplsLabel_ );
+   Reset const clearFec( *this, lastFecConfig_ );
    lastFecConfig_ = fec;
    lastLdpId_ = peer;
    lastMplsLabel_ = label;
@@ -111,6 +111,7 @@ void LdpFecConfigNotifier::update( FecPtr const & fec, Count count, LdpIdentifie
 }
 
 void LdpFecConfigNotifier::updateDownstreamLsr( FecPtr const & fec, LdpIdentifier const & peer ) {
+   Reset const clearPeer( *this, lastLdpId_ );
    update( fec, &LdpFecConfigNotifier::downstreamLsrChangeCntInc, peer );
 }
 
@@ -139,6 +140,7 @@ void LdpFecConfigNotifier::updateLspRole( FecPtr const & fec ) {
 }
 
 void LdpFecConfigNotifier::updateMplsLabelSet( FecPtr const & fec, Lumo::MplsLabel label ) {
+   Reset const clearLabel( *this, lastMplsLabel_ );
    update( fec, &LdpFecConfigNotifier::mplsLabelSetChangeCntInc, LdpIdentifier(), label );
 }
 
@@ -151,13 +153,13 @@ Mpls::FwdEqvClass LdpFecStatusNotifier::lastFwdEqvClass() const {
 }
 
 void LdpFecStatusNotifier::updateRequestSmNotiTime( FecPtr const & fec ) {
-   Reset const clearFec( lastFecStatus_ );
+   Reset const clearFec( *this, lastFecStatus_ );
    lastFecStatus_ = fec;
    labelXsessionRequestSmNotiTimeChangeCntInc( 1 );
 }
 
 void LdpFecStatusNotifier::updateMappingSmNotiTime( FecPtr const & fec ) {
-   Reset const clearFec( lastFecStatus_ );
+   Reset const clearFec( *this, lastFecStatus_ );
    lastFecStatus_ = fec;
    labelXsessionMappingSmNotiTimeChangeCntInc( 1 );
 }

@@ -169,6 +169,22 @@ TEST_F( FecNotifierTest, WritingTheContextDirectlyTells ) {
    notifier->updateVia( fec );
    EXPECT_EQ( contexts, Calls{ "FEC 10.0.0.0/8 0.0.0.0:0 1048576" } ) << "an update has a context of its own";
    EXPECT_EQ( context(), none );
+
+   Watcher writing( *notifier, [&] { notifier->lastLdpIdIs( peer ); } );
+   notifier->updateVia( fec );
+   EXPECT_EQ( notifier->lastLdpId(), peer ) << "an update clears what it was given";
+}
+
+TEST_F( FecNotifierTest, AnObserverMayDropTheNotifier ) {
+   auto & dropped = *notifier;
+   U32 const references = fec->references();
+   Watcher dropping( dropped, [&] {
+      coll->fecConfigNotifierDel();
+      notifier = nullptr;
+   } );
+   dropped.updateDownstreamLsr( fec, peer );
+   EXPECT_EQ( dropping.taken(), Calls{ "downstreamLsrChangeCnt" } );
+   EXPECT_EQ( fec->references(), references );
 }
 
 TEST( FecStatusNotifierTest, TheContextIsThereWhileTheCounterMoves ) {
