@@ -58,13 +58,13 @@ void sequenceToValue( Vorn::String::IteratorConst & it, Vorn::String::IteratorCo
    auto const bar = std::find( it, end, '_' );
    if ( bar == end || bar + 1 == end ) Vorn::throwRangeException( "Invalid PwFecSessionId" );
    auto at = it;
-   LdpIdentifier peer;
+   LdpSessionId session;
    PwFwdEqvClass fec;
-   sequenceToValue( at, bar, &peer );
+   sequenceToValue( at, bar, &session );
    if ( at != bar ) Vorn::throwRangeException( "Invalid PwFecSessionId" );
    ++at;
    sequenceToValue( at, end, &fec );
-   *value = PwFecSessionId( fec, LdpSessionId( peer ) );
+   *value = PwFecSessionId( fec, session );
    it = at;
 }
 

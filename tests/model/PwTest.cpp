@@ -37,6 +37,11 @@ TEST( PwFecSessionIdTest, ReadsWhatItWritesSessionFirst ) {
                                "10.0.0.1:0_pw100:pwTypeRaw:cbit1_" } ) {
       EXPECT_THROW( read.stringValueIs( text ), RangeException ) << text;
    }
+   EXPECT_EQ( messageOf< RangeException >( [&] {
+                 read.stringValueIs( "x_pw100:pwTypeRaw:cbit1" );
+              } ).substr( 0, 11 ),
+              "peerLdpId: " )
+        << "of the session's text";
    EXPECT_EQ( read, id ) << "it stays as it was";
 }
 
