@@ -99,6 +99,7 @@ struct Codec< Skein::QNull > {
    static void text( SkeinConverter &, Skein::QNull ) {}
 };
 
+/// Numbers in decimal; a `bool` as 1 or 0.
 template< std::integral T >
 requires( !std::same_as< T, char > ) struct Codec< T > {
    static constexpr Skein::Item item() {
@@ -119,13 +120,7 @@ requires( !std::same_as< T, char > ) struct Codec< T > {
          record.put( value );
       }
    }
-   static void text( SkeinConverter & line, T value ) {
-      if constexpr ( std::same_as< T, bool > ) {
-         line.appendText( value ? "True" : "False" );
-      } else {
-         line.appendText( std::to_string( value ).c_str() );
-      }
-   }
+   static void text( SkeinConverter & line, T value ) { line.appendText( std::to_string( value ).c_str() ); }
 };
 
 /// Enumerations with a record (VORN_ENUM): by name, or the number where no enumerator has it.

@@ -53,6 +53,7 @@ TEST_F( SkeinRing, bothTracesTellTheSame ) {
    EXPECT_EQ( texts( path( "ring" ) ), lines );
    EXPECT_EQ( lines.at( 1 ), "U8 255 U16 65535 U32 4294967295 U64 18446744073709551615" );
    EXPECT_EQ( lines.at( 2 ), "short -2 int -1 long -5000000000." );
+   EXPECT_EQ( lines.at( 3 ), "1 and 0" );
    EXPECT_EQ( lines.at( 4 ), "ipv6 77" );
    EXPECT_EQ( lines.at( 5 ), "octets 'a\\x00\\x0a\\x1b[1m\\xff'" );
    EXPECT_EQ( lines.at( 9 ), "10.0.0.0/8 2000::1/128" );

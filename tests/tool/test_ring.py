@@ -100,7 +100,7 @@ class Ring(unittest.TestCase):
                      bytes([0x20, 1] + 13 * [0] + [9]) + b"\1\x2a")
         _, out, err = self.ring(ring(site(1, items), block(2, b""), block(1, timed(1, 0, arguments))), "--json")
         self.assertEqual(err, "")
-        self.assertEqual(json.loads(out)["text"], "255 65535 4294967295 18446744073709551615 -1 -9223372036854775808 True a\\x0a\\ "
+        self.assertEqual(json.loads(out)["text"], "255 65535 4294967295 18446744073709551615 -1 -9223372036854775808 1 a\\x0a\\ "
                                                   "\\x00\\xff... 10.0.0.1 2001::9 42.")
 
     def test_order_and_threads(self):

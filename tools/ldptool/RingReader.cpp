@@ -236,18 +236,13 @@ bool RingReader::readItems( std::string_view & items, std::string_view & octets,
          if ( text ) *text += piece;
          break;
       }
+      case Item::boolean:
       case Item::u8: read = readNumber< U8 >( octets, text ); break;
       case Item::u16: read = readNumber< U16 >( octets, text ); break;
       case Item::u32: read = readNumber< U32 >( octets, text ); break;
       case Item::u64: read = readNumber< U64 >( octets, text ); break;
       case Item::s32: read = readNumber< std::int32_t >( octets, text ); break;
       case Item::s64: read = readNumber< std::int64_t >( octets, text ); break;
-      case Item::boolean: {
-         U8 value = 0;
-         read = !text || take( octets, value );
-         if ( text ) *text += value ? "True" : "False";
-         break;
-      }
       case Item::enumerator: {
          U16 id;
          U32 number;
