@@ -35,14 +35,15 @@ U32 LdpP2mpOpaqueTable::getOpaqueIndex( Vorn::String const & value ) const {
 }
 
 U32 LdpP2mpOpaqueTable::getOrCreateOpaqueIndex( Vorn::String const & value ) {
-   if ( auto const entry = table_->opaqueValColl()->opaqueVal( value ) ) return entry->oValIndex();
+   auto const table = table_; // an observer of the new index may drop this object
+   if ( auto const entry = table->opaqueValColl()->opaqueVal( value ) ) return entry->oValIndex();
    U32 const newIndex = allocate();
    TWAIN_TRACE( 9, " In LdpP2mpOpaqueTable::getOrCreateOpaqueIndex newIndex is ", newIndex );
-   table_->opaqueValColl()->opaqueValIs( value )->oValIndexIs( newIndex );
+   table->opaqueValColl()->opaqueValIs( value )->oValIndexIs( newIndex );
    // An index that was freed twice comes to light here.
-   auto const oi = table_->opaqueIndexColl()->opaqueIndex( newIndex );
+   auto const oi = table->opaqueIndexColl()->opaqueIndex( newIndex );
    VORN_ASSERT( !oi );
-   table_->opaqueIndexColl()->opaqueIndexIs( newIndex )->oValStrIs( value );
+   table->opaqueIndexColl()->opaqueIndexIs( newIndex )->oValStrIs( value );
    return newIndex;
 }
 

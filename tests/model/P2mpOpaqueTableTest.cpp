@@ -1,13 +1,16 @@
 // Indices of opaque values: handed out, shared, released in turn.
 #include "Ldp/LdpP2mpOpaqueTable.h"
+#include "Vorn/Trace.h"
 #include "model/Observe.h"
 
 #include <gtest/gtest.h>
+#include <sstream>
 
 namespace {
 
 using namespace Ldp;
 using Mpls::FwdEqvClass;
+using Test::Watcher;
 using Vorn::Ptr;
 using Vorn::String;
 
@@ -68,6 +71,37 @@ TEST_F( P2mpOpaqueTableTest, AValueGoesWithItsLastFec ) {
    opaque->getOrCreateOpaqueIndex( "b" ); // gets no member
    opaque->delMembership( fec( 1 ) );
    EXPECT_EQ( opaque->getOpaqueIndex( "b" ), 0u ) << "the count decides, not what was removed";
+}
+
+TEST_F( P2mpOpaqueTableTest, AnObserverMayDropTheAllocator ) {
+   auto & dropped = *opaque;
+   Watcher dropping( dropped, [&] { opaque = nullptr; } );
+   EXPECT_EQ( dropped.getOrCreateOpaqueIndex( "a" ), 1u );
+   EXPECT_EQ( table->opaqueIndexColl()->opaqueIndex( 1 )->oValStr(), "a" );
+}
+
+TEST_F( P2mpOpaqueTableTest, TracesWhatItDoes ) {
+   newIndex( "a" );
+   opaque->delMembership( fec( 1 ) );
+   std::stringstream lines;
+   Vorn::TraceFacility::sinkIs( &lines );
+   Vorn::TraceFacility::levelsIs( "LdpP2mpOpaqueTable", 1u << 9 );
+   newIndex( "b" );
+   opaque->allocate();
+   opaque->delMembership( fec( 1 ) );
+   Vorn::TraceFacility::levelsIs( "LdpP2mpOpaqueTable", 0 );
+   Vorn::TraceFacility::sinkIs( nullptr );
+   std::string line;
+   for ( char const * text :
+         { "In LdpP2mpOpaqueTable id is 1 reused = 1",
+           " In LdpP2mpOpaqueTable::getOrCreateOpaqueIndex newIndex is 1",
+           "Added membership for p2mp(0.0.0.1,1)", "In LdpP2mpOpaqueTable id is 2 reused = 0",
+           "In LdpP2mpOpaqueTable::delMembership oIndex is 1",
+           "Removing membership for p2mpFecId p2mp(0.0.0.1,1)", "Number of memberships = 0" } ) {
+      std::getline( lines, line );
+      EXPECT_TRUE( line.ends_with( std::string( " " ) + text ) ) << line;
+   }
+   EXPECT_FALSE( std::getline( lines, line ) ) << line;
 }
 
 TEST_F( P2mpOpaqueTableTest, MistakesEndTheProcess ) {
