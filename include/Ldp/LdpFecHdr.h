@@ -128,6 +128,8 @@ class VORN_API LdpMPBasicOpaqueValueElementHdr {
    Lumo::NetU16 opaqueLenNbo() const noexcept { return opaqueLen_; }
    void opaqueLenNboIs( Lumo::NetU16 octets ) noexcept { opaqueLen_ = octets; }
 
+   /// Whether the value equals a default one.
+   bool operator!() const noexcept { return *this == LdpMPBasicOpaqueValueElementHdr(); }
    friend bool operator==( LdpMPBasicOpaqueValueElementHdr const &,
                            LdpMPBasicOpaqueValueElementHdr const & ) noexcept = default;
 
@@ -150,6 +152,8 @@ class VORN_API LdpGenericLSPId {
    Lumo::NetU32 opaqueId() const noexcept { return opaqueId_; }
    void opaqueIdIs( Lumo::NetU32 id ) noexcept { opaqueId_ = id; }
 
+   /// Whether the value equals a default one.
+   bool operator!() const noexcept { return *this == LdpGenericLSPId(); }
    friend bool operator==( LdpGenericLSPId const &, LdpGenericLSPId const & ) noexcept = default;
 
  private:

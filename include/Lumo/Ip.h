@@ -38,6 +38,8 @@ class VORN_API IpAddr {
    /// Dotted decimal.
    Vorn::String stringValue() const;
 
+   /// Whether the value equals a default one.
+   constexpr bool operator!() const noexcept { return *this == IpAddr(); }
    friend constexpr auto operator<=>( IpAddr const &, IpAddr const & ) noexcept = default;
 
  private:
@@ -61,6 +63,8 @@ class VORN_API Ip6Addr {
    /// The canonical text of RFC 5952, without the mixed IPv4 notation.
    Vorn::String stringValue() const;
 
+   /// Whether the value equals a default one.
+   constexpr bool operator!() const noexcept { return *this == Ip6Addr(); }
    friend constexpr auto operator<=>( Ip6Addr const &, Ip6Addr const & ) noexcept = default;
 
  private:
@@ -121,6 +125,8 @@ class VORN_API IpGenPrefix {
    U32 hash() const noexcept;
    Vorn::String stringValue() const;
 
+   /// Whether the value equals a default one.
+   bool operator!() const noexcept { return *this == IpGenPrefix(); }
    /// By address, then by length.
    friend auto operator<=>( IpGenPrefix const &, IpGenPrefix const & ) noexcept = default;
 

@@ -17,6 +17,8 @@ class NetU8 {
    constexpr U8 value() const noexcept { return v0_; }
    constexpr void valueIs( U8 value ) noexcept { v0_ = value; }
 
+   /// Whether the value equals a default one.
+   constexpr bool operator!() const noexcept { return !value(); }
    friend constexpr bool operator==( NetU8, NetU8 ) noexcept = default;
    friend constexpr bool operator<( NetU8 a, NetU8 b ) noexcept { return a.v0_ < b.v0_; }
 
@@ -51,6 +53,8 @@ class NetU16 {
       x = ( x ^ ( x >> 4 ) ) * 668265261;
       return x ^ ( x >> 15 );
    }
+   /// Whether the value equals a default one.
+   constexpr bool operator!() const noexcept { return !value(); }
    friend constexpr bool operator==( NetU16, NetU16 ) noexcept = default;
    friend constexpr bool operator<( NetU16 a, NetU16 b ) noexcept { return a.value() < b.value(); }
 
@@ -106,6 +110,8 @@ class NetU32 {
       x = ( x ^ ( x >> 4 ) ) * 668265261;
       return x ^ ( x >> 15 );
    }
+   /// Whether the value equals a default one.
+   constexpr bool operator!() const noexcept { return !value(); }
    friend constexpr bool operator==( NetU32, NetU32 ) noexcept = default;
    friend constexpr bool operator<( NetU32 a, NetU32 b ) noexcept { return a.value() < b.value(); }
 

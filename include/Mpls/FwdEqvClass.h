@@ -39,6 +39,8 @@ class VORN_API FwdEqvClass {
    /// `10.0.0.0/8`, `words(1,2)` or `p2mp(10.0.0.1,7)`.
    Vorn::String stringValue() const;
 
+   /// Whether the value equals a default one.
+   bool operator!() const noexcept { return *this == FwdEqvClass(); }
    /// By tag, then by payload.
    friend auto operator<=>( FwdEqvClass const &, FwdEqvClass const & ) noexcept = default;
 

@@ -1,6 +1,8 @@
 // What every value type promises: its text and its octets on the log read back, and nothing else does.
 #include "model/Samples.h"
 
+#include "Bridging/VlanId.h"
+#include "Ldp/LdpMsgParser.h"
 #include "Vorn/Entity.h"
 #include "Vorn/NboAttrLog.h"
 
@@ -55,6 +57,25 @@ TEST( ValueSweep, EveryValueReadsBackFromItsText ) {
          EXPECT_TRUE( read == value ) << value.stringValue();
       }
    }
+}
+
+// `!value` asks whether it is a default one.
+template< class... Types >
+void expectNotOfDefaultsOnly() {
+   auto const expect = []< class T >( T const & unset ) {
+      EXPECT_TRUE( !unset ) << unset;
+      T set;
+      Vorn::strepToValue( Vorn::String( sampleTexts( *Vorn::recordOf< T >() ).front().c_str() ), &set );
+      EXPECT_FALSE( !set ) << set;
+   };
+   ( expect( Types{} ), ... );
+}
+TEST( ValueSweep, EveryValueKnowsItsDefault ) {
+   using namespace Ldp;
+   expectNotOfDefaultsOnly< Lumo::IpAddr, Lumo::Ip6Addr, Lumo::IpGenPrefix, Lumo::NetU8, Lumo::NetU16,
+                            Lumo::NetU32, Lumo::MplsLabel, Bridging::VlanIdOrNone, Mpls::FwdEqvClass,
+                            LdpTlvTypeField, LdpStatusTlvStatusCode, LdpGenericLSPId,
+                            LdpMPBasicOpaqueValueElementHdr, LdpPwIntfParamFlags >();
 }
 
 // These and no others: bit words are a number, identities a text of their own.
