@@ -41,10 +41,7 @@ String LdpAdjId::stringValue() const {
 
 void LdpAdjId::stringValueIs( String const & text ) {
    auto it = text.begin();
-   LdpAdjId read;
-   sequenceToValue( it, text.end(), &read );
-   if ( it != text.end() ) Vorn::throwRangeException( "Invalid LdpAdjId" );
-   *this = read;
+   sequenceToValue( it, text.end(), this ); // up to the end, whatever it is
 }
 
 String valueToStrep( LdpAdjId const & value ) { return value.stringValue(); }
@@ -56,19 +53,19 @@ void sequenceToValue( String::IteratorConst & it, String::IteratorConst const & 
       auto at = it;
       LdpIdentifier peer;
       sequenceToValue( at, bar, &peer );
-      if ( at != bar || bar == end ) Vorn::throwRangeException( "no remainder" );
+      if ( at != bar || end - bar < 2 ) Vorn::throwRangeException( "no remainder" );
       ++at;
       std::string_view const rest( at, std::size_t( end - at ) );
       if ( rest.starts_with( target ) ) {
          Lumo::IpAddr addr;
          at += target.size();
          sequenceToValue( at, end, &addr );
+         if ( at != end ) Vorn::throwRangeException( "more than a target" );
          *value = LdpAdjId( peer, addr );
       } else {
          *value = LdpAdjId( peer, Lumo::IntfId( String( rest ) ) );
-         at = end;
       }
-      it = at;
+      it = end;
    } catch ( Vorn::RangeException const & ) {
       Vorn::throwRangeException( "Invalid LdpAdjId" );
    }
