@@ -26,6 +26,7 @@ bool LdpSessionStateLogEntryColl::shouldAddSessionStateLogEntry(
 
 void LdpSessionStateLogEntryColl::internalAddLogEntry_( LdpSessionStateLogEntry const & entry ) {
    VORN_ASSERT( sessionStateLogEntrys() <= maxSize() );
+   Vorn::Ptr< Self > const hold( this ); // an observer of the removal may drop the log
    if ( sessionStateLogEntrys() == maxSize() ) sessionStateLogEntryDeq();
    sessionStateLogEntryEnq( entry );
 }

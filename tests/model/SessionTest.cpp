@@ -8,6 +8,7 @@ namespace {
 
 using namespace Ldp;
 using Test::observerOf;
+using Test::Watcher;
 using Vorn::Name;
 using Vorn::Ptr;
 using Vorn::String;
@@ -199,6 +200,13 @@ TEST_F( SessionHistoryTest, TheEleventhPushesOutTheOldest ) {
    fill( 14 );
    EXPECT_EQ( indices().front(), 15u );
    EXPECT_EQ( indices().back(), 24u );
+}
+
+TEST_F( SessionHistoryTest, AnObserverMayDropTheLogAtTheFirstOfTwoChanges ) {
+   fill( 10 );
+   Watcher dropper( *log, [&] { log = nullptr; } );
+   log->addSessionStateLogEntry( entry( 10.0 ) );
+   EXPECT_EQ( dropper.taken(), ( Calls{ "sessionStateLogEntry[0]", "sessionStateLogEntry[10]" } ) );
 }
 
 TEST_F( SessionHistoryTest, AnEmptiedLogGoesOnCounting ) {
