@@ -2,6 +2,8 @@
 
 namespace Ldp {
 
+Vorn::String const ldpStatusNsPrefix = "ns-";
+
 VORN_RECORD( Ldp, LdpAgentStatus )
 VORN_RECORD( Ldp, Statistics )
 VORN_RECORD( Ldp, Status )

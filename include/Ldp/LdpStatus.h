@@ -21,6 +21,10 @@
 
 namespace Ldp {
 
+/// Prefix of the names of network namespaces, for those who link against this library; `ldpConfigNsPrefix` is
+/// the same for users of the configuration.
+VORN_API extern Vorn::String const ldpStatusNsPrefix;
+
 /// How often the agent has started.
 class VORN_API LdpAgentStatus : public Vorn::Entity {
    VORN_ENTITY( LdpAgentStatus, Vorn::Entity )

@@ -1,5 +1,6 @@
 // What the configuration does beyond its attributes: constructors that make children, bit words, ranges.
 #include "Ldp/LdpConfig.h"
+#include "Ldp/LdpStatus.h"
 #include "Lumo/NamespaceName.h"
 #include "Vorn/System.h"
 #include "model/Observe.h"
@@ -161,7 +162,10 @@ TEST( Ranges, RefuseWithTheirTexts ) {
    EXPECT_TRUE( !info );
 }
 
-TEST( NsPrefix, IsThereForThoseWhoLink ) { EXPECT_EQ( ldpConfigNsPrefix, "ns-" ); }
+TEST( NsPrefix, IsThereForThoseWhoLink ) {
+   EXPECT_EQ( ldpConfigNsPrefix, "ns-" );
+   EXPECT_EQ( ldpStatusNsPrefix, "ns-" );
+}
 
 TEST( SystemTest, TheClockCanBeReplaced ) {
    using std::chrono::duration;
