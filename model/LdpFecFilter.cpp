@@ -36,8 +36,9 @@ LdpFecFilter::~LdpFecFilter() { vornTeardown(); }
 bool LdpFecFilter::isPermittedFec( Mpls::FwdEqvClass const & fec ) const {
    TWAIN_FUNCTION( "LdpFecFilter::isPermittedFec", fec );
    if ( !prefixList_ ) return true;
+   Lumo::IpGenPrefix const prefix = fec.prefix();
    for ( auto const & node : prefixList_->prefixEntryColl() ) {
-      if ( matches( node.value(), fec.prefix() ) ) return node.value().action == Acl::permit;
+      if ( matches( node.value(), prefix ) ) return node.value().action == Acl::permit;
    }
    // Nothing matched, as nothing does in an empty list.
    return false;
