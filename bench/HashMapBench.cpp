@@ -49,6 +49,9 @@ class Numbered : public Vorn::Entity {
 
    VORN_KEY( 0x102, U32, number );
    VORN_MUTABLE( 0x103, U32, value, Value, local ) = 0;
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_RECORD( Bench, Numbered )
 
@@ -61,6 +64,9 @@ class Identified : public Vorn::Entity {
 
    VORN_KEY( 0x102, LdpIdentifier, id );
    VORN_MUTABLE( 0x103, U32, value, Value, local ) = 0;
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_RECORD( Bench, Identified )
 

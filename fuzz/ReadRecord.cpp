@@ -40,7 +40,7 @@ void readRecord( Sink & sink, void * object, VornType const & type ) {
       if ( !attr->keyed() ) {
          Value value( attr->type );
          U32 const outcome =
-              type.genericIfAttributeOp( value.data(), object, *attr, GenericIf::read, nullptr, nullptr );
+              GenericIf::attributeOp( type, value.data(), object, *attr, GenericIf::read, nullptr, nullptr );
          if ( outcome == GenericIf::done ) readValue( sink, value, attr->kind() );
          continue;
       }

@@ -2,7 +2,6 @@
 
 #include "Vorn/ReflectOps.h"
 
-#include <cstddef>
 #include <string>
 
 namespace Vorn {
@@ -13,6 +12,10 @@ constinit VornType const Entity::_vornType = [] {
    type.attributes = AttrTable< Entity >::attributes;
    type.ctorArgs = AttrTable< Entity >::ctorArgs;
    type.methods = &GenericIfImpl::GenericIfPtrInterfaceMethods< Entity >::vtable_;
+   type.genericIfAttributeOp = []( void * result, void * object, VornAttr const & attr, U32 op,
+                                   void const * key, void const * const * args ) {
+      return GenericIfImpl::attributeOp( Entity::_vornType, result, object, attr, op, key, args );
+   };
    type.sizeAndFlags = VornType::objectSizeFlag | U32( sizeof( Entity ) );
    type.attributeNum = AttrTable< Entity >::num;
    type.flags = VornType::plainFlags | VornType::polymorphicFlag;
@@ -52,17 +55,12 @@ bool anyChild( Entity const & entity, Call const & call ) {
 
 } // namespace
 
-Entity::~Entity() { notifieeList_.deleteAll(); }
-
-U16 Entity::vornNextOffset() noexcept {
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Winvalid-offsetof"
-   return U16( offsetof( Entity, next_ ) );
-#pragma GCC diagnostic pop
-}
+Entity::~Entity() = default;
 
 void Entity::zeroReferencesIs( bool zero ) {
-   if ( zero && observed() ) notifieeList_.doVisitZeroReferences( *this );
+   if ( !zero ) return;
+   if ( NotifieeList * const list = notifieeList(); list && !list->empty() )
+      list->doVisitZeroReferences( *this );
 }
 
 void Entity::nameIsFromBackup( Name const & ) {}
@@ -77,7 +75,8 @@ void Entity::entBackupDel() {}
 
 void Entity::vornParentIs( Entity * parent ) {
    parent_ = parent;
-   if ( observed() ) notifieeList_.doVisitFwkActivity( *this );
+   if ( NotifieeList * const list = notifieeList(); list && !list->empty() )
+      list->doVisitFwkActivity( *this );
    handleParent();
 }
 

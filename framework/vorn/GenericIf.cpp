@@ -95,6 +95,16 @@ Value::~Value() {
 
 NotifieeConst::~NotifieeConst() = default;
 
+U32 attributeOp( VornType const & type, void * result, void * object, VornAttr const & attr, U32 op,
+                 void const * key, void const * const * args ) {
+   for ( VornType const * at = &type; at; at = at->base ) {
+      if ( !at->genericIfAttributeOp ) continue;
+      U32 const outcome = at->genericIfAttributeOp( result, object, attr, op, key, args );
+      if ( outcome != notOfType ) return outcome;
+   }
+   return notOfType;
+}
+
 String attributeText( void const * object, VornType const &, VornAttr const & attr ) {
    if ( attr.keyed() || !attr.ops || !attr.type->methods ) return {};
    Value value( attr.type );
@@ -121,7 +131,7 @@ void throwSetFalseValueException( VornAttr const & attr ) {
 
 U32 attributeOp( VornType const & type, void * result, void * object, VornAttr const & attr, U32 op,
                  void const * key, void const * const * args ) {
-   if ( type.attribute( attr.id() ) != &attr && !type.isDerived( attr.owner ) ) return GenericIf::notOfType;
+   if ( attr.owner != &type ) return GenericIf::notOfType;
    return attr.ops ? attr.ops->op( result, object, attr, op, key, args ) : U32( GenericIf::notApplicable );
 }
 

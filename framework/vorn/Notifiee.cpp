@@ -16,6 +16,8 @@ constinit VornType const PtrInterface::NotifieeConst::_vornType = [] {
 
 PtrInterface::NotifieeConst::~NotifieeConst() { leave(); }
 
+void PtrInterface::NotifieeConst::vornReactor() {}
+
 void PtrInterface::NotifieeConst::handleNotification( U32, void const * ) {}
 
 void PtrInterface::NotifieeConst::onNotificationException() {}
@@ -23,6 +25,8 @@ void PtrInterface::NotifieeConst::onNotificationException() {}
 void PtrInterface::NotifieeConst::onZeroReferences() {}
 
 void PtrInterface::NotifieeConst::vornFwkActivity() {}
+
+void PtrInterface::NotifieeConst::actsm() {}
 
 void PtrInterface::NotifieeConst::hasNotificationActiveIs( bool active ) { active_ = active; }
 

@@ -15,7 +15,7 @@ PtrInterface::~PtrInterface() = default;
 void PtrInterface::handleZeroRef() const noexcept {
    if ( NotifieeVisit::keeps( *this ) ) [[unlikely]]
       return;
-   refs_ |= beingDestroyed;
+   vornMarkedForDeletionIs( true );
    auto * self = const_cast< PtrInterface * >( this );
    self->zeroReferencesIs( true );
    delete self;

@@ -50,6 +50,8 @@ class VORN_API PrefixList : public Vorn::Entity {
  private:
    Entries prefixEntry_;
    VORN_NAME;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( PrefixList, prefixListFactory )
 

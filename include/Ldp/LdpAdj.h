@@ -64,6 +64,9 @@ class VORN_API LdpAdjConfig : public Vorn::Entity {
    VORN_KEY( 0x102, LdpAdjId, ldpAdjId );
    /// Hold time proposed on this adjacency, in seconds.
    VORN_MUTABLE( 0x103, U16, holdTime, HoldTime, replicated ) = 15;
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpAdjConfig, ldpAdjConfigFactory )
 
@@ -78,6 +81,8 @@ class VORN_API LdpAdjConfigColl : public Vorn::Entity {
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpAdjConfig, LdpAdjId, adjConfig, AdjConfig, replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpAdjConfigColl, ldpAdjConfigCollFactory )
 
@@ -113,6 +118,9 @@ class VORN_API LdpAdjStatus : public Vorn::Entity {
    /// Hellos received, and those of them that were bad.
    VORN_COUNTER( 0x10b, U32, rxPktCount, RxPktCount, local ) = 0;
    VORN_COUNTER( 0x10c, U32, errPktCount, ErrPktCount, local ) = 0;
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpAdjStatus, ldpAdjStatusFactory )
 
@@ -127,6 +135,8 @@ class VORN_API LdpAdjStatusColl : public Vorn::Entity {
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpAdjStatus, LdpAdjId, adjStatus, AdjStatus, replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpAdjStatusColl, ldpAdjStatusCollFactory )
 
@@ -141,6 +151,9 @@ class VORN_API LdpAdjPerLink : public Vorn::Entity {
 
    VORN_KEY( 0x102, Lumo::IntfId, intfId );
    VORN_VALUE_COLL( 0x103, bool, LdpAdjId, ldpAdj, LdpAdj, local );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpAdjPerLink, ldpAdjPerLinkFactory )
 

@@ -62,6 +62,8 @@ class VORN_API LdpMsgPipe : public Vorn::Entity {
    VORN_WRITE_ONLY( 0x104, Vorn::Ptr< LdpMsg >, txMsg );
    /// The slot.
    VORN_SLOT( 0x105, Vorn::Ptr< LdpMsg >, msgHolder );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpMsgPipe, ldpMsgPipeFactory )
 
@@ -90,6 +92,8 @@ class VORN_API LdpP2mpSessionLocalLabelMsgPipe : public LdpMsgPipe {
 
    VORN_KEY( 0x182, LdpSessionId, ldpSessionId );
    VORN_MUTABLE( 0x183, LdpFecSessionId, p2mpFecSessionId, P2mpFecSessionId, local );
+
+   VORN_NEXT_LINK;
 };
 VORN_FACTORY( LdpP2mpSessionLocalLabelMsgPipe, ldpP2mpSessionLocalLabelMsgPipeFactory )
 
@@ -105,6 +109,8 @@ class VORN_API LdpP2mpSessionRemoteLabelMsgPipe : public LdpMsgPipe {
 
    VORN_KEY( 0x182, LdpSessionId, ldpSessionId );
    VORN_MUTABLE( 0x183, LdpFecSessionId, p2mpFecSessionId, P2mpFecSessionId, local );
+
+   VORN_NEXT_LINK;
 };
 VORN_FACTORY( LdpP2mpSessionRemoteLabelMsgPipe, ldpP2mpSessionRemoteLabelMsgPipeFactory )
 
@@ -119,6 +125,8 @@ class VORN_API LdpTargetMsgPipeCollection : public Vorn::Entity {
 
    VORN_NAME;
    VORN_REFERENCE_COLL( 0x102, LdpMsgPipe, Lumo::IpAddr, msgPipe, MsgPipe, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpTargetMsgPipeCollection, ldpTargetMsgPipeCollectionFactory )
 /// Pipes by interface.
@@ -132,6 +140,8 @@ class VORN_API LdpLinkMsgPipeCollection : public Vorn::Entity {
 
    VORN_NAME;
    VORN_REFERENCE_COLL( 0x102, LdpMsgPipe, Lumo::IntfId, msgPipe, MsgPipe, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpLinkMsgPipeCollection, ldpLinkMsgPipeCollectionFactory )
 /// Pipes by adjacency.
@@ -145,6 +155,8 @@ class VORN_API LdpAdjMsgPipeCollection : public Vorn::Entity {
 
    VORN_NAME;
    VORN_REFERENCE_COLL( 0x102, LdpMsgPipe, LdpAdjId, msgPipe, MsgPipe, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpAdjMsgPipeCollection, ldpAdjMsgPipeCollectionFactory )
 /// Pipes by session.
@@ -158,6 +170,8 @@ class VORN_API LdpSessionMsgPipeColl : public Vorn::Entity {
 
    VORN_NAME;
    VORN_REFERENCE_COLL( 0x102, LdpMsgPipe, LdpSessionId, msgPipe, MsgPipe, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpSessionMsgPipeColl, ldpSessionMsgPipeCollFactory )
 /// Pipes for label messages, by session.
@@ -171,6 +185,8 @@ class VORN_API LdpFecSessionMsgPipeColl : public Vorn::Entity {
 
    VORN_NAME;
    VORN_REFERENCE_COLL( 0x102, LdpFecSessionMsgPipe, LdpSessionId, msgPipe, MsgPipe, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpFecSessionMsgPipeColl, ldpFecSessionMsgPipeCollFactory )
 

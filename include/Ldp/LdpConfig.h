@@ -110,6 +110,9 @@ class VORN_API LdpIntfConfig : public Vorn::Entity {
    VORN_NAME;
    /// Synchronisation with the IGP.
    VORN_MUTABLE( 0x102, LdpIgpSyncMode, igpSync, IgpSync, replicated ) = useGlobal;
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpIntfConfig, ldpIntfConfigFactory )
 
@@ -125,6 +128,9 @@ class VORN_API LdpStaticFecBindingEntry : public Vorn::Entity {
    VORN_KEY( 0x102, Mpls::FwdEqvClass, fwdEqvClass );
    /// Labels and next hop.
    VORN_MUTABLE( 0x103, LdpFecBindingInfo, fecBindingInfo, FecBindingInfo, replicated );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpStaticFecBindingEntry, ldpStaticFecBindingEntryFactory )
 
@@ -139,6 +145,9 @@ class VORN_API LdpStaticP2mpFecBindingEntry : public Vorn::Entity {
    ~LdpStaticP2mpFecBindingEntry() override;
 
    VORN_KEY( 0x102, LdpP2mpFecGenericOpaqueId, p2mpGenericOpaqueId );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpStaticP2mpFecBindingEntry, ldpStaticP2mpFecBindingEntryFactory )
 
@@ -231,6 +240,9 @@ class VORN_API Config : public Vorn::Entity {
    VORN_MUTABLE( 0x125, bool, helloRedundancy, HelloRedundancy, replicated ) = false;
    VORN_MUTABLE( 0x126, double, helloRedundancyTimeout, HelloRedundancyTimeout,
                  replicated ) = LdpProtoParam::defaultHelloRedundancyTimeout();
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( Config, configFactory )
 
@@ -250,6 +262,8 @@ class VORN_API LdpConfigColl : public Vorn::Entity {
    VORN_FUNCTION( 0x104, handleInitialized );
    /// Makes the default VRF; the constructor's last step.
    void handleInitialized();
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpConfigColl, ldpConfigCollFactory )
 
@@ -326,6 +340,9 @@ class VORN_API ProtoConfig : public Vorn::Entity {
    VORN_MUTABLE( 0x122, bool, helloRedundancy, HelloRedundancy, replicated ) = false;
    VORN_MUTABLE( 0x123, double, helloRedundancyTimeout, HelloRedundancyTimeout,
                  replicated ) = LdpProtoParam::defaultHelloRedundancyTimeout();
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( ProtoConfig, protoConfigFactory )
 
@@ -340,6 +357,8 @@ class VORN_API LdpProtoConfigColl : public Vorn::Entity {
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, ProtoConfig, L3::VrfName, protoConfig, ProtoConfig, replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpProtoConfigColl, ldpProtoConfigCollFactory )
 
@@ -354,6 +373,8 @@ class VORN_API LdpEnabledVrfColl : public Vorn::Entity {
 
    VORN_NAME;
    VORN_VALUE_COLL( 0x102, bool, L3::VrfName, enabledVrf, EnabledVrf, replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpEnabledVrfColl, ldpEnabledVrfCollFactory )
 
@@ -368,6 +389,8 @@ class VORN_API PwTargetConfigColl : public Vorn::Entity {
 
    VORN_NAME;
    VORN_VALUE_COLL( 0x102, bool, Lumo::IpGenAddr, pwTarget, PwTarget, replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( PwTargetConfigColl, pwTargetConfigCollFactory )
 

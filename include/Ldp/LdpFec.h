@@ -97,6 +97,9 @@ class VORN_API IntfIpViaMapping : public Vorn::Entity {
 
    VORN_KEY( 0x102, Lumo::IpGenAddr, intfIp );
    VORN_VALUE_COLL( 0x103, bool, Via, via, Via, local );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( IntfIpViaMapping, intfIpViaMappingFactory )
 
@@ -111,6 +114,9 @@ class VORN_API LdpIdViaMapping : public Vorn::Entity {
 
    VORN_KEY( 0x102, LdpIdentifier, ldpIdentifier );
    VORN_VALUE_COLL( 0x103, bool, Via, via, Via, local );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpIdViaMapping, ldpIdViaMappingFactory )
 
@@ -173,6 +179,9 @@ class VORN_API LdpFecConfig : public Vorn::Entity {
    VORN_MUTABLE( 0x116, Lumo::IpAddr, routerId, RouterId, replicated );
    /// Whether hop counts and path vectors are used against loops (RFC 5036, 2.8).
    VORN_MUTABLE( 0x117, bool, ldpLoopDetection, LdpLoopDetection, replicated ) = false;
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpFecConfig, ldpFecConfigFactory )
 
@@ -236,6 +245,8 @@ class VORN_API LdpFecConfigNotifier : public Vorn::Entity {
    using Count = U8 ( LdpFecConfigNotifier::* )( U8 );
    void update( FecPtr const & fec, Count count, LdpIdentifier const & peer = LdpIdentifier(),
                 Lumo::MplsLabel label = Lumo::MplsLabel() );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpFecConfigNotifier, ldpFecConfigNotifierFactory )
 
@@ -252,6 +263,8 @@ class VORN_API LdpFecConfigColl : public Vorn::Entity {
    VORN_ENTITY_COLL( 0x102, LdpFecConfig, Mpls::FwdEqvClass, fecConfig, FecConfig, replicated );
    /// Made by the constructor, under the empty name.
    VORN_CHILD( 0x103, LdpFecConfigNotifier, fecConfigNotifier, FecConfigNotifier, replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpFecConfigColl, ldpFecConfigCollFactory )
 
@@ -279,6 +292,8 @@ class VORN_API LdpXsessionNotification : public Vorn::Entity {
    /// Hop count and path vector to pass on.
    VORN_MUTABLE( 0x106, U8, hopCount, HopCount, local ) = 0;
    VORN_REFERENCE( 0x107, Lumo::Pkt, pathVectorTlvPkt, PathVectorTlvPkt, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpXsessionNotification, ldpXsessionNotificationFactory )
 
@@ -316,6 +331,9 @@ class VORN_API LdpFecStatus : public Vorn::Entity {
    VORN_MUTABLE( 0x10d, double, labelXsessionMappingSmNotiTime, LabelXsessionMappingSmNotiTime, local ) = 0.0;
    /// The event. Made by the constructor, under the empty name.
    VORN_CHILD( 0x10e, LdpXsessionNotification, ldpXsessionNotification, LdpXsessionNotification, local );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpFecStatus, ldpFecStatusFactory )
 
@@ -344,6 +362,8 @@ class VORN_API LdpFecStatusNotifier : public Vorn::Entity {
    using FecPtr = Vorn::Ptr< LdpFecStatus const >;
    void updateRequestSmNotiTime( FecPtr const & fec );
    void updateMappingSmNotiTime( FecPtr const & fec );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpFecStatusNotifier, ldpFecStatusNotifierFactory )
 
@@ -360,6 +380,8 @@ class VORN_API LdpFecStatusColl : public Vorn::Entity {
    VORN_ENTITY_COLL( 0x102, LdpFecStatus, Mpls::FwdEqvClass, fecStatus, FecStatus, local );
    /// Made by the constructor, under the empty name.
    VORN_CHILD( 0x103, LdpFecStatusNotifier, fecStatusNotifier, FecStatusNotifier, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpFecStatusColl, ldpFecStatusCollFactory )
 
@@ -380,6 +402,9 @@ class VORN_API LdpFecNexthop : public Vorn::Entity {
    VORN_MUTABLE( 0x103, Lumo::IpGenPrefix, hop, Hop, local );
    VORN_MUTABLE( 0x104, LdpFecDeliveryType, ldpFecDeliveryType, LdpFecDeliveryType, local ) = Unknown;
    VORN_SET( 0x105, Via, via, Via, local );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpFecNexthop, ldpFecNexthopFactory )
 
@@ -397,6 +422,8 @@ class VORN_API LdpFecNexthopColl : public Vorn::Entity {
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpFecNexthop, Mpls::FwdEqvClass, fecNexthop, FecNexthop, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpFecNexthopColl, ldpFecNexthopCollFactory )
 
@@ -419,6 +446,8 @@ class VORN_API LdpFecCounters : public Vorn::Entity {
    /// Messages received and sent, by type.
    VORN_COUNTER_COLL( 0x105, U64, LdpMsgType, ldpMsgRx, LdpMsgRx, local );
    VORN_COUNTER_COLL( 0x106, U64, LdpMsgType, ldpMsgTx, LdpMsgTx, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpFecCounters, ldpFecCountersFactory )
 

@@ -29,6 +29,8 @@ class VORN_API LdpFecFilter : public Vorn::Entity {
    bool isPermittedFec( Mpls::FwdEqvClass const & fec ) const;
    /// Means nothing but its changes: the answer for a FEC may be another now.
    VORN_COUNTER( 0x104, U32, filterVersion, FilterVersion, local ) = 0;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpFecFilter, ldpFecFilterFactory )
 

@@ -183,6 +183,9 @@ class VORN_API LdpFecSessionStatus : public Vorn::Entity {
    /// Messages received and sent, by type.
    VORN_COUNTER_COLL( 0x115, U64, LdpMsgType, ldpMsgRx, LdpMsgRx, local );
    VORN_COUNTER_COLL( 0x116, U64, LdpMsgType, ldpMsgTx, LdpMsgTx, local );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpFecSessionStatus, ldpFecSessionStatusFactory )
 
@@ -200,6 +203,9 @@ class VORN_API LdpFecSessionStatusBySession : public Vorn::Entity {
    VORN_KEY( 0x102, LdpSessionId, ldpSessionId );
    VORN_REFERENCE_COLL( 0x103, LdpFecSessionStatus, LdpFecSessionId, fecSessionStatus, FecSessionStatus,
                         local );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpFecSessionStatusBySession, ldpFecSessionStatusBySessionFactory )
 
@@ -217,6 +223,8 @@ class VORN_API LdpFecSessionStatusColl : public Vorn::Entity {
    VORN_ENTITY_COLL( 0x102, LdpFecSessionStatusBySession, LdpSessionId, fecSessionStatusBySessionColl,
                      FecSessionStatusBySessionColl, local );
    VORN_ENTITY_COLL( 0x103, LdpFecSessionStatus, LdpFecSessionId, fecSessionStatus, FecSessionStatus, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpFecSessionStatusColl, ldpFecSessionStatusCollFactory )
 
@@ -233,6 +241,8 @@ class VORN_API LdpFecSessionNotifier : public Vorn::Entity {
    VORN_NAME;
    VORN_MUTABLE( 0x102, LdpFecSessionId, ldpFecSessionId, LdpFecSessionId, local );
    VORN_COUNTER( 0x103, U8, changeCnt, ChangeCnt, local ) = 0;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpFecSessionNotifier, ldpFecSessionNotifierFactory )
 

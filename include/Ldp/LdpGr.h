@@ -33,6 +33,8 @@ class VORN_API LocalGrStatus : public Vorn::Entity {
    VORN_FUNCTION( 0x104, remainingHoldingTime );
    /// Seconds until then; 0 for a timer that has expired, was not set or never expires.
    double remainingHoldingTime() const;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LocalGrStatus, localGrStatusFactory )
 
@@ -48,6 +50,9 @@ class VORN_API LdpGrStatus : public Vorn::Entity {
    VORN_KEY( 0x102, L3::VrfName, vrfName );
    VORN_CHILD( 0x103, LdpIdIntfIpMappingTable, ldpIdIntfIpMappingTable, LdpIdIntfIpMappingTable, replicated );
    VORN_CHILD( 0x104, Mpls::LabelBindingTable, localLabelAllocTable, LocalLabelAllocTable, replicated );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpGrStatus, ldpGrStatusFactory )
 

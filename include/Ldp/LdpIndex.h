@@ -19,6 +19,9 @@ class VORN_API PeerSession : public Vorn::Entity {
 
    VORN_KEY( 0x102, Lumo::IpGenAddr, peerTransportIp );
    VORN_VALUE_COLL( 0x103, bool, LdpSessionId, sessionId, SessionId, local );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( PeerSession, peerSessionFactory )
 
@@ -33,6 +36,9 @@ class VORN_API PeerTransportIpMap : public Vorn::Entity {
 
    VORN_KEY( 0x102, Lumo::IpGenAddr, transportIp );
    VORN_VALUE_COLL( 0x103, bool, LdpIdentifier, ldpIdentifier, LdpIdentifier, local );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( PeerTransportIpMap, peerTransportIpMapFactory )
 
@@ -47,6 +53,9 @@ class VORN_API PeerPwRequest : public Vorn::Entity {
 
    VORN_KEY( 0x102, Lumo::IpGenAddr, peerTransportIp );
    VORN_VALUE_COLL( 0x103, bool, Pseudowire::PseudowireLdpRequestKey, request, Request, local );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( PeerPwRequest, peerPwRequestFactory )
 
@@ -61,6 +70,9 @@ class VORN_API LabelFecMap : public Vorn::Entity {
 
    VORN_KEY( 0x102, Lumo::MplsLabel, label );
    VORN_SET( 0x103, Mpls::FwdEqvClass, fec, Fec, local );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LabelFecMap, labelFecMapFactory )
 
@@ -95,6 +107,9 @@ class VORN_API PwFecSessionInfoMap : public Vorn::Entity {
                               LocalStatus, local );
    VORN_KEYED_REFERENCE_COLL( 0x107, RemotePwFecSessionStatus, PwFecSessionId, PwFecSessionIdOf, remoteStatus,
                               RemoteStatus, local );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( PwFecSessionInfoMap, pwFecSessionInfoMapFactory )
 
@@ -130,6 +145,8 @@ class VORN_API LdpIndex : public Vorn::Entity {
    VORN_ENTITY_COLL( 0x107, PeerPwRequest, Lumo::IpGenAddr, peerToPwRequest, PeerToPwRequest, local );
    /// FECs that use a label.
    VORN_ENTITY_COLL( 0x108, LabelFecMap, Lumo::MplsLabel, labelToFec, LabelToFec, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpIndex, ldpIndexFactory )
 

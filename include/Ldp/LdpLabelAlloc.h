@@ -30,6 +30,9 @@ class VORN_API LabelAllocRequest : public Vorn::Entity {
    VORN_KEY( 0x102, Mpls::FwdEqvClass, fec );
    VORN_MUTABLE( 0x103, U32, numLabelsRequested, NumLabelsRequested, replicated ) = 0;
    VORN_MUTABLE( 0x104, LdpFecDeliveryType, ldpFecDeliveryType, LdpFecDeliveryType, replicated ) = Unknown;
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LabelAllocRequest, labelAllocRequestFactory )
 
@@ -45,6 +48,8 @@ class VORN_API LabelAllocRequestTable : public Vorn::Entity {
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LabelAllocRequest, Mpls::FwdEqvClass, labelBindingRequest, LabelBindingRequest,
                      replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LabelAllocRequestTable, labelAllocRequestTableFactory )
 
@@ -61,6 +66,8 @@ class VORN_API LabelAllocGlobalStatus : public Vorn::Entity {
    VORN_MUTABLE( 0x102, LabelAllocStatusEnum, state, State, replicated ) = markAndSweep;
    /// Means nothing but its changes: the range of labels is another now.
    VORN_MUTABLE( 0x103, U32, rangeChanged, RangeChanged, replicated ) = 0;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LabelAllocGlobalStatus, labelAllocGlobalStatusFactory )
 
@@ -80,6 +87,8 @@ class VORN_API MplsLabelSet : public Vorn::Entity {
    /// Who gave the labels.
    VORN_MUTABLE( 0x103, Mpls::LabelSource, labelSource, LabelSource, replicated ) = Mpls::LabelSource( 2 );
    VORN_VALUE_COLL( 0x104, bool, Lumo::MplsLabel, mplsLabel, MplsLabel, replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( MplsLabelSet, mplsLabelSetFactory )
 

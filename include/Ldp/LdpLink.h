@@ -32,6 +32,8 @@ class VORN_API LdpLinkBaseConfig : public Vorn::Entity {
    VORN_MUTABLE( 0x103, U16, holdTime, HoldTime, local ) = 15;
    /// Before a socket is tried again.
    VORN_MUTABLE( 0x104, U32, retryInterval, RetryInterval, local ) = 1;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpLinkBaseConfig, ldpLinkBaseConfigFactory )
 
@@ -74,6 +76,8 @@ class VORN_API LdpLinkConfig : public LdpLinkBaseConfig {
    VORN_MUTABLE( 0x184, ConfigState, configState, ConfigState, local ) = configEnabled;
    VORN_MUTABLE( 0x185, Interface::IntfOperStatus, operStatus, OperStatus,
                  local ) = Interface::IntfOperStatus( 4 );
+
+   VORN_NEXT_LINK;
 };
 VORN_FACTORY( LdpLinkConfig, ldpLinkConfigFactory )
 
@@ -90,6 +94,8 @@ class VORN_API LdpLinkConfigColl : public Vorn::Entity {
    /// What they share; null until somebody makes it.
    VORN_CHILD( 0x102, LdpLinkCommonConfig, ldpLinkCommonConfig, LdpLinkCommonConfig, local );
    VORN_ENTITY_COLL( 0x103, LdpLinkConfig, Lumo::IntfId, adjLinkConfig, AdjLinkConfig, replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpLinkConfigColl, ldpLinkConfigCollFactory )
 
@@ -118,6 +124,9 @@ class VORN_API LdpLinkStatus : public Vorn::Entity {
    VORN_COUNTER( 0x108, U32, rxPktCount, RxPktCount, local ) = 0;
    VORN_COUNTER( 0x109, U32, txPktCount, TxPktCount, local ) = 0;
    VORN_COUNTER( 0x10a, U32, errPktCount, ErrPktCount, local ) = 0;
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpLinkStatus, ldpLinkStatusFactory )
 
@@ -131,6 +140,8 @@ class VORN_API LdpLinkCommonStatus : public Vorn::Entity {
    ~LdpLinkCommonStatus() override;
 
    VORN_NAME;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpLinkCommonStatus, ldpLinkCommonStatusFactory )
 
@@ -147,6 +158,8 @@ class VORN_API LdpLinkStatusColl : public Vorn::Entity {
    /// Made by the constructor, under the name llcs.
    VORN_CHILD( 0x102, LdpLinkCommonStatus, ldpLinkCommonStatus, LdpLinkCommonStatus, local );
    VORN_ENTITY_COLL( 0x103, LdpLinkStatus, Lumo::IntfId, adjLinkStatus, AdjLinkStatus, replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpLinkStatusColl, ldpLinkStatusCollFactory )
 
@@ -168,6 +181,8 @@ class VORN_API LdpLinkUdpPamStatus : public Vorn::Entity {
    VORN_COUNTER( 0x104, U32, rxPktCount, RxPktCount, local ) = 0;
    VORN_COUNTER( 0x105, U32, txPktCount, TxPktCount, local ) = 0;
    VORN_COUNTER( 0x106, U32, errPktCount, ErrPktCount, local ) = 0;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpLinkUdpPamStatus, ldpLinkUdpPamStatusFactory )
 
@@ -182,6 +197,9 @@ class VORN_API IpIntfMember : public Vorn::Entity {
 
    VORN_KEY( 0x102, Lumo::IpAddrWithMask, ipAddrWithMask );
    VORN_VALUE_COLL( 0x103, bool, Lumo::IntfId, intfId, IntfId, local );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( IpIntfMember, ipIntfMemberFactory )
 
@@ -196,6 +214,8 @@ class VORN_API LocalIntfIpColl : public Vorn::Entity {
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, IpIntfMember, Lumo::IpAddrWithMask, intfIpWithMask, IntfIpWithMask, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LocalIntfIpColl, localIntfIpCollFactory )
 

@@ -58,6 +58,9 @@ class VORN_API LdpP2mpFecState : public Vorn::Entity {
    VORN_LOCAL_ENTITY_COLL( 0x10d, LdpIdViaMapping, LdpIdentifier, ldpIdViaMapping );
    /// Whether the protocol works for this FEC.
    VORN_MUTABLE( 0x10e, bool, isProtocolOperational, IsProtocolOperational, local ) = false;
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpP2mpFecState, ldpP2mpFecStateFactory )
 
@@ -74,6 +77,8 @@ class VORN_API LdpP2mpFecStateColl : public Vorn::Entity {
    VORN_ENTITY_COLL( 0x102, LdpP2mpFecState, Mpls::FwdEqvClass, p2mpFecState, P2mpFecState, replicated );
    /// Means nothing but its changes: observers are to look at their own state. 255 goes on with 0.
    VORN_COUNTER( 0x103, U8, notifyCounter, NotifyCounter, local ) = 0;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpP2mpFecStateColl, ldpP2mpFecStateCollFactory )
 
@@ -88,6 +93,9 @@ class VORN_API LdpP2mpLabelTerminatingInfo : public Vorn::Entity {
 
    VORN_KEY( 0x102, Lumo::MplsLabel, label );
    VORN_SET( 0x103, Mpls::FwdEqvClass, p2mpFec, P2mpFec, replicated );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpP2mpLabelTerminatingInfo, ldpP2mpLabelTerminatingInfoFactory )
 
@@ -103,6 +111,8 @@ class VORN_API LdpP2mpLabelTerminatingInfoColl : public Vorn::Entity {
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpP2mpLabelTerminatingInfo, Lumo::MplsLabel, labelTerminatingInfo,
                      LabelTerminatingInfo, replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpP2mpLabelTerminatingInfoColl, ldpP2mpLabelTerminatingInfoCollFactory )
 
@@ -119,6 +129,8 @@ class VORN_API LdpP2mpFecCounters : public Vorn::Entity {
    VORN_NAME;
    VORN_COUNTER_COLL( 0x102, U64, LdpTlvType, labelMappingRxTlv, LabelMappingRxTlv, local );
    VORN_COUNTER_COLL( 0x103, U64, LdpTlvType, labelMappingTxTlv, LabelMappingTxTlv, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpP2mpFecCounters, ldpP2mpFecCountersFactory )
 

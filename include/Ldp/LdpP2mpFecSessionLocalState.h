@@ -27,6 +27,8 @@ class VORN_API LdpP2mpFecSessionLocalEphemeralState : public Vorn::Entity {
    VORN_NAME;
    VORN_MUTABLE( 0x102, LdpLocalLabelState, activeLabelState, ActiveLabelState, local ) = noneSent;
    VORN_MUTABLE( 0x103, Lumo::MplsLabel, activeLabel, ActiveLabel, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpP2mpFecSessionLocalEphemeralState, ldpP2mpFecSessionLocalEphemeralStateFactory )
 
@@ -47,6 +49,9 @@ class VORN_API LdpP2mpFecSessionLocalState : public Vorn::Entity {
    /// Messages received and sent, by type.
    VORN_COUNTER_COLL( 0x105, U64, LdpMsgType, ldpMsgRx, LdpMsgRx, local );
    VORN_COUNTER_COLL( 0x106, U64, LdpMsgType, ldpMsgTx, LdpMsgTx, local );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpP2mpFecSessionLocalState, ldpP2mpFecSessionLocalStateFactory )
 
@@ -63,6 +68,9 @@ class VORN_API LdpP2mpFecSessionLocalStatePerSessionColl : public Vorn::Entity {
    VORN_KEY( 0x102, LdpSessionId, ldpSessionId );
    VORN_ENTITY_COLL( 0x103, LdpP2mpFecSessionLocalState, LdpFecSessionId, p2mpFecSessionLocalState,
                      P2mpFecSessionLocalState, local );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpP2mpFecSessionLocalStatePerSessionColl, ldpP2mpFecSessionLocalStatePerSessionCollFactory )
 
@@ -78,6 +86,8 @@ class VORN_API LdpP2mpFecSessionLocalStateColl : public Vorn::Entity {
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpP2mpFecSessionLocalStatePerSessionColl, LdpSessionId,
                      p2mpFecSessionLocalStateColl, P2mpFecSessionLocalStateColl, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpP2mpFecSessionLocalStateColl, ldpP2mpFecSessionLocalStateCollFactory )
 
@@ -96,6 +106,9 @@ class VORN_API LdpP2mpFecSessionLocalStateNotifier : public Vorn::Entity {
    VORN_MUTABLE( 0x103, LdpFecSessionId, p2mpFecSessionId, P2mpFecSessionId, local );
    /// 255 goes on with 0.
    VORN_COUNTER( 0x104, U8, notifyCounter, NotifyCounter, local ) = 0;
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpP2mpFecSessionLocalStateNotifier, ldpP2mpFecSessionLocalStateNotifierFactory )
 
@@ -113,6 +126,8 @@ class VORN_API LdpP2mpFecSessionLocalStateNotifierColl : public Vorn::Entity {
    VORN_MUTABLE( 0x102, LdpSessionId, ldpSessionId, LdpSessionId, local );
    VORN_ENTITY_COLL( 0x103, LdpP2mpFecSessionLocalStateNotifier, LdpSessionId,
                      p2mpFecSessionLocalStateNotifier, P2mpFecSessionLocalStateNotifier, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpP2mpFecSessionLocalStateNotifierColl, ldpP2mpFecSessionLocalStateNotifierCollFactory )
 

@@ -25,6 +25,9 @@ class VORN_API LdpP2mpFecSessionRemoteState : public Vorn::Entity {
    /// Messages received and sent, by type.
    VORN_COUNTER_COLL( 0x106, U64, LdpMsgType, ldpMsgRx, LdpMsgRx, local );
    VORN_COUNTER_COLL( 0x107, U64, LdpMsgType, ldpMsgTx, LdpMsgTx, local );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpP2mpFecSessionRemoteState, ldpP2mpFecSessionRemoteStateFactory )
 
@@ -41,6 +44,9 @@ class VORN_API LdpP2mpFecSessionRemoteStatePerSessionColl : public Vorn::Entity 
    VORN_KEY( 0x102, LdpSessionId, ldpSessionId );
    VORN_ENTITY_COLL( 0x103, LdpP2mpFecSessionRemoteState, LdpFecSessionId, p2mpFecSessionRemoteState,
                      P2mpFecSessionRemoteState, local );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpP2mpFecSessionRemoteStatePerSessionColl, ldpP2mpFecSessionRemoteStatePerSessionCollFactory )
 
@@ -56,6 +62,8 @@ class VORN_API LdpP2mpFecSessionRemoteStateColl : public Vorn::Entity {
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpP2mpFecSessionRemoteStatePerSessionColl, LdpSessionId,
                      p2mpFecSessionRemoteStateColl, P2mpFecSessionRemoteStateColl, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpP2mpFecSessionRemoteStateColl, ldpP2mpFecSessionRemoteStateCollFactory )
 
@@ -75,6 +83,9 @@ class VORN_API LdpP2mpFecSessionRemoteStateNotifier : public Vorn::Entity {
    VORN_MUTABLE( 0x104, LdpMsgType, msgType, MsgType, local ) = LdpNotification;
    /// 255 goes on with 0.
    VORN_COUNTER( 0x105, U8, notifyCounter, NotifyCounter, local ) = 0;
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpP2mpFecSessionRemoteStateNotifier, ldpP2mpFecSessionRemoteStateNotifierFactory )
 
@@ -92,6 +103,8 @@ class VORN_API LdpP2mpFecSessionRemoteStateNotifierColl : public Vorn::Entity {
    VORN_MUTABLE( 0x102, LdpSessionId, ldpSessionId, LdpSessionId, local );
    VORN_ENTITY_COLL( 0x103, LdpP2mpFecSessionRemoteStateNotifier, LdpSessionId,
                      p2mpFecSessionRemoteStateNotifier, P2mpFecSessionRemoteStateNotifier, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpP2mpFecSessionRemoteStateNotifierColl, ldpP2mpFecSessionRemoteStateNotifierCollFactory )
 

@@ -59,6 +59,8 @@ class VORN_API LdpP2mpOpaqueTable : public Vorn::Entity {
    U32 allocate();
    /// Takes an index back. It may not be `invalidId`; nothing else is looked at.
    void free( U32 id );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpP2mpOpaqueTable, ldpP2mpOpaqueTableFactory )
 

@@ -29,6 +29,9 @@ class VORN_API LdpPeerConfig : public Vorn::Entity {
    /// Status of the peer, and that of its last adjacency event.
    VORN_MUTABLE( 0x107, LdpStatusCode, statusCode, StatusCode, local ) = success;
    VORN_MUTABLE( 0x108, LdpStatusCode, latestAdjStatusCode, LatestAdjStatusCode, local ) = success;
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpPeerConfig, ldpPeerConfigFactory )
 
@@ -43,6 +46,8 @@ class VORN_API LdpPeerConfigColl : public Vorn::Entity {
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpPeerConfig, LdpIdentifier, peerConfig, PeerConfig, replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpPeerConfigColl, ldpPeerConfigCollFactory )
 
@@ -56,6 +61,9 @@ class VORN_API LdpPeerStatus : public Vorn::Entity {
    ~LdpPeerStatus() override;
 
    VORN_KEY( 0x102, LdpIdentifier, ldpIdentifier );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpPeerStatus, ldpPeerStatusFactory )
 
@@ -70,6 +78,8 @@ class VORN_API LdpPeerStatusColl : public Vorn::Entity {
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpPeerStatus, LdpIdentifier, peerStatus, PeerStatus, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpPeerStatusColl, ldpPeerStatusCollFactory )
 

@@ -90,6 +90,8 @@ class VORN_API LdpProtoParam : public Vorn::Entity {
    /// Delays of the state machines over the configuration and at the root.
    VORN_CONSTANT( 0x127, double, ldpProtoConfigSmDelay, 1.0 );
    VORN_CONSTANT( 0x128, double, ldpRootSmDelay, 2.0 );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpProtoParam, ldpProtoParamFactory )
 

@@ -89,6 +89,8 @@ class VORN_API LdpSessionCommonConfig : public Vorn::Entity {
    VORN_VALUE_COLL( 0x104, bool, Lumo::IpAddr, localIntfIp, LocalIntfIp, replicated );
    /// Whether multicast LDP runs (RFC 6388).
    VORN_MUTABLE( 0x105, bool, mLdpEnabled, MLdpEnabled, replicated ) = false;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpSessionCommonConfig, ldpSessionCommonConfigFactory )
 
@@ -120,6 +122,9 @@ class VORN_API LdpSessionConfig : public Vorn::Entity {
    VORN_MUTABLE( 0x10a, U16, maxPduLength, MaxPduLength, local ) = 4096;
    /// Configuration sequence number of the peer's last hello.
    VORN_MUTABLE( 0x10b, U16, peerConfigSeqNum, PeerConfigSeqNum, local ) = 0;
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpSessionConfig, ldpSessionConfigFactory )
 
@@ -136,6 +141,8 @@ class VORN_API LdpSessionConfigColl : public Vorn::Entity {
    /// What they share; null until somebody makes it.
    VORN_CHILD( 0x102, LdpSessionCommonConfig, ldpSessionCommonConfig, LdpSessionCommonConfig, replicated );
    VORN_ENTITY_COLL( 0x103, LdpSessionConfig, LdpSessionId, sessionConfig, SessionConfig, replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpSessionConfigColl, ldpSessionConfigCollFactory )
 
@@ -226,6 +233,9 @@ class VORN_API LdpSessionStatus : public Vorn::Entity {
    /// Makes the history, under the empty name, if there is none. Whoever makes a status calls it before the
    /// history is used.
    void checkInit();
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpSessionStatus, ldpSessionStatusFactory )
 
@@ -240,6 +250,8 @@ class VORN_API LdpSessionStatusColl : public Vorn::Entity {
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpSessionStatus, LdpSessionId, sessionStatus, SessionStatus, replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpSessionStatusColl, ldpSessionStatusCollFactory )
 

@@ -71,6 +71,8 @@ class VORN_API LdpSessionStateLogEntryColl : public Vorn::Entity {
    /// Adds the entry in any case, and drops the oldest one if the log is full. A log with more than `maxSize`
    /// entries asserts.
    void internalAddLogEntry_( LdpSessionStateLogEntry const & entry );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpSessionStateLogEntryColl, ldpSessionStateLogEntryCollFactory )
 

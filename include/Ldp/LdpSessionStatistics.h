@@ -77,6 +77,9 @@ class VORN_API LdpSessionStatistics : public Vorn::Entity {
                       replicated );
    VORN_COUNTER_COLL( 0x10c, U64, LdpStatusCode, ldpMsgNotificationTxCount, LdpMsgNotificationTxCount,
                       replicated );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpSessionStatistics, ldpSessionStatisticsFactory )
 
@@ -92,6 +95,8 @@ class VORN_API LdpSessionStatisticsColl : public Vorn::Entity {
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpSessionStatistics, LdpSessionId, sessionStatistics, SessionStatistics,
                      replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpSessionStatisticsColl, ldpSessionStatisticsCollFactory )
 

@@ -36,6 +36,8 @@ class VORN_API LdpAgentStatus : public Vorn::Entity {
 
    VORN_NAME;
    VORN_MUTABLE( 0x102, U32, numStartups, NumStartups, replicated ) = 0;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpAgentStatus, ldpAgentStatusFactory )
 
@@ -57,6 +59,8 @@ class VORN_API Statistics : public Vorn::Entity {
    /// FECs that the filter lets through, and those that it does not.
    VORN_COUNTER_DEC( 0x104, U32, fecCountUnfiltered, FecCountUnfiltered, replicated ) = 0;
    VORN_COUNTER_DEC( 0x105, U32, fecCountFiltered, FecCountFiltered, replicated ) = 0;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( Statistics, statisticsFactory )
 
@@ -202,6 +206,9 @@ class VORN_API Status : public Vorn::Entity {
    VORN_CHILD( 0x13f, Statistics, statistics, Statistics, replicated );
    /// Our own graceful restart.
    VORN_CHILD( 0x140, LocalGrStatus, localGrStatus, LocalGrStatus, replicated );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( Status, statusFactory )
 
@@ -218,6 +225,8 @@ class VORN_API LdpStatusColl : public Vorn::Entity {
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpGrStatus, L3::VrfName, grStatus, GrStatus, replicated );
    VORN_ENTITY_COLL( 0x103, Status, L3::VrfName, status, Status, replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpStatusColl, ldpStatusCollFactory )
 

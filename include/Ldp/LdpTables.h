@@ -20,6 +20,8 @@ class VORN_API LdpIdentifierSet : public Vorn::Entity {
 
    VORN_KEY( 0x102, Mpls::FwdEqvClass, fwdEqvClass );
    VORN_SET( 0x103, LdpIdentifier, ldpIdentifier, LdpIdentifier, replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpIdentifierSet, ldpIdentifierSetFactory )
 
@@ -33,6 +35,8 @@ class VORN_API LabelAdvertisementColl : public Vorn::Entity {
    ~LabelAdvertisementColl() override;
 
    VORN_NAME;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LabelAdvertisementColl, labelAdvertisementCollFactory )
 
@@ -46,6 +50,8 @@ class VORN_API LdpIpAddrColl : public Vorn::Entity {
    ~LdpIpAddrColl() override;
 
    VORN_NAME;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpIpAddrColl, ldpIpAddrCollFactory )
 
@@ -59,6 +65,8 @@ class VORN_API LdpIdIntfIpMappingTable : public Vorn::Entity {
    ~LdpIdIntfIpMappingTable() override;
 
    VORN_NAME;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpIdIntfIpMappingTable, ldpIdIntfIpMappingTableFactory )
 
@@ -72,6 +80,8 @@ class VORN_API LdpIdIntfIpMappingEntryTable : public Vorn::Entity {
    ~LdpIdIntfIpMappingEntryTable() override;
 
    VORN_NAME;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpIdIntfIpMappingEntryTable, ldpIdIntfIpMappingEntryTableFactory )
 

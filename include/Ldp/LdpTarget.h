@@ -27,6 +27,8 @@ class VORN_API LdpTargetBaseConfig : public Vorn::Entity {
    VORN_MUTABLE( 0x102, U16, interval, Interval, local ) = 15;
    /// Hold time that hellos propose.
    VORN_MUTABLE( 0x103, U16, holdTime, HoldTime, local ) = 45;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpTargetBaseConfig, ldpTargetBaseConfigFactory )
 
@@ -65,6 +67,8 @@ class VORN_API LdpTargetConfig : public LdpTargetBaseConfig {
    VORN_MUTABLE( 0x183, ConfigState, configState, ConfigState, local ) = configDisabled;
    /// The reasons.
    VORN_VALUE_COLL( 0x184, bool, LdpTargetMembership, targetMembership, TargetMembership, replicated );
+
+   VORN_NEXT_LINK;
 };
 VORN_FACTORY( LdpTargetConfig, ldpTargetConfigFactory )
 
@@ -81,6 +85,8 @@ class VORN_API LdpTargetConfigColl : public Vorn::Entity {
    /// What they share; null until somebody makes it.
    VORN_CHILD( 0x102, LdpTargetCommonConfig, ldpTargetCommonConfig, LdpTargetCommonConfig, replicated );
    VORN_ENTITY_COLL( 0x103, LdpTargetConfig, Lumo::IpAddr, adjTargetConfig, AdjTargetConfig, replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpTargetConfigColl, ldpTargetConfigCollFactory )
 
@@ -106,6 +112,9 @@ class VORN_API LdpTargetStatus : public Vorn::Entity {
    VORN_COUNTER( 0x107, U32, rxPktCount, RxPktCount, local ) = 0;
    VORN_COUNTER( 0x108, U32, txPktCount, TxPktCount, local ) = 0;
    VORN_COUNTER( 0x109, U32, errPktCount, ErrPktCount, local ) = 0;
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpTargetStatus, ldpTargetStatusFactory )
 
@@ -120,6 +129,8 @@ class VORN_API LdpTargetStatusColl : public Vorn::Entity {
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpTargetStatus, Lumo::IpAddr, adjTargetStatus, AdjTargetStatus, replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpTargetStatusColl, ldpTargetStatusCollFactory )
 

@@ -24,6 +24,8 @@ class VORN_API LdpTargetServerConfig : public Vorn::Entity {
    VORN_MUTABLE( 0x104, U16, listenPort, ListenPort, local ) = 646;
    /// The packet mover through which it receives.
    VORN_REFERENCE( 0x105, Lumo::UdpPam, rxUdpPam, RxUdpPam, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpTargetServerConfig, ldpTargetServerConfigFactory )
 
@@ -43,6 +45,8 @@ class VORN_API LdpTargetServerStatus : public Vorn::Entity {
    /// Hellos received, and those of them that were bad.
    VORN_COUNTER( 0x104, U32, rxPktCount, RxPktCount, local ) = 0;
    VORN_COUNTER( 0x105, U32, errPktCount, ErrPktCount, local ) = 0;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpTargetServerStatus, ldpTargetServerStatusFactory )
 

@@ -23,6 +23,8 @@ class VORN_API LdpTcpConnConfig : public Lumo::TcpClientConfig {
    VORN_MUTABLE( 0x203, bool, enabled, Enabled, local ) = false;
    /// When the connection was asked for, in seconds: when the object was made, to begin with.
    VORN_MUTABLE( 0x204, double, requestTime, RequestTime, local ) = 0.0;
+
+   VORN_NEXT_LINK;
 };
 VORN_FACTORY( LdpTcpConnConfig, ldpTcpConnConfigFactory )
 
@@ -38,6 +40,8 @@ class VORN_API LdpTcpConnConfigColl : public Vorn::Entity {
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpTcpConnConfig, LdpIdentifier, connConfig, ConnConfig, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpTcpConnConfigColl, ldpTcpConnConfigCollFactory )
 
@@ -57,6 +61,8 @@ class VORN_API LdpTcpConnStatus : public Lumo::TcpClientStatus {
    VORN_CTOR_ARG( 0x183, U32, clientId );
    /// `requestTime` of the request that this is about, in seconds.
    VORN_MUTABLE( 0x184, double, requestTime, RequestTime, local ) = 0.0;
+
+   VORN_NEXT_LINK;
 };
 VORN_FACTORY( LdpTcpConnStatus, ldpTcpConnStatusFactory )
 
@@ -71,6 +77,8 @@ class VORN_API LdpTcpConnStatusColl : public Vorn::Entity {
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpTcpConnStatus, LdpIdentifier, connStatus, ConnStatus, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpTcpConnStatusColl, ldpTcpConnStatusCollFactory )
 

@@ -22,6 +22,8 @@ class VORN_API LdpTcpServerConfig : public Vorn::Entity {
    VORN_MUTABLE( 0x103, U16, listenPort, ListenPort, local ) = 646;
    /// Seconds before a failed listener is tried again.
    VORN_MUTABLE( 0x104, U32, retryInterval, RetryInterval, local ) = 1;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpTcpServerConfig, ldpTcpServerConfigFactory )
 
@@ -40,6 +42,8 @@ class VORN_API LdpTcpServerStatus : public Vorn::Entity {
    VORN_MUTABLE( 0x103, Vorn::String, reason, Reason, local );
    /// Connections accepted from each client address.
    VORN_COUNTER_COLL( 0x104, U32, Lumo::IpAddr, clientCount, ClientCount, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LdpTcpServerStatus, ldpTcpServerStatusFactory )
 

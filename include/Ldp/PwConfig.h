@@ -38,6 +38,9 @@ class VORN_API PwConfig : public Vorn::Entity {
    /// State of the attachment circuit.
    VORN_MUTABLE( 0x108, Pseudowire::PseudowireConnectorStatus, status, Status,
                  local ) = Pseudowire::PseudowireConnectorStatus( 0 );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( PwConfig, pwConfigFactory )
 
@@ -52,6 +55,8 @@ class VORN_API PwConfigColl : public Vorn::Entity {
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, PwConfig, Pseudowire::PseudowireLdpRequestKey, config, Config, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( PwConfigColl, pwConfigCollFactory )
 
@@ -68,6 +73,9 @@ class VORN_API PwStatus : public Vorn::Entity {
    VORN_KEY( 0x102, Pseudowire::PseudowireLdpRequestKey, pwKey );
    VORN_MUTABLE( 0x103, PwStatusMethod, pwStatusMethod, PwStatusMethod, local ) = pwStatusMethodTlv;
    VORN_MUTABLE( 0x104, bool, negotiatedControlWord, NegotiatedControlWord, local ) = true;
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( PwStatus, pwStatusFactory )
 
@@ -82,6 +90,8 @@ class VORN_API PwStatusColl : public Vorn::Entity {
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, PwStatus, Pseudowire::PseudowireLdpRequestKey, status, Status, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( PwStatusColl, pwStatusCollFactory )
 

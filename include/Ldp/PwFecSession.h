@@ -83,6 +83,9 @@ class VORN_API PwFecSessionConfig : public Vorn::Entity {
    VORN_FUNCTION( 0x10d, handlePwFecSessionId );
    /// Ends the process unless the id is valid; the constructor calls it.
    void handlePwFecSessionId() const;
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( PwFecSessionConfig, pwFecSessionConfigFactory )
 
@@ -97,6 +100,8 @@ class VORN_API PwFecSessionConfigColl : public Vorn::Entity {
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, PwFecSessionConfig, PwFecSessionId, fecSessionConfig, FecSessionConfig, local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( PwFecSessionConfigColl, pwFecSessionConfigCollFactory )
 
@@ -132,6 +137,9 @@ class VORN_API LocalPwFecSessionStatus : public Vorn::Entity {
    /// Messages received and sent, by type.
    VORN_COUNTER_COLL( 0x10c, U64, LdpMsgType, ldpMsgRx, LdpMsgRx, local );
    VORN_COUNTER_COLL( 0x10d, U64, LdpMsgType, ldpMsgTx, LdpMsgTx, local );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LocalPwFecSessionStatus, localPwFecSessionStatusFactory )
 
@@ -147,6 +155,8 @@ class VORN_API LocalPwFecSessionStatusColl : public Vorn::Entity {
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LocalPwFecSessionStatus, PwFecSessionId, fecSessionStatus, FecSessionStatus,
                      local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LocalPwFecSessionStatusColl, localPwFecSessionStatusCollFactory )
 
@@ -185,6 +195,9 @@ class VORN_API RemotePwFecSessionStatus : public Vorn::Entity {
    /// Messages received and sent, by type.
    VORN_COUNTER_COLL( 0x10d, U64, LdpMsgType, ldpMsgRx, LdpMsgRx, local );
    VORN_COUNTER_COLL( 0x10e, U64, LdpMsgType, ldpMsgTx, LdpMsgTx, local );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( RemotePwFecSessionStatus, remotePwFecSessionStatusFactory )
 
@@ -200,6 +213,8 @@ class VORN_API RemotePwFecSessionStatusColl : public Vorn::Entity {
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, RemotePwFecSessionStatus, PwFecSessionId, fecSessionStatus, FecSessionStatus,
                      local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( RemotePwFecSessionStatusColl, remotePwFecSessionStatusCollFactory )
 
@@ -218,6 +233,8 @@ class VORN_API PwFecSessionMsgPipeColl : public Vorn::Entity {
                         local );
    VORN_REFERENCE_COLL( 0x103, LdpMsgPipe, PwFecSessionId, remoteFecSessionMsgPipe, RemoteFecSessionMsgPipe,
                         local );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( PwFecSessionMsgPipeColl, pwFecSessionMsgPipeCollFactory )
 

@@ -59,6 +59,8 @@ class VORN_API TcpConfigBase : public Vorn::Entity {
    /// Largest segment in octets; 0 for the kernel's own.
    VORN_MUTABLE( 0x10a, U16, sockMaxSegSize, SockMaxSegSize, local ) = 0;
    VORN_MUTABLE( 0x10b, bool, edgeTriggeredFileDescriptor, EdgeTriggeredFileDescriptor, local ) = false;
+
+   VORN_OBSERVERS;
 };
 
 /// A connection that a client is to open.
@@ -114,6 +116,8 @@ class VORN_API TcpClientStatus : public Vorn::Entity {
    /// The socket, and taking it away.
    TcpConnSocket getConnSocket() const { return connSocket_; }
    void resetConnSocket() { connSocketIs( TcpConnSocket() ); }
+
+   VORN_OBSERVERS;
 };
 
 } // namespace Lumo

@@ -20,6 +20,9 @@ class VORN_API MldpOpaqueIndex : public Vorn::Entity {
    VORN_KEY( 0x102, U32, index );
    VORN_MUTABLE( 0x103, Vorn::String, oValStr, OValStr, replicated );
    VORN_SET( 0x104, FwdEqvClass, membership, Membership, replicated );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( MldpOpaqueIndex, mldpOpaqueIndexFactory )
 
@@ -34,6 +37,8 @@ class VORN_API MldpOpaqueIndexColl : public Vorn::Entity {
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, MldpOpaqueIndex, U32, opaqueIndex, OpaqueIndex, replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( MldpOpaqueIndexColl, mldpOpaqueIndexCollFactory )
 
@@ -48,6 +53,9 @@ class VORN_API MldpOpaqueVal : public Vorn::Entity {
 
    VORN_KEY( 0x102, Vorn::String, oValStr );
    VORN_MUTABLE( 0x103, U32, oValIndex, OValIndex, replicated ) = 0;
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( MldpOpaqueVal, mldpOpaqueValFactory )
 
@@ -62,6 +70,8 @@ class VORN_API MldpOpaqueValColl : public Vorn::Entity {
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, MldpOpaqueVal, Vorn::String, opaqueVal, OpaqueVal, replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( MldpOpaqueValColl, mldpOpaqueValCollFactory )
 
@@ -77,6 +87,8 @@ class VORN_API MldpOpaqueValueTable : public Vorn::Entity {
    VORN_NAME;
    VORN_CHILD( 0x102, MldpOpaqueIndexColl, opaqueIndexColl, OpaqueIndexColl, replicated );
    VORN_CHILD( 0x103, MldpOpaqueValColl, opaqueValColl, OpaqueValColl, replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( MldpOpaqueValueTable, mldpOpaqueValueTableFactory )
 

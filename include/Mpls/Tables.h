@@ -21,6 +21,9 @@ class VORN_API LabelBindingTable : public Vorn::Entity {
 
    VORN_KEY( 0x102, RouterId, routerId );
    VORN_VALUE_COLL( 0x103, Lumo::MplsLabel, FwdEqvClass, labelBinding, LabelBinding, replicated );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LabelBindingTable, labelBindingTableFactory )
 
@@ -35,6 +38,8 @@ class VORN_API LabelBindingTableColl : public Vorn::Entity {
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LabelBindingTable, RouterId, labelBindingTable, LabelBindingTable, replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LabelBindingTableColl, labelBindingTableCollFactory )
 
@@ -48,6 +53,8 @@ class VORN_API FecRouterLabelInfoColl : public Vorn::Entity {
    ~FecRouterLabelInfoColl() override;
 
    VORN_NAME;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( FecRouterLabelInfoColl, fecRouterLabelInfoCollFactory )
 class VORN_API FecRouterNexthopInfoColl : public Vorn::Entity {
@@ -59,6 +66,8 @@ class VORN_API FecRouterNexthopInfoColl : public Vorn::Entity {
    ~FecRouterNexthopInfoColl() override;
 
    VORN_NAME;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( FecRouterNexthopInfoColl, fecRouterNexthopInfoCollFactory )
 class VORN_API IntfRouterNexthopInfoColl : public Vorn::Entity {
@@ -70,6 +79,8 @@ class VORN_API IntfRouterNexthopInfoColl : public Vorn::Entity {
    ~IntfRouterNexthopInfoColl() override;
 
    VORN_NAME;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( IntfRouterNexthopInfoColl, intfRouterNexthopInfoCollFactory )
 class VORN_API IpAddrRouterIdInfoColl : public Vorn::Entity {
@@ -81,6 +92,8 @@ class VORN_API IpAddrRouterIdInfoColl : public Vorn::Entity {
    ~IpAddrRouterIdInfoColl() override;
 
    VORN_NAME;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( IpAddrRouterIdInfoColl, ipAddrRouterIdInfoCollFactory )
 class VORN_API IpNexthopInfoColl : public Vorn::Entity {
@@ -92,6 +105,8 @@ class VORN_API IpNexthopInfoColl : public Vorn::Entity {
    ~IpNexthopInfoColl() override;
 
    VORN_NAME;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( IpNexthopInfoColl, ipNexthopInfoCollFactory )
 class VORN_API LabelForwardingInfoColl : public Vorn::Entity {
@@ -103,6 +118,8 @@ class VORN_API LabelForwardingInfoColl : public Vorn::Entity {
    ~LabelForwardingInfoColl() override;
 
    VORN_NAME;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( LabelForwardingInfoColl, labelForwardingInfoCollFactory )
 class VORN_API MplsIntfColl : public Vorn::Entity {
@@ -114,6 +131,8 @@ class VORN_API MplsIntfColl : public Vorn::Entity {
    ~MplsIntfColl() override;
 
    VORN_NAME;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( MplsIntfColl, mplsIntfCollFactory )
 class VORN_API RouterIpAddrInfoColl : public Vorn::Entity {
@@ -125,6 +144,8 @@ class VORN_API RouterIpAddrInfoColl : public Vorn::Entity {
    ~RouterIpAddrInfoColl() override;
 
    VORN_NAME;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( RouterIpAddrInfoColl, routerIpAddrInfoCollFactory )
 class VORN_API RouterIpNexthopInfoColl : public Vorn::Entity {
@@ -136,6 +157,8 @@ class VORN_API RouterIpNexthopInfoColl : public Vorn::Entity {
    ~RouterIpNexthopInfoColl() override;
 
    VORN_NAME;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( RouterIpNexthopInfoColl, routerIpNexthopInfoCollFactory )
 class VORN_API RouterNexthopInfoColl : public Vorn::Entity {
@@ -147,6 +170,8 @@ class VORN_API RouterNexthopInfoColl : public Vorn::Entity {
    ~RouterNexthopInfoColl() override;
 
    VORN_NAME;
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( RouterNexthopInfoColl, routerNexthopInfoCollFactory )
 

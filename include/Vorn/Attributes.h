@@ -16,6 +16,9 @@
 ///        VORN_MUTABLE( 0x103, LdpStatusCode, adjStatusCode, AdjStatusCode, replicated ) = success;
 ///        /// Id of the last message.
 ///        VORN_COUNTER( 0x104, U32, msgId, MsgId, local ) = 0;
+///
+///        VORN_NEXT_LINK; // the entities are members of a collection
+///        VORN_OBSERVERS;
 ///     };
 ///     VORN_FACTORY( LdpAdjStatus, ldpAdjStatusFactory )
 ///
@@ -45,6 +48,8 @@
    static ::Vorn::Ptr< Type > Type##Is( Args const &... args ) {                                             \
       return ::Vorn::newObject< Type >( args... );                                                           \
    }                                                                                                         \
+   /** What `genericIfNotifiee` makes: forwards every change to a generic observer. */                       \
+   using GenericIfNotifiee_ = ::Vorn::GenericIfNotifieeOf< Type >;                                           \
    bool vornHasAttrLogInterface() const override {                                                           \
       return vornOnLog || ::Vorn::hasAttrLogInterface( _vornType );                                          \
    }                                                                                                         \
@@ -429,6 +434,27 @@
                                                                                                              \
  private:                                                                                                    \
    ::Vorn::LinkQueue< Self, U32, Type > x##_
+
+/// Stands behind the attributes of a type whose entities are members of a collection: the collection's link,
+/// which the collection alone writes.
+#define VORN_NEXT_LINK                                                                                       \
+ private:                                                                                                    \
+   friend struct ::Vorn::NextLink;                                                                           \
+   ::Vorn::Entity * next_ = nullptr /* counted, like every link of a chain */
+
+/// Stands last in every type directly below `Entity`: the head of the list of its observers, whom a mutator
+/// tells of what it has stored. What derives from the type shares it.
+#define VORN_OBSERVERS                                                                                       \
+ public:                                                                                                     \
+   ::Vorn::NotifieeList * notifieeList() const override { return &notifieeList_; }                           \
+   template< class Change >                                                                                  \
+   void notify( Change const & change, void const * key = nullptr ) const {                                  \
+      notifieeList_.tell( *this, change, key );                                                              \
+   }                                                                                                         \
+                                                                                                             \
+ private:                                                                                                    \
+   static_assert( !::Vorn::Observable< VornBase >, "the base has the list already" );                        \
+   mutable ::Vorn::NotifieeList notifieeList_
 
 /// Keeps commas of a template's arguments within one argument of a macro.
 #define VORN_ARG_( ... ) __VA_ARGS__

@@ -9,9 +9,6 @@
 
 namespace Vorn {
 
-/// Stands where a change is told, for attributes that tell nobody: see the local kinds of Attributes.h.
-struct Silence {};
-
 /// Base of all entities.
 ///
 /// A parent owns its children through single-child attributes and collections and is their `parent()`; nobody
@@ -47,7 +44,6 @@ class VORN_API Entity : public PtrInterface {
    Entity() noexcept = default;
    ~Entity() override;
 
-   NotifieeList * notifieeList() const override { return &notifieeList_; }
    void zeroReferencesIs( bool zero ) override;
    VornType const * fwkType() const override { return &_vornType; }
 
@@ -84,25 +80,14 @@ class VORN_API Entity : public PtrInterface {
    /// The child below this entity whose name or key has that text, or null.
    Ptr< Entity > entity( String const & childName ) const;
 
-   /// The link of the collection that owns the entity, which alone writes it.
-   Entity *& vornNext() noexcept { return next_; }
-   Entity * vornNext() const noexcept { return next_; }
-   /// Where that link lies in an entity, in bytes.
-   static U16 vornNextOffset() noexcept;
-
-   /// Whether anybody observes: what a mutator asks before it tells.
-   bool observed() const noexcept { return !notifieeList_.empty(); }
-   /// Tells the observers of a change that is stored already. For the mutators of the entity.
-   void notify( NotifieeChange const & change, void const * key = nullptr ) const {
-      if ( observed() ) notifieeList_.doVisit( *this, change, key );
-   }
-   /// An attribute outside notification.
-   void notify( Silence, void const * = nullptr ) const noexcept {}
-
  private:
    Entity * parent_ = nullptr; // not counted: the parent owns this entity
-   Entity * next_ = nullptr;   // counted, like every link of a chain
-   mutable NotifieeList notifieeList_;
+};
+
+/// A type whose entities can be observed: it, or a base of it, has the line VORN_OBSERVERS.
+template< class Type >
+concept Observable = requires( Type const & entity, NotifieeChange const & change ) {
+   entity.notify( change );
 };
 
 } // namespace Vorn

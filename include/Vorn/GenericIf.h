@@ -4,7 +4,7 @@
 /// changes.
 ///
 ///     GenericIf::Value hold( attr.type );
-///     type.genericIfAttributeOp( hold.data(), object, attr, GenericIf::read, nullptr, nullptr );
+///     GenericIf::attributeOp( type, hold.data(), object, attr, GenericIf::read, nullptr, nullptr );
 ///     cout << hold.stringValue();
 ///
 /// An object is passed by its address. Values are passed by pointers to them; as a result or an argument an
@@ -132,6 +132,10 @@ class VORN_API NotifieeConst {
    virtual void onRawAttribute( U32 attributeId, void const * key, bool keyed ) = 0;
 };
 
+/// `genericIfAttributeOp` of the type that has the attribute: of `type`, else of one of its bases.
+VORN_API U32 attributeOp( VornType const & type, void * result, void * object, VornAttr const & attr, U32 op,
+                          void const * key, void const * const * args );
+
 /// An attribute of an object, read as text; empty where it cannot be read.
 VORN_API String attributeText( void const * object, VornType const & type, VornAttr const & attr );
 
@@ -143,7 +147,7 @@ namespace GenericIfImpl {
 [[noreturn]] VORN_API void throwUnhashableException( VornType const * type );
 [[noreturn]] VORN_API void throwSetFalseValueException( VornAttr const & attr );
 
-/// `genericIfAttributeOp` of every type: hands the operation to the attribute if the type has it.
+/// `genericIfAttributeOp` of every type: hands the operation to the attribute if the type itself has it.
 VORN_API U32 attributeOp( VornType const & type, void * result, void * object, VornAttr const & attr, U32 op,
                           void const * key, void const * const * args );
 /// `genericIfIterator` of every type.

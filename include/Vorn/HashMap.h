@@ -10,7 +10,26 @@
 #include "Vorn/Entity.h"
 #include "Vorn/HashHelper.h"
 
+#include <cstddef>
+
 namespace Vorn {
+
+/// The link that a member carries: its field `next_`, which this alone may touch.
+struct NextLink {
+   template< class Member >
+   static Entity *& of( Member & member ) noexcept {
+      return member.next_;
+   }
+   /// Where the link lies in a member, in bytes.
+   template< class Member >
+   static U16 position() noexcept {
+      // Entities derive singly and never virtually, so the position is the same in every object.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Winvalid-offsetof"
+      return U16( offsetof( Member, next_ ) );
+#pragma GCC diagnostic pop
+   }
+};
 
 /// What the type-erased part asks of members.
 class HashMapVTableGeneric {
@@ -48,8 +67,8 @@ class VORN_API HashMapGeneric {
    void emptyAllBuckets() noexcept;
 
  protected:
-   HashMapGeneric( HashMapVTableGeneric const & vtable, U8 exponent, U16 linkOffset ) noexcept
-        : vtable_( &vtable ), exponent_( exponent ), linkOffset_( linkOffset ) {}
+   HashMapGeneric( HashMapVTableGeneric const & vtable, U8 exponent, U16 nextPosition ) noexcept
+        : vtable_( &vtable ), exponent_( exponent ), nextPosition_( nextPosition ) {}
    HashMapGeneric( HashMapGeneric const & ) = delete;
    HashMapGeneric & operator=( HashMapGeneric const & ) = delete;
    ~HashMapGeneric();
@@ -61,7 +80,7 @@ class VORN_API HashMapGeneric {
    U32 bucketOf( U32 hash ) const noexcept { return bitReverse( hash ) >> ( 32 - exponent_ ); }
    Entity * first( U32 bucket ) const noexcept { return buckets_ ? buckets_[bucket] : nullptr; }
    Entity *& next( Entity & member ) const noexcept {
-      return *reinterpret_cast< Entity ** >( reinterpret_cast< char * >( &member ) + linkOffset_ );
+      return *reinterpret_cast< Entity ** >( reinterpret_cast< char * >( &member ) + nextPosition_ );
    }
 
  private:
@@ -73,7 +92,7 @@ class VORN_API HashMapGeneric {
    U32 memberCount_ = 0;
    HashMapVTableGeneric const * vtable_;
    U8 exponent_;
-   U16 linkOffset_;
+   U16 nextPosition_;
    Entity ** buckets_ = nullptr; // made by the first insertion
 };
 
@@ -100,7 +119,7 @@ class HashMapVTable final : public HashMapVTableGeneric {
       return !k || *static_cast< Key const * >( k ) < key( a );
    }
    void setNext( Entity & member, Entity * next ) const override {
-      Entity *& link = member.vornNext();
+      Entity *& link = NextLink::of( static_cast< Member & >( member ) );
       if ( link == next ) return;
       if ( next ) next->referenceInc();
       if ( Entity * const old = std::exchange( link, next ) ) old->referenceDec();
@@ -124,7 +143,7 @@ class HashMap : public HashMapGeneric {
 
    HashMap() noexcept
         : HashMapGeneric( HashMapVTable< Member, Key >::instance, initialExponent,
-                          Entity::vornNextOffset() ) {}
+                          NextLink::position< Member >() ) {}
 
    /// The member with that key, or null.
    Member * member( Key const & key ) const { return member( key, keyHash( key ) ); }
@@ -167,7 +186,7 @@ class HashMap< Owner, Member, Key >::IteratorConst {
    void advance() {
       if ( count_ != map_->modificationCount() ) {
          stand( map_->findNextG( member_.ptr(), &bucket_ ) );
-      } else if ( Entity * const behind = member_->vornNext() ) {
+      } else if ( Entity * const behind = map_->next( *member_ ) ) {
          stand( behind );
       } else {
          stand( map_->findNextBucket( &bucket_ ) );

@@ -18,6 +18,9 @@ class NotifieeList;
 class NotifieeVisit;
 struct NotifieeChange;
 
+/// Stands where a change is told, for attributes that tell nobody: see the local kinds of Attributes.h.
+struct Silence {};
+
 /// Base of all observers. It is counted like any object, and whoever made it holds it; a bound observer that
 /// dies is unbound.
 class VORN_API PtrInterface::NotifieeConst : public PtrInterface {
@@ -27,6 +30,8 @@ class VORN_API PtrInterface::NotifieeConst : public PtrInterface {
    VornType const * fwkType() const override { return &_vornType; }
    ~NotifieeConst() override;
 
+   /// Lets the observer do what it has put off; does nothing by default, and nothing here calls it.
+   virtual void vornReactor();
    /// Called for a change where the observer watches all attributes alike (`watchesAllIs`); `key` is null for
    /// an attribute without a key.
    virtual void handleNotification( U32 attributeId, void const * key );
@@ -37,6 +42,8 @@ class VORN_API PtrInterface::NotifieeConst : public PtrInterface {
    virtual void onZeroReferences();
    /// Called when the watched entity has got another parent, or none.
    virtual void vornFwkActivity();
+   /// Steps the state machine that the observer is part of; for agents, does nothing by default.
+   virtual void actsm();
 
    /// The object that is watched, or null.
    PtrInterface const * notifier() const noexcept { return notifier_; }
@@ -103,6 +110,12 @@ class VORN_API NotifieeList {
 
    bool empty() const noexcept { return !first_; }
 
+   /// Tells the observers of `notifier`, whose list this is, of a change that is stored already.
+   void tell( PtrInterface const & notifier, NotifieeChange const & change, void const * key ) {
+      if ( first_ ) doVisit( notifier, change, key );
+   }
+   /// An attribute outside notification.
+   void tell( PtrInterface const &, Silence, void const * ) noexcept {}
    /// Calls every observer of the change; `notifier`, whose list this is, is kept alive until all are called.
    void doVisit( PtrInterface const & notifier, NotifieeChange const & change, void const * key = nullptr );
    /// Tells every observer that the object's last reference has gone.

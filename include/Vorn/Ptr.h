@@ -78,6 +78,10 @@ class VORN_API PtrInterface : public VFPtrInterface {
 
    /// Destroys the object, which nobody refers to any more.
    void handleZeroRef() const noexcept;
+   /// Marks the object as one that is being destroyed, or no longer.
+   void vornMarkedForDeletionIs( bool marked ) const noexcept {
+      refs_ = marked ? refs_ | beingDestroyed : refs_ & ~beingDestroyed;
+   }
 
  protected:
    mutable U32 refs_ = 0;   ///< reference count and its flags

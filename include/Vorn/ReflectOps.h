@@ -403,6 +403,7 @@ constexpr auto iteratorOf() -> decltype( VornType::genericIfIterator ) {
 /// The record of an entity type.
 template< class T >
 constexpr VornType entityRecord( char const * name ) {
+   static_assert( Observable< T >, "the type ends in VORN_OBSERVERS" );
    VornType type{};
    type.name = name;
    type.base = &T::VornBase::_vornType;
@@ -427,7 +428,7 @@ constexpr VornType entityRecord( char const * name ) {
    };
    type.genericIfIterator = iteratorOf< T >();
    type.genericIfNotifiee = []( GenericIf::NotifieeConst & observer ) -> Ptr< PtrInterface > {
-      return newObject< GenericIfNotifieeOf< T > >( observer );
+      return newObject< typename T::GenericIfNotifiee_ >( observer );
    };
    type.sizeAndFlags = VornType::objectSizeFlag | U32( sizeof( T ) );
    type.attributeNum = AttrTable< T >::num;

@@ -17,6 +17,9 @@ class Leaf : public Vorn::Entity {
 
    VORN_NAME;
    VORN_MUTABLE( 0x102, U32, size, Size, replicated ) = 7;
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( Leaf, leafFactory )
 
@@ -34,6 +37,9 @@ class Member : public Vorn::Entity {
    VORN_CTOR_ARG( 0x102, U16, port );
    VORN_KEY( 0x103, U32, id );
    VORN_MUTABLE_CTOR_ARG( 0x104, U32, weight, Weight, replicated );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 
 /// Takes the key of a leaf that is referred to.
@@ -75,6 +81,8 @@ class Everything : public Vorn::Entity {
    VORN_DERIVED( 0x113, U32, doubled );
    VORN_FUNCTION( 0x114, sum );
    U32 sum( U32 a, U32 b );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( Everything, everythingFactory )
 

@@ -1,6 +1,6 @@
 // The intrusive hash map against a plain model, with iterators held across everything that is done to it.
 
-#include "Vorn/HashMap.h"
+#include "Vorn/Attributes.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -36,6 +36,7 @@ class Member : public Vorn::Entity {
 
  private:
    Key key_;
+   VORN_NEXT_LINK;
 };
 template< U32 hashes >
 constinit Vorn::VornType const Member< hashes >::_vornType = Vorn::objectRecord( "Test::Member",
@@ -148,7 +149,7 @@ class Model {
       RC_ASSERT( bool( member ) == ( members_.erase( number ) == 1 ) );
       if ( !member ) return;
       map_->del( *member, Key{ number }.hash() );
-      RC_ASSERT( !member->vornNext() && !map_->member( Key{ number } ) );
+      RC_ASSERT( !Vorn::NextLink::of( *member ) && !map_->member( Key{ number } ) );
       for ( Held & held : held_ ) {
          held.mustMeet.erase( number );
       }

@@ -21,6 +21,9 @@ class Twig : public Vorn::Entity {
    VORN_MUTABLE_CTOR_ARG( 0x104, U16, load, Load, replicated );
    VORN_MUTABLE( 0x105, Vorn::String, label, Label, replicated );
    VORN_REFERENCE( 0x106, Twig, pal, Pal, replicated );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( Twig, twigFactory )
 
@@ -49,6 +52,9 @@ class Branch : public Vorn::Entity {
    VORN_REFERENCE_COLL( 0x108, Twig, Vorn::String, beside, Beside, replicated );
    VORN_KEYED_REFERENCE_COLL( 0x109, Twig, U32, TwigId, inside, Inside, replicated );
    VORN_MUTABLE( 0x10a, U32, secret, Secret, local ) = 0;
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( Branch, branchFactory )
 
@@ -70,6 +76,8 @@ class Tree : public Vorn::Entity {
    VORN_CHILD( 0x106, Branch, crown, Crown, replicated );
    VORN_CHILD( 0x107, Twig, top, Top, replicated );
    VORN_ENTITY_COLL( 0x108, Branch, Vorn::Name, branch, Branch, replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( Tree, treeFactory )
 

@@ -512,7 +512,7 @@ class Thing {
    }
 
    U32 op( char const * attr, U32 op, void * result, void const * key, void const * arg ) const {
-      return type_.genericIfAttributeOp( result, at_, *type_.attribute( attr ), op, key, &arg );
+      return GenericIf::attributeOp( type_, result, at_, *type_.attribute( attr ), op, key, &arg );
    }
    std::string text( char const * attr ) const {
       return GenericIf::attributeText( at_, type_, *type_.attribute( attr ) ).charPtr();

@@ -304,13 +304,35 @@ TEST( AttributeSweep, AnEntityThatGoesDropsItsChildrenInOrder ) {
    }
 }
 
-TEST( AttributeSweep, AnAttributeOfAnotherTypeIsRefused ) {
+TEST( AttributeSweep, ATypeAnswersForItsOwnAttributesOnly ) {
    Ptr< PtrInterface > const object = newSampleObject( typeOf( "Ldp::LdpAdjConfig" ), 0 );
-   VornAttr const & foreign = *typeOf( "Ldp::LdpAdjStatus" ).attribute( "operHoldTime" );
-   U16 result = 0;
-   EXPECT_EQ( object->fwkType()->genericIfAttributeOp( &result, address( object ), foreign, GenericIf::read,
-                                                       nullptr, nullptr ),
-              GenericIf::notOfType );
+   auto const read = [&]( VornType const & type, char const * attr ) {
+      GenericIf::Value result( type.attribute( attr )->type );
+      return object->fwkType()->genericIfAttributeOp(
+           result.data(), address( object ), *type.attribute( attr ), GenericIf::read, nullptr, nullptr );
+   };
+   EXPECT_EQ( read( typeOf( "Ldp::LdpAdjConfig" ), "holdTime" ), GenericIf::done );
+   EXPECT_EQ( read( typeOf( "Ldp::LdpAdjStatus" ), "operHoldTime" ), GenericIf::notOfType );
+   // The base is to be asked for its own.
+   VornAttr const & name = *typeOf( "Ldp::LdpAdjConfig" ).attribute( "name" );
+   EXPECT_EQ( read( typeOf( "Ldp::LdpAdjConfig" ), "name" ), GenericIf::notOfType );
+   Vorn::Name result;
+   EXPECT_EQ( name.owner->genericIfAttributeOp( &result, address( object ), name, GenericIf::read, nullptr,
+                                                nullptr ),
+              GenericIf::done );
+}
+
+TEST( TypeSweep, TheListOfObserversStandsLastInTheTypeThatHasIt ) {
+   for ( VornType const * type : Vorn::typeNodes() ) {
+      if ( !type->isDerived( &Vorn::Entity::_vornType ) || !type->genericIfConstructFromCtorArgs ) continue;
+      Ptr< PtrInterface > const object = newSampleObject( *type, 0 );
+      auto const end = reinterpret_cast< char * >( object->notifieeList() + 1 ) -
+                       reinterpret_cast< char * >( object.ptr() );
+      VornType const * has = type;
+      while ( has->base != &Vorn::Entity::_vornType )
+         has = has->base;
+      EXPECT_EQ( U32( end ), has->size() ) << type->name;
+   }
 }
 
 } // namespace

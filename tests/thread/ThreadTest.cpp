@@ -28,6 +28,8 @@ class Shared : public Vorn::Entity {
 
    VORN_NAME;
    VORN_MUTABLE( 0x102, U32, number, Number, local ) = 0;
+
+   VORN_OBSERVERS;
 };
 VORN_RECORD( Test, Shared )
 

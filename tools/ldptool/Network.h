@@ -21,6 +21,9 @@ class Speaker : public Vorn::Entity {
    VORN_CHILD( 0x103, Mpls::MldpOpaqueValueTable, opaqueValueTable, OpaqueValueTable, replicated );
    /// State by VRF. A capture names none: all that it shows stands in the VRF "default".
    VORN_CHILD( 0x104, Ldp::LdpStatusColl, ldpStatusColl, LdpStatusColl, replicated );
+
+   VORN_NEXT_LINK;
+   VORN_OBSERVERS;
 };
 
 /// All speakers heard.
@@ -34,6 +37,8 @@ class Network : public Vorn::Entity {
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpTool::Speaker, Ldp::LdpIdentifier, speaker, Speaker, replicated );
+
+   VORN_OBSERVERS;
 };
 VORN_FACTORY( Network, networkFactory )
 
