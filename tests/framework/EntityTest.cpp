@@ -255,6 +255,20 @@ TEST_F( EntityTest, destructionDeletesEntityChildrenWithNotificationAndValuesInS
    EXPECT_EQ( leaf->size(), 9u );
 }
 
+TEST_F( EntityTest, observersAreUnboundBeforeTheAttributesGo ) {
+   struct Last : Leaf::NotifieeConst {
+      explicit Last( std::function< void() > call ) : call_( std::move( call ) ) {}
+      void onZeroReferences() override { call_(); }
+      std::function< void() > call_;
+   };
+   bool bound = true;
+   auto const last = Vorn::newObject< Last >( std::function< void() >( [&] { bound = log->notifier(); } ) );
+   thing->palIs( leafFactory( Name( "p" ) ) );
+   bind( *last, *thing->pal() );
+   thing = nullptr;
+   EXPECT_FALSE( bound );
+}
+
 TEST_F( EntityTest, longChainsAreReleasedWithoutRecursion ) {
    for ( U32 i = 0; i < 200000; ++i ) {
       thing->eventEnq( i );

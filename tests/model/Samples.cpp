@@ -187,7 +187,8 @@ Ptr< PtrInterface > newSampleObject( VornType const & type, std::size_t index ) 
 U32 attributeOp( Ptr< PtrInterface > const & object, VornAttr const & attr, U32 op, void * result,
                  void const * key, std::vector< Value > const & args ) {
    return callWith( args, [&]( void const * const * pointers ) {
-      return GenericIf::attributeOp( *object->fwkType(), result, address( object ), attr, op, key, pointers );
+      return Vorn::GenericIf::attributeOp( *object->fwkType(), result, address( object ), attr, op, key,
+                                           pointers );
    } );
 }
 
