@@ -10,9 +10,7 @@ VORN_REFLECTED_VALUE_RECORD( Ldp, LdpPwIntfParamFlags, part( value ), constant( 
                              constant( intfDesc_ ), constant( requestedVlanId_ ), constant( fragIndicator_ ),
                              constant( vccvParam_ ), write( intfMtu ), write( intfDesc ),
                              write( requestedVlanId ), write( fragIndicator ), write( vccvParam ) )
-VORN_TEXT_COMPOSITE( Ldp, LdpPwIntfParamFlags, VORN_TEXT_FIELD( intfMtu ), VORN_TEXT_FIELD( intfDesc ),
-                     VORN_TEXT_FIELD( requestedVlanId ), VORN_TEXT_FIELD( fragIndicator ),
-                     VORN_TEXT_FIELD( vccvParam ) )
+VORN_TEXT_OF_FLAGS( LdpPwIntfParamFlags )
 VORN_MODULE( &LdpPwIntfParamFlags::_vornType )
 
 namespace {

@@ -38,8 +38,7 @@ LdpEnabledVrfColl::~LdpEnabledVrfColl() { vornTeardown(); }
 PwTargetConfigColl::~PwTargetConfigColl() { vornTeardown(); }
 
 VORN_TEXT_OF_RECORD( LdpFecBindingInfo )
-VORN_TEXT_COMPOSITE( Ldp, LdpGrOperationalFlag, VORN_TEXT_FIELD( grFlagSpeaker ),
-                     VORN_TEXT_FIELD( grFlagHelper ) )
+VORN_TEXT_OF_FLAGS( LdpGrOperationalFlag )
 
 void LdpGrOperationalFlag::valueIs( U32 value ) {
    if ( value > ( grFlagSpeaker_() | grFlagHelper_() ) )

@@ -215,36 +215,36 @@ void * writable( void const * value ) { return const_cast< void * >( value ); }
 
 } // namespace
 
-String recordToStrep( void const * value, VornType const & type ) {
+String recordToStrep( void const * value, VornType const & type, Shown shown ) {
    char const * names[32];
    String texts[32];
    std::size_t count = 0;
    for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
-      if ( attr->isField() ) names[count++] = attr->name;
+      if ( ( attr->*shown )() ) names[count++] = attr->name;
    }
-   // From the last field to the first.
+   // From the last to the first.
    std::size_t at = count;
    for ( VornAttr const * attr = type.attributes + type.attributeNum; attr-- != type.attributes; ) {
-      if ( attr->isField() ) texts[--at] = GenericIf::attributeText( value, type, *attr );
+      if ( ( attr->*shown )() ) texts[--at] = GenericIf::attributeText( value, type, *attr );
    }
    return compositeText( type.name, names, texts, count );
 }
 
 void recordFromSequence( String::IteratorConst & it, String::IteratorConst const & end, void * value,
-                         VornType const & type ) {
+                         VornType const & type, Shown shown ) {
    needString( it, end, ( String( "Value('" ) + type.name + "', ** {" ).charPtr() );
    bool first = true;
    for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
-      if ( !attr->isField() ) continue;
+      if ( !( attr->*shown )() ) continue;
       needString( it, end, ( String( first ? "'" : ", '" ) + attr->name + "': " ).charPtr() );
       first = false;
-      GenericIf::Value field( attr->type );
+      GenericIf::Value part( attr->type );
       try {
-         attr->type->methods->sequenceTo( it, end, field.data(), attr->type );
+         attr->type->methods->sequenceTo( it, end, part.data(), attr->type );
       } catch ( RangeException const & failure ) {
          rethrowFromDeserializeAttr( failure, attr->name );
       }
-      void const * const arg = field.data();
+      void const * const arg = part.data();
       attr->ops->op( nullptr, value, *attr, GenericIf::place, nullptr, &arg );
    }
    needString( it, end, "})" );

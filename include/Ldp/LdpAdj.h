@@ -44,8 +44,6 @@ class VORN_API LdpAdjId {
    /// Leaves out the target address: all targeted adjacencies of a peer fall into one chain, on purpose.
    VORN_VALUE_DERIVED( 0x8, U32, hash );
 
-   /// Whether the value equals a default one.
-   bool operator!() const noexcept { return *this == LdpAdjId(); }
    friend bool operator==( LdpAdjId const &, LdpAdjId const & ) noexcept = default;
    /// By peer, then by interface, then by target address.
    friend VORN_API bool operator<( LdpAdjId const & a, LdpAdjId const & b ) noexcept;

@@ -70,8 +70,6 @@ class VORN_API LdpFecBindingInfo {
                       Lumo::IpGenAddr const & nexthopIntfIp ) noexcept
         : inputLabel_( inputLabel ), outputLabel_( outputLabel ), nexthopIntfIp_( nexthopIntfIp ) {}
 
-   /// Whether the value equals a default one.
-   bool operator!() const noexcept { return *this == LdpFecBindingInfo(); }
    friend bool operator==( LdpFecBindingInfo const &, LdpFecBindingInfo const & ) noexcept = default;
 };
 VORN_TEXT( LdpFecBindingInfo )
@@ -92,8 +90,6 @@ class VORN_API LdpGrOperationalFlag {
    /// Throws RangeException for a word above 0x3.
    explicit LdpGrOperationalFlag( U32 value ) { valueIs( value ); }
 
-   /// Whether no flag is set.
-   constexpr bool operator!() const noexcept { return !value_; }
    friend constexpr bool operator==( LdpGrOperationalFlag, LdpGrOperationalFlag ) noexcept = default;
 };
 VORN_TEXT( LdpGrOperationalFlag )

@@ -75,8 +75,6 @@ class VORN_API Via {
    Via( Lumo::IpGenAddr const & hop, Lumo::IntfId const & intfId ) noexcept
         : hop_( hop ), intfId_( intfId ) {}
 
-   /// Whether the value equals a default one.
-   bool operator!() const noexcept { return *this == Via(); }
    friend bool operator==( Via const &, Via const & ) noexcept = default;
    /// By hop, then by interface.
    friend bool operator<( Via const & a, Via const & b ) noexcept {

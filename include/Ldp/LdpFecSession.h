@@ -29,8 +29,6 @@ class VORN_API LdpFecSessionId {
    LdpFecSessionId( Mpls::FwdEqvClass const & fwdEqvClass, LdpSessionId const & ldpSessionId ) noexcept
         : fwdEqvClass_( fwdEqvClass ), ldpSessionId_( ldpSessionId ) {}
 
-   /// Whether the value equals a default one.
-   bool operator!() const noexcept { return *this == LdpFecSessionId(); }
    friend bool operator==( LdpFecSessionId const &, LdpFecSessionId const & ) noexcept = default;
    /// By FEC, then by session.
    friend bool operator<( LdpFecSessionId const & a, LdpFecSessionId const & b ) noexcept {
@@ -68,8 +66,6 @@ class VORN_API LdpLocalLabelSessionState {
    constexpr LdpLocalLabelSessionState() noexcept = default;
    constexpr explicit LdpLocalLabelSessionState( U32 value ) noexcept : value_( value ) {}
 
-   /// Whether the value equals a default one.
-   constexpr bool operator!() const noexcept { return !value_; }
    friend constexpr bool operator==( LdpLocalLabelSessionState,
                                      LdpLocalLabelSessionState ) noexcept = default;
 };
@@ -105,8 +101,6 @@ class VORN_API LdpPeerLabelSessionState {
    constexpr LdpPeerLabelSessionState() noexcept = default;
    constexpr explicit LdpPeerLabelSessionState( U32 value ) noexcept : value_( value ) {}
 
-   /// Whether the value equals a default one.
-   constexpr bool operator!() const noexcept { return !value_; }
    friend constexpr bool operator==( LdpPeerLabelSessionState, LdpPeerLabelSessionState ) noexcept = default;
 };
 VORN_TEXT( LdpPeerLabelSessionState )

@@ -119,8 +119,6 @@ class VORN_API LdpProtoParamSetting {
    constexpr LdpProtoParamSetting() noexcept = default;
    constexpr explicit LdpProtoParamSetting( U64 value ) noexcept : value_( value ) {}
 
-   /// Whether nothing is set.
-   constexpr bool operator!() const noexcept { return !value_; }
    friend constexpr bool operator==( LdpProtoParamSetting, LdpProtoParamSetting ) noexcept = default;
 };
 VORN_TEXT( LdpProtoParamSetting )

@@ -44,8 +44,6 @@ class VORN_API LdpSessionId {
    LdpSessionId() noexcept = default;
    explicit LdpSessionId( LdpIdentifier const & peerLdpId ) noexcept : peerLdpId_( peerLdpId ) {}
 
-   /// Whether the value equals a default one.
-   bool operator!() const noexcept { return !peerLdpId_; }
    friend bool operator==( LdpSessionId const &, LdpSessionId const & ) noexcept = default;
    friend bool operator<( LdpSessionId const & a, LdpSessionId const & b ) noexcept {
       return a.peerLdpId_ < b.peerLdpId_;
@@ -64,8 +62,6 @@ class VORN_API LdpSessionState {
    LdpSessionState( SessionState sessionState, LdpStatusCode code ) noexcept
         : sessionState_( sessionState ), code_( code ) {}
 
-   /// Whether the value equals a default one.
-   bool operator!() const noexcept { return *this == LdpSessionState(); }
    friend bool operator==( LdpSessionState const &, LdpSessionState const & ) noexcept = default;
 };
 VORN_TEXT( LdpSessionState )

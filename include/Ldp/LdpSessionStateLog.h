@@ -34,8 +34,6 @@ class VORN_API LdpSessionStateLogEntry {
                             Vorn::String const & reason ) noexcept
         : timeStamp_( timeStamp ), sessionState_( sessionState ), code_( code ), reason_( reason ) {}
 
-   /// Whether the value equals a default one.
-   bool operator!() const noexcept { return *this == LdpSessionStateLogEntry(); }
    friend bool operator==( LdpSessionStateLogEntry const &,
                            LdpSessionStateLogEntry const & ) noexcept = default;
 };

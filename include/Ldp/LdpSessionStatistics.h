@@ -22,8 +22,6 @@ class VORN_API LdpMsgIdFecMappingInfo {
    LdpMsgIdFecMappingInfo( Mpls::FwdEqvClass const & fwdEqvClass, LdpMsgType msgType, bool valid ) noexcept
         : fwdEqvClass_( fwdEqvClass ), msgType_( msgType ), valid_( valid ) {}
 
-   /// Whether the value equals a default one.
-   bool operator!() const noexcept { return *this == LdpMsgIdFecMappingInfo(); }
    friend bool operator==( LdpMsgIdFecMappingInfo const &,
                            LdpMsgIdFecMappingInfo const & ) noexcept = default;
 };
@@ -42,8 +40,6 @@ class VORN_API PwMsgIdFecMappingInfo {
    PwMsgIdFecMappingInfo( PwFwdEqvClass const & fwdEqvClass, LdpMsgType msgType, bool valid ) noexcept
         : fwdEqvClass_( fwdEqvClass ), msgType_( msgType ), valid_( valid ) {}
 
-   /// Whether the value equals a default one.
-   bool operator!() const noexcept { return *this == PwMsgIdFecMappingInfo(); }
    friend bool operator==( PwMsgIdFecMappingInfo const &, PwMsgIdFecMappingInfo const & ) noexcept = default;
 };
 VORN_TEXT( PwMsgIdFecMappingInfo )

@@ -28,8 +28,6 @@ class VORN_API PwFecSessionId {
    PwFecSessionId( PwFwdEqvClass const & pwFwdEqvClass, LdpSessionId const & ldpSessionId ) noexcept
         : pwFwdEqvClass_( pwFwdEqvClass ), ldpSessionId_( ldpSessionId ) {}
 
-   /// Whether the value equals a default one.
-   bool operator!() const noexcept { return *this == PwFecSessionId(); }
    friend bool operator==( PwFecSessionId const &, PwFecSessionId const & ) noexcept = default;
    /// By FEC, then by session.
    friend bool operator<( PwFecSessionId const & a, PwFecSessionId const & b ) noexcept {

@@ -238,7 +238,7 @@
    VORN_ATTR_( id ) { return ::Vorn::functionRecord< Self, &Self::x >( #x, id ); }                           \
    static_assert( true )
 
-/// Owned single child. `xIs( args... )` gives the present child if the first argument is its name or key, and
+/// Owned single child. `xIs( args... )` gives the present child if it was made from the same arguments, and
 /// else makes one in its place; `xDel()` takes it out and returns it.
 #define VORN_CHILD( id, Type, x, X, replication )                                                            \
  public:                                                                                                     \

@@ -163,6 +163,7 @@ Ptr< Type > memberDel( Self & self, HashMap< Self, Type, Key > & map, Change con
 
 template< class Self, class Type, class Key, class Change >
 void membersDel( Self & self, HashMap< Self, Type, Key > & map, Change const & change ) {
+   Ptr< Self > const hold( &self ); // an observer may drop the owner between two members
    // The iterator holds the member until it moves on.
    for ( auto it = map.begin(); it; it.advance() ) {
       Key const & key = it->vornKey();
@@ -173,8 +174,9 @@ void membersDel( Self & self, HashMap< Self, Type, Key > & map, Change const & c
 /// See VORN_VALUE_COLL.
 template< class Self, class Map, class Change, class Key, class T >
 void valueIs( Self & self, Map & map, Change const & change, Key const & key, T const & value ) {
-   if ( auto * node = map[key] ) {
-      if ( node->value() == value ) return;
+   // Who tells nobody does not compare either.
+   if constexpr ( !std::is_same_v< Change, Silence > ) {
+      if ( auto * node = map[key]; node && node->value() == value ) return;
    }
    Key const kept = key;
    map.valueIs( kept, value );
@@ -209,6 +211,7 @@ bool keyDel( Self & self, Map & map, Change const & change, Key const & key ) {
 
 template< class Self, class Map, class Change >
 void valuesDel( Self & self, Map & map, Change const & change ) {
+   Ptr< Self > const hold( &self );
    for ( auto & node : map ) {
       auto const key = node.key();
       if ( map.del( key ) ) self.notify( change, &key );
@@ -264,6 +267,7 @@ void queueIs( Self & self, Queue & queue, NotifieeChange const & change, U32 ind
 }
 template< class Self, class Queue >
 void queueDelAll( Self & self, Queue & queue, NotifieeChange const & change ) {
+   Ptr< Self > const hold( &self );
    while ( queue.members() ) {
       U32 const index = queue.firstIndex();
       queue.del( index );

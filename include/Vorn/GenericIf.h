@@ -156,10 +156,13 @@ VORN_API void * iterator( VornType const & type, void * object, VornAttr const &
 /// `genericIfVoidPtrIs` of every type.
 VORN_API void const * voidPtrIs( void const * value, VornType const * fromType, VornType const * toType );
 
-/// The text and log forms of a value by the fields of its record, in their order.
-VORN_API String recordToStrep( void const * value, VornType const & type );
+/// Which attributes of a value its text shows.
+using Shown = bool ( VornAttr::* )() const noexcept;
+/// The composite text of a value by its record, and the strict reader of it: what is shown in its order.
+VORN_API String recordToStrep( void const * value, VornType const & type, Shown shown );
 VORN_API void recordFromSequence( String::IteratorConst & it, String::IteratorConst const & end, void * value,
-                                  VornType const & type );
+                                  VornType const & type, Shown shown );
+/// The log form of a value by the fields of its record, in their order.
 VORN_API void recordLogOut( NboAttrLog::Out & out, void const * value, VornType const & type );
 VORN_API void recordLogIn( NboAttrLog::In & in, void * value, VornType const & type );
 

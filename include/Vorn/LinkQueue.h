@@ -16,6 +16,7 @@
 #include "Vorn/Exception.h"
 #include "Vorn/VornType.h"
 
+#include <cstdint>
 #include <iterator>
 
 namespace Vorn {
@@ -99,11 +100,12 @@ class LinkQueue {
       if ( node ) doMemberIs( index, nullptr );
       return node;
    }
-   /// Sets the index that the next element will get, which is behind those of all present, and of an empty
-   /// queue the first, as a copy of another queue needs it.
+   /// Sets the index that the next element will get, and of an empty queue the first, as a copy of another
+   /// queue needs it. A next index that lags behind the last element's becomes one above that.
    void indicesIs( Index first, Index next ) noexcept {
       if ( !head_ ) first_ = first;
-      next_ = next;
+      bool const lags = tail_ && std::int32_t( next - tail_->index_ ) <= 0;
+      next_ = lags ? tail_->index_ + 1 : next;
       ++modificationCount_;
    }
 

@@ -10,10 +10,8 @@
 #include "Vorn/Exception.h"
 #include "Vorn/VornType.h"
 
-#include <array>
 #include <concepts>
 #include <iosfwd>
-#include <tuple>
 
 namespace Vorn {
 
@@ -93,54 +91,9 @@ struct VORN_API EnumType< unsigned int > {
                                         VornType const * type );
 };
 
-/// One named part of a composite text: how it is read from and put into a value of type `T`.
-template< class Get, class Set >
-struct TextField {
-   char const * name;
-   Get get;
-   Set set;
-};
-template< class Get, class Set >
-TextField( char const *, Get, Set ) -> TextField< Get, Set >;
-
 /// Joins `'name': value` pairs into the composite form of `typeName`.
 VORN_API String compositeText( char const * typeName, char const * const * names, String const * values,
                                std::size_t count );
-
-/// The composite form of `value`. The parts are turned into text from the last to the first.
-template< class T, class... Fields >
-String compositeToStrep( char const * typeName, T const & value, Fields const &... fields ) {
-   constexpr std::size_t count = sizeof...( Fields );
-   std::array< char const *, count > const names{ fields.name... };
-   std::array< String, count > texts;
-   auto const all = std::tie( fields... );
-   auto const one = [&]< std::size_t i >() { texts[i] = valueToStrep( std::get< i >( all ).get( value ) ); };
-   [&]< std::size_t... i >( std::index_sequence< i... > ) {
-      ( one.template operator()< count - 1 - i >(), ... );
-   }
-   ( std::index_sequence_for< Fields... >{} );
-   return compositeText( typeName, names.data(), texts.data(), count );
-}
-
-/// Reads the composite form; the parts must stand in the order of the fields.
-template< class T, class... Fields >
-void sequenceToComposite( char const * typeName, String::IteratorConst & it,
-                          String::IteratorConst const & end, T * value, Fields const &... fields ) {
-   needString( it, end, "Value('" );
-   needString( it, end, typeName );
-   needString( it, end, "', ** {" );
-   bool first = true;
-   auto const one = [&]( auto const & field ) {
-      needString( it, end, first ? "'" : ", '" );
-      needString( it, end, field.name );
-      needString( it, end, "': " );
-      first = false;
-      using Part = std::remove_cvref_t< decltype( field.get( *value ) ) >;
-      field.set( *value, deserializeAttr< Part >( it, end, field.name ) );
-   };
-   ( one( fields ), ... );
-   needString( it, end, "})" );
-}
 
 } // namespace Vorn
 
@@ -156,26 +109,6 @@ void sequenceToComposite( char const * typeName, String::IteratorConst & it,
    std::ostream & operator<<( std::ostream & out, Type const & value ) {                                     \
       return out << valueToStrep( value );                                                                   \
    }
-
-/// Part `x` of a composite, read by `x()` and written by `xIs( v )`.
-#define VORN_TEXT_FIELD( x )                                                                                 \
-   ::Vorn::TextField {                                                                                       \
-#x, []( auto const & value ) { return value.x(); }, []( auto & value,                                  \
-                                                              auto const & part ) { value.x##Is( part ); }   \
-   }
-
-/// Defines the text forms of a composite from its fields, in their order. Stands in the source file.
-#define VORN_TEXT_COMPOSITE( Namespace, Type, ... )                                                          \
-   ::Vorn::String valueToStrep( Type const & value ) {                                                       \
-      return ::Vorn::compositeToStrep( #Namespace "::" #Type, value, __VA_ARGS__ );                          \
-   }                                                                                                         \
-   void sequenceToValue( ::Vorn::String::IteratorConst & it, ::Vorn::String::IteratorConst const & end,      \
-                         Type * value ) {                                                                    \
-      Type read{};                                                                                           \
-      ::Vorn::sequenceToComposite( #Namespace "::" #Type, it, end, &read, __VA_ARGS__ );                     \
-      *value = read;                                                                                         \
-   }                                                                                                         \
-   VORN_TEXT_STREAM( Type )
 
 /// Declares enumeration `Type` from a list macro whose rows are `X( name, value, ... )`, with its record and
 /// text forms. Rows may have further columns, which this macro leaves to others.

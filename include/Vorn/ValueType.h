@@ -129,6 +129,7 @@ struct GenericIfEnumMethods : GenericIfValueMethods< Word > {
 template< class T >
 constexpr VornType valueRecord( char const * name, VornAttr const * attributes, U32 attributeNum,
                                 VornCtorArg const * ctorArgs ) {
+   static_assert( requires( T const & value ) { !value; } );
    VornType type{};
    type.name = name;
    type.attributes = attributes;
@@ -184,6 +185,8 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
                                                                                                              \
  public:                                                                                                     \
    static ::Vorn::VornType const _vornType;                                                                  \
+   /** Whether the value equals a default one. */                                                            \
+   bool operator!() const noexcept { return *this == Type(); }                                               \
                                                                                                              \
  private:
 
@@ -278,15 +281,18 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
         ::Vorn::valueRecord< Type >( #Namespace "::" #Type, ::Vorn::AttrTable< Type >::attributes,           \
                                      ::Vorn::AttrTable< Type >::num, ::Vorn::AttrTable< Type >::ctorArgs );
 
-/// Makes the text forms of a value type from its record.
-#define VORN_TEXT_OF_RECORD( Type )                                                                          \
+/// Makes the text forms of a value type from its record: its fields.
+#define VORN_TEXT_OF_RECORD( Type ) VORN_TEXT_OF_( Type, &::Vorn::VornAttr::isField )
+/// The same for a bit word that shows each of its flags.
+#define VORN_TEXT_OF_FLAGS( Type ) VORN_TEXT_OF_( Type, &::Vorn::VornAttr::isView )
+#define VORN_TEXT_OF_( Type, shown )                                                                         \
    ::Vorn::String valueToStrep( Type const & value ) {                                                       \
-      return ::Vorn::GenericIfImpl::recordToStrep( &value, Type::_vornType );                                \
+      return ::Vorn::GenericIfImpl::recordToStrep( &value, Type::_vornType, shown );                         \
    }                                                                                                         \
    void sequenceToValue( ::Vorn::String::IteratorConst & it, ::Vorn::String::IteratorConst const & end,      \
                          Type * value ) {                                                                    \
       Type read{};                                                                                           \
-      ::Vorn::GenericIfImpl::recordFromSequence( it, end, &read, Type::_vornType );                          \
+      ::Vorn::GenericIfImpl::recordFromSequence( it, end, &read, Type::_vornType, shown );                   \
       *value = read;                                                                                         \
    }                                                                                                         \
    VORN_TEXT_STREAM( Type )

@@ -102,6 +102,8 @@ struct VornAttr {
    constexpr bool isField() const noexcept {
       return kind() == VornKind::constructor || ( kind() == VornKind::state && !( flags & viewAccess ) );
    }
+   /// Whether it can be written but is no field: a flag of a word.
+   constexpr bool isView() const noexcept { return kind() == VornKind::state && ( flags & viewAccess ); }
    /// Whether it is a set of keys without values.
    constexpr bool isSet() const noexcept { return flags & setAccess; }
    /// Whether it is a collection, a set or a queue.

@@ -376,6 +376,35 @@ TEST_F( ObserverTest, notifierLivesThroughTheVisit ) {
    EXPECT_EQ( a->lastReferences, 1 );
 }
 
+TEST_F( ObserverTest, mayDropTheOwnerWhileAllMembersGo ) {
+   struct Dropper : Everything::NotifieeConst {
+      explicit Dropper( Ptr< Everything > * thing ) : thing_( thing ) {}
+      void onMember( U32 ) override { drop(); }
+      void onScore( U32 ) override { drop(); }
+      void onEvent( U32 ) override { drop(); }
+      void drop() {
+         ++calls;
+         *thing_ = nullptr;
+      }
+      Ptr< Everything > * thing_;
+      int calls = 0;
+   };
+   for ( auto const delAll :
+         { &Everything::memberDelAll, &Everything::scoreDelAll, &Everything::eventDelAll } ) {
+      Ptr< Everything > owner = everythingFactory( Name( "it" ) );
+      for ( U32 i = 0; i < 3; ++i ) {
+         owner->memberIs( i, 1, 0 );
+         owner->scoreIs( i, i );
+         owner->eventEnq( i );
+      }
+      auto const dropper = Vorn::newObject< Dropper >( &owner );
+      bind( *dropper, *owner );
+      ( owner.ptr()->*delAll )();
+      EXPECT_FALSE( owner );
+      EXPECT_GE( dropper->calls, 3 );
+   }
+}
+
 TEST_F( ObserverTest, objectsOfNestedVisitsLiveUntilTheOutermostEnds ) {
    Ptr< Hook > a;
    auto const & object = *thing;
