@@ -17,6 +17,7 @@ class VORN_API VlanIdOrNone {
    explicit VlanIdOrNone( U16 value );
 
    constexpr U16 value() const noexcept { return value_; }
+   VORN_FROM_LOG( VlanIdOrNone )
    /// Whether the value equals a default one.
    constexpr bool operator!() const noexcept { return !value_; }
    friend constexpr auto operator<=>( VlanIdOrNone, VlanIdOrNone ) noexcept = default;

@@ -20,6 +20,7 @@ class VORN_API VrfName {
    Vorn::String const & stringValue() const noexcept { return name_; }
    U32 hash() const noexcept { return name_.hash(); }
 
+   VORN_FROM_LOG( VrfName )
    /// Whether the value equals a default one.
    bool operator!() const noexcept { return name_.empty(); }
    friend bool operator==( VrfName const &, VrfName const & ) noexcept = default;

@@ -106,9 +106,13 @@ class VORN_API LdpFecTlvP2mpOpaqueLength {
    VORN_REFLECTED( LdpFecTlvP2mpOpaqueLength, void )
 
  public:
+   LdpFecTlvP2mpOpaqueLength() noexcept = default;
    Lumo::NetU16 totalOpaqueLen() const noexcept { return totalOpaqueLen_; }
    void totalOpaqueLenIs( Lumo::NetU16 octets ) noexcept { totalOpaqueLen_ = octets; }
 
+   VORN_FROM_LOG( LdpFecTlvP2mpOpaqueLength )
+   /// Whether the value equals a default one.
+   bool operator!() const noexcept { return !totalOpaqueLen_; }
    friend bool operator==( LdpFecTlvP2mpOpaqueLength, LdpFecTlvP2mpOpaqueLength ) noexcept = default;
 
  private:
@@ -122,12 +126,14 @@ class VORN_API LdpMPBasicOpaqueValueElementHdr {
    VORN_REFLECTED( LdpMPBasicOpaqueValueElementHdr, void )
 
  public:
+   LdpMPBasicOpaqueValueElementHdr() noexcept = default;
    U8 type() const noexcept { return type_; }
    void typeIs( U8 type ) noexcept { type_ = type; }
    /// Length of the sub-element's value, in octets.
    Lumo::NetU16 opaqueLenNbo() const noexcept { return opaqueLen_; }
    void opaqueLenNboIs( Lumo::NetU16 octets ) noexcept { opaqueLen_ = octets; }
 
+   VORN_FROM_LOG( LdpMPBasicOpaqueValueElementHdr )
    /// Whether the value equals a default one.
    bool operator!() const noexcept { return *this == LdpMPBasicOpaqueValueElementHdr(); }
    friend bool operator==( LdpMPBasicOpaqueValueElementHdr const &,
@@ -145,6 +151,7 @@ class VORN_API LdpGenericLSPId {
    VORN_REFLECTED( LdpGenericLSPId, void )
 
  public:
+   LdpGenericLSPId() noexcept = default;
    U8 type() const noexcept { return type_; }
    void typeIs( U8 type ) noexcept { type_ = type; }
    Lumo::NetU16 opaqueLenNbo() const noexcept { return opaqueLen_; }
@@ -152,6 +159,7 @@ class VORN_API LdpGenericLSPId {
    Lumo::NetU32 opaqueId() const noexcept { return opaqueId_; }
    void opaqueIdIs( Lumo::NetU32 id ) noexcept { opaqueId_ = id; }
 
+   VORN_FROM_LOG( LdpGenericLSPId )
    /// Whether the value equals a default one.
    bool operator!() const noexcept { return *this == LdpGenericLSPId(); }
    friend bool operator==( LdpGenericLSPId const &, LdpGenericLSPId const & ) noexcept = default;
@@ -169,6 +177,7 @@ class VORN_API LdpP2mpFecElement {
    VORN_REFLECTED( LdpP2mpFecElement, void )
 
  public:
+   LdpP2mpFecElement() noexcept = default;
    Lumo::IpGenAddr const & rootIp() const noexcept { return rootIp_; }
    void rootIpIs( Lumo::IpGenAddr const & rootIp ) noexcept { rootIp_ = rootIp; }
    /// Raw octets of the opaque value; any octet may occur, zero included.
@@ -178,6 +187,7 @@ class VORN_API LdpP2mpFecElement {
    /// Root, "_", and the raw octets.
    Vorn::String stringValue() const;
 
+   VORN_FROM_LOG( LdpP2mpFecElement )
    /// Whether the value equals a default one.
    bool operator!() const noexcept { return *this == LdpP2mpFecElement(); }
    friend bool operator==( LdpP2mpFecElement const &, LdpP2mpFecElement const & ) noexcept = default;
@@ -211,6 +221,7 @@ class VORN_API LdpP2mpFecGenericOpaqueId {
 
    /// Equal values have equal hashes.
    U32 hash() const noexcept;
+   VORN_FROM_LOG( LdpP2mpFecGenericOpaqueId )
    /// Whether the value equals a default one.
    bool operator!() const noexcept { return *this == LdpP2mpFecGenericOpaqueId(); }
    friend bool operator==( LdpP2mpFecGenericOpaqueId const &,

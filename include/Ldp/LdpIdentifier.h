@@ -33,6 +33,7 @@ class VORN_API LdpIdentifier {
    /// As in `10.0.0.1:0`.
    Vorn::String stringValue() const;
 
+   VORN_FROM_LOG( LdpIdentifier )
    /// Whether the value equals a default one.
    constexpr bool operator!() const noexcept { return *this == LdpIdentifier(); }
    friend constexpr bool operator==( LdpIdentifier const &, LdpIdentifier const & ) noexcept = default;

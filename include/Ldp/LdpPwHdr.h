@@ -210,6 +210,7 @@ class VORN_API LdpPwIntfParamFlags {
    bool vccvParam() const noexcept { return value_ & vccvParam_; }
    void vccvParamIs( bool sent ) noexcept { flagIs( vccvParam_, sent ); }
 
+   VORN_FROM_LOG( LdpPwIntfParamFlags )
    /// Whether the value equals a default one.
    constexpr bool operator!() const noexcept { return !value_; }
    friend bool operator==( LdpPwIntfParamFlags, LdpPwIntfParamFlags ) noexcept = default;

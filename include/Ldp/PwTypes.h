@@ -36,6 +36,7 @@ class VORN_API PwFwdEqvClass {
 
    /// Equal values have equal hashes.
    U32 hash() const noexcept;
+   VORN_FROM_LOG( PwFwdEqvClass )
    /// Whether the value equals a default one.
    bool operator!() const noexcept { return *this == PwFwdEqvClass(); }
    friend bool operator==( PwFwdEqvClass const &, PwFwdEqvClass const & ) noexcept = default;
@@ -62,6 +63,7 @@ class VORN_API PwFwdEqvClassParams {
    VORN_REFLECTED( PwFwdEqvClassParams, void )
 
  public:
+   PwFwdEqvClassParams() noexcept = default;
    static constexpr U32 unspecifiedMtu = 0;
 
    /// The group of the FEC.
@@ -87,6 +89,7 @@ class VORN_API PwFwdEqvClassParams {
    /// One line with all fields. The control channel types stand in it as one raw octet.
    Vorn::String stringValue() const;
 
+   VORN_FROM_LOG( PwFwdEqvClassParams )
    /// Whether the value equals a default one.
    bool operator!() const noexcept { return *this == PwFwdEqvClassParams(); }
    friend bool operator==( PwFwdEqvClassParams const &, PwFwdEqvClassParams const & ) noexcept = default;
@@ -107,6 +110,7 @@ class VORN_API PwFwdEqvClassInfo {
    VORN_REFLECTED( PwFwdEqvClassInfo, void )
 
  public:
+   PwFwdEqvClassInfo() noexcept = default;
    PwFwdEqvClass const & fwdEqvClass() const noexcept { return fwdEqvClass_; }
    void fwdEqvClassIs( PwFwdEqvClass const & fwdEqvClass ) noexcept { fwdEqvClass_ = fwdEqvClass; }
    PwFwdEqvClassParams const & params() const noexcept { return params_; }
@@ -124,6 +128,7 @@ class VORN_API PwFwdEqvClassInfo {
    /// The identity, a blank, the parameters.
    Vorn::String stringValue() const;
 
+   VORN_FROM_LOG( PwFwdEqvClassInfo )
    /// Whether the value equals a default one.
    bool operator!() const noexcept { return *this == PwFwdEqvClassInfo(); }
    friend bool operator==( PwFwdEqvClassInfo const &, PwFwdEqvClassInfo const & ) noexcept = default;

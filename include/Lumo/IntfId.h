@@ -17,6 +17,7 @@ class VORN_API IntfId {
    Vorn::String const & stringValue() const noexcept { return name_; }
    U32 hash() const noexcept { return name_.hash(); }
 
+   VORN_FROM_LOG( IntfId )
    bool operator!() const noexcept { return name_.empty(); }
    friend bool operator==( IntfId const &, IntfId const & ) noexcept = default;
    friend bool operator<( IntfId const & a, IntfId const & b ) noexcept { return a.name_ < b.name_; }

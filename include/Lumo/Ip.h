@@ -38,6 +38,7 @@ class VORN_API IpAddr {
    /// Dotted decimal.
    Vorn::String stringValue() const;
 
+   VORN_FROM_LOG( IpAddr )
    /// Whether the value equals a default one.
    constexpr bool operator!() const noexcept { return *this == IpAddr(); }
    friend constexpr auto operator<=>( IpAddr const &, IpAddr const & ) noexcept = default;
@@ -63,6 +64,7 @@ class VORN_API Ip6Addr {
    /// The canonical text of RFC 5952, without the mixed IPv4 notation.
    Vorn::String stringValue() const;
 
+   VORN_FROM_LOG( Ip6Addr )
    /// Whether the value equals a default one.
    constexpr bool operator!() const noexcept { return *this == Ip6Addr(); }
    friend constexpr auto operator<=>( Ip6Addr const &, Ip6Addr const & ) noexcept = default;
@@ -95,6 +97,7 @@ class VORN_API IpGenAddr {
    U32 hash() const noexcept { return addr_.hash(); }
    Vorn::String stringValue() const;
 
+   VORN_FROM_LOG( IpGenAddr )
    /// Whether the value equals a default one.
    bool operator!() const noexcept { return *this == IpGenAddr(); }
    /// By family, then by octets.
@@ -125,6 +128,7 @@ class VORN_API IpGenPrefix {
    U32 hash() const noexcept;
    Vorn::String stringValue() const;
 
+   VORN_FROM_LOG( IpGenPrefix )
    /// Whether the value equals a default one.
    bool operator!() const noexcept { return *this == IpGenPrefix(); }
    /// By address, then by length.

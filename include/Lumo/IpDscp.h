@@ -16,6 +16,7 @@ class VORN_API IpDscp {
 
    constexpr U8 value() const noexcept { return value_; }
 
+   VORN_FROM_LOG( IpDscp )
    /// Whether the value equals a default one.
    constexpr bool operator!() const noexcept { return !value_; }
    friend constexpr auto operator<=>( IpDscp, IpDscp ) noexcept = default;

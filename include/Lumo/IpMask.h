@@ -19,6 +19,7 @@ class VORN_API IpAddrWithMask {
    U32 len() const noexcept { return len_; }
 
    U32 hash() const noexcept;
+   VORN_FROM_LOG( IpAddrWithMask )
    /// Whether the value equals a default one.
    bool operator!() const noexcept { return *this == IpAddrWithMask(); }
    /// By address, then by length.
@@ -43,6 +44,7 @@ class VORN_API IpGenAddrWithMask {
    U32 len() const noexcept { return len_; }
 
    U32 hash() const noexcept;
+   VORN_FROM_LOG( IpGenAddrWithMask )
    /// Whether the value equals a default one.
    bool operator!() const noexcept { return *this == IpGenAddrWithMask(); }
    /// By address, then by length.

@@ -23,6 +23,7 @@ class VORN_API MplsLabel {
    constexpr U32 value() const noexcept { return value_; }
    U32 hash() const noexcept { return value_ * 0x9e3779b1u; }
 
+   VORN_FROM_LOG( MplsLabel )
    /// Whether the value equals a default one.
    constexpr bool operator!() const noexcept { return value_ == null; }
    friend constexpr auto operator<=>( MplsLabel, MplsLabel ) noexcept = default;

@@ -23,6 +23,7 @@ class VORN_API NamespaceName {
    Vorn::String const & stringValue() const noexcept { return name_; }
    U32 hash() const noexcept { return name_.hash(); }
 
+   VORN_FROM_LOG( NamespaceName )
    /// Whether the value equals a default one.
    bool operator!() const noexcept { return name_.empty(); }
    friend bool operator==( NamespaceName const &, NamespaceName const & ) noexcept = default;

@@ -17,6 +17,7 @@ class NetU8 {
    constexpr U8 value() const noexcept { return v0_; }
    constexpr void valueIs( U8 value ) noexcept { v0_ = value; }
 
+   VORN_FROM_LOG( NetU8 )
    /// Whether the value equals a default one.
    constexpr bool operator!() const noexcept { return !value(); }
    friend constexpr bool operator==( NetU8, NetU8 ) noexcept = default;
@@ -53,6 +54,7 @@ class NetU16 {
       x = ( x ^ ( x >> 4 ) ) * 668265261;
       return x ^ ( x >> 15 );
    }
+   VORN_FROM_LOG( NetU16 )
    /// Whether the value equals a default one.
    constexpr bool operator!() const noexcept { return !value(); }
    friend constexpr bool operator==( NetU16, NetU16 ) noexcept = default;
@@ -110,6 +112,7 @@ class NetU32 {
       x = ( x ^ ( x >> 4 ) ) * 668265261;
       return x ^ ( x >> 15 );
    }
+   VORN_FROM_LOG( NetU32 )
    /// Whether the value equals a default one.
    constexpr bool operator!() const noexcept { return !value(); }
    friend constexpr bool operator==( NetU32, NetU32 ) noexcept = default;

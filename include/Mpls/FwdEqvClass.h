@@ -39,6 +39,7 @@ class VORN_API FwdEqvClass {
    /// `10.0.0.0/8`, `words(1,2)` or `p2mp(10.0.0.1,7)`.
    Vorn::String stringValue() const;
 
+   VORN_FROM_LOG( FwdEqvClass )
    /// Whether the value equals a default one.
    bool operator!() const noexcept { return *this == FwdEqvClass(); }
    /// By tag, then by payload.

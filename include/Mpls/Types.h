@@ -29,6 +29,7 @@ class VORN_API RouterId {
    Lumo::IpAddr const & id() const noexcept { return id_; }
    U32 hash() const noexcept { return id_.hash(); }
 
+   VORN_FROM_LOG( RouterId )
    /// Whether the value equals a default one.
    bool operator!() const noexcept { return *this == RouterId(); }
    friend auto operator<=>( RouterId const &, RouterId const & ) noexcept = default;

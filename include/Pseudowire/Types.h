@@ -54,6 +54,7 @@ class VORN_API PseudowireLdpRequestKey {
    PseudowireId pwId() const noexcept { return pwId_; }
 
    U32 hash() const noexcept { return neighbor_.hash() + pwId_.hash(); }
+   VORN_FROM_LOG( PseudowireLdpRequestKey )
    /// Whether the value equals a default one.
    bool operator!() const noexcept { return *this == PseudowireLdpRequestKey(); }
    /// By neighbor, then by number.

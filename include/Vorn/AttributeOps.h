@@ -37,18 +37,6 @@ struct Pointee< T const * > {
    using Type = T;
 };
 
-/// The record of a type: of a class its `_vornType`, of an enumeration its own, else that of `BuiltinType`.
-template< class T >
-constexpr VornType const * recordOf() {
-   if constexpr ( requires { &T::_vornType; } ) {
-      return &T::_vornType;
-   } else if constexpr ( std::is_enum_v< T > ) {
-      return vornTypeOf( T{} );
-   } else {
-      return &BuiltinType< T >::record;
-   }
-}
-
 /// The address of an object as the class that declares an attribute.
 template< class Self >
 Self * selfOf( void * object ) {

@@ -11,7 +11,7 @@
 /// entity or counted object is a `Ptr< PtrInterface >`, a view over a packet an `NrcPtrInterface const *`.
 #pragma once
 
-#include "Vorn/Exception.h"
+#include "Vorn/NboAttrLogValues.h"
 #include "Vorn/VornType.h"
 
 #include <cstddef>
@@ -162,9 +162,6 @@ using Shown = bool ( VornAttr::* )() const noexcept;
 VORN_API String recordToStrep( void const * value, VornType const & type, Shown shown );
 VORN_API void recordFromSequence( String::IteratorConst & it, String::IteratorConst const & end, void * value,
                                   VornType const & type, Shown shown );
-/// The log form of a value by the fields of its record, in their order.
-VORN_API void recordLogOut( NboAttrLog::Out & out, void const * value, VornType const & type );
-VORN_API void recordLogIn( NboAttrLog::In & in, void * value, VornType const & type );
 
 } // namespace GenericIfImpl
 

@@ -124,7 +124,7 @@ class VORN_API Out : public Connection::Out {
 /// Values as they are written to a log.
 template< class T >
 Ptr< Out > const & operator<<( Ptr< Out > const & out, T const & value ) {
-   GenericIfValueMethods< T >::logOutOf( *out, &value );
+   toLog( *out, value );
    return out;
 }
 

@@ -5,14 +5,25 @@
 #pragma once
 
 #include "Vorn/Exception.h"
+#include "Vorn/VornType.h"
 
 #include <concepts>
 #include <type_traits>
 
-namespace Vorn::NboAttrLog {
+namespace Vorn {
 
-class In;
-class Out;
+/// Marks the constructor of a value that reads it out of an attribute log.
+struct StreamBogon {};
+
+namespace GenericIfImpl {
+
+/// The log form of a value by the fields of its record, in their order.
+VORN_API void recordLogOut( NboAttrLog::Out & out, void const * value, VornType const & type );
+VORN_API void recordLogIn( NboAttrLog::In & in, void * value, VornType const & type );
+
+} // namespace GenericIfImpl
+
+namespace NboAttrLog {
 
 /// Integers in their width, a `bool` as one octet, a `double` by its bits, a string as its length (32 bits)
 /// and octets.
@@ -50,4 +61,30 @@ void logIn( In & in, T * value ) {
    *value = T( word );
 }
 
-} // namespace Vorn::NboAttrLog
+/// Writes a value of any type: in the form that the type gives itself, else by its record.
+template< class T >
+void toLog( Out & out, T const & value ) {
+   if constexpr ( requires { logOut( out, value ); } ) {
+      logOut( out, value );
+   } else {
+      GenericIfImpl::recordLogOut( out, &value, *recordOf< T >() );
+   }
+}
+/// Reads what `toLog` has written. Throws AttrLogRecordException or RangeException.
+template< class T >
+void fromLog( In & in, T * value ) {
+   if constexpr ( requires { logIn( in, value ); } ) {
+      logIn( in, value );
+   } else {
+      GenericIfImpl::recordLogIn( in, value, *recordOf< T >() );
+   }
+}
+
+} // namespace NboAttrLog
+
+} // namespace Vorn
+
+/// The constructor by which a value type is read out of an attribute log, as `out << value` writes it. Stands
+/// in the class's public part.
+#define VORN_FROM_LOG( Type )                                                                                \
+   Type( ::Vorn::NboAttrLog::In * in, ::Vorn::StreamBogon ) { ::Vorn::NboAttrLog::fromLog( *in, this ); }

@@ -19,6 +19,7 @@ class Number {
    constexpr Word value() const noexcept { return value_; }
    U32 hash() const noexcept { return VornHashBase< false >::hashU64( value_ ); }
 
+   VORN_FROM_LOG( Number )
    /// Whether the value equals a default one.
    constexpr bool operator!() const noexcept { return value_ == initial; }
    friend constexpr auto operator<=>( Number, Number ) noexcept = default;

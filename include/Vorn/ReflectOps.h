@@ -365,13 +365,8 @@ class GenericIfNotifieeOf : public T::NotifieeConst {
 /// Makes an entity from what the attribute log's next values say.
 template< class T >
 Ptr< PtrInterface > newEntityFromLog( NboAttrLog::In & in ) {
-   using NboAttrLog::logIn;
    CtorTypes< T > args{};
-   std::apply(
-        [&]( auto &... arg ) {
-           ( GenericIfValueMethods< std::remove_cvref_t< decltype( arg ) > >::logInOf( in, &arg ), ... );
-        },
-        args );
+   std::apply( [&]( auto &... arg ) { ( NboAttrLog::fromLog( in, &arg ), ... ); }, args );
    return std::apply( []( auto const &... arg ) -> Ptr< PtrInterface > { return newObject< T >( arg... ); },
                       args );
 }

@@ -64,19 +64,10 @@ struct GenericIfValueMethods {
       *static_cast< T * >( to ) = *static_cast< T const * >( from );
    }
    static void logOutOf( NboAttrLog::Out & out, void const * value ) {
-      [[maybe_unused]] T const & v = *static_cast< T const * >( value );
-      if constexpr ( requires { logOut( out, v ); } ) {
-         logOut( out, v );
-      } else {
-         GenericIfImpl::recordLogOut( out, value, *recordOf< T >() );
-      }
+      NboAttrLog::toLog( out, *static_cast< T const * >( value ) );
    }
    static void logInOf( NboAttrLog::In & in, void * value ) {
-      if constexpr ( requires { logIn( in, static_cast< T * >( value ) ); } ) {
-         logIn( in, static_cast< T * >( value ) );
-      } else {
-         GenericIfImpl::recordLogIn( in, value, *recordOf< T >() );
-      }
+      NboAttrLog::fromLog( in, static_cast< T * >( value ) );
    }
 
    static constexpr GenericIfMethods vtable_{ genericIfDestruct,
@@ -187,6 +178,7 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
    static ::Vorn::VornType const _vornType;                                                                  \
    /** Whether the value equals a default one. */                                                            \
    bool operator!() const noexcept { return *this == Type(); }                                               \
+   VORN_FROM_LOG( Type )                                                                                     \
                                                                                                              \
  private:
 

@@ -193,6 +193,18 @@ VORN_API VornType const BuiltinType< Name >::record;
 template<>
 VORN_API VornType const BuiltinType< void >::record;
 
+/// The record of a type: of a class its `_vornType`, of an enumeration its own, else that of `BuiltinType`.
+template< class T >
+constexpr VornType const * recordOf() {
+   if constexpr ( requires { &T::_vornType; } ) {
+      return &T::_vornType;
+   } else if constexpr ( std::is_enum_v< T > ) {
+      return vornTypeOf( T{} );
+   } else {
+      return &BuiltinType< T >::record;
+   }
+}
+
 namespace GenericIfImpl {
 
 /// Methods of counted objects, which are passed as `Ptr< PtrInterface >` whatever class `T` they are of.

@@ -393,7 +393,7 @@ TEST_F( ObserverTest, mayDropTheOwnerWhileAllMembersGo ) {
          { &Everything::memberDelAll, &Everything::scoreDelAll, &Everything::eventDelAll } ) {
       Ptr< Everything > owner = everythingFactory( Name( "it" ) );
       for ( U32 i = 0; i < 3; ++i ) {
-         owner->memberIs( i, 1, 0 );
+         owner->memberIs( 0, i, 0 );
          owner->scoreIs( i, i );
          owner->eventEnq( i );
       }

@@ -2,6 +2,8 @@
 #include "model/ExpectedTypes.h"
 #include "model/Samples.h"
 
+#include "Ldp/LdpAdj.h"
+#include "Ldp/LdpConfig.h"
 #include "Vorn/NboAttrLog.h"
 #include "Vorn/System.h"
 
@@ -155,7 +157,25 @@ TEST( LogSweep, ARangeIsKeptOnTheWayIn ) {
    VornType const & type = typeOf( "Ldp::LdpGrOperationalFlag" );
    Value flag( &type );
    EXPECT_THROW( type.methods->logIn( in, flag.data() ), Vorn::RangeException );
+   NboAttrLog::In again( word, sizeof word, *demuxer );
+   EXPECT_THROW( Ldp::LdpGrOperationalFlag( &again, Vorn::StreamBogon() ), Vorn::RangeException );
    EXPECT_TRUE( flag == Value( &type ) );
+}
+
+// One value of each form: by fields, of its own, without fields, a word of the wire.
+TEST( LogSweep, AValueIsConstructedFromTheLog ) {
+   static U8 const octets[] = { 10,  0,   0,   1,  0, 7, 0, 0,    0, 3,
+                                'e', 't', '0', 10, 0, 0, 2, // an adjacency id
+                                0,   0,   0,   3,  0, 0, 0, 0xff, 0, 42 };
+   auto const demuxer = Vorn::newObject< NboAttrLog::Demuxer >( Vorn::newObject< NboAttrLog::Out >() );
+   NboAttrLog::In in( octets, sizeof octets, *demuxer );
+   Ldp::LdpAdjId const id( &in, Vorn::StreamBogon() );
+   EXPECT_EQ( id.stringValue(), "10.0.0.1:7_et0" );
+   EXPECT_EQ( id.targetIpAddr().stringValue(), "10.0.0.2" );
+   EXPECT_EQ( Ldp::LdpGrOperationalFlag( &in, Vorn::StreamBogon() ).value(), 3u );
+   EXPECT_EQ( Lumo::MplsLabel( &in, Vorn::StreamBogon() ).value(), 0xffu );
+   EXPECT_EQ( Lumo::NetU16( &in, Vorn::StreamBogon() ).value(), 42u );
+   EXPECT_EQ( in.left(), 0u );
 }
 
 } // namespace
