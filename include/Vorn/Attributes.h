@@ -440,7 +440,7 @@
 #define VORN_NEXT_LINK                                                                                       \
  private:                                                                                                    \
    friend struct ::Vorn::NextLink;                                                                           \
-   ::Vorn::Entity * next_ = nullptr /* counted, like every link of a chain */
+   [[maybe_unused]] ::Vorn::Entity * next_ = nullptr /* counted, like every link of a chain */
 
 /// Stands last in every type directly below `Entity`: the head of the list of its observers, whom a mutator
 /// tells of what it has stored. What derives from the type shares it.
