@@ -7,7 +7,7 @@ JOBS ?= $(shell nproc)
 .PHONY: help setup build demo test sanitize thread bench fuzz format format-check docs model-doc install
 
 help:
-	@echo "make demo       decode a capture of real routers"
+	@echo "make demo       decode captures of real routers, show what each router knows"
 	@echo "make test       build everything, run the whole suite"
 	@echo "make sanitize   the same with clang++ under address and undefined-behaviour sanitizers"
 	@echo "make thread     the test of references that threads share, under the thread sanitizer"
