@@ -16,7 +16,7 @@ bool HashMapGeneric::before( Entity const & a, U32 hashOfA, Entity const & b, U3
 }
 
 void HashMapGeneric::newMemberG( Entity & member, U32 hash ) {
-   if ( !buckets_ || memberCount_ >= 2 * buckets() ) grow();
+   if ( !buckets_ || memberCount_ >= buckets() ) grow();
    Entity ** link = &buckets_[bucketOf( hash )];
    Entity * previous = nullptr;
    while ( *link && before( **link, vtable_->hash( **link ), member, hash ) ) {
