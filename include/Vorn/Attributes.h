@@ -57,7 +57,11 @@
  private:                                                                                                    \
    static constexpr auto replicated = ::Vorn::replicated;                                                    \
    static constexpr auto local = ::Vorn::local;                                                              \
-   void vornTeardown() { ::Vorn::childrenDel( *this, _vornType ); }
+   /* A template, so that only the destructor's own file compiles it. */                                     \
+   template< class T = Type >                                                                                \
+   void vornTeardown() {                                                                                     \
+      if constexpr ( ::Vorn::ownsEntities< T >() ) ::Vorn::childrenDel( *this, _vornType );                  \
+   }
 
 /// The observer classes of an entity type, with a callback for each mutable attribute in the order of the
 /// lines.

@@ -383,6 +383,15 @@ VORN_API Ptr< StreamAdapter > childAttrLogIs( VornType const * type, char const 
 /// Deletes the entity children that a type declares, with notification, in the order of its attributes.
 VORN_API void childrenDel( Entity & entity, VornType const & type );
 
+/// Whether a type itself declares attributes that own entities.
+template< class T >
+consteval bool ownsEntities() {
+   for ( VornAttr const & attr : AttrTable< T >::table ) {
+      if ( attr.name && attr.instantiating() && attr.owner == &T::_vornType ) return true;
+   }
+   return false;
+}
+
 /// `genericIfIterator` of a type; null where nothing can be walked.
 template< class T >
 constexpr auto iteratorOf() -> decltype( VornType::genericIfIterator ) {
