@@ -30,7 +30,7 @@ Sa::FlowOut & Sa::flowOutIs() {
 
 void Sa::flowOutIs( std::unique_ptr< FlowOut > flowOut ) {
    flowOut_ = std::move( flowOut );
-   flags_.bitsIs( flowOutPresent, bool( flowOut_ ) );
+   status_.bitsIs( flowOutPresent, bool( flowOut_ ) );
    reschedule();
 }
 
@@ -59,7 +59,7 @@ void Sa::freeResyncState( NboAttrLog::FlowOut & flowOut ) {
 }
 
 U32 Sa::handleAttrFlowOut( U32 attributeId ) {
-   NboAttrLog::HandlingScheduledFlowOutAnchor const anchor( flags_, bool( flowOut_ ) );
+   NboAttrLog::HandlingScheduledFlowOutAnchor const anchor( status_, bool( flowOut_ ) );
    VornAttr const * x = logged( type_.attributes );
    if ( !flowOut_ || !x ) return 0;
    auto & flowOut = *flowOut_;
@@ -81,7 +81,7 @@ U32 Sa::handleAttrFlowOut( U32 attributeId ) {
          if ( !continueFlowOut() ) {
             // A record that found no room is the first to be tried again: behind shorter ones that change all
             // the time it could wait for ever.
-            if ( flags_.any( noRoom ) ) return id;
+            if ( status_.any( noRoom ) ) return id;
             if ( next ) {
                flowOut.attrIdIs( next->id() );
                return next->id();

@@ -117,7 +117,7 @@ void Out::entityIdIs( Adapter & adapter, U32 id ) {
    if ( number == id ) return;
    if ( number ) byId_.del( number );
    number = id;
-   adapter.flags_.bitsIs( StreamAdapter::hasEntityId, true );
+   adapter.status_.bitsIs( StreamAdapter::hasEntityId, true );
    byId_.valueIs( id, &adapter );
    if ( references_ ) references_->targetIs( adapter.entity() );
 }

@@ -64,14 +64,18 @@ U32 StreamAdapter::handleAttrFlowOut( U32 ) { return 0; }
 Sa::VornNboAttrLogSa( Entity & entity, Out & out, Vorn_BitSet flags, unsigned level,
                       VornNboAttrLogSa * parent )
      : StreamAdapter( Vorn_BitSet( flags.word() & Vorn_BitSet::notificationBitMask() ), level ),
-       entity_( &entity ), member_( parent ? &entity : nullptr ), type_( *entity.fwkType() ), out_( &out ),
-       observer_( *this ), parent_( parent ) {
+       holds_( parent ), entity_( &entity ), type_( *entity.fwkType() ), out_( &out ), observer_( *this ),
+       parent_( parent ) {
+   if ( holds_ ) entity.referenceInc();
    nextChild_ = siblings();
    if ( nextChild_ ) nextChild_->prevChild_ = this;
    siblings() = this;
 }
 
-Sa::~VornNboAttrLogSa() { observer_.adapterDel(); }
+Sa::~VornNboAttrLogSa() {
+   observer_.adapterDel();
+   if ( holds_ ) entity_->referenceDec();
+}
 
 void Sa::hasNotificationActiveIs( bool active ) { observer_.hasNotificationActiveIs( active ); }
 
@@ -88,19 +92,19 @@ Ptr< Sa > Sa::childNboAttrLogAdapterIs( Entity & child ) {
 /// Gives a child's adapter the flags that it takes from its parent's.
 void Sa::doFixChildFlags( VornNboAttrLogSa & child ) const {
    U32 const mask = Vorn_BitSet::inheritedFlagsMask() & Vorn_BitSet::notificationBitMask();
-   child.flags_ = Vorn_BitSet( ( ( flags_.word() ^ child.flags_.word() ) & mask ) ^ child.flags_.word() );
+   child.status_ = Vorn_BitSet( ( ( status_.word() ^ child.status_.word() ) & mask ) ^ child.status_.word() );
 }
 
 void Sa::flagsIs( Vorn_BitSet flags ) {
-   U32 const old = flags_.word();
-   bool const wasSuppressed = flags_.any( suppressed );
-   flags_ = Vorn_BitSet( ( ( flags.word() ^ old ) & Vorn_BitSet::notificationBitMask() ) ^ old );
+   U32 const old = status_.word();
+   bool const wasSuppressed = status_.any( suppressed );
+   status_ = Vorn_BitSet( ( ( flags.word() ^ old ) & Vorn_BitSet::notificationBitMask() ) ^ old );
    for ( auto * child = firstChild_; child; child = child->nextChild_ ) {
       child->flagsIs( flags );
    }
    reschedule();
    // What changed while it was suppressed is not known.
-   if ( wasSuppressed && !flags_.any( suppressed ) && entityId() ) doThis();
+   if ( wasSuppressed && !status_.any( suppressed ) && entityId() ) doThis();
 }
 
 /// The adapter waits in the log's list if it has something to write and may.
@@ -132,7 +136,7 @@ void Sa::pendingFirst() {
 
 /// Whether the member was named in the transaction that is running; until then it does not send.
 void Sa::confirmedIs( bool confirmed ) {
-   flags_.bitsIs( unconfirmed, !confirmed );
+   status_.bitsIs( unconfirmed, !confirmed );
    reschedule();
 }
 
@@ -150,6 +154,8 @@ void Sa::close() {
    pendingIs( false );
    if ( flowOut_ ) freeResyncState( *flowOut_ );
    flowOut_.reset();
+   auto & queuesSeen = out_->queuesSeen_;
+   queuesSeen.erase( queuesSeen.lower_bound( { this, 0 } ), queuesSeen.upper_bound( { this, ~0u } ) );
    std::exchange( out_, nullptr )->adapterDel( *this );
 }
 

@@ -8,6 +8,7 @@
 namespace Vorn {
 
 using NboAttrLog::Arguments;
+using NboAttrLog::FlowIn;
 using NboAttrLog::In;
 using Sa = Entity::VornNboAttrLogSa;
 
@@ -17,20 +18,22 @@ namespace {
 
 } // namespace
 
-/// What is being applied: a change that the observer reports of it came from the other end and does not go
-/// back.
-class Sa::FlowIn {
+/// What is being applied to an entity: a change that the observer reports of it came from the other end and
+/// does not go back.
+class NboAttrLog::FlowIn {
  public:
    /// A change of one attribute, at a key for a collection; without an attribute, of the arguments of a
    /// member that is asked for again.
-   FlowIn( VornNboAttrLogSa & adapter, VornAttr const * attr, void const * key ) noexcept
-        : adapter_( adapter ), attr_( attr ), key_( key ), outer_( std::exchange( adapter.flowIn_, this ) ) {}
-   ~FlowIn() { adapter_.flowIn_ = outer_; }
+   FlowIn( Out & out, Sa const & adapter, VornAttr const * attr, void const * key ) noexcept
+        : out_( out ), adapter_( adapter ), attr_( attr ), key_( key ),
+          outer_( std::exchange( out.flowIn_, this ) ) {}
+   ~FlowIn() { out_.flowIn_ = outer_; }
    FlowIn( FlowIn const & ) = delete;
    FlowIn & operator=( FlowIn const & ) = delete;
 
-   /// Whether it is about that attribute, and that key if one is given.
-   bool holds( VornAttr const & attr, void const * key ) const {
+   /// Whether it is about that attribute of that entity, and that key if one is given.
+   bool holds( Sa const & adapter, VornAttr const & attr, void const * key ) const {
+      if ( &adapter != &adapter_ ) return false;
       if ( !attr_ ) return attr.isCtorArg();
       return &attr == attr_ && ( !key_ || !key || attr.keyType->methods->equal( key, key_ ) );
    }
@@ -42,7 +45,8 @@ class Sa::FlowIn {
    bool writtenAgain() const noexcept { return reported_ > made_; }
 
  private:
-   VornNboAttrLogSa & adapter_;
+   Out & out_;
+   Sa const & adapter_;
    VornAttr const * attr_;
    void const * key_;
    FlowIn * outer_;
@@ -50,9 +54,9 @@ class Sa::FlowIn {
    unsigned reported_ = 0;
 };
 
-Sa::FlowIn * Sa::flowInFor( VornAttr const & attr, void const * key ) const noexcept {
-   FlowIn * flowIn = flowIn_;
-   while ( flowIn && !flowIn->holds( attr, key ) ) {
+FlowIn * Sa::flowInFor( VornAttr const & attr, void const * key ) const noexcept {
+   FlowIn * flowIn = out_->flowIn_;
+   while ( flowIn && !flowIn->holds( *this, attr, key ) ) {
       flowIn = flowIn->outer();
    }
    return flowIn;
@@ -66,7 +70,7 @@ bool Sa::flowInReported( VornAttr const & attr, void const * key ) {
 
 /// Refuses what comes from a read-only copy, unless the host lets it write this attribute.
 void Sa::checkWritable( U32 attributeId ) const {
-   if ( flags_.any( remoteReadOnly ) && !allowWriteFromReadOnlyRemote( attributeId ) ) {
+   if ( status_.any( remoteReadOnly ) && !allowWriteFromReadOnlyRemote( attributeId ) ) {
       throwWriteUpdateFromReadOnlyProxyException();
    }
 }
@@ -82,8 +86,8 @@ template< class Call >
 void Sa::apply( VornAttr const & attr, void const * key, Call const & call ) {
    bool again;
    {
-      FlowIn flowIn( *this, &attr, key );
-      call();
+      FlowIn flowIn( *out_, *this, &attr, key );
+      call( flowIn );
       again = flowIn.writtenAgain();
    }
    if ( !again || !out_ ) return;
@@ -176,7 +180,7 @@ void Sa::scalarFromLog( VornAttr const & attr, In & in, bool write ) {
    attr.type->methods->logIn( in, value.data() );
    in.endIs();
    if ( !write ) return;
-   apply( attr, nullptr, [&] {
+   apply( attr, nullptr, [&]( FlowIn & ) {
       void const * const arg = value.data();
       attr.ops->op( nullptr, object(), attr, GenericIf::write, nullptr, &arg );
    } );
@@ -205,10 +209,11 @@ void Sa::valueFromLog( VornAttr const & attr, In & in, bool write ) {
       memberDel( attr, at );
       return;
    }
-   apply( attr, at, [&] {
+   apply( attr, at, [&]( FlowIn & ) {
       void const * const arg = value.data();
       if ( attr.kind() == VornKind::queue ) {
-         if ( queueSeen_ ) ( *queueSeen_ )[attr.id()].insert( *static_cast< U32 const * >( at ) );
+         auto const seen = out_->queuesSeen_.find( { this, attr.id() } );
+         if ( seen != out_->queuesSeen_.end() ) seen->second.insert( *static_cast< U32 const * >( at ) );
       } else if ( at ) {
          attr.ops->op( nullptr, object(), attr, GenericIf::clearMark, at, nullptr );
       }
@@ -235,11 +240,11 @@ void Sa::memberFromLog( VornAttr const & attr, In & in ) {
    }
    Ptr< VornNboAttrLogSa > const present( member ? out_->adapter( static_cast< Entity & >( *member ) )
                                                  : nullptr );
-   apply( attr, key, [&] {
+   apply( attr, key, [&]( FlowIn & flowIn ) {
       std::optional< FlowIn > arguing;
-      if ( present ) arguing.emplace( *present, nullptr, nullptr );
+      if ( present ) arguing.emplace( *out_, *present, nullptr, nullptr );
       auto const del = [&] {
-         flowIn_->furtherChange();
+         flowIn.furtherChange();
          attr.ops->op( nullptr, object(), attr, GenericIf::del, key, nullptr );
       };
       auto const make = [&] {
@@ -275,7 +280,8 @@ void Sa::deletionFromLog( VornAttr const & attr, In & in, bool write ) {
 }
 
 void Sa::memberDel( VornAttr const & attr, void const * key ) {
-   apply( attr, key, [&] { attr.ops->op( nullptr, object(), attr, GenericIf::del, key, nullptr ); } );
+   apply( attr, key,
+          [&]( FlowIn & ) { attr.ops->op( nullptr, object(), attr, GenericIf::del, key, nullptr ); } );
 }
 
 void StreamAdapter::doHandleAttrTransaction( U32, AttrTransactionType, In & ) {
@@ -319,14 +325,14 @@ void Sa::sweep( VornAttr const & attr ) {
          Ptr< PtrInterface > member;
          it.object( &member );
          auto const * const adapter = out_->adapter( static_cast< Entity & >( *member ) );
-         stale = !adapter || adapter->flags_.any( unconfirmed );
+         stale = !adapter || adapter->status_.any( unconfirmed );
       } else {
          stale = it.markedForDeletion();
       }
       if ( !stale ) continue;
       GenericIf::Value key( attr.keyType );
       it.key( key.data() );
-      NboAttrLog::FlagAnchor const anchor( flags_, applyingLog );
+      NboAttrLog::FlagAnchor const anchor( status_, applyingLog );
       memberDel( attr, key.data() );
    }
 }
@@ -348,8 +354,7 @@ void Sa::queueFromLog( VornAttr const & attr, AttrTransactionType type, In & in 
       }
    };
    if ( type == transactionBegin ) {
-      if ( !queueSeen_ ) queueSeen_ = std::make_unique< std::map< U32, std::set< U32 > > >();
-      ( *queueSeen_ )[attr.id()].clear();
+      out_->queuesSeen_[{ this, attr.id() }].clear();
       // What is left rises, as it does in the original; where the indices have wrapped, nothing is.
       U32 least = indices[0];
       delUnless( [&]( U32 index ) {
@@ -359,11 +364,8 @@ void Sa::queueFromLog( VornAttr const & attr, AttrTransactionType type, In & in 
       } );
       void const * const arg = indices;
       attr.ops->op( nullptr, object(), attr, GenericIf::indicesIs, nullptr, &arg );
-   } else if ( queueSeen_ ) {
-      auto const seen = std::move( ( *queueSeen_ )[attr.id()] );
-      queueSeen_->erase( attr.id() );
-      if ( queueSeen_->empty() ) queueSeen_.reset();
-      delUnless( [&]( U32 index ) { return seen.contains( index ); } );
+   } else if ( auto const begun = out_->queuesSeen_.extract( { this, attr.id() } ) ) {
+      delUnless( [&]( U32 index ) { return begun.mapped().contains( index ); } );
    }
 }
 

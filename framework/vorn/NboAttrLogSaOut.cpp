@@ -39,16 +39,16 @@ void writeArguments( Out & out, Entity & entity ) {
 /// Writes a record about the entity. False if there is no room for it, which a flag tells as well.
 template< class Body >
 bool Sa::send( NboAttrLog::RecordKind kind, U32 attributeId, Body const & body ) {
-   flags_.bitsIs( noRoom, false );
+   status_.bitsIs( noRoom, false );
    bool const sent = out_->record( kind, entityId(), attributeId, body );
-   flags_.bitsIs( noRoom, !sent );
+   status_.bitsIs( noRoom, !sent );
    return sent;
 }
 
 /// The number of a type on the log, or 0 if there is no room to announce it.
 U32 Sa::typeNumber( VornType const & type ) {
    U32 const number = out_->typeNumber( type );
-   flags_.bitsIs( noRoom, !number );
+   status_.bitsIs( noRoom, !number );
    return number;
 }
 
@@ -86,11 +86,11 @@ void Sa::handleValueSerialization( VornAttr const & x ) {
 
 /// The log, if an attribute without a key is to be written to it now. If it has to wait it is marked.
 Out * Sa::handleValueSerializationImpl( VornAttr const & x ) {
-   if ( flags_.any( suppressed ) || handlingFlowInFor( x, nullptr ) ) return nullptr;
-   if ( !flags_.any( hasEntityId ) ) return nullptr; // all is sent when the entity has been introduced
-   if ( flags_.any( handlingFlowOut ) ) return out_;
-   if ( flags_.any( readOnly ) && !convertedToWritable() ) doThrowReadOnly( x );
-   if ( !flags_.any( stopped | alwaysFlowOut ) && out_->hasSufficientBuffer() &&
+   if ( status_.any( suppressed ) || handlingFlowInFor( x, nullptr ) ) return nullptr;
+   if ( !status_.any( hasEntityId ) ) return nullptr; // all is sent when the entity has been introduced
+   if ( status_.any( handlingFlowOut ) ) return out_;
+   if ( status_.any( readOnly ) && !convertedToWritable() ) doThrowReadOnly( x );
+   if ( !status_.any( stopped | alwaysFlowOut ) && out_->hasSufficientBuffer() &&
         !( flowOut_ && flowOut_->vornIsDirty( x.id() ) ) )
       return out_;
    flowOutIs().vornIsDirtyIs( x.id(), true );
@@ -98,14 +98,14 @@ Out * Sa::handleValueSerializationImpl( VornAttr const & x ) {
 }
 
 void Sa::vornHandleXSerializeSing( VornAttr const & x, void const * key ) {
-   if ( flags_.any( suppressed ) || handlingFlowInFor( x, key ) ) return;
-   if ( !flags_.any( hasEntityId ) ) return; // all is sent when the entity has been introduced
-   if ( flags_.any( stopped ) ) {
+   if ( status_.any( suppressed ) || handlingFlowInFor( x, key ) ) return;
+   if ( !status_.any( hasEntityId ) ) return; // all is sent when the entity has been introduced
+   if ( status_.any( stopped ) ) {
       // It waits: a member that the transaction under way goes on to name keeps what happened meanwhile.
-      if ( !flags_.any( readOnly ) ) keyDirtyIs( x, key );
+      if ( !status_.any( readOnly ) ) keyDirtyIs( x, key );
       return;
    }
-   if ( flags_.any( readOnly ) && !convertedToWritable() ) doThrowReadOnly( x );
+   if ( status_.any( readOnly ) && !convertedToWritable() ) doThrowReadOnly( x );
    bool const room = out_->hasSufficientBuffer();
    if ( flowOut_ ) {
       if ( !room || !prepareImmediateTransmission( x ) ) {
@@ -114,7 +114,7 @@ void Sa::vornHandleXSerializeSing( VornAttr const & x, void const * key ) {
       }
       if ( flowOut_->hasDirtyCollKeys() )
          flowOut_->vornIsXDirtyDel( x.id(), GenericIf::Value( x.keyType, key ) );
-   } else if ( !room || flags_.any( alwaysFlowOut ) ) {
+   } else if ( !room || status_.any( alwaysFlowOut ) ) {
       flowOutIs().attrIdIs( x.id() );
       keyDirtyIs( x, key );
       return;
@@ -124,13 +124,13 @@ void Sa::vornHandleXSerializeSing( VornAttr const & x, void const * key ) {
 
 /// Whether a change of a collection may go out before what waits already.
 bool Sa::prepareImmediateTransmission( VornAttr const & x ) const {
-   return !flags_.any( alwaysFlowOut ) && flowOut_->vornHasSynced( x.id() );
+   return !status_.any( alwaysFlowOut ) && flowOut_->vornHasSynced( x.id() );
 }
 
 /// Whether a read-only adapter may write after all.
 bool Sa::convertedToWritable() {
-   if ( out_->permits_ && out_->permits_->writable( *entity_ ) ) flags_.bitsIs( readOnly, false );
-   return !flags_.any( readOnly );
+   if ( out_->permits_ && out_->permits_->writable( *entity_ ) ) status_.bitsIs( readOnly, false );
+   return !status_.any( readOnly );
 }
 
 void Sa::doThrowReadOnly( VornAttr const & x ) const {
@@ -143,7 +143,7 @@ void Sa::doThrowReadOnly( VornAttr const & x ) const {
 bool Sa::doSerializeOrphan() {
    bool introduced = false;
    if ( maySend() ) {
-      NboAttrLog::FlagAnchor const anchor( flags_, orphanRecord );
+      NboAttrLog::FlagAnchor const anchor( status_, orphanRecord );
       U32 const type = typeNumber( type_ );
       U32 const id = out_->lastEntityId_ + 1;
       introduced = type && send( NboAttrLog::introducingRecord, NboAttrLog::orphanId, [&] {
@@ -165,9 +165,9 @@ bool Sa::doSerializeOrphan() {
 
 /// Sends all that the entity has, to a reader that may have an older copy of it.
 void Sa::doThis() {
-   if ( flags_.any( suppressed ) ) return;
+   if ( status_.any( suppressed ) ) return;
    if ( flowOut_ ) freeResyncState( *flowOut_ ); // a walk under way begins anew
-   bool const room = !flags_.any( alwaysFlowOut | stopped );
+   bool const room = !status_.any( alwaysFlowOut | stopped );
    bool const grouped = room && !flowOut_ && serializeGroup();
    for ( VornAttr const * attr = type_.attributes; attr->name; ++attr ) {
       if ( !attr->logged() || ( grouped && isScalar( *attr ) ) ) continue;

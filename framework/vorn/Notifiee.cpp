@@ -14,7 +14,10 @@ constinit VornType const PtrInterface::NotifieeConst::_vornType = [] {
    return type;
 }();
 
-PtrInterface::NotifieeConst::~NotifieeConst() { leave(); }
+PtrInterface::NotifieeConst::~NotifieeConst() {
+   leave();
+   if ( held() ) notifier_->referenceDec();
+}
 
 void PtrInterface::NotifieeConst::vornReactor() {}
 
@@ -34,10 +37,11 @@ void PtrInterface::NotifieeConst::notifierIs( Ptr< PtrInterface const > const & 
    if ( notifier.ptr() == notifier_ ) return;
    leave();
    VORN_ASSERT( !notifier || !notifierType_ || notifier->fwkType()->isDerived( notifierType_ ) );
+   PtrInterface const * const old = held();
    notifier_ = notifier.ptr();
-   // The old object goes last: its destructor may call out.
-   Ptr< PtrInterface const > const old = std::exchange( strong_, weak_ ? nullptr : notifier );
+   if ( held() ) notifier_->referenceInc();
    enter();
+   if ( old ) old->referenceDec(); // last: its destructor may call out
 }
 
 void PtrInterface::NotifieeConst::isRegisteredNotifieeIs( bool registered ) {
@@ -51,8 +55,11 @@ void PtrInterface::NotifieeConst::isRegisteredNotifieeIs( bool registered ) {
 }
 
 void PtrInterface::NotifieeConst::isWeakReferenceIs( bool weak ) {
+   if ( weak == weak_ ) return;
+   PtrInterface const * const old = held();
    weak_ = weak;
-   Ptr< PtrInterface const > const old = std::exchange( strong_, weak ? nullptr : notifier_ );
+   if ( held() ) notifier_->referenceInc();
+   if ( old ) old->referenceDec();
 }
 
 void PtrInterface::NotifieeConst::enter() {
@@ -113,7 +120,9 @@ void NotifieeList::deleteAll() noexcept {
    while ( first_ ) {
       auto * const notifiee = first_;
       notifiee->leave();
+      PtrInterface const * const old = notifiee->held();
       notifiee->notifier_ = nullptr;
+      if ( old ) old->referenceDec();
    }
 }
 

@@ -17,12 +17,15 @@
 #include "Vorn/ValueType.h"
 
 #include <exception>
+#include <map>
 #include <memory>
+#include <set>
 #include <vector>
 
 namespace Vorn::NboAttrLog {
 
 class Demuxer;
+class FlowIn;
 class In;
 class References;
 
@@ -91,6 +94,7 @@ class VORN_API Out : public Connection::Out {
    friend class Vorn::Entity;
    friend class Vorn::Entity::VornNboAttrLogSa;
    friend class Demuxer;
+   friend class FlowIn;
    friend class In;
    friend class References;
 
@@ -119,6 +123,9 @@ class VORN_API Out : public Connection::Out {
    Adapter * firstPending_ = nullptr; // those with something to write, each knows its neighbours
    Adapter * lastPending_ = nullptr;
    std::unique_ptr< References > references_;
+   FlowIn * flowIn_ = nullptr; // what is being applied, innermost first
+   // The indices that have come in of the queues whose transactions are under way, by adapter and attribute.
+   std::map< std::pair< Adapter const *, U32 >, std::set< U32 > > queuesSeen_;
 };
 
 /// Values as they are written to a log.

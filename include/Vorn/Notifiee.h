@@ -77,14 +77,15 @@ class VORN_API PtrInterface::NotifieeConst : public PtrInterface {
    friend class Vorn::NotifieeList;
    friend class Vorn::NotifieeVisit;
 
+   /// The notifier, if one reference on it is ours.
+   PtrInterface const * held() const noexcept { return weak_ ? nullptr : notifier_; }
    void enter();
    void leave() noexcept;
 
    VornType const * notifierType_ = nullptr;
    PtrInterface const * notifier_ = nullptr;
-   Ptr< PtrInterface const > strong_; // the notifier, unless the binding is weak
-   NotifieeConst * next_ = nullptr;   // in the notifier's list; the last points to null
-   NotifieeConst * prev_ = nullptr;   // the first points to the last
+   NotifieeConst * next_ = nullptr; // in the notifier's list; the last points to null
+   NotifieeConst * prev_ = nullptr; // the first points to the last
    bool registered_ = false;
    bool weak_ = false;
    bool active_ = false;

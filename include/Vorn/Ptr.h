@@ -7,6 +7,7 @@
 #pragma once
 
 #include "Vorn/Assert.h"
+#include "Vorn/BitSet.h"
 #include "Vorn/Memory.h"
 
 #include <type_traits>
@@ -84,8 +85,8 @@ class VORN_API PtrInterface : public VFPtrInterface {
    }
 
  protected:
-   mutable U32 refs_ = 0;   ///< reference count and its flags
-   mutable U32 status_ = 0; ///< status flags of the framework
+   mutable U32 refs_ = 0; ///< reference count and its flags
+   Vorn_BitSet status_;   ///< status flags, for the framework; see StreamAdapter.h
 };
 
 /// Strong pointer to a counted object, one word. Null when empty. Copying takes a reference, destruction and

@@ -8,9 +8,6 @@
 #include "Vorn/NboAttrLogFlow.h"
 #include "Vorn/NboAttrLogOut.h"
 
-#include <map>
-#include <set>
-
 namespace Vorn {
 
 /// What every adapter has: its flags, its place in the log, and the operations that the log calls.
@@ -53,14 +50,13 @@ class VORN_API StreamAdapter : public PtrInterface {
    /// Ids of the collections that a synchronisation walks, in their order, ended by 0.
    virtual std::vector< U32 > attrIdsReqSync() const = 0;
 
-   Vorn_BitSet flags() const noexcept { return flags_; }
+   Vorn_BitSet flags() const noexcept { return status_; }
    /// Distance from the entity that was attached by hand.
    unsigned level() const noexcept { return level_; }
 
  protected:
-   StreamAdapter( Vorn_BitSet flags, unsigned level ) noexcept : flags_( flags ), level_( level ) {}
+   StreamAdapter( Vorn_BitSet flags, unsigned level ) noexcept : level_( level ) { status_ = flags; }
 
-   Vorn_BitSet flags_;
    unsigned level_;
 };
 
@@ -118,7 +114,6 @@ class VORN_API Entity::VornNboAttrLogSa final : public StreamAdapter {
    friend class NboAttrLog::Out;
    friend class NboAttrLog::Demuxer;
    friend class NboAttrLog::References;
-   class FlowIn;
 
    // Life (NboAttrLogSa.cpp).
    void onNotificationException();
@@ -162,11 +157,11 @@ class VORN_API Entity::VornNboAttrLogSa final : public StreamAdapter {
    void keyDirtyIs( VornAttr const & x, void const * key );
 
    // Records that come in (NboAttrLogSaIn.cpp).
-   FlowIn * flowInFor( VornAttr const & attr, void const * key ) const noexcept;
+   NboAttrLog::FlowIn * flowInFor( VornAttr const & attr, void const * key ) const noexcept;
    bool flowInReported( VornAttr const & attr, void const * key );
    /// Whether a change that the observer reports is one that is being applied.
    bool handlingFlowInFor( VornAttr const & attr, void const * key ) {
-      return flowIn_ && flowInReported( attr, key );
+      return out_ && out_->flowIn_ && flowInReported( attr, key );
    }
    template< class Call >
    void apply( VornAttr const & attr, void const * key, Call const & call );
@@ -188,10 +183,14 @@ class VORN_API Entity::VornNboAttrLogSa final : public StreamAdapter {
    void * object() const noexcept { return static_cast< PtrInterface * >( entity_ ); }
    VornAttr const * attribute( U32 id ) const noexcept;
    /// Whether nothing keeps it from sending but room.
-   bool maySend() const noexcept { return !flags_.any( suppressed | stopped ); }
+   bool maySend() const noexcept { return !status_.any( suppressed | stopped ); }
 
+   // One adapter stands for each entity that is logged, so every word counts. Three short ones fit in behind
+   // the level.
+   bool holds_; // a reference on the entity; not on one that was attached by hand
+   bool pending_ = false;
+   bool orphanPending_ = false;
    Entity * entity_;
-   Ptr< Entity > member_;  // the same, held; not held where it was attached by hand
    VornType const & type_; // the entity's
    NboAttrLog::Out * out_;
    VornNboAttrLogSaAdapter_ observer_;
@@ -201,15 +200,12 @@ class VORN_API Entity::VornNboAttrLogSa final : public StreamAdapter {
    VornNboAttrLogSa * prevChild_ = nullptr;
    VornNboAttrLogSa * nextPending_ = nullptr; // neighbours in the log's list of those with something to write
    VornNboAttrLogSa * prevPending_ = nullptr;
-   bool pending_ = false;
-   bool orphanPending_ = false;
    // Where both ends introduce an entity at the same time it has two numbers, and each end uses its own.
    U32 ownId_ = 0;
    U32 peerId_ = 0;
    std::unique_ptr< FlowOut > flowOut_;
-   FlowIn * flowIn_ = nullptr;                                     // what is being applied, innermost first
-   std::unique_ptr< std::map< U32, std::set< U32 > > > queueSeen_; // indices of the transactions under way
 };
+static_assert( sizeof( Entity::VornNboAttrLogSa ) <= 176 );
 
 /// Under the name by which the adapter knows it.
 class VORN_API Entity::VornNboAttrLogSa::FlowOut final : public NboAttrLog::FlowOut {
