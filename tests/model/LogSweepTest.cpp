@@ -47,6 +47,9 @@ class Carried {
    }
    Ptr< PtrInterface > const & original() const { return original_; }
    Ptr< PtrInterface > copy() const { return demuxer_->roots().at( 0 ); }
+   NboAttrLog::Out::Adapter * adapter() const {
+      return out_->adapter( static_cast< Entity & >( *original_ ) );
+   }
 
  private:
    Ptr< PtrInterface > original_;
@@ -127,6 +130,18 @@ TEST( LogSweep, AnAttributeTravelsIfAndOnlyIfItIsLogged ) {
       }
    }
    Vorn::System::clockIs( nullptr );
+}
+
+TEST( LogSweep, ASyncWalksTheLoggedCollectionsInOrder ) {
+   for ( ExpectedType const & expected : expectedEntities() ) {
+      std::vector< U32 > walked;
+      for ( ExpectedAttr const & attr : expectedAttributes( expected ) ) {
+         if ( attr.logged && !attr.key.empty() ) walked.push_back( attr.id );
+      }
+      walked.push_back( 0 );
+      Carried const carried( typeOf( expected.name ) );
+      EXPECT_EQ( carried.adapter()->attrIdsReqSync(), walked ) << expected.name;
+   }
 }
 
 TEST( LogSweep, EntitiesAndMembersOfLoggedCollectionsHaveAnAdapter ) {
