@@ -97,23 +97,6 @@ TEST( ProtoConfigTest, MakesItsParametersAndDropsItsChildrenInOrder ) {
    EXPECT_FALSE( filter->parent() );
 }
 
-TEST( LdpProtoParamSettingTest, BitsLeaveEachOtherAlone ) {
-   LdpProtoParamSetting setting( 0x200 );
-   EXPECT_TRUE( setting.pwStatusMethodLabelWithdraw() );
-   EXPECT_FALSE( setting.edgeRouterRole() || setting.anvlTestAllFecs() || setting.anvlTestAdvDsplForce() ||
-                 setting.anvlTestCompatible() );
-   setting.edgeRouterRoleIs( true );
-   EXPECT_EQ( setting.value(), 0x300u );
-   setting.pwStatusMethodLabelWithdrawIs( false );
-   EXPECT_EQ( setting.value(), 0x100u );
-   setting.anvlTestCompatibleIs( true );
-   setting.anvlTestAdvDsplForceIs( true );
-   setting.anvlTestAllFecsIs( true );
-   EXPECT_EQ( setting.value(), 0x10du );
-   EXPECT_TRUE( !LdpProtoParamSetting() );
-   EXPECT_FALSE( !LdpProtoParamSetting( 2 ) ) << "a bit without a name counts";
-}
-
 TEST( LdpGrOperationalFlagTest, ShowsItsFlagsByName ) {
    LdpGrOperationalFlag flag;
    flag.grFlagHelperIs( true );
