@@ -23,7 +23,7 @@ bool matches( Acl::PrefixEntry const & entry, Lumo::IpGenPrefix const & prefix )
    if ( entry.le && len > entry.le ) return false;
    if ( entry.ge && len < entry.ge ) return false;
    if ( entry.prefix.len > len ) return false;
-   return sameHead( entry.prefix.address, prefix.address().ipAddr(), entry.prefix.len );
+   return sameHead( entry.prefix.address, prefix.v4Addr(), entry.prefix.len );
 }
 
 } // namespace

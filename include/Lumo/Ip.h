@@ -122,6 +122,8 @@ class VORN_API IpGenPrefix {
    IpGenPrefix( IpGenAddr const & addr, U32 bits ) noexcept;
 
    IpGenAddr const & address() const noexcept { return address_; }
+   /// The address of an IPv4 prefix, 0.0.0.0 of any other.
+   IpAddr v4Addr() const noexcept { return address_.ipAddr(); }
    /// Prefix length in bits.
    U32 len() const noexcept { return len_; }
 
