@@ -450,7 +450,9 @@
 /// tells of what it has stored. What derives from the type shares it.
 #define VORN_OBSERVERS                                                                                       \
  public:                                                                                                     \
+   /** The observers. */                                                                                     \
    ::Vorn::NotifieeList * notifieeList() const override { return &notifieeList_; }                           \
+   /** Tells them of a change that is stored; for the mutators. */                                           \
    template< class Change >                                                                                  \
    void notify( Change const & change, void const * key = nullptr ) const {                                  \
       notifieeList_.tell( *this, change, key );                                                              \
