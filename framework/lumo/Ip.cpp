@@ -175,19 +175,33 @@ void sequenceToValue( String::IteratorConst & it, String::IteratorConst const & 
 
 VORN_TEXT_STREAM( IpGenAddr )
 
-IpGenPrefix::IpGenPrefix( IpGenAddr const & addr, U32 bits ) noexcept : len_( bits ) {
+namespace {
+
+/// The address with the bits behind the first `bits` cleared.
+IpAddr head( IpAddr const & addr, U32 bits ) noexcept {
+   return IpAddr( bits ? addr.value() & ~0u << ( IpAddr::bits - bits ) : 0 );
+}
+Ip6Addr head( Ip6Addr const & addr, U32 bits ) noexcept {
    Ip6Addr kept;
    U32 const whole = bits / 8;
    std::memcpy( kept.octets(), addr.octets(), whole );
    if ( bits % 8 ) kept.octets()[whole] = U8( addr.octets()[whole] & ( 0xff00 >> bits % 8 ) );
-   if ( addr.family() == ipv4 ) {
-      IpAddr kept4;
-      std::memcpy( kept4.octets(), kept.octets(), IpAddr::size );
-      address_ = kept4;
-   } else {
-      address_ = kept;
-   }
+   return kept;
 }
+IpGenAddr head( IpGenAddr const & addr, U32 bits ) noexcept {
+   if ( addr.family() == ipv4 ) return head( addr.ipAddr(), bits );
+   return head( addr.ip6Addr(), bits );
+}
+
+} // namespace
+
+// The address is made in its place: copied as a whole it would wait for the pieces that it is made of.
+IpGenPrefix::IpGenPrefix( IpAddr const & addr, U32 bits ) noexcept
+     : address_( head( addr, bits ) ), len_( bits ) {}
+IpGenPrefix::IpGenPrefix( Ip6Addr const & addr, U32 bits ) noexcept
+     : address_( head( addr, bits ) ), len_( bits ) {}
+IpGenPrefix::IpGenPrefix( IpGenAddr const & addr, U32 bits ) noexcept
+     : address_( head( addr, bits ) ), len_( bits ) {}
 
 U32 IpGenPrefix::hash() const noexcept { return address_.hash() + len_ * 0x9e3779b1u; }
 

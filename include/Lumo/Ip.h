@@ -115,9 +115,9 @@ class VORN_API IpGenPrefix {
  public:
    IpGenPrefix() noexcept = default;
    /// `bits` is at most 32.
-   IpGenPrefix( IpAddr const & addr, U32 bits ) noexcept : IpGenPrefix( IpGenAddr( addr ), bits ) {}
+   IpGenPrefix( IpAddr const & addr, U32 bits ) noexcept;
    /// `bits` is at most 128.
-   IpGenPrefix( Ip6Addr const & addr, U32 bits ) noexcept : IpGenPrefix( IpGenAddr( addr ), bits ) {}
+   IpGenPrefix( Ip6Addr const & addr, U32 bits ) noexcept;
    /// `addr` has a family, and `bits` fits it.
    IpGenPrefix( IpGenAddr const & addr, U32 bits ) noexcept;
 
