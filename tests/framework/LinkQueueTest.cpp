@@ -191,6 +191,17 @@ TEST( LinkQueue, placesByIndex ) {
    EXPECT_EQ( queue.firstIndex(), 12u );
 }
 
+TEST( LinkQueue, aNextIndexNeverLagsBehindTheLastElement ) {
+   Queue queue;
+   queue.indicesIs( 7, 7 );
+   queue.enq( "7" );
+   queue.indicesIs( 7, 3 );
+   EXPECT_EQ( queue.enq( "8" ), 8u );
+   queue.indicesIs( 7, 20 );
+   EXPECT_EQ( queue.enq( "20" ), 20u );
+   EXPECT_EQ( queue.members(), 3u );
+}
+
 TEST( LinkQueue, indexSpaceMayBeFull ) {
    Queue queue;
    queue.enq( "first" );
