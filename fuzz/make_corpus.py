@@ -7,6 +7,7 @@ before and removes nothing.
 """
 
 import os
+import random
 import struct
 
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -338,6 +339,8 @@ def main():
     write("FecTlvFuzz", "header-cut-short", b"\0\1\0\0")
     for name, text in texts():
         write("TextFuzz", name, text.encode())
+    for seed in range(4):
+        write("ReentryFuzz", "choices-%d" % seed, random.Random(seed).randbytes(1000))
 
 
 if __name__ == "__main__":

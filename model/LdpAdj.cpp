@@ -17,11 +17,11 @@ VORN_MODULE( &LdpAdjType_vornType, &LdpAdjId::_vornType, &LdpAdjConfig::_vornTyp
              &LdpAdjConfigColl::_vornType, &LdpAdjStatus::_vornType, &LdpAdjStatusColl::_vornType,
              &LdpAdjPerLink::_vornType )
 
-LdpAdjConfig::~LdpAdjConfig() { vornTeardown(); }
-LdpAdjConfigColl::~LdpAdjConfigColl() { vornTeardown(); }
-LdpAdjStatus::~LdpAdjStatus() { vornTeardown(); }
-LdpAdjStatusColl::~LdpAdjStatusColl() { vornTeardown(); }
-LdpAdjPerLink::~LdpAdjPerLink() { vornTeardown(); }
+LdpAdjConfig::~LdpAdjConfig() = default;
+LdpAdjConfigColl::~LdpAdjConfigColl() = default;
+LdpAdjStatus::~LdpAdjStatus() = default;
+LdpAdjStatusColl::~LdpAdjStatusColl() = default;
+LdpAdjPerLink::~LdpAdjPerLink() = default;
 
 LdpAdjType LdpAdjId::adjType() const { return intfId_.stringValue().empty() ? LdpTargetAdj : LdpLinkAdj; }
 

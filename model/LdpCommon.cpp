@@ -24,17 +24,17 @@ VORN_MODULE( &LdpMsg::_vornType, &LdpMsgPipe::_vornType, &LdpFecSessionMsgPipe::
              &LdpFecSessionMsgPipeColl::_vornType, &LdpP2mpSessionLocalLabelMsgPipeColl::_vornType,
              &LdpP2mpSessionRemoteLabelMsgPipeColl::_vornType )
 
-LdpMsgPipe::~LdpMsgPipe() { vornTeardown(); }
-LdpFecSessionMsgPipe::~LdpFecSessionMsgPipe() { vornTeardown(); }
-LdpP2mpSessionLocalLabelMsgPipe::~LdpP2mpSessionLocalLabelMsgPipe() { vornTeardown(); }
-LdpP2mpSessionRemoteLabelMsgPipe::~LdpP2mpSessionRemoteLabelMsgPipe() { vornTeardown(); }
-LdpTargetMsgPipeCollection::~LdpTargetMsgPipeCollection() { vornTeardown(); }
-LdpLinkMsgPipeCollection::~LdpLinkMsgPipeCollection() { vornTeardown(); }
-LdpAdjMsgPipeCollection::~LdpAdjMsgPipeCollection() { vornTeardown(); }
-LdpSessionMsgPipeColl::~LdpSessionMsgPipeColl() { vornTeardown(); }
-LdpFecSessionMsgPipeColl::~LdpFecSessionMsgPipeColl() { vornTeardown(); }
-LdpP2mpSessionLocalLabelMsgPipeColl::~LdpP2mpSessionLocalLabelMsgPipeColl() { vornTeardown(); }
-LdpP2mpSessionRemoteLabelMsgPipeColl::~LdpP2mpSessionRemoteLabelMsgPipeColl() { vornTeardown(); }
+LdpMsgPipe::~LdpMsgPipe() = default;
+LdpFecSessionMsgPipe::~LdpFecSessionMsgPipe() = default;
+LdpP2mpSessionLocalLabelMsgPipe::~LdpP2mpSessionLocalLabelMsgPipe() = default;
+LdpP2mpSessionRemoteLabelMsgPipe::~LdpP2mpSessionRemoteLabelMsgPipe() = default;
+LdpTargetMsgPipeCollection::~LdpTargetMsgPipeCollection() = default;
+LdpLinkMsgPipeCollection::~LdpLinkMsgPipeCollection() = default;
+LdpAdjMsgPipeCollection::~LdpAdjMsgPipeCollection() = default;
+LdpSessionMsgPipeColl::~LdpSessionMsgPipeColl() = default;
+LdpFecSessionMsgPipeColl::~LdpFecSessionMsgPipeColl() = default;
+LdpP2mpSessionLocalLabelMsgPipeColl::~LdpP2mpSessionLocalLabelMsgPipeColl() = default;
+LdpP2mpSessionRemoteLabelMsgPipeColl::~LdpP2mpSessionRemoteLabelMsgPipeColl() = default;
 
 LdpMsg::~LdpMsg() = default;
 

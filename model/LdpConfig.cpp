@@ -27,15 +27,15 @@ VORN_MODULE( &LdpLabelDistCtrl_vornType, &LdpLabelRetention_vornType, &LdpRunnin
              &Config::_vornType, &LdpConfigColl::_vornType, &ProtoConfig::_vornType,
              &LdpProtoConfigColl::_vornType, &LdpEnabledVrfColl::_vornType, &PwTargetConfigColl::_vornType )
 
-LdpIntfConfig::~LdpIntfConfig() { vornTeardown(); }
-LdpStaticFecBindingEntry::~LdpStaticFecBindingEntry() { vornTeardown(); }
-LdpStaticP2mpFecBindingEntry::~LdpStaticP2mpFecBindingEntry() { vornTeardown(); }
-Config::~Config() { vornTeardown(); }
-LdpConfigColl::~LdpConfigColl() { vornTeardown(); }
-ProtoConfig::~ProtoConfig() { vornTeardown(); }
-LdpProtoConfigColl::~LdpProtoConfigColl() { vornTeardown(); }
-LdpEnabledVrfColl::~LdpEnabledVrfColl() { vornTeardown(); }
-PwTargetConfigColl::~PwTargetConfigColl() { vornTeardown(); }
+LdpIntfConfig::~LdpIntfConfig() = default;
+LdpStaticFecBindingEntry::~LdpStaticFecBindingEntry() = default;
+LdpStaticP2mpFecBindingEntry::~LdpStaticP2mpFecBindingEntry() = default;
+Config::~Config() = default;
+LdpConfigColl::~LdpConfigColl() = default;
+ProtoConfig::~ProtoConfig() = default;
+LdpProtoConfigColl::~LdpProtoConfigColl() = default;
+LdpEnabledVrfColl::~LdpEnabledVrfColl() = default;
+PwTargetConfigColl::~PwTargetConfigColl() = default;
 
 VORN_TEXT_OF_RECORD( LdpFecBindingInfo )
 VORN_TEXT_OF_FLAGS( LdpGrOperationalFlag )
@@ -49,6 +49,7 @@ void LdpGrOperationalFlag::valueIs( U32 value ) {
 LdpConfigColl::LdpConfigColl( Vorn::Name const & name ) : name_( name ) { handleInitialized(); }
 
 void LdpConfigColl::handleInitialized() {
+   Vorn::Hold const hold( *this );
    configIs( L3::VrfName( "default" ) );
    initializedIs( true );
 }

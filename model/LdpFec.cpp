@@ -32,18 +32,18 @@ VORN_MODULE( &LdpFecConfigMembership_vornType, &LdpFecLspRole_vornType, &FecConf
              &LdpFecStatusColl::_vornType, &LdpFecNexthop::_vornType, &LdpFecNexthopColl::_vornType,
              &LdpFecCounters::_vornType )
 
-IntfIpViaMapping::~IntfIpViaMapping() { vornTeardown(); }
-LdpIdViaMapping::~LdpIdViaMapping() { vornTeardown(); }
-LdpFecConfig::~LdpFecConfig() { vornTeardown(); }
-LdpFecConfigNotifier::~LdpFecConfigNotifier() { vornTeardown(); }
-LdpFecConfigColl::~LdpFecConfigColl() { vornTeardown(); }
-LdpXsessionNotification::~LdpXsessionNotification() { vornTeardown(); }
-LdpFecStatus::~LdpFecStatus() { vornTeardown(); }
-LdpFecStatusNotifier::~LdpFecStatusNotifier() { vornTeardown(); }
-LdpFecStatusColl::~LdpFecStatusColl() { vornTeardown(); }
-LdpFecNexthop::~LdpFecNexthop() { vornTeardown(); }
-LdpFecNexthopColl::~LdpFecNexthopColl() { vornTeardown(); }
-LdpFecCounters::~LdpFecCounters() { vornTeardown(); }
+IntfIpViaMapping::~IntfIpViaMapping() = default;
+LdpIdViaMapping::~LdpIdViaMapping() = default;
+LdpFecConfig::~LdpFecConfig() = default;
+LdpFecConfigNotifier::~LdpFecConfigNotifier() = default;
+LdpFecConfigColl::~LdpFecConfigColl() = default;
+LdpXsessionNotification::~LdpXsessionNotification() = default;
+LdpFecStatus::~LdpFecStatus() = default;
+LdpFecStatusNotifier::~LdpFecStatusNotifier() = default;
+LdpFecStatusColl::~LdpFecStatusColl() = default;
+LdpFecNexthop::~LdpFecNexthop() = default;
+LdpFecNexthopColl::~LdpFecNexthopColl() = default;
+LdpFecCounters::~LdpFecCounters() = default;
 
 namespace {
 
@@ -52,13 +52,13 @@ namespace {
 template< class T >
 class Reset {
  public:
-   Reset( Vorn::Entity & notifier, T & field ) : notifier_( &notifier ), field_( field ) {}
+   Reset( Vorn::Entity & notifier, T & field ) : notifier_( notifier ), field_( field ) {}
    Reset( Reset const & ) = delete;
    Reset & operator=( Reset const & ) = delete;
    ~Reset() { field_ = T(); }
 
  private:
-   Vorn::Ptr< Vorn::Entity > const notifier_;
+   Vorn::Hold const notifier_;
    T & field_;
 };
 

@@ -31,7 +31,7 @@ bool matches( Acl::PrefixEntry const & entry, Lumo::IpGenPrefix const & prefix )
 VORN_RECORD( Ldp, LdpFecFilter )
 VORN_MODULE( &LdpFecFilter::_vornType )
 
-LdpFecFilter::~LdpFecFilter() { vornTeardown(); }
+LdpFecFilter::~LdpFecFilter() = default;
 
 bool LdpFecFilter::isPermittedFec( Mpls::FwdEqvClass const & fec ) const {
    TWAIN_FUNCTION( "LdpFecFilter::isPermittedFec", fec );

@@ -18,10 +18,10 @@ VORN_MODULE( &LdpLocalLabelState_vornType, &LdpPeerLabelState_vornType, &LdpFecS
              &LdpFecSessionStatus::_vornType, &LdpFecSessionStatusBySession::_vornType,
              &LdpFecSessionStatusColl::_vornType, &LdpFecSessionNotifier::_vornType )
 
-LdpFecSessionStatus::~LdpFecSessionStatus() { vornTeardown(); }
-LdpFecSessionStatusBySession::~LdpFecSessionStatusBySession() { vornTeardown(); }
-LdpFecSessionStatusColl::~LdpFecSessionStatusColl() { vornTeardown(); }
-LdpFecSessionNotifier::~LdpFecSessionNotifier() { vornTeardown(); }
+LdpFecSessionStatus::~LdpFecSessionStatus() = default;
+LdpFecSessionStatusBySession::~LdpFecSessionStatusBySession() = default;
+LdpFecSessionStatusColl::~LdpFecSessionStatusColl() = default;
+LdpFecSessionNotifier::~LdpFecSessionNotifier() = default;
 
 U32 LdpFecSessionId::hash() const { return fwdEqvClass_.hash() + ldpSessionId_.hash(); }
 
@@ -42,14 +42,16 @@ Vorn::String valueToStrep( LdpFecSessionId const & value ) { return value.string
 void sequenceToValue( Vorn::String::IteratorConst & it, Vorn::String::IteratorConst const & end,
                       LdpFecSessionId * value ) {
    auto const bar = std::find( it, end, '_' );
-   if ( bar == end || bar + 1 == end ) Vorn::throwRangeException( "Invalid LdpFecSessionId" );
    auto at = it;
    Lumo::IpGenPrefix prefix;
    LdpIdentifier peer;
-   sequenceToValue( at, bar, &prefix );
-   if ( at != bar ) Vorn::throwRangeException( "Invalid LdpFecSessionId" );
-   ++at;
-   sequenceToValue( at, end, &peer );
+   try {
+      sequenceToValue( at, bar, &prefix );
+      if ( at != bar || bar == end ) Vorn::throwRangeException( "no session" );
+      sequenceToValue( ++at, end, &peer );
+   } catch ( Vorn::RangeException const & ) {
+      Vorn::throwRangeException( "Invalid LdpFecSessionId" );
+   }
    *value = LdpFecSessionId( Mpls::FwdEqvClass( prefix ), LdpSessionId( peer ) );
    it = at;
 }

@@ -11,8 +11,8 @@ VORN_RECORD( Ldp, LocalGrStatus )
 VORN_RECORD( Ldp, LdpGrStatus )
 VORN_MODULE( &GrMembership_vornType, &LocalGrStatus::_vornType, &LdpGrStatus::_vornType )
 
-LocalGrStatus::~LocalGrStatus() { vornTeardown(); }
-LdpGrStatus::~LdpGrStatus() { vornTeardown(); }
+LocalGrStatus::~LocalGrStatus() = default;
+LdpGrStatus::~LdpGrStatus() = default;
 
 double LocalGrStatus::remainingHoldingTime() const {
    if ( holdingTimerExpirationTime_ > std::numeric_limits< double >::max() ) return 0.0;

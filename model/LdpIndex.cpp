@@ -11,11 +11,11 @@ VORN_RECORD( Ldp, LdpIndex )
 VORN_MODULE( &PeerSession::_vornType, &PeerTransportIpMap::_vornType, &PeerPwRequest::_vornType,
              &LabelFecMap::_vornType, &PwFecSessionInfoMap::_vornType, &LdpIndex::_vornType )
 
-PeerSession::~PeerSession() { vornTeardown(); }
-PeerTransportIpMap::~PeerTransportIpMap() { vornTeardown(); }
-PeerPwRequest::~PeerPwRequest() { vornTeardown(); }
-LabelFecMap::~LabelFecMap() { vornTeardown(); }
-PwFecSessionInfoMap::~PwFecSessionInfoMap() { vornTeardown(); }
-LdpIndex::~LdpIndex() { vornTeardown(); }
+PeerSession::~PeerSession() = default;
+PeerTransportIpMap::~PeerTransportIpMap() = default;
+PeerPwRequest::~PeerPwRequest() = default;
+LabelFecMap::~LabelFecMap() = default;
+PwFecSessionInfoMap::~PwFecSessionInfoMap() = default;
+LdpIndex::~LdpIndex() = default;
 
 } // namespace Ldp

@@ -11,9 +11,9 @@ VORN_MODULE( &LabelAllocStatusEnum_vornType, &LabelAllocRequest::_vornType,
              &LabelAllocRequestTable::_vornType, &LabelAllocGlobalStatus::_vornType,
              &MplsLabelSet::_vornType )
 
-LabelAllocRequest::~LabelAllocRequest() { vornTeardown(); }
-LabelAllocRequestTable::~LabelAllocRequestTable() { vornTeardown(); }
-LabelAllocGlobalStatus::~LabelAllocGlobalStatus() { vornTeardown(); }
-MplsLabelSet::~MplsLabelSet() { vornTeardown(); }
+LabelAllocRequest::~LabelAllocRequest() = default;
+LabelAllocRequestTable::~LabelAllocRequestTable() = default;
+LabelAllocGlobalStatus::~LabelAllocGlobalStatus() = default;
+MplsLabelSet::~MplsLabelSet() = default;
 
 } // namespace Ldp

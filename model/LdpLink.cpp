@@ -18,16 +18,16 @@ VORN_MODULE( &ConfigState_vornType, &LdpLinkBaseConfig::_vornType, &LdpLinkCommo
              &LdpLinkCommonStatus::_vornType, &LdpLinkStatusColl::_vornType, &LdpLinkUdpPamStatus::_vornType,
              &IpIntfMember::_vornType, &LocalIntfIpColl::_vornType )
 
-LdpLinkBaseConfig::~LdpLinkBaseConfig() { vornTeardown(); }
-LdpLinkCommonConfig::~LdpLinkCommonConfig() { vornTeardown(); }
-LdpLinkConfig::~LdpLinkConfig() { vornTeardown(); }
-LdpLinkConfigColl::~LdpLinkConfigColl() { vornTeardown(); }
-LdpLinkStatus::~LdpLinkStatus() { vornTeardown(); }
-LdpLinkCommonStatus::~LdpLinkCommonStatus() { vornTeardown(); }
-LdpLinkStatusColl::~LdpLinkStatusColl() { vornTeardown(); }
-LdpLinkUdpPamStatus::~LdpLinkUdpPamStatus() { vornTeardown(); }
-IpIntfMember::~IpIntfMember() { vornTeardown(); }
-LocalIntfIpColl::~LocalIntfIpColl() { vornTeardown(); }
+LdpLinkBaseConfig::~LdpLinkBaseConfig() = default;
+LdpLinkCommonConfig::~LdpLinkCommonConfig() = default;
+LdpLinkConfig::~LdpLinkConfig() = default;
+LdpLinkConfigColl::~LdpLinkConfigColl() = default;
+LdpLinkStatus::~LdpLinkStatus() = default;
+LdpLinkCommonStatus::~LdpLinkCommonStatus() = default;
+LdpLinkStatusColl::~LdpLinkStatusColl() = default;
+LdpLinkUdpPamStatus::~LdpLinkUdpPamStatus() = default;
+IpIntfMember::~IpIntfMember() = default;
+LocalIntfIpColl::~LocalIntfIpColl() = default;
 
 LdpLinkStatusColl::LdpLinkStatusColl( Vorn::Name const & name ) : name_( name ) {
    ldpLinkCommonStatusIs( Vorn::Name( "llcs" ) );

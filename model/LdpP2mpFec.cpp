@@ -13,11 +13,11 @@ VORN_MODULE( &LdpP2mpFecStateMembership_vornType, &LdpP2mpFecRole_vornType, &Ldp
              &LdpP2mpFecStateColl::_vornType, &LdpP2mpLabelTerminatingInfo::_vornType,
              &LdpP2mpLabelTerminatingInfoColl::_vornType, &LdpP2mpFecCounters::_vornType )
 
-LdpP2mpFecState::~LdpP2mpFecState() { vornTeardown(); }
-LdpP2mpFecStateColl::~LdpP2mpFecStateColl() { vornTeardown(); }
-LdpP2mpLabelTerminatingInfo::~LdpP2mpLabelTerminatingInfo() { vornTeardown(); }
-LdpP2mpLabelTerminatingInfoColl::~LdpP2mpLabelTerminatingInfoColl() { vornTeardown(); }
-LdpP2mpFecCounters::~LdpP2mpFecCounters() { vornTeardown(); }
+LdpP2mpFecState::~LdpP2mpFecState() = default;
+LdpP2mpFecStateColl::~LdpP2mpFecStateColl() = default;
+LdpP2mpLabelTerminatingInfo::~LdpP2mpLabelTerminatingInfo() = default;
+LdpP2mpLabelTerminatingInfoColl::~LdpP2mpLabelTerminatingInfoColl() = default;
+LdpP2mpFecCounters::~LdpP2mpFecCounters() = default;
 
 LdpP2mpFecState::LdpP2mpFecState( Mpls::FwdEqvClass const & p2mpFecId ) : p2mpFecId_( p2mpFecId ) {
    mplsLabelSetIs( Vorn::Name( "labelSet" ), p2mpFecId );

@@ -14,12 +14,12 @@ VORN_MODULE( &LdpP2mpFecSessionEvent_vornType, &LdpP2mpFecSessionLocalEphemeralS
              &LdpP2mpFecSessionLocalStateColl::_vornType, &LdpP2mpFecSessionLocalStateNotifier::_vornType,
              &LdpP2mpFecSessionLocalStateNotifierColl::_vornType )
 
-LdpP2mpFecSessionLocalEphemeralState::~LdpP2mpFecSessionLocalEphemeralState() { vornTeardown(); }
-LdpP2mpFecSessionLocalState::~LdpP2mpFecSessionLocalState() { vornTeardown(); }
-LdpP2mpFecSessionLocalStatePerSessionColl::~LdpP2mpFecSessionLocalStatePerSessionColl() { vornTeardown(); }
-LdpP2mpFecSessionLocalStateColl::~LdpP2mpFecSessionLocalStateColl() { vornTeardown(); }
-LdpP2mpFecSessionLocalStateNotifier::~LdpP2mpFecSessionLocalStateNotifier() { vornTeardown(); }
-LdpP2mpFecSessionLocalStateNotifierColl::~LdpP2mpFecSessionLocalStateNotifierColl() { vornTeardown(); }
+LdpP2mpFecSessionLocalEphemeralState::~LdpP2mpFecSessionLocalEphemeralState() = default;
+LdpP2mpFecSessionLocalState::~LdpP2mpFecSessionLocalState() = default;
+LdpP2mpFecSessionLocalStatePerSessionColl::~LdpP2mpFecSessionLocalStatePerSessionColl() = default;
+LdpP2mpFecSessionLocalStateColl::~LdpP2mpFecSessionLocalStateColl() = default;
+LdpP2mpFecSessionLocalStateNotifier::~LdpP2mpFecSessionLocalStateNotifier() = default;
+LdpP2mpFecSessionLocalStateNotifierColl::~LdpP2mpFecSessionLocalStateNotifierColl() = default;
 
 LdpP2mpFecSessionLocalState::LdpP2mpFecSessionLocalState( LdpFecSessionId const & ldpP2mpFecSessionId )
      : ldpP2mpFecSessionId_( ldpP2mpFecSessionId ) {

@@ -11,10 +11,10 @@ VORN_MODULE( &LdpP2mpFecSessionRemoteState::_vornType, &LdpP2mpFecSessionRemoteS
              &LdpP2mpFecSessionRemoteStateColl::_vornType, &LdpP2mpFecSessionRemoteStateNotifier::_vornType,
              &LdpP2mpFecSessionRemoteStateNotifierColl::_vornType )
 
-LdpP2mpFecSessionRemoteState::~LdpP2mpFecSessionRemoteState() { vornTeardown(); }
-LdpP2mpFecSessionRemoteStatePerSessionColl::~LdpP2mpFecSessionRemoteStatePerSessionColl() { vornTeardown(); }
-LdpP2mpFecSessionRemoteStateColl::~LdpP2mpFecSessionRemoteStateColl() { vornTeardown(); }
-LdpP2mpFecSessionRemoteStateNotifier::~LdpP2mpFecSessionRemoteStateNotifier() { vornTeardown(); }
-LdpP2mpFecSessionRemoteStateNotifierColl::~LdpP2mpFecSessionRemoteStateNotifierColl() { vornTeardown(); }
+LdpP2mpFecSessionRemoteState::~LdpP2mpFecSessionRemoteState() = default;
+LdpP2mpFecSessionRemoteStatePerSessionColl::~LdpP2mpFecSessionRemoteStatePerSessionColl() = default;
+LdpP2mpFecSessionRemoteStateColl::~LdpP2mpFecSessionRemoteStateColl() = default;
+LdpP2mpFecSessionRemoteStateNotifier::~LdpP2mpFecSessionRemoteStateNotifier() = default;
+LdpP2mpFecSessionRemoteStateNotifierColl::~LdpP2mpFecSessionRemoteStateNotifierColl() = default;
 
 } // namespace Ldp

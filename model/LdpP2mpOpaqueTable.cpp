@@ -8,7 +8,7 @@ namespace Ldp {
 VORN_RECORD( Ldp, LdpP2mpOpaqueTable )
 VORN_MODULE( &LdpP2mpOpaqueTable::_vornType )
 
-LdpP2mpOpaqueTable::~LdpP2mpOpaqueTable() { vornTeardown(); }
+LdpP2mpOpaqueTable::~LdpP2mpOpaqueTable() = default;
 
 namespace {
 
@@ -35,15 +35,18 @@ U32 LdpP2mpOpaqueTable::getOpaqueIndex( Vorn::String const & value ) const {
 }
 
 U32 LdpP2mpOpaqueTable::getOrCreateOpaqueIndex( Vorn::String const & value ) {
-   auto const table = table_; // an observer of the new index may drop this object
-   if ( auto const entry = table->opaqueValColl()->opaqueVal( value ) ) return entry->oValIndex();
+   // What observers of the new index may drop.
+   Vorn::Hold const hold( *this );
+   auto const values = table_->opaqueValColl();
+   auto const indices = table_->opaqueIndexColl();
+   if ( auto const entry = values->opaqueVal( value ) ) return entry->oValIndex();
    U32 const newIndex = allocate();
    TWAIN_TRACE( 9, " In LdpP2mpOpaqueTable::getOrCreateOpaqueIndex newIndex is ", newIndex );
-   table->opaqueValColl()->opaqueValIs( value )->oValIndexIs( newIndex );
+   values->opaqueValIs( value )->oValIndexIs( newIndex );
    // An index that was freed twice comes to light here.
-   auto const oi = table->opaqueIndexColl()->opaqueIndex( newIndex );
+   auto const oi = indices->opaqueIndex( newIndex );
    VORN_ASSERT( !oi );
-   table->opaqueIndexColl()->opaqueIndexIs( newIndex )->oValStrIs( value );
+   indices->opaqueIndexIs( newIndex )->oValStrIs( value );
    return newIndex;
 }
 
@@ -63,15 +66,20 @@ void LdpP2mpOpaqueTable::addMembership( Mpls::FwdEqvClass const & fec ) {
 void LdpP2mpOpaqueTable::delMembership( Mpls::FwdEqvClass const & fec ) {
    U32 const index = fec.first();
    TWAIN_TRACE( 9, "In LdpP2mpOpaqueTable::delMembership oIndex is ", index );
-   auto const oi = table_->opaqueIndexColl()->opaqueIndex( index );
+   // What observers of the removal may drop.
+   Vorn::Hold const hold( *this );
+   auto const values = table_->opaqueValColl();
+   auto const indices = table_->opaqueIndexColl();
+   auto const oi = indices->opaqueIndex( index );
    VORN_ASSERT( oi );
    TWAIN_TRACE( 9, "Removing membership for p2mpFecId ", fec );
    oi->membershipDel( fec );
-   auto const value = table_->opaqueValColl()->opaqueVal( oi->oValStr() );
+   Vorn::String const value = oi->oValStr();
    TWAIN_TRACE( 9, "Number of memberships = ", oi->memberships() );
-   if ( oi->memberships() == 0 ) {
-      table_->opaqueIndexColl()->opaqueIndexDel( index );
-      table_->opaqueValColl()->opaqueValDel( value->oValStr() );
+   // An observer may have removed another FEC of the value, the last one, and so the index with it.
+   if ( oi->memberships() == 0 && indices->opaqueIndex( index ) == oi ) {
+      indices->opaqueIndexDel( index );
+      values->opaqueValDel( value );
       free( index );
    }
 }

@@ -9,9 +9,9 @@ VORN_RECORD( Ldp, LdpPeerStatusColl )
 VORN_MODULE( &LdpPeerConfig::_vornType, &LdpPeerConfigColl::_vornType, &LdpPeerStatus::_vornType,
              &LdpPeerStatusColl::_vornType )
 
-LdpPeerConfig::~LdpPeerConfig() { vornTeardown(); }
-LdpPeerConfigColl::~LdpPeerConfigColl() { vornTeardown(); }
-LdpPeerStatus::~LdpPeerStatus() { vornTeardown(); }
-LdpPeerStatusColl::~LdpPeerStatusColl() { vornTeardown(); }
+LdpPeerConfig::~LdpPeerConfig() = default;
+LdpPeerConfigColl::~LdpPeerConfigColl() = default;
+LdpPeerStatus::~LdpPeerStatus() = default;
+LdpPeerStatusColl::~LdpPeerStatusColl() = default;
 
 } // namespace Ldp

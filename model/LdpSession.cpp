@@ -18,11 +18,11 @@ VORN_MODULE( &SessionOpState_vornType, &LdpSessionRole_vornType, &GrState_vornTy
              &LdpSessionConfigColl::_vornType, &LdpSessionStatus::_vornType,
              &LdpSessionStatusColl::_vornType )
 
-LdpSessionCommonConfig::~LdpSessionCommonConfig() { vornTeardown(); }
-LdpSessionConfig::~LdpSessionConfig() { vornTeardown(); }
-LdpSessionConfigColl::~LdpSessionConfigColl() { vornTeardown(); }
-LdpSessionStatus::~LdpSessionStatus() { vornTeardown(); }
-LdpSessionStatusColl::~LdpSessionStatusColl() { vornTeardown(); }
+LdpSessionCommonConfig::~LdpSessionCommonConfig() = default;
+LdpSessionConfig::~LdpSessionConfig() = default;
+LdpSessionConfigColl::~LdpSessionConfigColl() = default;
+LdpSessionStatus::~LdpSessionStatus() = default;
+LdpSessionStatusColl::~LdpSessionStatusColl() = default;
 
 U32 LdpSessionId::hash() const { return peerLdpId_.hash(); }
 

@@ -9,7 +9,7 @@ VORN_RECORD( Ldp, LdpSessionStateLogEntryColl )
 VORN_MODULE( &SessionState_vornType, &LdpSessionStateLogEntry::_vornType,
              &LdpSessionStateLogEntryColl::_vornType )
 
-LdpSessionStateLogEntryColl::~LdpSessionStateLogEntryColl() { vornTeardown(); }
+LdpSessionStateLogEntryColl::~LdpSessionStateLogEntryColl() = default;
 
 void LdpSessionStateLogEntryColl::addSessionStateLogEntry( LdpSessionStateLogEntry const & entry ) {
    if ( shouldAddSessionStateLogEntry( entry ) ) internalAddLogEntry_( entry );
@@ -26,7 +26,7 @@ bool LdpSessionStateLogEntryColl::shouldAddSessionStateLogEntry(
 
 void LdpSessionStateLogEntryColl::internalAddLogEntry_( LdpSessionStateLogEntry const & entry ) {
    VORN_ASSERT( sessionStateLogEntrys() <= maxSize() );
-   Vorn::Ptr< Self > const hold( this ); // an observer of the removal may drop the log
+   Vorn::Hold const hold( *this ); // an observer of the removal may drop the log
    if ( sessionStateLogEntrys() == maxSize() ) sessionStateLogEntryDeq();
    sessionStateLogEntryEnq( entry );
 }

@@ -9,8 +9,8 @@ VORN_RECORD( Ldp, LdpSessionStatisticsColl )
 VORN_MODULE( &LdpMsgIdFecMappingInfo::_vornType, &PwMsgIdFecMappingInfo::_vornType,
              &LdpSessionStatistics::_vornType, &LdpSessionStatisticsColl::_vornType )
 
-LdpSessionStatistics::~LdpSessionStatistics() { vornTeardown(); }
-LdpSessionStatisticsColl::~LdpSessionStatisticsColl() { vornTeardown(); }
+LdpSessionStatistics::~LdpSessionStatistics() = default;
+LdpSessionStatisticsColl::~LdpSessionStatisticsColl() = default;
 
 VORN_TEXT_OF_RECORD( LdpMsgIdFecMappingInfo )
 VORN_TEXT_OF_RECORD( PwMsgIdFecMappingInfo )

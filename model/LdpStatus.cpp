@@ -11,10 +11,10 @@ VORN_RECORD( Ldp, LdpStatusColl )
 VORN_MODULE( &LdpAgentStatus::_vornType, &Statistics::_vornType, &Status::_vornType,
              &LdpStatusColl::_vornType )
 
-LdpAgentStatus::~LdpAgentStatus() { vornTeardown(); }
-Statistics::~Statistics() { vornTeardown(); }
-Status::~Status() { vornTeardown(); }
-LdpStatusColl::~LdpStatusColl() { vornTeardown(); }
+LdpAgentStatus::~LdpAgentStatus() = default;
+Statistics::~Statistics() = default;
+Status::~Status() = default;
+LdpStatusColl::~LdpStatusColl() = default;
 
 Lumo::NamespaceName Status::defaultNsName() const { return Lumo::NamespaceName::defaultNamespace(); }
 

@@ -10,10 +10,10 @@ VORN_RECORD( Ldp, LdpIdIntfIpMappingEntryTable )
 VORN_MODULE( &LdpIdentifierSet::_vornType, &LabelAdvertisementColl::_vornType, &LdpIpAddrColl::_vornType,
              &LdpIdIntfIpMappingTable::_vornType, &LdpIdIntfIpMappingEntryTable::_vornType )
 
-LdpIdentifierSet::~LdpIdentifierSet() { vornTeardown(); }
-LabelAdvertisementColl::~LabelAdvertisementColl() { vornTeardown(); }
-LdpIpAddrColl::~LdpIpAddrColl() { vornTeardown(); }
-LdpIdIntfIpMappingTable::~LdpIdIntfIpMappingTable() { vornTeardown(); }
-LdpIdIntfIpMappingEntryTable::~LdpIdIntfIpMappingEntryTable() { vornTeardown(); }
+LdpIdentifierSet::~LdpIdentifierSet() = default;
+LabelAdvertisementColl::~LabelAdvertisementColl() = default;
+LdpIpAddrColl::~LdpIpAddrColl() = default;
+LdpIdIntfIpMappingTable::~LdpIdIntfIpMappingTable() = default;
+LdpIdIntfIpMappingEntryTable::~LdpIdIntfIpMappingEntryTable() = default;
 
 } // namespace Ldp

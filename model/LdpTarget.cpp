@@ -13,11 +13,11 @@ VORN_MODULE( &LdpTargetMembership_vornType, &LdpTargetBaseConfig::_vornType,
              &LdpTargetCommonConfig::_vornType, &LdpTargetConfig::_vornType, &LdpTargetConfigColl::_vornType,
              &LdpTargetStatus::_vornType, &LdpTargetStatusColl::_vornType )
 
-LdpTargetBaseConfig::~LdpTargetBaseConfig() { vornTeardown(); }
-LdpTargetCommonConfig::~LdpTargetCommonConfig() { vornTeardown(); }
-LdpTargetConfig::~LdpTargetConfig() { vornTeardown(); }
-LdpTargetConfigColl::~LdpTargetConfigColl() { vornTeardown(); }
-LdpTargetStatus::~LdpTargetStatus() { vornTeardown(); }
-LdpTargetStatusColl::~LdpTargetStatusColl() { vornTeardown(); }
+LdpTargetBaseConfig::~LdpTargetBaseConfig() = default;
+LdpTargetCommonConfig::~LdpTargetCommonConfig() = default;
+LdpTargetConfig::~LdpTargetConfig() = default;
+LdpTargetConfigColl::~LdpTargetConfigColl() = default;
+LdpTargetStatus::~LdpTargetStatus() = default;
+LdpTargetStatusColl::~LdpTargetStatusColl() = default;
 
 } // namespace Ldp

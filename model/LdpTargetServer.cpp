@@ -6,7 +6,7 @@ VORN_RECORD( Ldp, LdpTargetServerConfig )
 VORN_RECORD( Ldp, LdpTargetServerStatus )
 VORN_MODULE( &LdpTargetServerConfig::_vornType, &LdpTargetServerStatus::_vornType )
 
-LdpTargetServerConfig::~LdpTargetServerConfig() { vornTeardown(); }
-LdpTargetServerStatus::~LdpTargetServerStatus() { vornTeardown(); }
+LdpTargetServerConfig::~LdpTargetServerConfig() = default;
+LdpTargetServerStatus::~LdpTargetServerStatus() = default;
 
 } // namespace Ldp

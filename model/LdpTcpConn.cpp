@@ -11,10 +11,10 @@ VORN_RECORD( Ldp, LdpTcpConnStatusColl )
 VORN_MODULE( &LdpTcpConnConfig::_vornType, &LdpTcpConnConfigColl::_vornType, &LdpTcpConnStatus::_vornType,
              &LdpTcpConnStatusColl::_vornType )
 
-LdpTcpConnConfig::~LdpTcpConnConfig() { vornTeardown(); }
-LdpTcpConnConfigColl::~LdpTcpConnConfigColl() { vornTeardown(); }
-LdpTcpConnStatus::~LdpTcpConnStatus() { vornTeardown(); }
-LdpTcpConnStatusColl::~LdpTcpConnStatusColl() { vornTeardown(); }
+LdpTcpConnConfig::~LdpTcpConnConfig() = default;
+LdpTcpConnConfigColl::~LdpTcpConnConfigColl() = default;
+LdpTcpConnStatus::~LdpTcpConnStatus() = default;
+LdpTcpConnStatusColl::~LdpTcpConnStatusColl() = default;
 
 LdpTcpConnConfig::LdpTcpConnConfig( Lumo::IpGenAddr const & serverIpAddr, Lumo::Port serverPort,
                                     Lumo::IpGenAddr const & clientIpAddr,

@@ -6,7 +6,7 @@ VORN_RECORD( Ldp, LdpTcpServerConfig )
 VORN_RECORD( Ldp, LdpTcpServerStatus )
 VORN_MODULE( &LdpTcpServerConfig::_vornType, &LdpTcpServerStatus::_vornType )
 
-LdpTcpServerConfig::~LdpTcpServerConfig() { vornTeardown(); }
-LdpTcpServerStatus::~LdpTcpServerStatus() { vornTeardown(); }
+LdpTcpServerConfig::~LdpTcpServerConfig() = default;
+LdpTcpServerStatus::~LdpTcpServerStatus() = default;
 
 } // namespace Ldp

@@ -10,9 +10,9 @@ VORN_RECORD( Ldp, PwStatusColl )
 VORN_MODULE( &PwStatusMethod_vornType, &PwConfig::_vornType, &PwConfigColl::_vornType, &PwStatus::_vornType,
              &PwStatusColl::_vornType )
 
-PwConfig::~PwConfig() { vornTeardown(); }
-PwConfigColl::~PwConfigColl() { vornTeardown(); }
-PwStatus::~PwStatus() { vornTeardown(); }
-PwStatusColl::~PwStatusColl() { vornTeardown(); }
+PwConfig::~PwConfig() = default;
+PwConfigColl::~PwConfigColl() = default;
+PwStatus::~PwStatus() = default;
+PwStatusColl::~PwStatusColl() = default;
 
 } // namespace Ldp

@@ -20,13 +20,13 @@ VORN_MODULE( &PwFecSessionMember_vornType, &PwFecSessionStatusState_vornType, &P
              &RemotePwFecSessionStatus::_vornType, &RemotePwFecSessionStatusColl::_vornType,
              &PwFecSessionMsgPipeColl::_vornType )
 
-PwFecSessionConfig::~PwFecSessionConfig() { vornTeardown(); }
-PwFecSessionConfigColl::~PwFecSessionConfigColl() { vornTeardown(); }
-LocalPwFecSessionStatus::~LocalPwFecSessionStatus() { vornTeardown(); }
-LocalPwFecSessionStatusColl::~LocalPwFecSessionStatusColl() { vornTeardown(); }
-RemotePwFecSessionStatus::~RemotePwFecSessionStatus() { vornTeardown(); }
-RemotePwFecSessionStatusColl::~RemotePwFecSessionStatusColl() { vornTeardown(); }
-PwFecSessionMsgPipeColl::~PwFecSessionMsgPipeColl() { vornTeardown(); }
+PwFecSessionConfig::~PwFecSessionConfig() = default;
+PwFecSessionConfigColl::~PwFecSessionConfigColl() = default;
+LocalPwFecSessionStatus::~LocalPwFecSessionStatus() = default;
+LocalPwFecSessionStatusColl::~LocalPwFecSessionStatusColl() = default;
+RemotePwFecSessionStatus::~RemotePwFecSessionStatus() = default;
+RemotePwFecSessionStatusColl::~RemotePwFecSessionStatusColl() = default;
+PwFecSessionMsgPipeColl::~PwFecSessionMsgPipeColl() = default;
 
 bool PwFecSessionId::isValid() const { return pwFwdEqvClass_.pwId().value() != 0; }
 
@@ -56,14 +56,16 @@ Vorn::String valueToStrep( PwFecSessionId const & value ) { return value.stringV
 void sequenceToValue( Vorn::String::IteratorConst & it, Vorn::String::IteratorConst const & end,
                       PwFecSessionId * value ) {
    auto const bar = std::find( it, end, '_' );
-   if ( bar == end || bar + 1 == end ) Vorn::throwRangeException( "Invalid PwFecSessionId" );
    auto at = it;
    LdpSessionId session;
    PwFwdEqvClass fec;
-   sequenceToValue( at, bar, &session );
-   if ( at != bar ) Vorn::throwRangeException( "Invalid PwFecSessionId" );
-   ++at;
-   sequenceToValue( at, end, &fec );
+   try {
+      sequenceToValue( at, bar, &session );
+      if ( at != bar || bar == end ) Vorn::throwRangeException( "no FEC" );
+      sequenceToValue( ++at, end, &fec );
+   } catch ( Vorn::RangeException const & ) {
+      Vorn::throwRangeException( "Invalid PwFecSessionId" );
+   }
    *value = PwFecSessionId( fec, session );
    it = at;
 }

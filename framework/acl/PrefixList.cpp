@@ -6,6 +6,6 @@ VORN_ENUM_RECORD( Acl, PrefixAction, ACL_PREFIX_ACTIONS )
 VORN_RECORD( Acl, PrefixList )
 VORN_MODULE( &PrefixAction_vornType, &PrefixList::_vornType )
 
-PrefixList::~PrefixList() { vornTeardown(); }
+PrefixList::~PrefixList() = default;
 
 } // namespace Acl

@@ -7,9 +7,9 @@ VORN_RECORD( Lumo, TcpConfigBase )
 VORN_RECORD( Lumo, TcpClientConfig )
 VORN_RECORD( Lumo, TcpClientStatus )
 
-TcpConfigBase::~TcpConfigBase() { vornTeardown(); }
-TcpClientConfig::~TcpClientConfig() { vornTeardown(); }
-TcpClientStatus::~TcpClientStatus() { vornTeardown(); }
+TcpConfigBase::~TcpConfigBase() = default;
+TcpClientConfig::~TcpClientConfig() = default;
+TcpClientStatus::~TcpClientStatus() = default;
 
 } // namespace Lumo
 

@@ -10,11 +10,11 @@ VORN_RECORD( Mpls, MldpOpaqueValueTable )
 VORN_MODULE( &MldpOpaqueIndex::_vornType, &MldpOpaqueIndexColl::_vornType, &MldpOpaqueVal::_vornType,
              &MldpOpaqueValColl::_vornType, &MldpOpaqueValueTable::_vornType )
 
-MldpOpaqueIndex::~MldpOpaqueIndex() { vornTeardown(); }
-MldpOpaqueIndexColl::~MldpOpaqueIndexColl() { vornTeardown(); }
-MldpOpaqueVal::~MldpOpaqueVal() { vornTeardown(); }
-MldpOpaqueValColl::~MldpOpaqueValColl() { vornTeardown(); }
-MldpOpaqueValueTable::~MldpOpaqueValueTable() { vornTeardown(); }
+MldpOpaqueIndex::~MldpOpaqueIndex() = default;
+MldpOpaqueIndexColl::~MldpOpaqueIndexColl() = default;
+MldpOpaqueVal::~MldpOpaqueVal() = default;
+MldpOpaqueValColl::~MldpOpaqueValColl() = default;
+MldpOpaqueValueTable::~MldpOpaqueValueTable() = default;
 
 MldpOpaqueValueTable::MldpOpaqueValueTable( Vorn::Name const & name ) : name_( name ) {
    opaqueIndexCollIs( Vorn::Name() );

@@ -21,17 +21,17 @@ VORN_MODULE( &LabelBindingTable::_vornType, &LabelBindingTableColl::_vornType,
              &RouterIpAddrInfoColl::_vornType, &RouterIpNexthopInfoColl::_vornType,
              &RouterNexthopInfoColl::_vornType )
 
-LabelBindingTable::~LabelBindingTable() { vornTeardown(); }
-LabelBindingTableColl::~LabelBindingTableColl() { vornTeardown(); }
-FecRouterLabelInfoColl::~FecRouterLabelInfoColl() { vornTeardown(); }
-FecRouterNexthopInfoColl::~FecRouterNexthopInfoColl() { vornTeardown(); }
-IntfRouterNexthopInfoColl::~IntfRouterNexthopInfoColl() { vornTeardown(); }
-IpAddrRouterIdInfoColl::~IpAddrRouterIdInfoColl() { vornTeardown(); }
-IpNexthopInfoColl::~IpNexthopInfoColl() { vornTeardown(); }
-LabelForwardingInfoColl::~LabelForwardingInfoColl() { vornTeardown(); }
-MplsIntfColl::~MplsIntfColl() { vornTeardown(); }
-RouterIpAddrInfoColl::~RouterIpAddrInfoColl() { vornTeardown(); }
-RouterIpNexthopInfoColl::~RouterIpNexthopInfoColl() { vornTeardown(); }
-RouterNexthopInfoColl::~RouterNexthopInfoColl() { vornTeardown(); }
+LabelBindingTable::~LabelBindingTable() = default;
+LabelBindingTableColl::~LabelBindingTableColl() = default;
+FecRouterLabelInfoColl::~FecRouterLabelInfoColl() = default;
+FecRouterNexthopInfoColl::~FecRouterNexthopInfoColl() = default;
+IntfRouterNexthopInfoColl::~IntfRouterNexthopInfoColl() = default;
+IpAddrRouterIdInfoColl::~IpAddrRouterIdInfoColl() = default;
+IpNexthopInfoColl::~IpNexthopInfoColl() = default;
+LabelForwardingInfoColl::~LabelForwardingInfoColl() = default;
+MplsIntfColl::~MplsIntfColl() = default;
+RouterIpAddrInfoColl::~RouterIpAddrInfoColl() = default;
+RouterIpNexthopInfoColl::~RouterIpNexthopInfoColl() = default;
+RouterNexthopInfoColl::~RouterNexthopInfoColl() = default;
 
 } // namespace Mpls

@@ -32,25 +32,58 @@ VornAttr const * keyAttr( VornType const & type ) {
    return nullptr;
 }
 
-/// Calls `call( child )` for each entity child until it returns true.
-template< class Call >
-bool anyChild( Entity const & entity, Call const & call ) {
-   VornType const & type = *entity.fwkType();
-   void * const object = const_cast< PtrInterface * >( static_cast< PtrInterface const * >( &entity ) );
-   for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
-      if ( !attr->instantiating() ) continue;
-      Ptr< PtrInterface > child;
-      if ( !attr->keyed() ) {
-         attr->ops->op( &child, object, *attr, GenericIf::read, nullptr, nullptr );
-         if ( child && call( static_cast< Entity & >( *child ) ) ) return true;
-         continue;
-      }
-      for ( GenericIf::Iterator it( object, *attr ); it; it.advance() ) {
-         it.object( &child );
-         if ( call( static_cast< Entity & >( *child ) ) ) return true;
+/// The object as reflection takes it.
+void * objectOf( Entity const & entity ) {
+   return const_cast< PtrInterface * >( static_cast< PtrInterface const * >( &entity ) );
+}
+
+bool isNamed( Ptr< PtrInterface > const & child, String const & name ) {
+   return child && static_cast< Entity const & >( *child ).nameText() == name;
+}
+
+/// Deletes an entity's children with notification, in the order of the attributes, those of a base last.
+/// False if there was none.
+bool childrenDel( Entity & entity ) {
+   VornType const & ownType = *entity.fwkType();
+   if ( !ownType.instantiatingNum ) return false;
+   void * const object = objectOf( entity );
+   bool any = false;
+   for ( VornType const * type = &ownType; type; type = type->base ) {
+      for ( VornAttr const * attr = type->attributes; attr && attr->name; ++attr ) {
+         if ( !attr->instantiating() || attr->owner != type ) continue;
+         Ptr< PtrInterface > child;
+         U32 members = 0;
+         if ( attr->keyed() ) {
+            attr->ops->op( &members, object, *attr, GenericIf::members, nullptr, nullptr );
+            if ( members ) attr->ops->op( nullptr, object, *attr, GenericIf::delAll, nullptr, nullptr );
+         } else {
+            attr->ops->op( &child, object, *attr, GenericIf::del, nullptr, nullptr );
+         }
+         any = any || child || members;
       }
    }
-   return false;
+   return any;
+}
+
+/// The member of a collection whose name or key has that text, or null.
+Ptr< PtrInterface > memberNamed( void * object, VornAttr const & attr, String const & text ) {
+   Ptr< PtrInterface > member;
+   try {
+      GenericIf::Value key( attr.keyType );
+      if ( attr.keyType == recordOf< Name >() ) {
+         *static_cast< Name * >( key.data() ) = text; // a name stands there without quotes
+      } else {
+         key.stringValueIs( text );
+      }
+      attr.ops->op( &member, object, attr, GenericIf::read, key.data(), nullptr );
+      return isNamed( member, text ) ? member : nullptr;
+   } catch ( RangeException const & ) { // keys that have a text do not all read back from it
+   }
+   for ( GenericIf::Iterator it( object, attr ); it; it.advance() ) {
+      it.object( &member );
+      if ( isNamed( member, text ) ) return member;
+   }
+   return nullptr;
 }
 
 } // namespace
@@ -59,8 +92,12 @@ Entity::~Entity() = default;
 
 void Entity::zeroReferencesIs( bool zero ) {
    if ( !zero ) return;
-   if ( NotifieeList * const list = notifieeList(); list && !list->empty() )
-      list->doVisitZeroReferences( *this );
+   NotifieeList * const list = notifieeList();
+   if ( list && !list->empty() ) list->doVisitZeroReferences( *this );
+   childrenDel( *this );
+   if ( list ) list->deleteAll();
+   // Again, for what observers have made: nobody must find a way here from below when the fields go.
+   while ( childrenDel( *this ) ) {}
 }
 
 void Entity::nameIsFromBackup( Name const & ) {}
@@ -74,6 +111,7 @@ void Entity::saveConstructParams() {}
 void Entity::entBackupDel() {}
 
 void Entity::vornParentIs( Entity * parent ) {
+   Hold const hold( *this );
    parent_ = parent;
    if ( NotifieeList * const list = notifieeList(); list && !list->empty() )
       list->doVisitFwkActivity( *this );
@@ -99,9 +137,6 @@ Name Entity::fullName() const {
 // A collection is asked for the entity's key, so that the answer does not take longer among many siblings.
 String Entity::parentAttrName() const {
    if ( !parent_ ) return {};
-   auto const objectOf = []( Entity const & entity ) {
-      return const_cast< PtrInterface * >( static_cast< PtrInterface const * >( &entity ) );
-   };
    VornAttr const * const ownKey = keyAttr( *fwkType() );
    for ( VornAttr const * attr = parent_->fwkType()->attributes; attr->name; ++attr ) {
       if ( !attr->instantiating() ) continue;
@@ -123,13 +158,17 @@ String Entity::parentAttrName() const {
 }
 
 Ptr< Entity > Entity::entity( String const & childName ) const {
-   Ptr< Entity > found;
-   anyChild( *this, [&]( Entity & child ) {
-      if ( !( child.nameText() == childName ) ) return false;
-      found = &child;
-      return true;
-   } );
-   return found;
+   for ( VornAttr const * attr = fwkType()->attributes; attr->name; ++attr ) {
+      if ( !attr->instantiating() ) continue;
+      Ptr< PtrInterface > child;
+      if ( attr->keyed() ) {
+         child = memberNamed( objectOf( *this ), *attr, childName );
+      } else {
+         attr->ops->op( &child, objectOf( *this ), *attr, GenericIf::read, nullptr, nullptr );
+      }
+      if ( isNamed( child, childName ) ) return Ptr< Entity >( static_cast< Entity * >( child.ptr() ) );
+   }
+   return nullptr;
 }
 
 bool hasAttrLogInterface( VornType const & type ) {
@@ -143,15 +182,6 @@ bool hasAttrLogInterface( VornType const & type ) {
       }
    }
    return false;
-}
-
-void childrenDel( Entity & entity, VornType const & type ) {
-   void * const object = static_cast< PtrInterface * >( &entity );
-   for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
-      if ( !attr->instantiating() || attr->owner != &type ) continue;
-      attr->ops->op( nullptr, object, *attr, attr->keyed() ? GenericIf::delAll : GenericIf::del, nullptr,
-                     nullptr );
-   }
 }
 
 namespace {

@@ -216,18 +216,17 @@ void * writable( void const * value ) { return const_cast< void * >( value ); }
 } // namespace
 
 String recordToStrep( void const * value, VornType const & type, Shown shown ) {
-   char const * names[32];
-   String texts[32];
-   std::size_t count = 0;
+   std::vector< char const * > names;
    for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
-      if ( ( attr->*shown )() ) names[count++] = attr->name;
+      if ( ( attr->*shown )() ) names.push_back( attr->name );
    }
    // From the last to the first.
-   std::size_t at = count;
+   std::vector< String > texts( names.size() );
+   std::size_t at = names.size();
    for ( VornAttr const * attr = type.attributes + type.attributeNum; attr-- != type.attributes; ) {
       if ( ( attr->*shown )() ) texts[--at] = GenericIf::attributeText( value, type, *attr );
    }
-   return compositeText( type.name, names, texts, count );
+   return compositeText( type.name, names.data(), texts.data(), names.size() );
 }
 
 void recordFromSequence( String::IteratorConst & it, String::IteratorConst const & end, void * value,

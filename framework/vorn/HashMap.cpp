@@ -5,6 +5,13 @@
 
 namespace Vorn {
 
+namespace {
+
+// Members per bucket, its inverse, below which half of the buckets are given back.
+constexpr U32 shrinkLoad = 4;
+
+} // namespace
+
 HashMapGeneric::~HashMapGeneric() {
    emptyAllBuckets();
    std::free( buckets_ );
@@ -16,7 +23,7 @@ bool HashMapGeneric::before( Entity const & a, U32 hashOfA, Entity const & b, U3
 }
 
 void HashMapGeneric::newMemberG( Entity & member, U32 hash ) {
-   if ( !buckets_ || memberCount_ >= buckets() ) grow();
+   if ( !buckets_ || memberCount_ >= buckets() ) resize( buckets_ ? U8( exponent_ + 1 ) : exponent_ );
    Entity ** link = &buckets_[bucketOf( hash )];
    Entity * previous = nullptr;
    while ( *link && before( **link, vtable_->hash( **link ), member, hash ) ) {
@@ -54,34 +61,44 @@ void HashMapGeneric::deleteMember( Entity & member, U32 hash ) {
    vtable_->setNext( member, nullptr );
    --memberCount_;
    ++modificationCount_;
+   if ( exponent_ > initialExponent && memberCount_ < buckets() / shrinkLoad ) resize( U8( exponent_ - 1 ) );
+   member.vornLeft(); // may call out
 }
 
 void HashMapGeneric::emptyAllBuckets() noexcept {
-   if ( !buckets_ ) return;
-   for ( U32 bucket = 0; bucket < buckets(); ++bucket ) {
-      while ( Entity * const member = buckets_[bucket] ) {
-         // The link's reference becomes the bucket's.
-         buckets_[bucket] = std::exchange( next( *member ), nullptr );
-         --memberCount_;
-         ++modificationCount_;
-         member->referenceDec();
+   while ( memberCount_ ) {
+      for ( U32 bucket = 0; bucket < buckets(); ++bucket ) {
+         // What is called may take members out and in, and so change the buckets.
+         while ( bucket < buckets() && buckets_[bucket] ) {
+            Entity * const member = buckets_[bucket];
+            // The link's reference becomes the bucket's.
+            buckets_[bucket] = std::exchange( next( *member ), nullptr );
+            --memberCount_;
+            ++modificationCount_;
+            member->vornLeft();
+            member->referenceDec();
+         }
       }
    }
 }
 
-void HashMapGeneric::grow() {
+/// To twice or half the buckets. Without memory for less it stays as it is.
+void HashMapGeneric::resize( U8 exponent ) {
    U32 const oldBuckets = buckets_ ? buckets() : 0;
-   U8 const exponent = buckets_ ? U8( exponent_ + 1 ) : exponent_;
    auto ** const fresh =
         static_cast< Entity ** >( std::calloc( std::size_t( 1 ) << exponent, sizeof( Entity * ) ) );
+   if ( !fresh && exponent < exponent_ ) return;
    if ( !fresh ) throw std::bad_alloc();
    exponent_ = exponent;
-   // A chain is in order of the reversed hash, so it falls into a front and a back part.
-   for ( U32 bucket = 0; bucket < oldBuckets; ++bucket ) {
-      Entity ** tail[2] = { &fresh[2 * bucket], &fresh[2 * bucket + 1] };
-      for ( Entity * member = buckets_[bucket]; member; ) {
+   // Chains are in order of the reversed hash, and so are the buckets: a chain falls into a front and a back
+   // part, or follows its neighbour's.
+   U32 filled = ~0u;
+   Entity ** end = nullptr;
+   for ( U32 old = 0; old < oldBuckets; ++old ) {
+      for ( Entity * member = buckets_[old]; member; ) {
          Entity * const behind = std::exchange( next( *member ), nullptr );
-         Entity **& end = tail[bucketOf( vtable_->hash( *member ) ) & 1];
+         U32 const bucket = bucketOf( vtable_->hash( *member ) );
+         if ( bucket != filled ) end = &fresh[filled = bucket];
          *end = member;
          end = &next( *member );
          member = behind;

@@ -1,7 +1,11 @@
 #include "Vorn/Notifiee.h"
 
 #include "NotifieeVisit.h"
+#include "Vorn/Trace.h"
 #include "Vorn/VornType.h"
+
+#include <string>
+#include <unordered_map>
 
 namespace Vorn {
 
@@ -14,9 +18,57 @@ constinit VornType const PtrInterface::NotifieeConst::_vornType = [] {
    return type;
 }();
 
+namespace {
+
+// The lists of objects whose types have none. Never destroyed: objects may outlive it.
+auto & listsAside() {
+   static auto & all = *new std::unordered_map< PtrInterface const *, NotifieeList >;
+   return all;
+}
+
+// A mistake of the host's, which nobody would see otherwise: on from the start.
+TraceHandle const facility( "Notifiee", true );
+
+// Says what is being handled.
+void traceException( PtrInterface::NotifieeConst const & notifiee, char const * callback ) noexcept {
+   alignas( TraceHelper ) std::byte room[sizeof( TraceHelper )];
+   TraceHelper * const helper = TraceHelper::createIfEnabled( facility, 5, room );
+   if ( !helper ) return;
+   EnsureTraceHelperIsDestroyed const ensure( helper );
+   try {
+      std::string text = std::string( "exception from " ) + callback + " of an observer";
+      if ( VornType const * const type = notifiee.notifierType() ) text += std::string( " of " ) + type->name;
+      try {
+         throw;
+      } catch ( std::exception const & exception ) {
+         text += std::string( ": " ) + exception.what();
+      } catch ( ... ) {
+         text += ": of no known type";
+      }
+      helper->textIs( std::move( text ) );
+      helper->trace( "Notifiee", __LINE__, "run" );
+   } catch ( ... ) { // a line that cannot be written is dropped
+   }
+}
+
+} // namespace
+
+void NotifieeVisit::handleException( PtrInterface::NotifieeConst & notifiee ) noexcept {
+   traceException( notifiee, "a callback" );
+   try {
+      notifiee.onNotificationException();
+   } catch ( ... ) {
+      traceException( notifiee, "onNotificationException" );
+   }
+}
+
 PtrInterface::NotifieeConst::~NotifieeConst() {
-   leave();
-   if ( held() ) notifier_->referenceDec();
+   if ( notifier_ ) notifierIs( nullptr );
+}
+
+void PtrInterface::NotifieeConst::zeroReferencesIs( bool zero ) {
+   // What a derived class holds may be the last to hold the notifier, which must not call it any more then.
+   if ( zero ) notifierIs( nullptr );
 }
 
 void PtrInterface::NotifieeConst::vornReactor() {}
@@ -35,8 +87,8 @@ void PtrInterface::NotifieeConst::hasNotificationActiveIs( bool active ) { activ
 
 void PtrInterface::NotifieeConst::notifierIs( Ptr< PtrInterface const > const & notifier ) {
    if ( notifier.ptr() == notifier_ ) return;
-   leave();
    VORN_ASSERT( !notifier || !notifierType_ || notifier->fwkType()->isDerived( notifierType_ ) );
+   leave();
    PtrInterface const * const old = held();
    notifier_ = notifier.ptr();
    if ( held() ) notifier_->referenceInc();
@@ -47,11 +99,9 @@ void PtrInterface::NotifieeConst::notifierIs( Ptr< PtrInterface const > const & 
 void PtrInterface::NotifieeConst::isRegisteredNotifieeIs( bool registered ) {
    if ( registered == registered_ ) return;
    registered_ = registered;
-   if ( registered ) {
-      enter();
-   } else {
-      leave();
-   }
+   if ( !registered ) return;
+   leave();
+   enter();
 }
 
 void PtrInterface::NotifieeConst::isWeakReferenceIs( bool weak ) {
@@ -63,25 +113,23 @@ void PtrInterface::NotifieeConst::isWeakReferenceIs( bool weak ) {
 }
 
 void PtrInterface::NotifieeConst::enter() {
-   if ( !registered_ || !notifier_ || listed_ ) return;
-   NotifieeList * const list = notifier_->notifieeList();
-   if ( !list ) return;
-   listed_ = true;
+   if ( !notifier_ ) return;
+   NotifieeList & list = NotifieeList::of( *notifier_ );
    next_ = nullptr;
-   if ( list->first_ ) {
-      prev_ = list->first_->prev_;
+   if ( list.first_ ) {
+      prev_ = list.first_->prev_;
       prev_->next_ = this;
-      list->first_->prev_ = this;
+      list.first_->prev_ = this;
    } else {
       prev_ = this;
-      list->first_ = this;
+      list.first_ = this;
    }
 }
 
 void PtrInterface::NotifieeConst::leave() noexcept {
-   if ( !listed_ ) return;
+   if ( !notifier_ ) return;
    NotifieeVisit::leaves( *this );
-   NotifieeList & list = *notifier_->notifieeList();
+   NotifieeList & list = NotifieeList::of( *notifier_ );
    NotifieeConst * const behind = next_ ? next_ : list.first_;
    if ( list.first_ == this ) {
       list.first_ = next_;
@@ -90,7 +138,22 @@ void PtrInterface::NotifieeConst::leave() noexcept {
    }
    if ( behind != this ) behind->prev_ = prev_;
    next_ = prev_ = nullptr;
-   listed_ = false;
+}
+
+NotifieeList & NotifieeList::of( PtrInterface const & object ) {
+   if ( NotifieeList * const own = object.notifieeList() ) return *own;
+   if ( VFPtrInterface::threadSafePointers_ ) [[unlikely]] {
+      __atomic_fetch_or( &object.refs_, PtrInterface::boundAside, __ATOMIC_RELAXED );
+   } else {
+      object.refs_ |= PtrInterface::boundAside;
+   }
+   return listsAside()[&object];
+}
+
+void NotifieeList::asideDel( PtrInterface const & object ) noexcept {
+   of( object ).deleteAll();
+   listsAside().erase( &object );
+   object.refs_ &= ~PtrInterface::boundAside;
 }
 
 void NotifieeList::doVisit( PtrInterface const & notifier, NotifieeChange const & change, void const * key ) {
@@ -101,6 +164,15 @@ void NotifieeList::doVisit( PtrInterface const & notifier, NotifieeChange const 
       } else if ( notifiee.notifierType_ && notifiee.notifierType_->isDerived( change.type ) ) {
          change.call( notifiee, key );
       }
+   } );
+}
+
+void NotifieeList::doVisitBy( void const * fn,
+                              void ( *call )( void const *, PtrInterface::NotifieeConst &, void const * ),
+                              void const * key ) {
+   if ( !first_ ) return;
+   NotifieeVisit( *first_->notifier_, *this ).run( [&]( PtrInterface::NotifieeConst & notifiee ) {
+      if ( notifiee.active_ ) call( fn, notifiee, key );
    } );
 }
 
@@ -117,12 +189,10 @@ void NotifieeList::doVisitFwkActivity( PtrInterface const & notifier ) {
 }
 
 void NotifieeList::deleteAll() noexcept {
+   if ( !first_ ) return;
+   Hold const hold( *first_->notifier_ ); // the last binding may be all that keeps it
    while ( first_ ) {
-      auto * const notifiee = first_;
-      notifiee->leave();
-      PtrInterface const * const old = notifiee->held();
-      notifiee->notifier_ = nullptr;
-      if ( old ) old->referenceDec();
+      first_->notifierIs( nullptr );
    }
 }
 

@@ -20,8 +20,6 @@ class NotifieeVisit {
    }
    ~NotifieeVisit() {
       innermost_ = outer_;
-      if ( notifieeDropped_ ) [[unlikely]] // an exception has ended the visit
-         letGo( *called_ );
       if ( notifierDropped_ ) [[unlikely]]
          letGo( *notifier_ );
    }
@@ -33,11 +31,12 @@ class NotifieeVisit {
    void run( Call const & call ) {
       while ( auto * const notifiee = next_ ) {
          next_ = notifiee == last_ ? nullptr : notifiee->next_;
+         if ( !notifiee->registered_ ) continue;
          called_ = notifiee;
          try {
             call( *notifiee );
          } catch ( ... ) {
-            notifiee->onNotificationException();
+            handleException( *notifiee );
          }
          called_ = nullptr;
          if ( notifieeDropped_ ) [[unlikely]] {
@@ -68,6 +67,7 @@ class NotifieeVisit {
    }
 
  private:
+   static void handleException( PtrInterface::NotifieeConst & notifiee ) noexcept;
    // Somebody may have taken a new reference since, and an outer visit may need the object too.
    static void letGo( PtrInterface const & object ) noexcept {
       if ( object.references() == 0 ) object.handleZeroRef();

@@ -10,7 +10,13 @@ void PtrInterface::hasNotificationActiveIs( bool ) {}
 
 void PtrInterface::zeroReferencesIs( bool ) {}
 
-PtrInterface::~PtrInterface() = default;
+PtrInterface::~PtrInterface() {
+   if ( refs_ & ~beingDestroyed ) [[unlikely]] {
+      if ( refs_ & boundAside ) NotifieeList::asideDel( *this ); // bound on the way down
+      VORN_ASSERT_TEXT( ( refs_ & referenceMask & ~beingDestroyed ) == 0,
+                        "nobody keeps a reference to an object that is destroyed" );
+   }
+}
 
 void PtrInterface::handleZeroRef() const noexcept {
    if ( NotifieeVisit::keeps( *this ) ) [[unlikely]]
@@ -18,6 +24,10 @@ void PtrInterface::handleZeroRef() const noexcept {
    vornMarkedForDeletionIs( true );
    auto * self = const_cast< PtrInterface * >( this );
    self->zeroReferencesIs( true );
+   if ( refs_ & boundAside ) [[unlikely]] {
+      NotifieeList::of( *this ).doVisitZeroReferences( *this );
+      NotifieeList::asideDel( *this );
+   }
    delete self;
 }
 

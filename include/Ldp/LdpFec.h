@@ -278,6 +278,8 @@ class VORN_API LdpXsessionNotification : public Vorn::Entity {
    ~LdpXsessionNotification() override;
 
    VORN_NAME;
+
+ public:
    using LdpXsessionNotificationType = LdpXsessionNotification_LdpXsessionNotificationType;
    using enum LdpXsessionNotification_LdpXsessionNotificationType;
    VORN_MUTABLE( 0x102, LdpXsessionNotificationType, ldpXsessionNotificationType, LdpXsessionNotificationType,

@@ -141,6 +141,8 @@ class VORN_API IpGenPrefix {
    U32 len_ = 0;
 };
 VORN_TEXT( IpGenPrefix )
+/// The same by the name that others know it by.
+using IpGenPrefixBase = IpGenPrefix;
 
 /// Forms in the attribute log: an IPv4 address as a 32-bit number, others as family, then octets.
 VORN_API void logOut( Vorn::NboAttrLog::Out & out, IpAddr const & value );

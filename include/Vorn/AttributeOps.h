@@ -235,6 +235,12 @@ constexpr VornAttr functionRecord( char const * name, U32 id ) {
             &FunctionOps< Self, function >::ops };
 }
 
+/// How many ids there are for a type's own attributes: as far as those of a type derived from it, or those of
+/// `Entity` behind those of a value.
+constexpr U32 attrIdWindow( U32 first ) { return first == 0x2 ? 0x7e : 0x80; }
+/// Whether an id is one of those of a type whose first one is `first`.
+constexpr bool isAttrIdOf( U32 id, U32 first ) { return id - first < attrIdWindow( first ); }
+
 /// Where the ids of a type's own attributes begin: a value's at 2; an entity's or counted object's at 0x102,
 /// and 0x80 further for each type between it and `Entity` or `PtrInterface`.
 template< class T >
@@ -258,7 +264,7 @@ consteval U32 firstAttrId() {
 template< class T >
 struct AttrTable {
    static constexpr U32 first = firstAttrId< T >();
-   static constexpr U32 window = first == 0x2 ? 0x7e : 0x80;
+   static constexpr U32 window = attrIdWindow( first );
 
    template< U32 id >
    static constexpr bool has = requires {

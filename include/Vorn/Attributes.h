@@ -22,8 +22,8 @@
 ///     };
 ///     VORN_FACTORY( LdpAdjStatus, ldpAdjStatusFactory )
 ///
-/// and in the source file `VORN_RECORD( Ldp, LdpAdjStatus )`, `LdpAdjStatus::~LdpAdjStatus() {
-/// vornTeardown(); }` and the type in the file's `VORN_MODULE`.
+/// and in the source file `VORN_RECORD( Ldp, LdpAdjStatus )`, `LdpAdjStatus::~LdpAdjStatus() = default;`, so
+/// that the class has a home, and the type in the file's `VORN_MODULE`.
 ///
 /// A line ends in the field's declaration, so the default stands behind it. Each line declares one overload
 /// of `vornAttr( AttrId< id > )`, whose result is the attribute's record; the type's table is the overloads
@@ -45,7 +45,7 @@
    static constexpr U32 vornChildFirstId = vornFirstId + 0x80;                                               \
    /** A new object without a parent. */                                                                     \
    template< class... Args >                                                                                 \
-   static ::Vorn::Ptr< Type > Type##Is( Args const &... args ) {                                             \
+   static ::Vorn::MadeFrom< Type, Args... > Type##Is( Args const &... args ) {                               \
       return ::Vorn::newObject< Type >( args... );                                                           \
    }                                                                                                         \
    /** What `genericIfNotifiee` makes: forwards every change to a generic observer. */                       \
@@ -56,12 +56,7 @@
                                                                                                              \
  private:                                                                                                    \
    static constexpr auto replicated = ::Vorn::replicated;                                                    \
-   static constexpr auto local = ::Vorn::local;                                                              \
-   /* A template, so that only the destructor's own file compiles it. */                                     \
-   template< class T = Type >                                                                                \
-   void vornTeardown() {                                                                                     \
-      if constexpr ( ::Vorn::ownsEntities< T >() ) ::Vorn::childrenDel( *this, _vornType );                  \
-   }
+   static constexpr auto local = ::Vorn::local;
 
 /// The observer classes of an entity type, with a callback for each mutable attribute in the order of the
 /// lines.
@@ -246,13 +241,15 @@
 /// else makes one in its place; `xDel()` takes it out and returns it.
 #define VORN_CHILD( id, Type, x, X, replication )                                                            \
  public:                                                                                                     \
-   ::Vorn::Ptr< Type > x() const noexcept { return x##_; }                                                   \
+   ::Vorn::Ptr< Type > x() const noexcept { return x##_.get(); }                                             \
    template< class... Args >                                                                                 \
-   ::Vorn::Ptr< Type > x##Is( Args const &... args ) {                                                       \
-      return ::Vorn::childIs( *this, x##_, ::Vorn::changeOf< Self, id, &NotifieeConst::on##X >, args... );   \
+   ::Vorn::MadeFrom< Type, Args... > x##Is( Args const &... args ) {                                         \
+      return ::Vorn::childIs( ::Vorn::Owner( *this ), x##_,                                                  \
+                              ::Vorn::changeOf< Self, id, &NotifieeConst::on##X >, args... );                \
    }                                                                                                         \
    ::Vorn::Ptr< Type > x##Del() {                                                                            \
-      return ::Vorn::childDel( *this, x##_, ::Vorn::changeOf< Self, id, &NotifieeConst::on##X > );           \
+      return ::Vorn::childDel( ::Vorn::Owner( *this ), x##_,                                                 \
+                               ::Vorn::changeOf< Self, id, &NotifieeConst::on##X > );                        \
    }                                                                                                         \
    VORN_ATTR_( id ) {                                                                                        \
       auto attr = ::Vorn::attrRecord< Self, Type >(                                                          \
@@ -264,7 +261,7 @@
    }                                                                                                         \
                                                                                                              \
  private:                                                                                                    \
-   ::Vorn::Ptr< Type > x##_
+   ::Vorn::Child< Type > x##_
 
 /// What the collections share. `Map` is the container's type.
 #define VORN_COLL_( id, Key, x, X, Map )                                                                     \
@@ -298,13 +295,13 @@
 #define VORN_ENTITY_COLL_( id, Type, Key, x, kind, replication )                                             \
    ::Vorn::Ptr< Type > x( ::Vorn::Arg< Key > key ) const { return x##_.member( key ); }                      \
    template< class First = Key, class... More >                                                              \
-   ::Vorn::Ptr< Type > x##Is( First const & first, More const &... more ) {                                  \
-      return ::Vorn::memberIs( *this, x##_, x##Change_(), first, more... );                                  \
+   ::Vorn::MadeFrom< Type, First, More... > x##Is( First const & first, More const &... more ) {             \
+      return ::Vorn::memberIs( ::Vorn::Owner( *this ), x##_, x##Change_(), first, more... );                 \
    }                                                                                                         \
    ::Vorn::Ptr< Type > x##Del( ::Vorn::Arg< Key > key ) {                                                    \
-      return ::Vorn::memberDel( *this, x##_, x##Change_(), key );                                            \
+      return ::Vorn::memberDel( ::Vorn::Owner( *this ), x##_, x##Change_(), key );                           \
    }                                                                                                         \
-   void x##DelAll() { ::Vorn::membersDel( *this, x##_, x##Change_() ); }                                     \
+   void x##DelAll() { ::Vorn::membersDel( ::Vorn::Owner( *this ), x##_, x##Change_() ); }                    \
    VORN_ATTR_( id ) {                                                                                        \
       return ::Vorn::keyedRecord< Self, Type, Key >(                                                         \
            #x, kind, id, replication, ::Vorn::memberKeyName< Type >(), ::Vorn::memberCtorArgs< Type >(),     \
@@ -326,12 +323,12 @@
    Type x( ::Vorn::Arg< Key > key ) const { return x##_.value( key ); }                                      \
    bool x##Has( ::Vorn::Arg< Key > key ) const { return x##_[key]; }                                         \
    void x##Is( ::Vorn::Arg< Key > key, ::Vorn::Arg< Type > value ) {                                         \
-      ::Vorn::valueIs( *this, x##_, x##Change_(), key, value );                                              \
+      ::Vorn::valueIs( ::Vorn::Owner( *this ), x##_, x##Change_(), key, value );                             \
    }                                                                                                         \
    Type x##Del( ::Vorn::Arg< Key > key ) {                                                                   \
-      return ::Vorn::valueDel< Type >( *this, x##_, x##Change_(), key );                                     \
+      return ::Vorn::valueDel< Type >( ::Vorn::Owner( *this ), x##_, x##Change_(), key );                    \
    }                                                                                                         \
-   void x##DelAll() { ::Vorn::valuesDel( *this, x##_, x##Change_() ); }                                      \
+   void x##DelAll() { ::Vorn::valuesDel( ::Vorn::Owner( *this ), x##_, x##Change_() ); }                     \
    VORN_ATTR_( id ) {                                                                                        \
       return ::Vorn::keyedRecord< Self, Type, Key >(                                                         \
            #x, kind, id, replication, nullptr, nullptr,                                                      \
@@ -346,7 +343,7 @@
 #define VORN_COUNTER_COLL( id, Type, Key, x, X, replication )                                                \
  public:                                                                                                     \
    Type x##Inc( ::Vorn::Arg< Key > key, Type n ) {                                                           \
-      return ::Vorn::counterInc< Type >( *this, x##_, x##Change_(), key, n );                                \
+      return ::Vorn::counterInc< Type >( ::Vorn::Owner( *this ), x##_, x##Change_(), key, n );               \
    }                                                                                                         \
    VORN_VALUE_COLL( id, Type, Key, x, X, replication )
 
@@ -355,9 +352,13 @@
    VORN_COLL_( id, Key, x, X, VORN_ARG_( ::Vorn::HashMap2018< Self, Key > ) )                                \
    bool x( ::Vorn::Arg< Key > key ) const { return x##_[key]; }                                              \
    bool x##Has( ::Vorn::Arg< Key > key ) const { return x##_[key]; }                                         \
-   void x##Is( ::Vorn::Arg< Key > key ) { ::Vorn::keyIs( *this, x##_, x##Change_(), key ); }                 \
-   bool x##Del( ::Vorn::Arg< Key > key ) { return ::Vorn::keyDel( *this, x##_, x##Change_(), key ); }        \
-   void x##DelAll() { ::Vorn::valuesDel( *this, x##_, x##Change_() ); }                                      \
+   void x##Is( ::Vorn::Arg< Key > key ) {                                                                    \
+      ::Vorn::keyIs( ::Vorn::Owner( *this ), x##_, x##Change_(), key );                                      \
+   }                                                                                                         \
+   bool x##Del( ::Vorn::Arg< Key > key ) {                                                                   \
+      return ::Vorn::keyDel( ::Vorn::Owner( *this ), x##_, x##Change_(), key );                              \
+   }                                                                                                         \
+   void x##DelAll() { ::Vorn::valuesDel( ::Vorn::Owner( *this ), x##_, x##Change_() ); }                     \
    VORN_ATTR_( id ) {                                                                                        \
       auto attr = ::Vorn::keyedRecord< Self, bool, Key >(                                                    \
            #x, ::Vorn::VornKind::valueColl, id, replication, nullptr, nullptr,                               \
@@ -375,15 +376,15 @@
    ::Vorn::Ptr< Type > x( ::Vorn::Arg< Key > key ) const { return x##_.value( key ); }                       \
    void x##Is( ::Vorn::Arg< Key > key, ::Vorn::Ptr< Type > const & value ) {                                 \
       if ( value ) {                                                                                         \
-         ::Vorn::valueIs( *this, x##_, x##Change_(), key, value );                                           \
+         ::Vorn::valueIs( ::Vorn::Owner( *this ), x##_, x##Change_(), key, value );                          \
       } else {                                                                                               \
          x##Del( key );                                                                                      \
       }                                                                                                      \
    }                                                                                                         \
    ::Vorn::Ptr< Type > x##Del( ::Vorn::Arg< Key > key ) {                                                    \
-      return ::Vorn::valueDel< ::Vorn::Ptr< Type > >( *this, x##_, x##Change_(), key );                      \
+      return ::Vorn::valueDel< ::Vorn::Ptr< Type > >( ::Vorn::Owner( *this ), x##_, x##Change_(), key );     \
    }                                                                                                         \
-   void x##DelAll() { ::Vorn::valuesDel( *this, x##_, x##Change_() ); }                                      \
+   void x##DelAll() { ::Vorn::valuesDel( ::Vorn::Owner( *this ), x##_, x##Change_() ); }                     \
    VORN_ATTR_( id ) {                                                                                        \
       return ::Vorn::keyedRecord< Self, Type, Key >(                                                         \
            #x, ::Vorn::VornKind::referenceColl, id, replication, nullptr, nullptr,                           \
@@ -400,12 +401,12 @@
    ::Vorn::Ptr< Type > x( ::Vorn::Arg< Key > key ) const { return x##_.value( key ); }                       \
    void x##Is( ::Vorn::Ptr< Type > const & value ) {                                                         \
       if ( !value ) ::Vorn::throwNullReference( _vornType, #x );                                             \
-      ::Vorn::keyedReferenceIs( *this, x##_, x##Change_(), KeyFunktor()( value ), value );                   \
+      ::Vorn::keyedReferenceIs( ::Vorn::Owner( *this ), x##_, x##Change_(), KeyFunktor()( value ), value );  \
    }                                                                                                         \
    ::Vorn::Ptr< Type > x##Del( ::Vorn::Arg< Key > key ) {                                                    \
-      return ::Vorn::valueDel< ::Vorn::Ptr< Type > >( *this, x##_, x##Change_(), key );                      \
+      return ::Vorn::valueDel< ::Vorn::Ptr< Type > >( ::Vorn::Owner( *this ), x##_, x##Change_(), key );     \
    }                                                                                                         \
-   void x##DelAll() { ::Vorn::valuesDel( *this, x##_, x##Change_() ); }                                      \
+   void x##DelAll() { ::Vorn::valuesDel( ::Vorn::Owner( *this ), x##_, x##Change_() ); }                     \
    VORN_ATTR_( id ) {                                                                                        \
       return ::Vorn::keyedRecord< Self, Type, Key >(                                                         \
            #x, ::Vorn::VornKind::referenceColl, id, replication, nullptr, nullptr,                           \
@@ -420,16 +421,20 @@
    VORN_COLL_( id, U32, x, X, VORN_ARG_( ::Vorn::LinkQueue< Self, U32, Type > ) )                            \
    ::Vorn::LinkQueue< Self, U32, Type > const & x() const noexcept { return x##_; }                          \
    Type x( U32 index ) const { return x##_.value( index ); }                                                 \
-   U32 x##Enq( ::Vorn::Arg< Type > value ) { return ::Vorn::queueEnq( *this, x##_, x##Change_(), value ); }  \
-   Type x##Deq() { return ::Vorn::queueDeq< Type >( *this, x##_, x##Change_() ); }                           \
-   void x##Is( U32 index, ::Vorn::Arg< Type > value ) {                                                      \
-      ::Vorn::queueIs( *this, x##_, x##Change_(), index, value );                                            \
+   U32 x##Enq( ::Vorn::Arg< Type > value ) {                                                                 \
+      return ::Vorn::queueEnq( ::Vorn::Owner( *this ), x##_, x##Change_(), value );                          \
    }                                                                                                         \
-   Type x##Del( U32 index ) { return ::Vorn::queueDel< Type >( *this, x##_, x##Change_(), index ); }         \
+   Type x##Deq() { return ::Vorn::queueDeq< Type >( ::Vorn::Owner( *this ), x##_, x##Change_() ); }          \
+   void x##Is( U32 index, ::Vorn::Arg< Type > value ) {                                                      \
+      ::Vorn::queueIs( ::Vorn::Owner( *this ), x##_, x##Change_(), index, value );                           \
+   }                                                                                                         \
+   Type x##Del( U32 index ) {                                                                                \
+      return ::Vorn::queueDel< Type >( ::Vorn::Owner( *this ), x##_, x##Change_(), index );                  \
+   }                                                                                                         \
    Type x##Del( ::Vorn::LinkQueue< Self, U32, Type >::IteratorConst const & at ) {                           \
       return at ? x##Del( at->index() ) : Type{};                                                            \
    }                                                                                                         \
-   void x##DelAll() { ::Vorn::queueDelAll( *this, x##_, x##Change_() ); }                                    \
+   void x##DelAll() { ::Vorn::queueDelAll( ::Vorn::Owner( *this ), x##_, x##Change_() ); }                   \
    VORN_ATTR_( id ) {                                                                                        \
       return ::Vorn::keyedRecord< Self, Type, U32 >(                                                         \
            #x, ::Vorn::VornKind::queue, id, replication, nullptr, nullptr,                                   \
@@ -471,9 +476,16 @@
    constinit ::Vorn::VornType const Type::_vornType = ::Vorn::entityRecord< Type >( #Namespace "::" #Type ); \
    ::Vorn::AllocTrackTypeInfo Type::vornAllocTrackTypeInfo_{ &Type::_vornType };
 
-/// The free factory of an entity type.
+/// The free factory of an entity type: an exported function, `factory( key )`, that takes what the type's
+/// constructor does. It stands in the library by the type's record.
 #define VORN_FACTORY( Type, factory )                                                                        \
+   VORN_API inline ::Vorn::EntityFactory< Type >::Fn factory;                                                \
    template< class... Args >                                                                                 \
-   ::Vorn::Ptr< Type > factory( Args const &... args ) {                                                     \
-      return Type::Type##Is( args... );                                                                      \
-   }
+   struct factory##_ {                                                                                       \
+      [[gnu::used]] friend ::Vorn::Ptr< Type > factory( ::Vorn::FactoryArg< Args >... args ) {               \
+         return ::Vorn::newObject< Type >( args... );                                                        \
+      }                                                                                                      \
+      using Made = Type;                                                                                     \
+      static constexpr auto function = &factory;                                                             \
+   };                                                                                                        \
+   constexpr ::Vorn::EntityFactory< Type >::With< factory##_ > vornFactory( Type const * ) { return {}; }

@@ -12,8 +12,8 @@ namespace Vorn {
 /// Base of all entities.
 ///
 /// A parent owns its children through single-child attributes and collections and is their `parent()`; nobody
-/// else sets it. An entity that was taken out of its parent has a null parent and stays as it is for as long
-/// as anyone holds it.
+/// else sets it. An entity that has left its parent, in whatever way, has a null parent and stays as it is
+/// for as long as anyone holds it.
 class VORN_API Entity : public PtrInterface {
  public:
    static VornType const _vornType;
@@ -44,6 +44,8 @@ class VORN_API Entity : public PtrInterface {
    Entity() noexcept = default;
    ~Entity() override;
 
+   /// Takes the entity down while it is whole: tells its observers, deletes its children with notification,
+   /// unbinds the observers, and lets go of what was made meanwhile. Who overrides it calls this.
    void zeroReferencesIs( bool zero ) override;
    VornType const * fwkType() const override { return &_vornType; }
 
@@ -71,6 +73,10 @@ class VORN_API Entity : public PtrInterface {
    void parentIs( Ptr< Entity > const & parent ) { vornParentIs( parent.ptr() ); }
    /// The same for a parent that is under construction, to which there is no reference yet.
    void vornParentIs( Entity * parent );
+   /// The entity has left the attribute that owned it. All that own entities call this as they let go of one.
+   void vornLeft() {
+      if ( parent_ ) vornParentIs( nullptr );
+   }
    /// Name or key of the entity as text.
    String nameText() const;
    /// Path of the entity through its parents, derived on each call; for messages.
@@ -82,6 +88,31 @@ class VORN_API Entity : public PtrInterface {
 
  private:
    Entity * parent_ = nullptr; // not counted: the parent owns this entity
+};
+
+/// The field of an owned single child, one word.
+template< class Type >
+class Child {
+ public:
+   Child() noexcept = default;
+   Child( Child const & ) = delete;
+   Child & operator=( Child const & ) = delete;
+   ~Child() { replace( nullptr ); }
+
+   Ptr< Type > const & get() const noexcept { return child_; }
+   Type * operator->() const noexcept { return child_.ptr(); }
+   explicit operator bool() const noexcept { return bool( child_ ); }
+   bool operator!() const noexcept { return !child_; }
+
+   /// Puts another child, or none, in the place of the present one, which leaves and is returned.
+   Ptr< Type > replace( Ptr< Type > child ) {
+      Ptr< Type > old = std::exchange( child_, std::move( child ) );
+      if ( old ) old->vornLeft();
+      return old;
+   }
+
+ private:
+   Ptr< Type > child_;
 };
 
 /// A type whose entities can be observed: it, or a base of it, has the line VORN_OBSERVERS.

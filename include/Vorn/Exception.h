@@ -30,6 +30,10 @@ class VORN_API Exception : public std::exception {
 class VORN_API RangeException : public Exception {
  public:
    using Exception::Exception;
+   /// With arguments for a message that is a pattern of `format`. A message alone is taken as it stands.
+   template< class... More >
+   RangeException( String const & message, auto first, More... more )
+        : Exception( format( message.charPtr(), first, more... ) ) {}
    ~RangeException() override;
 };
 

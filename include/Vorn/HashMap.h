@@ -63,7 +63,7 @@ class VORN_API HashMapGeneric {
    /// The member with that key, or what would follow it.
    Entity * startAtHash( void const * key, U32 hash, std::int32_t * bucket ) const;
 
-   /// Drops all members, in a loop however long the chains.
+   /// Lets go of all members, and of those that come in meanwhile, in a loop however long the chains.
    void emptyAllBuckets() noexcept;
 
  protected:
@@ -75,7 +75,7 @@ class VORN_API HashMapGeneric {
 
    /// Inserts a member whose key is not there; `hash` is that of its key.
    void newMemberG( Entity & member, U32 hash );
-   /// Takes a member out and drops the map's reference.
+   /// Takes a member out, which leaves its parent, and drops the map's reference.
    void deleteMember( Entity & member, U32 hash );
    U32 bucketOf( U32 hash ) const noexcept { return bitReverse( hash ) >> ( 32 - exponent_ ); }
    Entity * first( U32 bucket ) const noexcept { return buckets_ ? buckets_[bucket] : nullptr; }
@@ -84,7 +84,7 @@ class VORN_API HashMapGeneric {
    }
 
  private:
-   void grow();
+   void resize( U8 exponent );
    /// The order of the members, whose keys have these hashes.
    bool before( Entity const & a, U32 hashOfA, Entity const & b, U32 hashOfB ) const;
 

@@ -6,8 +6,15 @@
 /// An observer may do anything from within a callback: write again, bind and unbind others, itself included,
 /// delete entities and drop the last reference to the object that it watches. Each observer that was bound
 /// when the visit began and still is gets its call; one that was bound meanwhile does not get it, one that
-/// was unbound is not called any more. An exception from a callback goes to that observer's
-/// `onNotificationException()`, and the visit goes on.
+/// was unbound is not called any more. An exception from a callback is traced (facility `Notifiee`, level 5,
+/// on from the start) and goes to that observer's `onNotificationException()`, and the visit goes on,
+/// whatever that throws.
+///
+/// A binding ends at the latest with its object, whatever state the observer is in: `notifier()` is null
+/// then. While an object is being destroyed its children still go one by one, and its observers are told.
+/// What they watch says then that it is `vornMarkedForDeletion()`. It can be read and written as ever; a
+/// reference to it that somebody keeps is an assertion in its destructor. What it still owns in the end has
+/// no parent.
 #pragma once
 
 #include "Vorn/Ptr.h"
@@ -28,6 +35,8 @@ class VORN_API PtrInterface::NotifieeConst : public PtrInterface {
    static VornType const _vornType;
 
    VornType const * fwkType() const override { return &_vornType; }
+   /// Unbinds an observer that nobody holds any more, while it is still whole.
+   void zeroReferencesIs( bool zero ) override;
    ~NotifieeConst() override;
 
    /// Lets the observer do what it has put off; does nothing by default, and nothing here calls it.
@@ -36,7 +45,7 @@ class VORN_API PtrInterface::NotifieeConst : public PtrInterface {
    /// an attribute without a key.
    virtual void handleNotification( U32 attributeId, void const * key );
    /// Called within the handling of an exception that left a callback; the exception can be rethrown and
-   /// caught here.
+   /// caught here. What leaves this is traced and goes no further.
    virtual void onNotificationException();
    /// Called when the last reference to the watched object has gone, before it is destroyed.
    virtual void onZeroReferences();
@@ -49,9 +58,9 @@ class VORN_API PtrInterface::NotifieeConst : public PtrInterface {
    PtrInterface const * notifier() const noexcept { return notifier_; }
 
    /// Binds the observer to an object, which must be of the type that the observer is for or derive from it,
-   /// else this asserts; null unbinds. A registered observer enters the object's list at the end.
+   /// else this asserts; null unbinds. The observer comes behind those that are bound already.
    void notifierIs( Ptr< PtrInterface const > const & notifier );
-   /// Whether the observer is entered in the list of the object that it is bound to.
+   /// Whether the observer is told of anything. One that is registered again comes behind all others.
    void isRegisteredNotifieeIs( bool registered );
    /// Whether the binding leaves the object's life alone; a strong binding, the default, keeps the object
    /// alive.
@@ -84,13 +93,13 @@ class VORN_API PtrInterface::NotifieeConst : public PtrInterface {
 
    VornType const * notifierType_ = nullptr;
    PtrInterface const * notifier_ = nullptr;
-   NotifieeConst * next_ = nullptr; // in the notifier's list; the last points to null
+   // Neighbours in the notifier's list, in which every bound observer stands, registered or not.
+   NotifieeConst * next_ = nullptr; // the last points to null
    NotifieeConst * prev_ = nullptr; // the first points to the last
    bool registered_ = false;
    bool weak_ = false;
    bool active_ = false;
    bool watchesAll_ = false;
-   bool listed_ = false;
 };
 
 /// One attribute as notification sees it: constant, one for each attribute.
@@ -101,7 +110,8 @@ struct NotifieeChange {
    void ( *call )( PtrInterface::NotifieeConst & notifiee, void const * key );
 };
 
-/// The observers of one object, in order of binding. One word, zero while nobody observes.
+/// The observers of one object, in order of binding. One word, zero while nobody observes. An object whose
+/// type has no list gets one aside while somebody is bound to it.
 class VORN_API NotifieeList {
  public:
    NotifieeList() noexcept = default;
@@ -119,6 +129,25 @@ class VORN_API NotifieeList {
    void tell( PtrInterface const &, Silence, void const * ) noexcept {}
    /// Calls every observer of the change; `notifier`, whose list this is, is kept alive until all are called.
    void doVisit( PtrInterface const & notifier, NotifieeChange const & change, void const * key = nullptr );
+   /// The same for whoever has no record of the change: `fn( notifiee )` or `fn( notifiee, key )` makes the
+   /// one virtual call. It sees to it that the notifiee is of the type that it calls.
+   template< class Fn >
+   requires std::is_invocable_v< Fn const &, PtrInterface::NotifieeConst & >
+   void doVisit( Fn fn ) {
+      doVisitBy( &fn, []( void const * with, PtrInterface::NotifieeConst & notifiee, void const * ) {
+         ( *static_cast< Fn const * >( with ) )( notifiee );
+      } );
+   }
+   template< class Fn >
+   requires std::is_invocable_v< Fn const &, PtrInterface::NotifieeConst &, void const * >
+   void doVisit( Fn fn, void const * key ) {
+      doVisitBy(
+           &fn,
+           []( void const * with, PtrInterface::NotifieeConst & notifiee, void const * changedKey ) {
+              ( *static_cast< Fn const * >( with ) )( notifiee, changedKey );
+           },
+           key );
+   }
    /// Tells every observer that the object's last reference has gone.
    void doVisitZeroReferences( PtrInterface const & notifier );
    /// Tells every observer that the object has another parent; `notifier` is kept alive.
@@ -136,8 +165,17 @@ class VORN_API NotifieeList {
    }
 
  private:
+   friend class PtrInterface;
    friend class PtrInterface::NotifieeConst;
    friend class NotifieeVisit;
+
+   /// The list of an object: its own, or one aside.
+   static NotifieeList & of( PtrInterface const & object );
+   /// Unbinds those who are bound to an object without a list.
+   static void asideDel( PtrInterface const & object ) noexcept;
+   void doVisitBy( void const * fn,
+                   void ( *call )( void const * fn, PtrInterface::NotifieeConst &, void const * key ),
+                   void const * key = nullptr );
 
    PtrInterface::NotifieeConst * first_ = nullptr;
 };

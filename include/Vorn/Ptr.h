@@ -15,6 +15,7 @@
 
 namespace Vorn {
 
+class Hold;
 class NotifieeList;
 struct VornType;
 
@@ -51,6 +52,8 @@ class VORN_API PtrInterface : public VFPtrInterface {
    /// Set in the reference word while the object is being destroyed. It lies under the mask, so that a
    /// reference taken and dropped on the way down does not destroy the object twice.
    static constexpr U32 beingDestroyed = 0x40000000;
+   /// Flag: observers are bound to the object although its type has no list of them (Notifiee.h).
+   static constexpr U32 boundAside = 0x20000000;
 
    PtrInterface() noexcept = default;
    PtrInterface( PtrInterface const & ) = delete;
@@ -64,6 +67,7 @@ class VORN_API PtrInterface : public VFPtrInterface {
    virtual void zeroReferencesIs( bool zero );
    /// The record of the object's own type.
    virtual VornType const * fwkType() const = 0;
+   /// Asserts that nobody has kept a reference that was taken on the way down.
    virtual ~PtrInterface();
 
    /// References held, without the flags.
@@ -79,6 +83,9 @@ class VORN_API PtrInterface : public VFPtrInterface {
 
    /// Destroys the object, which nobody refers to any more.
    void handleZeroRef() const noexcept;
+   /// Whether the object is being destroyed: its last reference has gone. It can still be read and called,
+   /// but a reference to it that outlives the callback is an assertion.
+   bool vornMarkedForDeletion() const noexcept { return refs_ & beingDestroyed; }
    /// Marks the object as one that is being destroyed, or no longer.
    void vornMarkedForDeletionIs( bool marked ) const noexcept {
       refs_ = marked ? refs_ | beingDestroyed : refs_ & ~beingDestroyed;
@@ -87,6 +94,34 @@ class VORN_API PtrInterface : public VFPtrInterface {
  protected:
    mutable U32 refs_ = 0; ///< reference count and its flags
    Vorn_BitSet status_;   ///< status flags, for the framework; see StreamAdapter.h
+
+ private:
+   friend class Hold;
+   friend class Vorn::NotifieeList;
+};
+
+/// Keeps an object until the end of a scope, whoever lets go of it meanwhile. An object to which nobody
+/// refers when the scope begins is under construction, or lives by a visit to its observers, and is not
+/// destroyed here.
+class Hold {
+ public:
+   explicit Hold( PtrInterface const & object ) noexcept
+        : object_( object ), counted_( object.references() != 0 ) {
+      object.referenceInc();
+   }
+   Hold( Hold const & ) = delete;
+   Hold & operator=( Hold const & ) = delete;
+   ~Hold() {
+      if ( counted_ ) [[likely]] {
+         object_.referenceDec();
+      } else {
+         refDec( object_.refs_ );
+      }
+   }
+
+ private:
+   PtrInterface const & object_;
+   bool const counted_;
 };
 
 /// Strong pointer to a counted object, one word. Null when empty. Copying takes a reference, destruction and

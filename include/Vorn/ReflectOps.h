@@ -81,19 +81,20 @@ VORN_API bool hasAttrLogInterface( VornType const & type );
 
 using ChangeFn = NotifieeChange const & (*)();
 
-template< class Self, class Type, Ptr< Type > Self::*field, auto change >
+template< class Self, class Type, Child< Type > Self::*field, auto change >
 inline constexpr VornAttrOps childOps{
    []( void * result, void * object, VornAttr const &, U32 op, void const *,
        void const * const * args ) -> U32 {
       Self & self = *selfOf< Self >( object );
       Ptr< Type > child;
       switch ( op ) {
-      case GenericIf::read: child = self.*field; break;
+      case GenericIf::read: child = ( self.*field ).get(); break;
       case GenericIf::write:
-         child = withArgs< CtorTypes< Type > >(
-              args, [&]( auto const &... arg ) { return childIs( self, self.*field, *change, arg... ); } );
+         child = withArgs< CtorTypes< Type > >( args, [&]( auto const &... arg ) {
+            return childIs( Owner( self ), self.*field, *change, arg... );
+         } );
          break;
-      case GenericIf::del: child = childDel( self, self.*field, *change ); break;
+      case GenericIf::del: child = childDel( Owner( self ), self.*field, *change ); break;
       default: return GenericIf::notApplicable;
       }
       if ( result ) resultIs( result, child );
@@ -143,12 +144,12 @@ inline constexpr VornAttrOps entityCollOps{
       case GenericIf::read: member = map.member( *static_cast< Key const * >( key ) ); break;
       case GenericIf::write:
          member = withArgs< CtorTypes< Type > >(
-              args, [&]( auto const &... arg ) { return memberIs( self, map, change(), arg... ); } );
+              args, [&]( auto const &... arg ) { return memberIs( Owner( self ), map, change(), arg... ); } );
          break;
       case GenericIf::del:
-         member = memberDel( self, map, change(), *static_cast< Key const * >( key ) );
+         member = memberDel( Owner( self ), map, change(), *static_cast< Key const * >( key ) );
          break;
-      case GenericIf::delAll: membersDel( self, map, change() ); return GenericIf::done;
+      case GenericIf::delAll: membersDel( Owner( self ), map, change() ); return GenericIf::done;
       case GenericIf::has:
          *static_cast< bool * >( result ) = map.member( *static_cast< Key const * >( key ) );
          return GenericIf::done;
@@ -201,9 +202,11 @@ inline constexpr VornAttrOps valueCollOps{
       Key const & key = *static_cast< Key const * >( k );
       switch ( op ) {
       case GenericIf::read: *static_cast< T * >( result ) = map.value( key ); break;
-      case GenericIf::write: valueIs( self, map, change(), key, *static_cast< T const * >( args[0] ) ); break;
+      case GenericIf::write:
+         valueIs( Owner( self ), map, change(), key, *static_cast< T const * >( args[0] ) );
+         break;
       case GenericIf::del: {
-         T const value = valueDel< T >( self, map, change(), key );
+         T const value = valueDel< T >( Owner( self ), map, change(), key );
          if ( result ) *static_cast< T * >( result ) = value;
          break;
       }
@@ -235,10 +238,10 @@ inline constexpr VornAttrOps setOps{
       case GenericIf::has: *static_cast< bool * >( result ) = map.has( key ); break;
       case GenericIf::write:
          if ( !*static_cast< bool const * >( args[0] ) ) GenericIfImpl::throwSetFalseValueException( attr );
-         keyIs( self, map, change(), key );
+         keyIs( Owner( self ), map, change(), key );
          break;
       case GenericIf::del: {
-         bool const was = keyDel( self, map, change(), key );
+         bool const was = keyDel( Owner( self ), map, change(), key );
          if ( result ) *static_cast< bool * >( result ) = was;
          break;
       }
@@ -281,7 +284,7 @@ inline constexpr VornAttrOps referenceCollOps{
          break;
       }
       case GenericIf::del: {
-         auto const value = valueDel< Ptr< Type > >( self, map, change(), key );
+         auto const value = valueDel< Ptr< Type > >( Owner( self ), map, change(), key );
          if ( result ) resultIs( result, value );
          break;
       }
@@ -319,10 +322,10 @@ inline constexpr VornAttrOps queueOps{
       switch ( op ) {
       case GenericIf::read: *static_cast< T * >( result ) = queue.value( index ); break;
       case GenericIf::write:
-         queueIs( self, queue, change(), index, *static_cast< T const * >( args[0] ) );
+         queueIs( Owner( self ), queue, change(), index, *static_cast< T const * >( args[0] ) );
          break;
       case GenericIf::del: {
-         T const value = queueDel< T >( self, queue, change(), index );
+         T const value = queueDel< T >( Owner( self ), queue, change(), index );
          if ( result ) *static_cast< T * >( result ) = value;
          break;
       }
@@ -380,18 +383,6 @@ VORN_API Ptr< StreamAdapter > childAttrLogIs( VornType const * type, char const 
 
 } // namespace NboAttrLog
 
-/// Deletes the entity children that a type declares, with notification, in the order of its attributes.
-VORN_API void childrenDel( Entity & entity, VornType const & type );
-
-/// Whether a type itself declares attributes that own entities.
-template< class T >
-consteval bool ownsEntities() {
-   for ( VornAttr const & attr : AttrTable< T >::table ) {
-      if ( attr.name && attr.instantiating() && attr.owner == &T::_vornType ) return true;
-   }
-   return false;
-}
-
 /// `genericIfIterator` of a type; null where nothing can be walked.
 template< class T >
 constexpr auto iteratorOf() -> decltype( VornType::genericIfIterator ) {
@@ -402,6 +393,18 @@ constexpr auto iteratorOf() -> decltype( VornType::genericIfIterator ) {
       };
    }
    return nullptr;
+}
+
+/// A new entity by the type's free factory, which so gets its place beside the record.
+template< class T, class... Args >
+Ptr< T > factoryMade( Args const &... args ) {
+   if constexpr ( requires {
+                     typename decltype( vornFactory( static_cast< T const * >( nullptr ) ) )::Made;
+                  } ) {
+      using Factory = decltype( vornFactory( static_cast< T const * >( nullptr ) ) );
+      if constexpr ( std::is_same_v< typename Factory::Made, T > ) return Factory::function( args... );
+   }
+   return newObject< T >( args... );
 }
 
 /// The record of an entity type.
@@ -418,13 +421,13 @@ constexpr VornType entityRecord( char const * name ) {
       type.newEntityForAttrLog = newEntityFromLog< T >;
       type.genericIfConstructFromCtorArgs = []( Ptr< PtrInterface > * result, void const * const * args ) {
          *result = withArgs< CtorTypes< T > >(
-              args, []( auto const &... arg ) { return newObject< T >( arg... ); } );
+              args, []( auto const &... arg ) { return factoryMade< T >( arg... ); } );
       };
    }
    for ( VornAttr const & attr : AttrTable< T >::table ) {
-      if ( attr.name && attr.logged() && attr.instantiating() ) {
-         type.childAttrLogIs = NboAttrLog::childAttrLogIs;
-      }
+      if ( !attr.name || !attr.instantiating() ) continue;
+      ++type.instantiatingNum;
+      if ( attr.logged() ) type.childAttrLogIs = NboAttrLog::childAttrLogIs;
    }
    type.genericIfAttributeOp = []( void * result, void * object, VornAttr const & attr, U32 op,
                                    void const * key, void const * const * args ) {

@@ -175,6 +175,7 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
    friend struct ::Vorn::AttrTable< Type >;                                                                  \
                                                                                                              \
  public:                                                                                                     \
+   static constexpr U32 vornFirstId = 0x2;                                                                   \
    static ::Vorn::VornType const _vornType;                                                                  \
    /** Whether the value equals a default one. */                                                            \
    bool operator!() const noexcept { return *this == Type(); }                                               \
@@ -185,6 +186,7 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
 /// Heads the function that gives an attribute's record. It is a template so that a file that only includes
 /// the header does not have to compile what the record points to: that is most of a header's cost.
 #define VORN_ATTR_( id )                                                                                     \
+   static_assert( ::Vorn::isAttrIdOf( id, vornFirstId ), "attribute ids begin with the type's first one" );  \
    template< class = void >                                                                                  \
    static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > )
 

@@ -143,6 +143,7 @@ struct VornType {
    U32 sizeAndFlags; ///< bytes of an instance; in the top four bits 8 for entities and values, 1 for overlays
    U32 attributeNum; ///< number of attributes
    U32 flags;        ///< 0xffff, and bit 25 if instances have a table of virtual operations
+   U32 instantiatingNum; ///< number of attributes that make and own entities
 
    static constexpr U32 plainFlags = 0x0000ffff;
    static constexpr U32 polymorphicFlag = 0x02000000;

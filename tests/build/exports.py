@@ -31,14 +31,21 @@ def main():
     namespaces = "|".join(sorted(p.name for p in pathlib.Path(include).iterdir() if any(p.glob("*.h"))))
     ours = re.compile(rf"\b({namespaces})::|^Ldp_")
     ours_found = 0
+    shown = set()
     for line in output("nm", "--dynamic", "--defined-only", "--demangle", library).splitlines():
         _, kind, symbol = line.split(maxsplit=2)
         if ours.search(symbol) and "(anonymous namespace)" not in symbol:
             ours_found += 1
+            shown.add(symbol.split("(")[0])
         elif not (kind in "WVu" and re.search(r"\b(std|__gnu_cxx)::", symbol)):  # instances of standard templates
             wrong.append(f"exports {symbol}")
     if not ours_found:
         wrong.append("exports nothing of its own")
+    # A factory is a function that stands in the library, so that a program can take its address.
+    for header in pathlib.Path(include).glob("*/*.h"):
+        for name in re.findall(r"^VORN_FACTORY\( \w+, (\w+) \)", header.read_text(), re.M):
+            if f"{header.parent.name}::{name}" not in shown:
+                wrong.append(f"does not export {header.parent.name}::{name}")
 
     print("\n".join(wrong) or f"{ours_found} exported symbols, all of the library's namespaces")
     sys.exit(1 if wrong else 0)

@@ -8,10 +8,10 @@ VORN_RECORD( Test, Everything )
 VORN_RECORD( Test, Derived )
 VORN_MODULE( &Leaf::_vornType, &Member::_vornType, &Everything::_vornType, &Derived::_vornType )
 
-Leaf::~Leaf() { vornTeardown(); }
-Member::~Member() { vornTeardown(); }
-Everything::~Everything() { vornTeardown(); }
-Derived::~Derived() { vornTeardown(); }
+Leaf::~Leaf() = default;
+Member::~Member() = default;
+Everything::~Everything() = default;
+Derived::~Derived() = default;
 
 Vorn::String Everything::motto() const { return "plain"; }
 

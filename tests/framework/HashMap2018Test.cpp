@@ -128,6 +128,23 @@ TEST( HashMap2018, markAndSweep ) {
    EXPECT_EQ( Thing::allocTrack().objects(), 35u );
 }
 
+TEST( HashMap2018, assignedIteratorGoesOnWhereTheOtherStood ) {
+   Vorn::HashMap2018< Owner, U32, U32 > map;
+   map.valueIs( 7, 0 );
+   auto const early = map.begin();
+   for ( U32 i = 0; i < 500; ++i ) {
+      map.valueIs( i, i );
+   }
+   auto it = map.begin();
+   it = early; // stands in a bucket that is no longer the map's
+   decltype( it ) other( map, 7 );
+   for ( ; it && other; it.advance(), other.advance() ) {
+      EXPECT_EQ( it->key(), other->key() );
+   }
+   EXPECT_TRUE( !it && !other );
+   EXPECT_FALSE( it.markedForDeletion() );
+}
+
 TEST( HashMap2018, deletedValueDiesWithTheLastLook ) {
    Things::Map map;
    Things::put( map, 1, 1 );

@@ -221,6 +221,23 @@ TEST( HashMap, releasesALongChainInALoop ) {
    EXPECT_EQ( M::allocTrack().objects(), 0u );
 }
 
+TEST( HashMap, givesBucketsBackInTheMidstOfAWalk ) {
+   using M = Member< 8 >;
+   MapOf< M > map;
+   for ( U32 i = 0; i < 1000; ++i ) {
+      Ptr< M > const member( new M( i ) );
+      map.newMember( *member, member->vornKey().hash() );
+   }
+   EXPECT_EQ( map.buckets(), 1024u );
+   U32 met = 0;
+   for ( auto it = map.begin(); it; it.advance() ) {
+      if ( ++met % 100 ) map.del( *it, it->vornKey().hash() );
+   }
+   EXPECT_EQ( met, 1000u );
+   EXPECT_EQ( map.members(), 10u );
+   EXPECT_EQ( map.buckets(), 32u );
+}
+
 TEST( HashMapDeathTest, deletesMembersOnly ) {
    using M = Member< 7 >;
    MapOf< M > map;

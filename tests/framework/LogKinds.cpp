@@ -7,8 +7,8 @@ VORN_RECORD( Test, Branch )
 VORN_RECORD( Test, Tree )
 VORN_MODULE( &Twig::_vornType, &Branch::_vornType, &Tree::_vornType )
 
-Twig::~Twig() { vornTeardown(); }
-Branch::~Branch() { vornTeardown(); }
-Tree::~Tree() { vornTeardown(); }
+Twig::~Twig() = default;
+Branch::~Branch() = default;
+Tree::~Tree() = default;
 
 } // namespace Test

@@ -199,6 +199,9 @@ TEST( RbTreeMap, enumeratorsAndViews ) {
    capabilities.valueIs( p2mp, "p2mp" );
    EXPECT_EQ( capabilities.value( mp2mp ), nullptr );
    EXPECT_FALSE( capabilities.del( mp2mp ) );
+   capabilities.valueIs( mp2mp, "mp2mp" ); // now the root, whose place the next one takes
+   EXPECT_TRUE( capabilities.del( mp2mp ) );
+   EXPECT_TRUE( capabilities[typedWildcard]->linked() );
    std::string all;
    for ( auto const & node : capabilities ) {
       all += node.value();

@@ -1,6 +1,7 @@
 // Text forms of the built-in values, and readers that take nothing but what they wrote.
 
 #include "Vorn/Strep.h"
+#include "Vorn/ValueType.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -11,7 +12,39 @@ using Vorn::sequenceToValue;
 using Vorn::String;
 using Vorn::valueToStrep;
 
+namespace Test {
+
+/// Has more fields than fit any number that one would think of.
+class Wide {
+   VORN_VALUE( Wide )
+#define FIELDS( id )                                                                                         \
+   VORN_FIELD( id, U32, f##id ) = id;                                                                        \
+   VORN_FIELD( id + 1, U32, g##id ) = id;                                                                    \
+   VORN_FIELD( id + 2, U32, h##id ) = id;                                                                    \
+   VORN_FIELD( id + 3, U32, i##id ) = id;                                                                    \
+   VORN_FIELD( id + 4, U32, j##id ) = id;                                                                    \
+   VORN_FIELD( id + 5, U32, k##id ) = id
+   FIELDS( 2 );
+   FIELDS( 8 );
+   FIELDS( 14 );
+   FIELDS( 20 );
+   FIELDS( 26 );
+   FIELDS( 32 );
+#undef FIELDS
+
+ public:
+   Wide() noexcept = default;
+   friend bool operator==( Wide const &, Wide const & ) noexcept = default;
+};
+VORN_TEXT( Wide )
+VORN_VALUE_RECORD( Test, Wide )
+VORN_TEXT_OF_RECORD( Wide )
+
+} // namespace Test
+
 namespace {
+
+using Test::Wide;
 
 template< class T >
 void expectBothWays( T const & value, String const & text ) {
@@ -106,6 +139,13 @@ TEST( Strep, readersStopBehindWhatTheyTake ) {
    Vorn::needString( it, text.end(), "}" );
    Vorn::strepToValueEnd( text, it );
    Vorn::needString( it, text.end(), "" );
+}
+
+TEST( Strep, valuesOfAnyWidth ) {
+   Wide wide;
+   wide.k32Is( 77 );
+   expectBothWays( wide, valueToStrep( wide ) );
+   EXPECT_NE( valueToStrep( wide ).view().find( "'j32': 32, 'k32': 77})" ), std::string_view::npos );
 }
 
 TEST( Strep, failureNamesTheAttribute ) {

@@ -32,6 +32,7 @@ TEST( LdpAdjIdTest, ReadsWhatItWrites ) {
    };
    Row const rows[] = {
       { link1, "10.0.0.1:0_Ethernet1" },
+      { LdpAdjId( r1, IntfId( "e" ) ), "10.0.0.1:0_e" },
       { target2, "10.0.0.1:0_TARGET_10.0.0.2" },
       { LdpAdjId(), "0.0.0.0:0_TARGET_0.0.0.0" },
       { LdpAdjId( LdpIdentifier( 0xffffffff, 65535 ), IntfId( "a_b" ) ), "255.255.255.255:65535_a_b" },

@@ -29,15 +29,13 @@ TEST( LdpFecSessionIdTest, ReadsWhatItWritesIfTheFecIsAPrefix ) {
    read.stringValueIs( id.stringValue() );
    EXPECT_EQ( read, id );
    LdpFecSessionId const p2mp( FwdEqvClass( IpAddr( 0x0a000001 ), 7 ), peer1 );
-   EXPECT_THROW( read.stringValueIs( p2mp.stringValue() ), Vorn::RangeException );
-   for ( char const * text : { "", "10.0.0.0/8", "10.0.0.0/8_", "10.0.0.1:0" } ) {
+   for ( String const & text : { p2mp.stringValue(), String( "" ), String( "10.0.0.0/8" ),
+                                 String( "10.0.0.0/8_" ), String( "10.0.0.1:0" ), String( "_10.0.0.1:0" ),
+                                 String( "10.0.0.0_10.0.0.1:0" ), String( "10.0.0.0/33_10.0.0.1:0" ),
+                                 String( "10.0.0.0/8_10.0.0.1" ), String( "10.0.0.0/8_10.0.0.1:0_" ) } ) {
       EXPECT_EQ( messageOf< Vorn::RangeException >( [&] { read.stringValueIs( text ); } ),
                  "Invalid LdpFecSessionId" )
            << text;
-   }
-   for ( char const * text :
-         { "_10.0.0.1:0", "10.0.0.0_10.0.0.1:0", "10.0.0.0/8_10.0.0.1", "10.0.0.0/8_10.0.0.1:0_" } ) {
-      EXPECT_THROW( read.stringValueIs( text ), Vorn::RangeException ) << text;
    }
    EXPECT_EQ( read, id ) << "it stays as it was";
 }

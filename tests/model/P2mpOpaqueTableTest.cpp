@@ -73,11 +73,37 @@ TEST_F( P2mpOpaqueTableTest, AValueGoesWithItsLastFec ) {
    EXPECT_EQ( opaque->getOpaqueIndex( "b" ), 0u ) << "the count decides, not what was removed";
 }
 
-TEST_F( P2mpOpaqueTableTest, AnObserverMayDropTheAllocator ) {
+TEST_F( P2mpOpaqueTableTest, AnObserverMayDropTheAllocatorAndTheTable ) {
+   {
+      auto & dropped = *opaque;
+      Watcher dropping( dropped, [&] { opaque = nullptr; } );
+      EXPECT_EQ( dropped.getOrCreateOpaqueIndex( "a" ), 1u );
+      EXPECT_EQ( table->opaqueIndexColl()->opaqueIndex( 1 )->oValStr(), "a" );
+   }
+   opaque = ldpP2mpOpaqueTableFactory( "another" );
+   opaque->tableIs( table );
+   opaque->addMembership( fec( 1 ) );
    auto & dropped = *opaque;
-   Watcher dropping( dropped, [&] { opaque = nullptr; } );
-   EXPECT_EQ( dropped.getOrCreateOpaqueIndex( "a" ), 1u );
-   EXPECT_EQ( table->opaqueIndexColl()->opaqueIndex( 1 )->oValStr(), "a" );
+   Watcher dropping( *table->opaqueIndexColl(), [&] {
+      opaque = nullptr;
+      dropped.tableIs( nullptr );
+      table = nullptr;
+   } );
+   auto const values = table->opaqueValColl();
+   dropped.delMembership( fec( 1 ) );
+   EXPECT_FALSE( opaque || table );
+   EXPECT_EQ( values->opaqueVals(), 0u );
+}
+
+TEST_F( P2mpOpaqueTableTest, AnObserverMayRemoveTheLastFecBeforeTheOther ) {
+   newIndex( "a" );
+   opaque->addMembership( fec( 1, 2 ) );
+   bool once = true;
+   Watcher removing( *table->opaqueIndexColl()->opaqueIndex( 1 ), [&] {
+      if ( std::exchange( once, false ) ) opaque->delMembership( fec( 1, 2 ) );
+   } );
+   opaque->delMembership( fec( 1 ) );
+   EXPECT_EQ( opaque->freeIds(), 1u ) << "released once";
 }
 
 TEST_F( P2mpOpaqueTableTest, TracesWhatItDoes ) {

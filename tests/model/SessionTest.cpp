@@ -92,6 +92,9 @@ TEST_F( SessionStatusTest, CheckInitMakesOneHistory ) {
    status->checkInit();
    EXPECT_EQ( status->sessionStateLogEntryColl().ptr(), log.ptr() );
    EXPECT_EQ( seen->taken(), Calls{ "log" } );
+   auto const named = status->sessionStateLogEntryCollIs( Vorn::Name( "named" ) );
+   status->checkInit();
+   EXPECT_EQ( status->sessionStateLogEntryColl(), named ) << "whatever it is";
 }
 
 TEST_F( SessionStatusTest, AHistoryHeldElsewhereOutlivesTheStatus ) {

@@ -56,6 +56,8 @@ TEST_F( TcpConnTest, AnotherServerIsRefusedAndNothingChanges ) {
    auto const conn = coll->connConfigIs( server, Port( 646 ), client, peer );
    Watcher collSeen( *coll ), seen( *conn );
    Vorn::Expect const expected( Vorn::Exception::nameInUse );
+   EXPECT_TRUE( Vorn::Expect::expected( Vorn::Exception::nameInUse ) );
+   EXPECT_FALSE( Vorn::Expect::expected( Vorn::Exception::Id( 17 ) ) );
    EXPECT_EQ( messageOf< Vorn::NameInUseException >(
                    [&] { coll->connConfigIs( other, Port( 647 ), other, peer ); } ),
               std::string( "Reinstantiating the entity with fullName " ) +

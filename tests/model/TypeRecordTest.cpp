@@ -108,6 +108,32 @@ TEST( TypeRecords, OfEnumerationsAreAsWrittenDown ) {
    }
 }
 
+TEST( TypeRecords, ViewsCompareByTheirPlace ) {
+   Vorn::NrcPtrInterface const octets[2];
+   Vorn::NrcPtrInterface const * a = &octets[0];
+   Vorn::NrcPtrInterface const * b = &octets[1];
+   auto const & equal = *typeOf( "Ldp::LdpPduHdr" ).methods->equal;
+   EXPECT_TRUE( equal( &a, &a ) );
+   EXPECT_FALSE( equal( &a, &b ) );
+}
+
+TEST( TypeRecords, AValueIsPassedAsOneOfItsBases ) {
+   VornType const & type = typeOf( "Ldp::LdpAdjConfig" );
+   auto const as = [&]( VornType const & from, VornType const & to ) {
+      static char const place[16]{};
+      return static_cast< char const * >( type.methods->genericIfVoidPtrIs( place, &from, &to ) ) - place;
+   };
+   EXPECT_EQ( as( type, type ), 0 );
+   EXPECT_EQ( as( type, Entity::_vornType ), 0 );
+   EXPECT_THROW( as( Entity::_vornType, type ), Vorn::RangeException );
+   VornType plain = type, derived = type;
+   plain.flags = VornType::plainFlags;
+   derived.base = &plain;
+   EXPECT_EQ( as( derived, plain ), 8 ) << "behind the table";
+   plain.base = &type;
+   EXPECT_DEATH( as( plain, type ), "type->isPolymorphic" );
+}
+
 TEST( TypeRecords, NoTypeOfTheModelIsLeftOut ) {
    // Entities of neighbouring libraries, which say themselves what they hold.
    std::set< std::string > expected{ "Ldp::LdpIdentifierSet", "Ldp::LabelAdvertisementColl",

@@ -21,10 +21,7 @@ class Shared : public Vorn::Entity {
 
  public:
    explicit Shared( Vorn::Name const & name ) : name_( name ) {}
-   ~Shared() override {
-      vornTeardown();
-      ++destroyed;
-   }
+   ~Shared() override { ++destroyed; }
 
    VORN_NAME;
    VORN_MUTABLE( 0x102, U32, number, Number, local ) = 0;

@@ -6,7 +6,7 @@ VORN_RECORD( LdpTool, Speaker )
 VORN_RECORD( LdpTool, Network )
 VORN_MODULE( &Speaker::_vornType, &Network::_vornType )
 
-Speaker::~Speaker() { vornTeardown(); }
-Network::~Network() { vornTeardown(); }
+Speaker::~Speaker() = default;
+Network::~Network() = default;
 
 } // namespace LdpTool
