@@ -9,6 +9,9 @@
 
 namespace {
 
+using Test::Choices;
+using Test::meddle;
+
 U64 setting( char const * name, U64 otherwise ) {
    char const * const text = std::getenv( name );
    return text ? std::strtoull( text, nullptr, 10 ) : otherwise;
@@ -20,8 +23,8 @@ TEST( Reentry, noOrderOfCallsReachesWhatIsGone ) {
    for ( U64 steps = setting( "LDP_REENTRY_STEPS", 40'000 ); steps; steps -= std::min( steps, round ) ) {
       // Said beforehand, since what goes wrong ends the process. The last one is the culprit.
       std::fprintf( stderr, "\rLDP_REENTRY_SEED=%llu ", static_cast< unsigned long long >( seed ) );
-      Test::Choices choices( seed++ );
-      Test::meddle( choices, std::min( steps, round ) );
+      Choices choices( seed++ );
+      meddle( choices, std::min( steps, round ) );
    }
    std::fprintf( stderr, "\n" );
 }
