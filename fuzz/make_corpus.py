@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Makes the seed corpora of the decoders' fuzz targets: fuzz/corpus/{PduFuzz,MessageFuzz,FecTlvFuzz,TextFuzz}.
+"""Makes the seed corpora: fuzz/corpus/{PduFuzz,MessageFuzz,FecTlvFuzz,TextFuzz,CaptureFuzz}. LeanFuzz and TraceFuzz
+take the inputs of PduFuzz.
 
 One part is cut from tests/captures: of PDUs that differ in nothing but their values one is taken. The other part is
 made by hand below, each input named by what it shows. Run it again after a change here; it writes over what it made
@@ -297,6 +298,24 @@ def by_hand_pdus():
     yield "message-3-octets-header-in-next", pdu(tlv(0x201, length=65535), tlv(0x100, length=0), KEEP_ALIVE)
 
 
+# The kinds of capture of CaptureFuzz.cpp by link type, and a whole file.
+CAPTURE_KINDS = {1: 0, 113: 1}
+WHOLE_FILE = 0x80
+
+
+def capture_inputs():
+    """The first frames of each capture with LDP in them, for the monitor and for lines; one whole file."""
+    for name in sorted(os.listdir(CAPTURES)):
+        if not name.endswith(".pcap"):
+            continue
+        kept = [(link, frame) for link, frame in frames(os.path.join(CAPTURES, name)) if payload(link, frame)][:30]
+        body = b"".join(struct.pack("!BH", 1, len(frame)) + frame for _, frame in kept if len(frame) <= LARGEST)
+        for reader in (2, 4):
+            yield "%s-%d" % (name[:-5], reader), bytes([reader, CAPTURE_KINDS[kept[0][0]]]) + body
+    with open(os.path.join(CAPTURES, "any-sll.pcap"), "rb") as file:
+        yield "whole-file", bytes([5, WHOLE_FILE]) + file.read()[:8000]
+
+
 def write(target, name, octets):
     folder = os.path.join(HERE, "corpus", target)
     os.makedirs(folder, exist_ok=True)
@@ -336,6 +355,8 @@ def main():
     for length in (0, 1, len(PREFIX) - 1, len(PREFIX) + 1, 0xFFFC, 0xFFFD, 0xFFFF):
         write("FecTlvFuzz", "prefix-tlv-length-%d" % length, b"\0" + tlv(0x100, PREFIX, length))
     write("FecTlvFuzz", "header-cut-short", b"\0\1\0\0")
+    for name, octets in capture_inputs():
+        write("CaptureFuzz", name, octets)
     for name, text in texts():
         write("TextFuzz", name, text.encode())
 
