@@ -22,8 +22,10 @@ if( LDP_THREAD )
    add_link_options( -fsanitize=thread )
 endif()
 if( LDP_MEMORY )
-   add_compile_options( -fsanitize=memory -fsanitize-memory-track-origins -fno-omit-frame-pointer )
-   add_link_options( -fsanitize=memory )
+   # All that runs must be compiled this way, the standard library too: of libc++ nearly all is in its headers.
+   add_compile_options( -fsanitize=memory -fsanitize-memory-track-origins -fno-omit-frame-pointer
+      -stdlib=libc++ -D_LIBCPP_DISABLE_EXTERN_TEMPLATE )
+   add_link_options( -fsanitize=memory -stdlib=libc++ )
 endif()
 if( LDP_FUZZ )
    # Coverage feedback in the library itself; only the targets take the fuzzer's main.

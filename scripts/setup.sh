@@ -14,7 +14,7 @@ for group in "$@"; do
       tool | tests) packages+=( libtins-dev libpcap-dev libcli11-dev nlohmann-json3-dev ) ;;&
       tool) ;;
       tests) packages+=( git libgtest-dev librapidcheck-dev libbenchmark-dev ) ;;
-      clang) packages+=( git clang clang-format libclang-rt-14-dev ) ;;
+      clang) packages+=( git clang clang-format libclang-rt-14-dev libc++-14-dev libc++abi-14-dev ) ;;
       docs) packages+=( doxygen ) ;;
       comparison) packages+=( tcpdump tshark libabsl-dev libboost-dev libsigc++-2.0-dev libprotobuf-dev protobuf-compiler ) ;;
       *) echo "usage: scripts/setup.sh [tool|tests|clang|docs|comparison]..." >&2; exit 2 ;;

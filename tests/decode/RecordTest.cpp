@@ -44,8 +44,8 @@ void expectType( ExpectedType const & expected ) {
       ExpectedAttr const & row = rows[i - from];
       expectRecord( attr, row );
       EXPECT_EQ( bool( attr.flags & Vorn::writeAccess ), attr.kind() == VornKind::state && !row.isView );
-      if ( !row.defaultText.empty() )
-         EXPECT_EQ( GenericIf::attributeText( nullptr, type, attr ), row.defaultText.c_str() ) << row.name;
+      if ( row.defaultText.empty() ) continue;
+      EXPECT_EQ( GenericIf::attributeText( nullptr, type, attr ), row.defaultText.c_str() ) << row.name;
    }
    EXPECT_TRUE( !type.attributes || !type.attributes[type.attributeNum].name );
 }
