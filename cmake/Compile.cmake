@@ -1,14 +1,17 @@
-# How our own code is compiled: warnings are errors, sanitizers where asked for, ccache where present.
+# How our own code is compiled: with which warnings, with sanitizers where asked for, with ccache where present. Warnings are
+# errors in our own builds alone: the presets say so.
 
 find_program( CCACHE ccache )
 mark_as_advanced( CCACHE )
-if( CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER )
+if( PROJECT_IS_TOP_LEVEL AND CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER )
    set( CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE} )
 endif()
 
-# Every target of ours links this privately; it is never handed on to those who use the library.
+# Every target of ours links this privately; it is never handed on to those who use the library. What a binary says of its
+# sources (an assertion, debug information) does not depend on where it was built.
 add_library( LdpCompile INTERFACE )
-target_compile_options( LdpCompile INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Werror )
+target_compile_options( LdpCompile INTERFACE
+   -Wall -Wextra -Wpedantic -Wconversion -ffile-prefix-map=${PROJECT_SOURCE_DIR}/= )
 
 if( LDP_SANITIZE )
    add_compile_options( -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer )
@@ -17,6 +20,10 @@ endif()
 if( LDP_THREAD )
    add_compile_options( -fsanitize=thread )
    add_link_options( -fsanitize=thread )
+endif()
+if( LDP_MEMORY )
+   add_compile_options( -fsanitize=memory -fsanitize-memory-track-origins -fno-omit-frame-pointer )
+   add_link_options( -fsanitize=memory )
 endif()
 if( LDP_FUZZ )
    # Coverage feedback in the library itself; only the targets take the fuzzer's main.
