@@ -10,7 +10,7 @@ help:
 	@echo "make demo       decode captures of real routers, show what each router knows"
 	@echo "make test       build everything, run the whole suite"
 	@echo "make sanitize   the same with clang++ under address and undefined-behaviour sanitizers"
-	@echo "make thread     the test of references that threads share, under the thread sanitizer"
+	@echo "make thread     the tests of what threads may do at once, under the thread sanitizer"
 	@echo "make memory     the inputs of the fuzz targets under the memory sanitizer"
 	@echo "make bench      run the benchmarks"
 	@echo "make fuzz       run each fuzz target for FUZZ_SECONDS (60); fuzz-fast: the lean one without sanitizers"

@@ -218,6 +218,11 @@ void LdpFecTlvParser::fecElementIs( U32 index, Vorn::Ptr< LdpFecTlvElement > con
    }
 }
 
+Vorn::Ptr< LdpFecTlvElement > LdpFecTlvParser::fecElementDel( U32 index ) {
+   auto deleted = fecElement_.del( index );
+   return deleted ? deleted->value() : nullptr;
+}
+
 Vorn::String LdpFecTlvParser::stringValue() const {
    Vorn::String text = "[";
    for ( U32 i = 0; auto const element = fecElement( i ); ++i ) {

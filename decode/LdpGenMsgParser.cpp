@@ -26,6 +26,11 @@ U32 LdpTlvGroupParser::tlvOffset( U32 index ) const noexcept {
    return node ? node->value() : 0;
 }
 
+U32 LdpTlvGroupParser::tlvOffsetDel( U32 index ) {
+   auto const deleted = tlvOffset_.del( index );
+   return deleted ? deleted->value() : 0;
+}
+
 void LdpTlvGroupParser::refuse( Vorn::String const & reason ) {
    reason_ = reason;
    TWAIN_TRACE( 5, reason_ );
@@ -34,6 +39,7 @@ void LdpTlvGroupParser::refuse( Vorn::String const & reason ) {
 
 bool LdpTlvGroupParser::parseTlvGroup() {
    TWAIN_FUNCTION( "LdpTlvGroupParser::parseTlvGroup" );
+   VORN_ASSERT( pkt_ );
    VORN_ASSERT( pkt_->frontBytes() >= offset_ );
    U8 const * const front = pkt_->front();
    U64 const frontBytes = pkt_->frontBytes();
@@ -90,6 +96,7 @@ LdpPduParser::LdpPduParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset )
 LdpPduParser::~LdpPduParser() = default;
 
 void LdpPduParser::handleHeader() noexcept {
+   VORN_ASSERT( pkt_ );
    header_ = reinterpret_cast< LdpPduHdr const * >( pkt_->front() + offset_ );
 }
 
@@ -127,6 +134,7 @@ void LdpPduParser::handleInitialized() {
    }
    TWAIN_TRACE( 9, "   LdpHeader: ", *header_ );
 
+   VORN_ASSERT( tlvGroupParser_ );
    // Whether the packet holds what the length claims is for the walk to find.
    tlvGroupParser_->pktIs( pkt_ );
    tlvGroupParser_->offsetIs( offset_ + U32( sizeof( LdpPduHdr ) ) );
@@ -139,6 +147,15 @@ void LdpPduParser::handleInitialized() {
       statusCode_ = malformedTlv;
       reason_ = "LDP PDU Messages are malformed";
    }
+}
+
+bool LdpPduParser::hasText() const noexcept {
+   if ( !validLdpPdu() ) return true;
+   U32 const num = messageNum();
+   for ( U32 i = 0; i < num; ++i ) {
+      if ( messageOffset( i ) > pkt_->frontBytes() ) return false;
+   }
+   return hasHeader();
 }
 
 Vorn::String LdpPduParser::stringValue() const {

@@ -8,6 +8,9 @@
 
 namespace Ldp {
 
+// What asserts on a view over another type; who goes by the record alone cannot know what the view lies over.
+#define VORN_ROW_ofItsType( row ) VORN_ROW_where( liesOverItsType, row )
+
 // The words: their octets, of which the text form is made, then the parts that they are divided into.
 
 VORN_REFLECTED_VALUE_RECORD( Ldp, LdpHdrMsgUbitAndTypeField, part( v0 ), part( v1 ), write( unknown ),
@@ -64,11 +67,13 @@ VORN_VIEW_RECORD( Ldp, LdpTlvHdr, state( tlvTypeField ), field( lengthNbo, lengt
 
 VORN_VIEW_RECORD( Ldp, LdpCommonHelloTlv, field( holdTimeNbo, holdTime_ ), state( targetHelloField ),
                   write( holdTime ), write( targetedHello ), write( requestSendTargetedHello ),
-                  function( validate ), read( stringValue ) )
-VORN_VIEW_RECORD( Ldp, LdpIpTransportAddrTlv, state( ipAddr ), function( validate ), read( stringValue ) )
+                  ofItsType( function( validate ) ), ofItsType( read( stringValue ) ) )
+VORN_VIEW_RECORD( Ldp, LdpIpTransportAddrTlv, state( ipAddr ), ofItsType( function( validate ) ),
+                  ofItsType( read( stringValue ) ) )
 VORN_VIEW_RECORD( Ldp, LdpConfigSeqNumTlv, field( configSeqNumNbo, configSeqNum_ ), write( configSeqNum ),
-                  function( validate ), read( stringValue ) )
-VORN_VIEW_RECORD( Ldp, LdpIp6TransportAddrTlv, state( ip6Addr ), function( validate ), read( stringValue ) )
+                  ofItsType( function( validate ) ), ofItsType( read( stringValue ) ) )
+VORN_VIEW_RECORD( Ldp, LdpIp6TransportAddrTlv, state( ip6Addr ), ofItsType( function( validate ) ),
+                  ofItsType( read( stringValue ) ) )
 VORN_VIEW_RECORD( Ldp, LdpCommonSessionParamTlv, field( protocolVersionNbo, protocolVersion_ ),
                   field( keepAliveTimeNbo, keepAliveTime_ ), state( adField ), state( pathVecLim ),
                   field( maxPduLengthNbo, maxPduLength_ ), state( recvLdpIdentifier ),
@@ -81,17 +86,18 @@ VORN_VIEW_RECORD( Ldp, LdpCapabilityParameterTlv, state( stateBit ), write( stat
 
 // What Notification, Address and label messages carry.
 
-VORN_VIEW_RECORD( Ldp, LdpGenLabelTlv, state( labelField ), write( label ), function( validate ),
-                  read( stringValue ) )
+VORN_VIEW_RECORD( Ldp, LdpGenLabelTlv, state( labelField ), write( label ), ofItsType( function( validate ) ),
+                  ofItsType( read( stringValue ) ) )
 VORN_VIEW_RECORD( Ldp, LdpLabelReqMsgIdTlv, field( reqMsgIdNbo, reqMsgId_ ), write( reqMsgId ),
-                  function( validate ), read( stringValue ) )
-VORN_VIEW_RECORD( Ldp, LdpHopCountTlv, state( hopCount ), function( validate ), read( stringValue ) )
+                  ofItsType( function( validate ) ), ofItsType( read( stringValue ) ) )
+VORN_VIEW_RECORD( Ldp, LdpHopCountTlv, state( hopCount ), ofItsType( function( validate ) ),
+                  ofItsType( read( stringValue ) ) )
 VORN_VIEW_RECORD( Ldp, LdpPathVectorTlv, read( lsrIdNum ), indexed( lsrId, lsrIdNum ), keyed( lsrIdPosition ),
-                  function( validate ), read( stringValue ) )
+                  ofItsType( function( validate ) ), ofItsType( read( stringValue ) ) )
 VORN_VIEW_RECORD( Ldp, LdpStatusTlv, state( statusCode ), field( msgIdNbo, msgId_ ),
                   field( msgTypeNbo, msgType_ ), write( statusData ), write( statusForwardUnknown ),
-                  write( statusError ), write( msgId ), write( msgType ), function( validate ),
-                  read( stringValue ) )
+                  write( statusError ), write( msgId ), write( msgType ), ofItsType( function( validate ) ),
+                  ofItsType( read( stringValue ) ) )
 VORN_VIEW_RECORD( Ldp, LdpAddressListTlv, read( addressFamilyNbo ), read( family ), read( numAddress ),
                   indexed( address, numAddress ), function( validate ), read( stringValue ) )
 VORN_VIEW_RECORD( Ldp, LdpPwStatusTlv, state( pwStatusField ), function( validate ), read( stringValue ) )
@@ -108,15 +114,16 @@ VORN_VIEW_RECORD( Ldp, LdpFecTlvP2mpElementHdr, field( familyNbo, family_ ), sta
                   read( family ) )
 VORN_VIEW_RECORD( Ldp, LdpFecTlvPwIdElementHdr, state( pwTypeField ), state( pwInfoLen ),
                   field( groupIdNbo, groupId_ ), write( groupId ), write( controlWord ), write( pwType ),
-                  write( pwId ) )
+                  writtenWhere( hasPwId, write( pwId ) ) )
 VORN_VIEW_RECORD( Ldp, LdpPwIntfParamSubTlv, state( typeField ), state( length ), read( totalLength ),
                   constant( tlvHdrSizeExclude ), read( type ) )
-VORN_VIEW_RECORD( Ldp, LdpPwIntfMtuSubTlv, state( mtu ), function( validate ) )
-VORN_VIEW_RECORD( Ldp, LdpPwIntfDescSubTlv, read( description ), constant( maxLength ), function( validate ) )
-VORN_VIEW_RECORD( Ldp, LdpPwRequestedVlanIdSubTlv, state( vlanId ), function( validate ) )
-VORN_VIEW_RECORD( Ldp, LdpPwFragIndicatorSubTlv, state( fragIndicator ), function( validate ) )
+VORN_VIEW_RECORD( Ldp, LdpPwIntfMtuSubTlv, state( mtu ), ofItsType( function( validate ) ) )
+VORN_VIEW_RECORD( Ldp, LdpPwIntfDescSubTlv, read( description ), constant( maxLength ),
+                  ofItsType( function( validate ) ) )
+VORN_VIEW_RECORD( Ldp, LdpPwRequestedVlanIdSubTlv, state( vlanId ), ofItsType( function( validate ) ) )
+VORN_VIEW_RECORD( Ldp, LdpPwFragIndicatorSubTlv, state( fragIndicator ), ofItsType( function( validate ) ) )
 VORN_VIEW_RECORD( Ldp, LdpPwVccvParamSubTlv, state( vccvParam ), read( ccTypes ), read( cvTypes ),
-                  function( validate ) )
+                  ofItsType( function( validate ) ) )
 
 VORN_MODULE( &LdpHdrMsgUbitAndTypeField::_vornType, &LdpTlvTypeField::_vornType,
              &LdpCommonHelloTargetField::_vornType, &LdpFtSessionFlags::_vornType,

@@ -62,6 +62,12 @@ void LdpCapabilityParser::capabilitiesIs( LdpTlvType type, LdpCapabilityParamete
    }
 }
 
+LdpCapabilityParameterTlv const * LdpCapabilityParser::capabilitiesDel( LdpTlvType type ) {
+   LdpCapabilityParameterTlv const * const deleted = capabilities( type );
+   capabilities_.del( type );
+   return deleted;
+}
+
 void LdpCapabilityParser::parseCapabilityTlvs() {
    eachTlv( [this]( U32, LdpTlvHdr const & tlv ) {
       auto const rule = CapabilityRule::of( tlv.type() );
@@ -123,6 +129,7 @@ void LdpInitMsgParser::handleInitialized() {
    };
    TWAIN_FUNCTION( "LdpInitMsgParser::handleInitialized" );
    initialized_ = true;
+   Judging const judging( *this );
    if ( !opens( rules ) ) return;
    // Before the session parameters, so a capability's fault wins wherever it stands.
    parseCapabilityTlvs();
@@ -134,6 +141,7 @@ void LdpInitMsgParser::handleInitialized() {
 
 Vorn::String LdpInitMsgParser::stringValue() const {
    if ( !validMsg() ) return "Invalid LDP Init Msg: " + reason();
+   VORN_ASSERT( msgSessionParamTlv() );
    Vorn::String text = headingText( "LDP Init Msg:\n" ) + "   " + msgSessionParamTlv_->stringValue();
    if ( msgFtSessionTlv_ ) text += "\n   " + msgFtSessionTlv_->stringValue();
    return text += capabilitiesText();
@@ -149,6 +157,7 @@ LdpCapabilityMsgParser::~LdpCapabilityMsgParser() = default;
 void LdpCapabilityMsgParser::handleInitialized() {
    TWAIN_FUNCTION( "LdpCapabilityMsgParser::handleInitialized" );
    initialized_ = true;
+   Judging const judging( *this );
    VORN_ASSERT( msgHdr_ );
    if ( !validMsg() ) return;
    VORN_ASSERT_TEXT( msgHdr_->type() == LdpCapability, "msgHdr_->type() == LdpCapability_" );

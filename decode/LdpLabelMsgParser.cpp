@@ -120,6 +120,7 @@ Vorn::String LdpLabelMappingMsgParser::stringValue() const {
    if ( !validMsg() ) return "Invalid LDP Label Mapping Msg: " + reason();
    VORN_ASSERT( msgFecTlv() );
    VORN_ASSERT( msgGenLabelTlv() );
+   VORN_ASSERT( ldpFecTlvParser() );
    Vorn::String text =
         headingText( "LDP Label Mapping Msg:\n" ) + "   FEC: " + ldpFecTlvParser()->stringValue();
    text += "   " + msgGenLabelTlv_->stringValue();
@@ -234,6 +235,7 @@ void LdpLabelAbortReqMsgParser::handleInitialized() {
 Vorn::String LdpLabelAbortReqMsgParser::stringValue() const {
    if ( !validMsg() ) return "Invalid LDP Label Abort Request Msg: " + reason();
    VORN_ASSERT( msgFecTlv() );
+   VORN_ASSERT( ldpFecTlvParser() );
    Vorn::String text =
         headingText( "LDP Label Abort Request Msg:\n" ) + "   FEC: " + ldpFecTlvParser()->stringValue();
    appendLine( text, msgReqMsgIdTlv_ );

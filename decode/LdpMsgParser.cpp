@@ -39,6 +39,9 @@ void LdpMsgParser::refuse( LdpStatusCode status, Vorn::String const & reason ) {
 
 void LdpMsgParser::handleHeader() {
    TWAIN_FUNCTION( "LdpMsgParser::handleHeader" );
+   asWalked_ = judgedGood_ = false;
+   VORN_ASSERT( pkt_ );
+   bool const first = !msgHdr_; // a later walk does not clear what an earlier one has found
    msgHdr_ = reinterpret_cast< LdpMsgHdr const * >( pkt_->front() + offset_ );
    tlvGroupParserIs( Vorn::Name() );
    VORN_ASSERT( msgHdr_ );
@@ -69,6 +72,7 @@ void LdpMsgParser::handleHeader() {
    tlvGroupParser_->sizeIs( U32( total - LdpMsgHdr::ldpMsgHdrSize ) );
    tlvGroupParser_->parseTlvGroup();
    if ( !tlvGroupParser_->valid() ) return refuse( tlvGroupParser_->statusCode(), tlvGroupParser_->reason() );
+   asWalked_ = first;
    eachTlv( [this]( U32, LdpTlvHdr const & tlv ) {
       // A TLV to be ignored stays in the group, and the rules of the message pass over it.
       LdpStatusCode const status = tlv.validateTlvHdr();
@@ -96,6 +100,21 @@ Vorn::Ptr< LdpFecTlvParser > LdpMsgParser::ldpFecTlvParserDel() {
    return std::exchange( ldpFecTlvParser_, nullptr );
 }
 
+LdpTlvHdr const * LdpMsgParser::tlv( U32 index ) {
+   U64 const at = tlvOffset( index );
+   U64 const frontBytes = pkt_->frontBytes();
+   auto const * const there = reinterpret_cast< LdpTlvHdr const * >( pkt_->front() + at );
+   // The walk has seen to that, but an offset may have been written since, and so may the packet.
+   if ( at + sizeof( LdpTlvHdr ) <= frontBytes && at + there->totalLength() <= frontBytes ) return there;
+   refuse( badTlvLength, "Msg/Tlv is corrupted/truncated" );
+   return nullptr;
+}
+
+bool LdpMsgParser::hasText() const noexcept {
+   if ( !validMsg() || fwkType() == &LdpMsgParser::_vornType ) return true;
+   return judgedGood_ && ( !msgFecTlv_ || ldpFecTlvParser_ );
+}
+
 Vorn::String LdpMsgParser::stringValue() const {
    if ( !validMsg() ) return "Message Error: " + reason_;
    return valueToStrep( type() ) + Vorn::format( ", Id: 0x%08x, numTlv: %d", msgId(), int( tlvNum() ) );
@@ -106,6 +125,7 @@ Vorn::String LdpMsgParser::headingText( char const * heading ) const {
 }
 
 void LdpMsgParser::obey( LdpMsgRules const & rules ) {
+   Judging const judging( *this );
    if ( opens( rules ) ) obeyTlvs( rules );
 }
 
@@ -123,8 +143,10 @@ bool LdpMsgParser::opens( LdpMsgRules const & rules ) {
 void LdpMsgParser::obeyTlvs( LdpMsgRules const & rules ) {
    U32 const num = tlvNum();
    if ( num < rules.minTlvNum ) return refuse( missingMessageParams, rules.tooFewTlvs );
-   if ( rules.firstTlv && tlv( 0 )->type() != rules.tlvs.front().type ) {
-      return refuse( missingMessageParams, rules.firstTlv );
+   if ( rules.firstTlv ) {
+      LdpTlvHdr const * const first = tlv( 0 );
+      if ( !first ) return;
+      if ( first->type() != rules.tlvs.front().type ) return refuse( missingMessageParams, rules.firstTlv );
    }
    eachTlv( [&]( U32 index, LdpTlvHdr const & tlv ) { return obeyTlv( rules, index, tlv ); } );
    if ( !validMsg() ) return;

@@ -13,14 +13,14 @@ VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpTlvGroupParser,
                               function( parseTlvGroup ) )
 VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpPduParser, &ldpPduParserFactory, ctor( pkt ), ctor( offset ),
                               viewBy( header, wholeHeader ), read( version ), read( length ),
-                              read( totalLength ), read( ldpIdentifier ), read( stringValue ),
-                              state( statusCode ), state( reason ), read( validLdpPdu ),
-                              child( tlvGroupParser ), read( messageNum ),
+                              read( totalLength ), read( ldpIdentifier ),
+                              where( hasText, read( stringValue ) ), state( statusCode ), state( reason ),
+                              read( validLdpPdu ), child( tlvGroupParser ), read( messageNum ),
                               indexed( messageOffset, messageNum ), state( initialized ),
                               function( handleInitialized ) )
 VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpMsgParser, &ldpMsgParserFactory, ctor( pkt ), ctor( offset ),
                               viewBy( msgHdr, wholeMsgHdr ), read( unknown ), read( type ), read( msgId ),
-                              read( length ), read( totalLength ), read( stringValue ),
+                              read( length ), read( totalLength ), where( hasText, read( stringValue ) ),
                               child( tlvGroupParser ), read( tlvNum ), indexed( tlvOffset, tlvNum ),
                               read( validMsg ), state( reason ), state( statusCode ), view( msgFecTlv ),
                               child( ldpFecTlvParser ), view( msgStatusTlv ) )

@@ -25,12 +25,15 @@ LdpNotificationMsgParser::~LdpNotificationMsgParser() = default;
 void LdpNotificationMsgParser::handleInitialized() {
    TWAIN_FUNCTION( "LdpNotificationMsgParser::handleInitialized" );
    initialized_ = true;
+   Judging const judging( *this );
    VORN_ASSERT( msgHdr_ );
    if ( !validMsg() ) return;
    VORN_ASSERT_TEXT( msgHdr_->type() == LdpNotification, "msgHdr_->type() == LdpNotification_" );
    if ( tlvNum() == 0 ) return refuse( missingMessageParams, "Missing Status TLV" );
-   if ( tlv( 0 )->type() != statusTlv ) return refuse( missingMessageParams, "1st TLV is not Status TLV" );
-   auto const * status = static_cast< LdpStatusTlv const * >( tlv( 0 ) );
+   LdpTlvHdr const * const first = tlv( 0 );
+   if ( !first ) return;
+   if ( first->type() != statusTlv ) return refuse( missingMessageParams, "1st TLV is not Status TLV" );
+   auto const * status = static_cast< LdpStatusTlv const * >( first );
    if ( status->length() != sizeof( LdpStatusTlv ) - sizeof( LdpTlvHdr ) ) {
       return refuse( malformedTlv, "Status TLV is not the right size" );
    }
@@ -47,15 +50,19 @@ bool LdpNotificationMsgParser::handlePwStatus() {
       return false;
    };
    if ( tlvNum() < 3 ) return refused( missingMessageParams, "Missing PW Status TLVs" );
-   if ( tlv( 1 )->type() != pwStatusTlv )
+   LdpTlvHdr const * const second = tlv( 1 );
+   if ( !second ) return false;
+   if ( second->type() != pwStatusTlv )
       return refused( missingMessageParams, "2nd TLV is not PW Status TLV" );
-   auto const * pwStatus = static_cast< LdpPwStatusTlv const * >( tlv( 1 ) );
+   auto const * pwStatus = static_cast< LdpPwStatusTlv const * >( second );
    LdpStatusCode const status = pwStatus->validate();
    if ( status != success ) return refused( status, "LdpPwStatusTlv validation failure" );
-   if ( tlv( 2 )->type() != fecTlv ) {
+   LdpTlvHdr const * const third = tlv( 2 );
+   if ( !third ) return false;
+   if ( third->type() != fecTlv ) {
       return refused( missingMessageParams, "FecTlv is not the 3rd TLV in the message" );
    }
-   msgFecTlv_ = tlv( 2 );
+   msgFecTlv_ = third;
    ldpFecTlvParserIs( pkt_, tlvOffset( 2 ), nullptr );
    if ( !ldpFecTlvParser_->valid() )
       return refused( ldpFecTlvParser_->statusCode(), ldpFecTlvParser_->reason() );
@@ -71,8 +78,10 @@ bool LdpNotificationMsgParser::handlePwStatus() {
 
 Vorn::String LdpNotificationMsgParser::stringValue() const {
    if ( !validMsg() ) return "Invalid LDP Notification Msg: " + reason();
+   VORN_ASSERT( msgStatusTlv() );
    Vorn::String text = headingText( "LDP Notification Msg:\n" ) + "   " + msgStatusTlv()->stringValue();
    if ( msgPwStatusTlv_ ) {
+      VORN_ASSERT( ldpFecTlvParser() );
       text += "\n   " + msgPwStatusTlv_->stringValue() + "\n   " + ldpFecTlvParser()->stringValue();
    }
    return text;

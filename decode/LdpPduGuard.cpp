@@ -124,6 +124,24 @@ LdpPduGuardResult messageGuard( Lumo::Pkt const & pkt, U32 offset ) noexcept {
 
 } // namespace
 
+LdpStatusCode LdpPduGuardResult::statusCode() const noexcept {
+   switch ( input ) {
+   case none: return success;
+   case wrappedUnit: return badTlvLength;
+   case unboundedP2mpDump: break;
+   }
+   return internalError;
+}
+
+Vorn::String LdpPduGuardResult::reason() const {
+   switch ( input ) {
+   case none: return {};
+   case wrappedUnit: return Vorn::format( "Msg/Tlv length field of 65532, offset: %u", offset );
+   case unboundedP2mpDump: break;
+   }
+   return Vorn::format( "FEC P2MP Element with 256 octets or more of its FEC TLV, offset: %u", offset );
+}
+
 LdpPduGuardResult ldpPduGuard( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset ) {
    VORN_ASSERT( pkt );
    VORN_ASSERT( pkt->frontBytes() >= offset );

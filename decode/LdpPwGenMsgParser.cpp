@@ -26,11 +26,9 @@ bool intfParamIs( LdpPwIntfDescSubTlv const & subTlv, PwFwdEqvClassParams & para
 }
 
 bool intfParamIs( LdpPwRequestedVlanIdSubTlv const & subTlv, PwFwdEqvClassParams & params ) {
-   try {
-      params.requestedVlanIdIs( Bridging::VlanIdOrNone( subTlv.vlanId().value() ) );
-   } catch ( Vorn::RangeException const & ) {
-      return false;
-   }
+   U16 const vlanId = subTlv.vlanId().value();
+   if ( vlanId > Bridging::VlanIdOrNone::max ) return false;
+   params.requestedVlanIdIs( Bridging::VlanIdOrNone( vlanId ) );
    return true;
 }
 

@@ -15,8 +15,6 @@ VORN_MODULE( &LdpPwIntfParamFlags::_vornType )
 
 namespace {
 
-constexpr U8 pwIdEnd = 4; // octets of PW info that a PW ID takes
-
 /// The parameters of fixed size are all 4 octets long, head included.
 LdpStatusCode validateFourOctets( LdpPwIntfParamSubTlv const & subTlv ) {
    return subTlv.length() == 4 ? success : badTlvLength;
@@ -26,7 +24,7 @@ LdpStatusCode validateFourOctets( LdpPwIntfParamSubTlv const & subTlv ) {
 
 Pseudowire::PseudowireId LdpFecTlvPwIdElementHdr::pwId() const noexcept {
    Lumo::NetU32 pwId;
-   if ( pwInfoLen() >= pwIdEnd ) {
+   if ( hasPwId() ) {
       std::memcpy( &pwId, reinterpret_cast< U8 const * >( this ) + sizeof *this, sizeof pwId );
    }
    return Pseudowire::PseudowireId( pwId.value() );

@@ -12,6 +12,7 @@ LdpTlvParser::LdpTlvParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset )
 LdpTlvParser::~LdpTlvParser() = default;
 
 void LdpTlvParser::handleHeader() noexcept {
+   VORN_ASSERT( pkt_ );
    // The view can write where the packet's owner wants that; no decoder does.
    header_ = reinterpret_cast< LdpTlvHdr * >( const_cast< U8 * >( pkt_->front() ) + offset_ );
 }

@@ -11,11 +11,12 @@ VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpTlvParser, &ldpTlvParserFactory, ctor( pkt
                               read( type ), read( length ) )
 
 // A field of the body. Setters and `validate` act on the bytes directly, so they apply only where those lie
-// in the packet; a getter sees to that itself.
+// in the packet; a getter sees to that itself. Judgement and text are for a TLV of the parser's own type.
 #define VORN_ROW_body( x ) VORN_ROW_writtenWhere( hasBody, write( x ) )
 #define TLV_PARSER_RECORD( Type, factory, ... )                                                              \
-   VORN_REFLECTED_OBJECT_RECORD( Ldp, Type, factory, __VA_ARGS__, read( stringValue ),                       \
-                                 where( hasBody, function( validate ) ) )
+   VORN_REFLECTED_OBJECT_RECORD( Ldp, Type, factory, __VA_ARGS__,                                            \
+                                 where( hasTextOfItsType, read( stringValue ) ),                             \
+                                 where( hasBodyOfItsType, function( validate ) ) )
 
 TLV_PARSER_RECORD( LdpCommonHelloTlvParser, &ldpCommonHelloTlvParserFactory, body( holdTime ),
                    body( targetedHello ), body( requestSendTargetedHello ) )
@@ -43,7 +44,7 @@ TLV_PARSER_RECORD( LdpPwStatusTlvParser, &ldpPwStatusTlvParserFactory, read( pwF
 // An accessor of a value asserts that the element is of its kind; who goes by the record alone cannot know.
 VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpFecTlvElement, nullptr, where( isIp, write( fwdEqvCls ) ),
                               where( isPw, write( pwFwdEqvCls ) ), where( isP2mp, write( p2mpFecElem ) ),
-                              read( type ), read( stringValue ) )
+                              read( type ), where( hasText, read( stringValue ) ) )
 VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpFecTlvWildcardElement, &ldpFecTlvWildcardElementFactory )
 VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpFecTlvPrefixElement, &ldpFecTlvPrefixElementFactory )
 VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpFecTlvHostAddrElement, &ldpFecTlvHostAddrElementFactory )

@@ -37,9 +37,8 @@ bool decode( Vorn::Ptr< Lumo::Pkt > const & pkt ) {
    // Two kinds of input end or hang the process that parses them. Octets from elsewhere are never parsed
    // unseen.
    if ( auto const fatal = Ldp::ldpPduGuard( pkt, 0 ) ) {
-      bool const unit = fatal.input == Ldp::LdpPduGuardResult::wrappedUnit;
-      std::printf( "fatal: %s at octet %u\n",
-                   unit ? "length field of 65532" : "P2MP element of 256 octets or more", fatal.offset );
+      std::printf( "fatal: %s: %s\n", valueToStrep( fatal.statusCode() ).charPtr(),
+                   fatal.reason().charPtr() );
       return false;
    }
 

@@ -69,7 +69,7 @@ bool readIp6Addr( String::IteratorConst & it, String::IteratorConst end, U8 * oc
 
 } // namespace
 
-U32 IpAddr::hash() const noexcept { return Vorn::VornHashBase< false >::hashU64( value() ); }
+U32 IpAddr::hash() const noexcept { return Vorn::hashWords( value() ); }
 
 String IpAddr::stringValue() const {
    char text[16];
@@ -91,7 +91,11 @@ void sequenceToValue( String::IteratorConst & it, String::IteratorConst const & 
 
 VORN_TEXT_STREAM( IpAddr )
 
-U32 Ip6Addr::hash() const noexcept { return Vorn::hashBytes( octets_.data(), octets_.size() ); }
+U32 Ip6Addr::hashWith( U64 small ) const noexcept {
+   U64 words[2];
+   std::memcpy( words, octets_.data(), sizeof words );
+   return Vorn::hashWords( words[0], words[1], small );
+}
 
 String Ip6Addr::stringValue() const {
    // The longest run of two or more zero groups, the first of equals, shrinks to "::".
@@ -203,7 +207,7 @@ IpGenPrefix::IpGenPrefix( Ip6Addr const & addr, U32 bits ) noexcept
 IpGenPrefix::IpGenPrefix( IpGenAddr const & addr, U32 bits ) noexcept
      : address_( head( addr, bits ) ), len_( bits ) {}
 
-U32 IpGenPrefix::hash() const noexcept { return address_.hash() + len_ * 0x9e3779b1u; }
+U32 IpGenPrefix::hash() const noexcept { return address_.hashWith( len_ ); }
 
 String IpGenPrefix::stringValue() const { return address_.stringValue() + "/" + Vorn::valueToStrep( len_ ); }
 

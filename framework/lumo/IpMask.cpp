@@ -13,11 +13,6 @@ U32 maxLen( IpGenAddr const & address ) {
    return address.family() == ipv4 ? 32 : address.family() == ipv6 ? 128 : 0;
 }
 
-template< class Addr >
-U32 hashOf( Addr const & address, U32 len ) {
-   return address.hash() + len * 0x9e3779b1u;
-}
-
 template< class Masked >
 String textOf( Masked const & value ) {
    return valueToStrep( value.address() ) + "/" + Vorn::valueToStrep( value.len() );
@@ -49,8 +44,8 @@ void readLog( Vorn::NboAttrLog::In & in, Masked * value, char const * failure ) 
 
 } // namespace
 
-U32 IpAddrWithMask::hash() const noexcept { return hashOf( address_, len_ ); }
-U32 IpGenAddrWithMask::hash() const noexcept { return hashOf( address_, len_ ); }
+U32 IpAddrWithMask::hash() const noexcept { return Vorn::hashWords( address_.value(), 0, len_ ); }
+U32 IpGenAddrWithMask::hash() const noexcept { return address_.hashWith( len_ ); }
 
 String valueToStrep( IpAddrWithMask const & value ) { return textOf( value ); }
 String valueToStrep( IpGenAddrWithMask const & value ) { return textOf( value ); }

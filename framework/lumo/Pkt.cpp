@@ -24,6 +24,18 @@ Vorn::Ptr< Pkt > Pkt::borrow( void const * data, std::size_t bytes ) {
    return Vorn::Ptr< Pkt >( new Pkt( Borrowed(), octets, bytes ) );
 }
 
+Vorn::Ptr< Pkt > Pkt::withRoom( std::size_t bytes ) {
+   Vorn::Ptr< Pkt > pkt( new Pkt( Borrowed(), &noOctets, 0 ) );
+   pkt->owned_.resize( bytes );
+   if ( bytes ) pkt->front_ = pkt->room();
+   return pkt;
+}
+
+void Pkt::frontBytesIs( std::size_t bytes ) {
+   VORN_ASSERT( bytes <= roomBytes() );
+   frontBytes_ = bytes;
+}
+
 Vorn::Ptr< Pkt > pktFactory( void const * data, std::size_t bytes ) {
    return Vorn::newObject< Pkt >( data, bytes );
 }

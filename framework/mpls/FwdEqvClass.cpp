@@ -8,8 +8,7 @@ using Vorn::needString;
 using Vorn::String;
 
 U32 FwdEqvClass::hash() const noexcept {
-   if ( tag_ == wordsTag ) return ( first_ * 0x9e3779b1u ) ^ ( second_ * 0x85ebca6bu );
-   return address_.hash() + first_ * 0x9e3779b1u;
+   return address_.hashWith( U64( tag_ == wordsTag ? second_ : tag_ ) << 32 | first_ );
 }
 
 String FwdEqvClass::stringValue() const {

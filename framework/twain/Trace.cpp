@@ -37,9 +37,9 @@ void FunctionTrace::registerFunction( Skein::TraceFile & file, Site const & site
    desc.finish();
 }
 
-void FunctionTrace::functionHead( SkeinConverter & line, char const * name ) {
+void FunctionTrace::functionHead( SkeinConverter & line, U16 depth, char const * name ) {
    if ( unsigned int const id = Ldp::instId() ) line << "#" << id << " ";
-   line << "[" << Ldp::callDepth << "] ";
+   line << "[" << depth << "] ";
    line.appendText( name );
 }
 

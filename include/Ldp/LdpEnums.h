@@ -10,7 +10,7 @@
 
 namespace Ldp {
 
-/// Message types (RFC 5036, 3.8; RFC 5561 for Capability): the 15 bits behind the U bit.
+/// Message types (RFC 5036, 3.7; RFC 5561 for Capability): the 15 bits behind the U bit.
 #define LDP_MSG_TYPES( X )                                                                                   \
    X( LdpNotification, 1 )                                                                                   \
    X( LdpHello, 256 )                                                                                        \
@@ -29,7 +29,7 @@ VORN_ENUM( LdpMsgType, LDP_MSG_TYPES )
 /// Whether the type is one of those: any other message is refused by its type alone.
 VORN_API bool ldpIsKnownMsgType( LdpMsgType type ) noexcept;
 
-/// TLV types (RFC 5036, 3.3 and 3.7, and the IANA registry): the 14 bits behind the U and F bits. The third
+/// TLV types (RFC 5036, 3.3 and 3.8, and the IANA registry): the 14 bits behind the U and F bits. The third
 /// column says whether header validation knows the type.
 ///
 /// Two oddities are meant. The Unrecognized Notification capability has a name and a size rule, but is no
@@ -144,7 +144,7 @@ VORN_API Vorn::String stringValue( LdpStatusCode status );
    X( pwP2mpDownstreamElement, 132 )
 VORN_ENUM( LdpFecElementType, LDP_FEC_ELEMENT_TYPES )
 
-/// Interface parameter sub-TLVs of the PW ID FEC element (RFC 8077, 6.1 and the IANA registry).
+/// Interface parameter sub-TLVs of the PW ID FEC element (RFC 8077, 6.4 and the IANA registry).
 #define LDP_PW_INTF_PARAM_SUB_TLV_TYPES( X )                                                                 \
    X( intfMtu, 1 )                                                                                           \
    X( intfDesc, 3 )                                                                                          \

@@ -2,8 +2,9 @@
 /// The FEC TLV (RFC 5036, 3.4.1): a row of FEC elements, parsed into objects that own their values and
 /// outlive the packet.
 ///
-/// One received input never returns from here, and is required to: a P2MP element with 256 octets or more
-/// behind its first octet's place, because the octet dump of the trace counts in 8 bits. Ask `ldpPduGuard`
+/// One received input never returns from here, and is required to: a P2MP element where 256 octets or more of
+/// the FEC TLV remain, its own type octet included, because the octet dump of the trace counts in 8 bits.
+/// What the element's own lengths say plays no part: the dump comes before they are read. Ask `ldpPduGuard`
 /// (LdpUtils.h) first where peers are not trusted.
 #pragma once
 
@@ -49,6 +50,9 @@ class VORN_API LdpFecTlvElement : public Vorn::PtrInterface {
    void assertIp() const;
    void assertPw() const;
    void assertP2mp() const;
+
+   /// Whether `stringValue()` has one: the base itself, of which nobody makes objects, asserts.
+   bool hasText() const noexcept { return fwkType() != &_vornType; }
 
    LdpFecElementType type_ = wildcardElement;
    Mpls::FwdEqvClass fwdEqvCls_;
@@ -128,8 +132,11 @@ class VORN_API LdpFecTlvParser : public LdpTlvParser {
    Vorn::Ptr< LdpFecTlvElement > fecElement( U32 index ) const;
    /// Puts an element at a position; null removes it.
    void fecElementIs( U32 index, Vorn::Ptr< LdpFecTlvElement > const & element );
-   void fecElementDel( U32 index ) { fecElement_.del( index ); }
+   /// Removes the element at that position and returns it, or null.
+   Vorn::Ptr< LdpFecTlvElement > fecElementDel( U32 index );
    void fecElementDelAll() { fecElement_.delAll(); }
+   /// All elements with their positions, for a walk; in the map's order, not in that of the positions.
+   FecElements const & fecElementColl() const noexcept { return fecElement_; }
    /// Number of elements.
    U32 fecElements() const noexcept { return fecElement_.members(); }
 
@@ -145,9 +152,9 @@ class VORN_API LdpFecTlvParser : public LdpTlvParser {
 
    /// Walks the elements, which the constructor has done. True on failure.
    bool parseElements();
+   void handleInitialized() { parseElements(); }
 
  private:
-   void handleInitialized() { parseElements(); }
    bool refuse( LdpStatusCode status, Vorn::String const & reason );
    bool parseWildcard( U32 & cur, U32 end, bool strict, U32 index );
    bool parsePrefix( U32 & cur, U32 end, U32 index );

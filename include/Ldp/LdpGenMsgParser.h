@@ -22,6 +22,8 @@ class VORN_API LdpTlvGroupParser : public Vorn::PtrInterface {
    VORN_REFLECTED_OBJECT( LdpTlvGroupParser, void )
 
  public:
+   using TlvOffsets = Vorn::HashMap2018< LdpTlvGroupParser, U32, U32 >;
+
    explicit LdpTlvGroupParser( Vorn::Name name ) : name_( std::move( name ) ) {}
    ~LdpTlvGroupParser() override;
 
@@ -50,13 +52,17 @@ class VORN_API LdpTlvGroupParser : public Vorn::PtrInterface {
    /// Offset of the unit at that index, from the packet's front; 0 for an index that the walk did not reach.
    U32 tlvOffset( U32 index ) const noexcept;
    void tlvOffsetIs( U32 index, U32 offset ) { tlvOffset_.valueIs( index, offset ); }
-   void tlvOffsetDel( U32 index ) { tlvOffset_.del( index ); }
+   /// Forgets the unit at that index and returns the offset that it had; 0 if there was none.
+   U32 tlvOffsetDel( U32 index );
    void tlvOffsetDelAll() { tlvOffset_.delAll(); }
+   /// All indices with their offsets, for a walk; in the map's order, not in that of the indices.
+   TlvOffsets const & tlvOffsetColl() const noexcept { return tlvOffset_; }
    /// Number of units found.
    U32 tlvNum() const noexcept { return tlvOffset_.members(); }
 
-   /// Walks the run. True in every case: `valid()` is the outcome. Units that an earlier walk found stay
-   /// unless this one reaches their index.
+   /// Walks the run, which begins in the packet: no packet, or an offset behind its end, asserts. True in
+   /// every case: `valid()` is the outcome. Units that an earlier walk found stay unless this one reaches
+   /// their index.
    bool parseTlvGroup();
 
  private:
@@ -68,7 +74,7 @@ class VORN_API LdpTlvGroupParser : public Vorn::PtrInterface {
    U32 size_ = 0;
    Vorn::String reason_;
    LdpStatusCode statusCode_ = success;
-   Vorn::HashMap2018< LdpTlvGroupParser, U32, U32 > tlvOffset_;
+   TlvOffsets tlvOffset_;
 };
 
 /// Judges one PDU: its header, its length, and the framing of its messages.
@@ -81,7 +87,12 @@ class VORN_API LdpPduParser : public Vorn::PtrInterface {
    /// Smallest total length: the PDU header and the 4 octets that a message has at least.
    static constexpr U16 minTotalLength = sizeof( LdpPduHdr ) + LdpMsgHdr::msgHdrSizeExclude;
 
-   /// Judges the PDU at `offset`, which lies in the packet: an offset behind its end asserts.
+   /// Judges the PDU at `offset`, which lies in the packet: no packet, or an offset behind its end, asserts.
+   ///
+   /// The packet may hold more than the PDU, and what stands behind a PDU plays no part, with one exception:
+   /// a PDU of a total length of 14 to 17 needs 18 octets in the packet, and where its last message is cut
+   /// short the octets behind decide how that is refused. Who wants the same verdict whatever follows gives
+   /// the parser a packet that ends with the PDU, as `LdpPduStream` does.
    LdpPduParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
    ~LdpPduParser() override;
 
@@ -107,7 +118,7 @@ class VORN_API LdpPduParser : public Vorn::PtrInterface {
    bool validLdpPdu() const noexcept { return statusCode_ == success; }
 
    /// The walker over the messages.
-   Vorn::Ptr< LdpTlvGroupParser > const & tlvGroupParser() const noexcept { return tlvGroupParser_; }
+   Vorn::Ptr< LdpTlvGroupParser > tlvGroupParser() const noexcept { return tlvGroupParser_; }
    /// The walker of that name: the present one if it has the name, else a new one in its place.
    Vorn::Ptr< LdpTlvGroupParser > tlvGroupParserIs( Vorn::Name const & name );
    /// Drops the walker and returns it.
@@ -122,18 +133,21 @@ class VORN_API LdpPduParser : public Vorn::PtrInterface {
 
    /// False: judging does not change it, which is intended.
    bool initialized() const noexcept { return initialized_; }
-   /// The judgement, which the constructor runs.
+   /// The two steps of the constructor. The first lays the header's view, wherever the packet ends; the
+   /// second judges, and asserts where the walker was dropped.
+   void handleHeader() noexcept;
    void handleInitialized();
 
    /// Header and text of each message, which it decodes for the purpose.
    Vorn::String stringValue() const;
 
  private:
-   void handleHeader() noexcept;
    void refuse( LdpStatusCode status, Vorn::String const & reason );
    bool hasHeader() const noexcept { return U64( offset_ ) + sizeof( LdpPduHdr ) <= pkt_->frontBytes(); }
    /// The view for those who read it without asking further; null unless all of it lies in the packet.
    LdpPduHdr const * wholeHeader() const noexcept { return hasHeader() ? header_ : nullptr; }
+   /// Whether `stringValue()` finds each message where the walker says; the walker may have been told else.
+   bool hasText() const noexcept;
 
    Vorn::Ptr< Lumo::Pkt > pkt_;
    U32 offset_;

@@ -177,4 +177,13 @@ class VORN_API LdpTlvHdr : public Vorn::NrcPtrInterface {
 };
 static_assert( sizeof( LdpTlvHdr ) == 4 && alignof( LdpTlvHdr ) == 1 );
 
+/// Base of a body that belongs to one type of TLV: `validate()` and `stringValue()` of such a view assert
+/// that it lies over one.
+template< LdpTlvType tlvType >
+class LdpTlvHdrOf : public LdpTlvHdr {
+ public:
+   /// Whether it does. Who comes by way of reflection is refused where it does not.
+   bool liesOverItsType() const noexcept { return type() == tlvType; }
+};
+
 } // namespace Ldp

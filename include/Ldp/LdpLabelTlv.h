@@ -24,7 +24,7 @@ class VORN_API LdpGenLabelTlvLabel : public Lumo::NetU32 {
 VORN_TEXT( LdpGenLabelTlvLabel )
 
 /// Generic Label TLV (RFC 5036, 3.4.2.1).
-class VORN_API LdpGenLabelTlv : public LdpTlvHdr {
+class VORN_API LdpGenLabelTlv : public LdpTlvHdrOf< genLabelTlv > {
    VORN_REFLECTED( LdpGenLabelTlv, LdpTlvHdr )
 
  public:
@@ -43,8 +43,8 @@ class VORN_API LdpGenLabelTlv : public LdpTlvHdr {
 };
 static_assert( sizeof( LdpGenLabelTlv ) == 8 && alignof( LdpGenLabelTlv ) == 1 );
 
-/// Label Request Message ID TLV (RFC 5036, 3.4.7).
-class VORN_API LdpLabelReqMsgIdTlv : public LdpTlvHdr {
+/// Label Request Message ID TLV (RFC 5036, 3.5.7).
+class VORN_API LdpLabelReqMsgIdTlv : public LdpTlvHdrOf< labelReqMsgIdTlv > {
    VORN_REFLECTED( LdpLabelReqMsgIdTlv, LdpTlvHdr )
 
  public:
@@ -62,11 +62,12 @@ class VORN_API LdpLabelReqMsgIdTlv : public LdpTlvHdr {
 static_assert( sizeof( LdpLabelReqMsgIdTlv ) == 8 && alignof( LdpLabelReqMsgIdTlv ) == 1 );
 
 /// Hop Count TLV (RFC 5036, 3.4.4).
-class VORN_API LdpHopCountTlv : public LdpTlvHdr {
+class VORN_API LdpHopCountTlv : public LdpTlvHdrOf< hopCountTlv > {
    VORN_REFLECTED( LdpHopCountTlv, LdpTlvHdr )
 
  public:
-   /// Hops along the LSP; 0 is unknown.
+   /// Hops along the LSP; 0 is unknown. A peer can send any octet, 254 and 255 too, on which `hopCountInc`
+   /// asserts.
    U8 hopCount() const noexcept { return hopCount_; }
    void hopCountIs( U8 hops ) noexcept { hopCount_ = hops; }
 
@@ -81,7 +82,7 @@ static_assert( sizeof( LdpHopCountTlv ) == 5 && alignof( LdpHopCountTlv ) == 1 )
 
 /// Path Vector TLV (RFC 5036, 3.4.5): behind the header a row of LSR ids, 4 octets each. It has no fields of
 /// its own; how many ids there are follows from the length, which the caller has checked against the packet.
-class VORN_API LdpPathVectorTlv : public LdpTlvHdr {
+class VORN_API LdpPathVectorTlv : public LdpTlvHdrOf< pathVectorTlv > {
    VORN_REFLECTED( LdpPathVectorTlv, LdpTlvHdr )
 
  public:
@@ -118,7 +119,7 @@ class VORN_API LdpStatusTlvStatusCode : public Lumo::NetU32 {
 VORN_TEXT( LdpStatusTlvStatusCode )
 
 /// Status TLV (RFC 5036, 3.4.6).
-class VORN_API LdpStatusTlv : public LdpTlvHdr {
+class VORN_API LdpStatusTlv : public LdpTlvHdrOf< statusTlv > {
    VORN_REFLECTED( LdpStatusTlv, LdpTlvHdr )
 
  public:
@@ -127,7 +128,7 @@ class VORN_API LdpStatusTlv : public LdpTlvHdr {
    Lumo::NetU32 msgIdNbo() const noexcept { return msgId_; }
    Lumo::NetU16 msgTypeNbo() const noexcept { return msgType_; }
 
-   /// The status, and its two bits.
+   /// The status, and its two bits. Any number of 30 bits may come: it need not be an enumerator.
    LdpStatusCode statusData() const noexcept { return LdpStatusCode( statusCode_.statusDataNbo() ); }
    /// Replaces the low 30 bits, of which a status has no more on the wire, and keeps E and F.
    void statusDataIs( LdpStatusCode status ) noexcept { statusCode_.statusDataNboIs( status ); }

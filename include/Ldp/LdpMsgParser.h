@@ -31,7 +31,8 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    /// Largest message that is taken, header included, in octets.
    static constexpr U16 maxTotalLength = 4096;
 
-   /// Parses the message at `offset`, which lies in the packet: an offset behind its end asserts.
+   /// Parses the message at `offset`, which lies in the packet: no packet, or an offset behind its end,
+   /// asserts.
    LdpMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
    ~LdpMsgParser() override;
 
@@ -60,7 +61,7 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    bool validMsg() const noexcept { return statusCode_ == success; }
 
    /// The walker over the TLVs.
-   Vorn::Ptr< LdpTlvGroupParser > const & tlvGroupParser() const noexcept { return tlvGroupParser_; }
+   Vorn::Ptr< LdpTlvGroupParser > tlvGroupParser() const noexcept { return tlvGroupParser_; }
    /// The walker of that name: the present one if it has the name, else a new one in its place.
    Vorn::Ptr< LdpTlvGroupParser > tlvGroupParserIs( Vorn::Name const & name );
    /// Drops the walker and returns it.
@@ -75,27 +76,49 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    /// The FEC TLV, where the message's kind looks for one.
    LdpTlvHdr const * msgFecTlv() const noexcept { return msgFecTlv_; }
    /// Its parser.
-   Vorn::Ptr< LdpFecTlvParser > const & ldpFecTlvParser() const noexcept { return ldpFecTlvParser_; }
+   Vorn::Ptr< LdpFecTlvParser > ldpFecTlvParser() const noexcept { return ldpFecTlvParser_; }
    /// Parses the FEC TLV at that offset and keeps the parser, in the place of an earlier one.
    Vorn::Ptr< LdpFecTlvParser > ldpFecTlvParserIs( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset,
                                                    Vorn::Ptr< LdpProtoParam const > const & param );
-   /// Drops the FEC parser and returns it.
+   /// Drops the FEC parser and returns it. The text of a good message with a FEC asserts without it.
    Vorn::Ptr< LdpFecTlvParser > ldpFecTlvParserDel();
    /// The Status TLV, where the message's kind looks for one.
    LdpStatusTlv const * msgStatusTlv() const noexcept { return msgStatusTlv_; }
 
+   /// The base's part of construction: judges the header and the framing. The part of each message type, its
+   /// `handleInitialized`, follows in the constructor; called again it finds the TLVs where `tlvOffset` says.
+   void handleHeader();
+
  protected:
-   /// The TLV at that index.
-   LdpTlvHdr const * tlv( U32 index ) const noexcept {
-      return reinterpret_cast< LdpTlvHdr const * >( pkt_->front() + tlvOffset( index ) );
-   }
-   /// Calls `call( index, tlv )` for each TLV of a message whose framing is good, until it returns false. The
-   /// TLVs fill their run, so their lengths lead from one to the next, without a look-up for each.
+   /// Open while the message is judged by the rules of its type.
+   class Judging {
+    public:
+      explicit Judging( LdpMsgParser & parser ) noexcept : parser_( parser ) {}
+      Judging( Judging const & ) = delete;
+      Judging & operator=( Judging const & ) = delete;
+      ~Judging() { parser_.asWalked_ = false, parser_.judgedGood_ = parser_.validMsg(); }
+
+    private:
+      LdpMsgParser & parser_;
+   };
+
+   /// The TLV at that index; null where the packet does not hold the whole of it, and then the message is
+   /// refused.
+   LdpTlvHdr const * tlv( U32 index );
+   /// Calls `call( index, tlv )` for each TLV of a message whose framing is good, until it returns false.
+   /// Right behind the walk the TLVs fill their run, so their lengths lead from one to the next, without a
+   /// look-up for each.
    template< class Call >
-   void eachTlv( Call const & call ) const {
+   void eachTlv( Call const & call ) {
       U32 const num = tlvNum();
-      if ( num == 0 ) return; // also where the walker was dropped
-      U8 const * at = pkt_->front() + tlvGroupParser_->offset();
+      if ( !asWalked_ ) {
+         for ( U32 i = 0; i < num; ++i ) {
+            LdpTlvHdr const * const there = tlv( i );
+            if ( !there || !call( i, *there ) ) return;
+         }
+         return;
+      }
+      U8 const * at = pkt_->front() + offset_ + LdpMsgHdr::ldpMsgHdrSize;
       for ( U32 i = 0; i < num; ++i ) {
          auto const & tlv = *reinterpret_cast< LdpTlvHdr const * >( at );
          at += tlv.totalLength();
@@ -124,13 +147,17 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    LdpStatusTlv const * msgStatusTlv_ = nullptr;
 
  private:
-   void handleHeader();
    bool hasOctets( U64 octets ) const noexcept { return offset_ + octets <= pkt_->frontBytes(); }
    bool hasHeader() const noexcept { return hasOctets( LdpMsgHdr::ldpMsgHdrSize ); }
    /// The view for those who read it without asking further; null unless all of it lies in the packet.
    LdpMsgHdr const * wholeMsgHdr() const noexcept { return hasHeader() ? msgHdr_ : nullptr; }
+   /// Whether `stringValue()` finds what it asserts, for those who read it without asking further.
+   bool hasText() const noexcept;
    bool obeyTlv( LdpMsgRules const & rules, U32 index, LdpTlvHdr const & tlv );
    bool obeyFecTlv( LdpMsgRules const & rules, U32 index, LdpTlvHdr const & tlv );
+
+   bool asWalked_ = false;   // the TLVs stand as the walk has just found them
+   bool judgedGood_ = false; // by the rules of its type; a later change of the status does not count
 };
 
 /// Hello (RFC 5036, 3.5.2): Common Hello Parameters first, then at most one kind of transport address, and a
@@ -177,7 +204,8 @@ class VORN_API LdpCapabilityParser : public LdpMsgParser {
    bool capabilitiesHas( LdpTlvType type ) const { return capabilities( type ) != nullptr; }
    /// Adds the capability or replaces its view; null removes it.
    void capabilitiesIs( LdpTlvType type, LdpCapabilityParameterTlv const * capability );
-   void capabilitiesDel( LdpTlvType type ) { capabilities_.del( type ); }
+   /// Removes the capability of that type and returns it, or null.
+   LdpCapabilityParameterTlv const * capabilitiesDel( LdpTlvType type );
    void capabilitiesDelAll() { capabilities_.delAll(); }
    /// Tells the observers of a capability. A parser has no observers, so there is nobody to tell.
    void capabilitiesNotify( LdpTlvType ) const noexcept {}
@@ -232,7 +260,7 @@ class VORN_API LdpCapabilityMsgParser : public LdpCapabilityParser {
    bool initialized_ = false;
 };
 
-/// Notification (RFC 5036, 3.5.1): a Status TLV first; with the status of a pseudowire (RFC 8077, 5.4.2) a PW
+/// Notification (RFC 5036, 3.5.1): a Status TLV first; with the status of a pseudowire (RFC 8077, 6.3.2) a PW
 /// Status TLV and a FEC TLV behind it.
 class VORN_API LdpNotificationMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpNotificationMsgParser, LdpMsgParser )

@@ -59,6 +59,8 @@ class VORN_API LdpFecTlvPwIdElementHdr : public LdpFecTlvElementHdr {
    void pwIdIs( Pseudowire::PseudowireId pwId );
 
  private:
+   bool hasPwId() const noexcept { return pwInfoLen_ >= sizeof( Lumo::NetU32 ); }
+
    LdpFecTlvPwIdElementHdrTypeField pwTypeField_;
    U8 pwInfoLen_ = 0;
    Lumo::NetU32 groupId_;
@@ -89,8 +91,16 @@ class VORN_API LdpPwIntfParamSubTlv : public Vorn::NrcPtrInterface {
 };
 static_assert( sizeof( LdpPwIntfParamSubTlv ) == 2 );
 
+/// Base of an interface parameter of one code, whose `validate()` asserts that the view lies over one.
+template< LdpPwIntfParamSubTlvType code >
+class LdpPwIntfParamSubTlvOf : public LdpPwIntfParamSubTlv {
+ public:
+   /// Whether it does. Who comes by way of reflection is refused where it does not.
+   bool liesOverItsType() const noexcept { return type() == code; }
+};
+
 /// Interface MTU. `validate()` is for a parameter of its own code, here and below: another code asserts.
-class VORN_API LdpPwIntfMtuSubTlv : public LdpPwIntfParamSubTlv {
+class VORN_API LdpPwIntfMtuSubTlv : public LdpPwIntfParamSubTlvOf< intfMtu > {
    VORN_REFLECTED( LdpPwIntfMtuSubTlv, LdpPwIntfParamSubTlv )
 
  public:
@@ -105,7 +115,7 @@ class VORN_API LdpPwIntfMtuSubTlv : public LdpPwIntfParamSubTlv {
 static_assert( sizeof( LdpPwIntfMtuSubTlv ) == 4 && alignof( LdpPwIntfMtuSubTlv ) == 1 );
 
 /// Interface description: text of up to 80 octets behind the head.
-class VORN_API LdpPwIntfDescSubTlv : public LdpPwIntfParamSubTlv {
+class VORN_API LdpPwIntfDescSubTlv : public LdpPwIntfParamSubTlvOf< intfDesc > {
    VORN_REFLECTED( LdpPwIntfDescSubTlv, LdpPwIntfParamSubTlv )
 
  public:
@@ -120,7 +130,7 @@ class VORN_API LdpPwIntfDescSubTlv : public LdpPwIntfParamSubTlv {
 static_assert( sizeof( LdpPwIntfDescSubTlv ) == 2 );
 
 /// Requested VLAN id.
-class VORN_API LdpPwRequestedVlanIdSubTlv : public LdpPwIntfParamSubTlv {
+class VORN_API LdpPwRequestedVlanIdSubTlv : public LdpPwIntfParamSubTlvOf< requestedVlanId > {
    VORN_REFLECTED( LdpPwRequestedVlanIdSubTlv, LdpPwIntfParamSubTlv )
 
  public:
@@ -134,7 +144,7 @@ class VORN_API LdpPwRequestedVlanIdSubTlv : public LdpPwIntfParamSubTlv {
 static_assert( sizeof( LdpPwRequestedVlanIdSubTlv ) == 4 && alignof( LdpPwRequestedVlanIdSubTlv ) == 1 );
 
 /// Fragmentation indicator (RFC 4623, 5).
-class VORN_API LdpPwFragIndicatorSubTlv : public LdpPwIntfParamSubTlv {
+class VORN_API LdpPwFragIndicatorSubTlv : public LdpPwIntfParamSubTlvOf< fragIndicator > {
    VORN_REFLECTED( LdpPwFragIndicatorSubTlv, LdpPwIntfParamSubTlv )
 
  public:
@@ -165,7 +175,7 @@ class VORN_API LdpPwVccvParamField : public Lumo::NetU16 {
 VORN_TEXT( LdpPwVccvParamField )
 
 /// VCCV parameter (RFC 5085, 6.1).
-class VORN_API LdpPwVccvParamSubTlv : public LdpPwIntfParamSubTlv {
+class VORN_API LdpPwVccvParamSubTlv : public LdpPwIntfParamSubTlvOf< vccvParam > {
    VORN_REFLECTED( LdpPwVccvParamSubTlv, LdpPwIntfParamSubTlv )
 
  public:
@@ -222,7 +232,7 @@ class VORN_API LdpPwIntfParamFlags {
 };
 VORN_TEXT( LdpPwIntfParamFlags )
 
-/// The status word of a PW Status TLV (RFC 8077, 5.4.2).
+/// The status word of a PW Status TLV (RFC 8077, 6.3.2).
 class VORN_API LdpPwStatusField : public Lumo::NetU32 {
    VORN_REFLECTED( LdpPwStatusField, Lumo::NetU32 )
 
@@ -254,7 +264,7 @@ class VORN_API LdpPwStatusField : public Lumo::NetU32 {
 };
 VORN_TEXT( LdpPwStatusField )
 
-/// PW Status TLV (RFC 8077, 5.4.2).
+/// PW Status TLV (RFC 8077, 6.3.2).
 class VORN_API LdpPwStatusTlv : public LdpTlvHdr {
    VORN_REFLECTED( LdpPwStatusTlv, LdpTlvHdr )
 

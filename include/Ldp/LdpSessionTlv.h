@@ -33,7 +33,7 @@ class VORN_API LdpCommonHelloTargetField : public Lumo::NetU16 {
 VORN_TEXT( LdpCommonHelloTargetField )
 
 /// Common Hello Parameters TLV (RFC 5036, 3.5.2).
-class VORN_API LdpCommonHelloTlv : public LdpTlvHdr {
+class VORN_API LdpCommonHelloTlv : public LdpTlvHdrOf< commonHelloTlv > {
    VORN_REFLECTED( LdpCommonHelloTlv, LdpTlvHdr )
 
  public:
@@ -61,8 +61,8 @@ class VORN_API LdpCommonHelloTlv : public LdpTlvHdr {
 };
 static_assert( sizeof( LdpCommonHelloTlv ) == 8 && alignof( LdpCommonHelloTlv ) == 1 );
 
-/// IPv4 Transport Address TLV (RFC 5036, 3.5.2.1).
-class VORN_API LdpIpTransportAddrTlv : public LdpTlvHdr {
+/// IPv4 Transport Address TLV (RFC 5036, 3.5.2).
+class VORN_API LdpIpTransportAddrTlv : public LdpTlvHdrOf< ipv4TransportAddrTlv > {
    VORN_REFLECTED( LdpIpTransportAddrTlv, LdpTlvHdr )
 
  public:
@@ -78,8 +78,8 @@ class VORN_API LdpIpTransportAddrTlv : public LdpTlvHdr {
 };
 static_assert( sizeof( LdpIpTransportAddrTlv ) == 8 && alignof( LdpIpTransportAddrTlv ) == 1 );
 
-/// Configuration Sequence Number TLV (RFC 5036, 3.5.2.1).
-class VORN_API LdpConfigSeqNumTlv : public LdpTlvHdr {
+/// Configuration Sequence Number TLV (RFC 5036, 3.5.2).
+class VORN_API LdpConfigSeqNumTlv : public LdpTlvHdrOf< configSeqNumTlv > {
    VORN_REFLECTED( LdpConfigSeqNumTlv, LdpTlvHdr )
 
  public:
@@ -96,8 +96,8 @@ class VORN_API LdpConfigSeqNumTlv : public LdpTlvHdr {
 };
 static_assert( sizeof( LdpConfigSeqNumTlv ) == 8 && alignof( LdpConfigSeqNumTlv ) == 1 );
 
-/// IPv6 Transport Address TLV (RFC 5036, 3.5.2.1).
-class VORN_API LdpIp6TransportAddrTlv : public LdpTlvHdr {
+/// IPv6 Transport Address TLV (RFC 5036, 3.5.2).
+class VORN_API LdpIp6TransportAddrTlv : public LdpTlvHdrOf< ipv6TransportAddrTlv > {
    VORN_REFLECTED( LdpIp6TransportAddrTlv, LdpTlvHdr )
 
  public:

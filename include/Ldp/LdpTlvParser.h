@@ -6,8 +6,10 @@
 /// `validate()` does, and the caller answers for the TLV lying in the packet, normally by having walked its
 /// message first.
 ///
-/// A getter asked where the fields are not in the packet gives zero, false or a default value, and the text
-/// is empty. Setters and `validate()` act on the bytes at the offset directly.
+/// A getter asked where the fields are not in the packet gives zero, false or a default value. The text of a
+/// TLV whose length is wrong for its kind is the error form, wherever the packet ends; it is empty where the
+/// header is not wholly in the packet, or where the length is right and the packet cuts the body. Setters and
+/// `validate()` act on the bytes at the offset directly.
 #pragma once
 
 #include "Ldp/LdpLabelTlv.h"
@@ -22,7 +24,7 @@ class VORN_API LdpTlvParser : public Vorn::PtrInterface {
    VORN_REFLECTED_OBJECT( LdpTlvParser, void )
 
  public:
-   /// `offset` counts from the packet's front, here and everywhere in the decoders.
+   /// `offset` counts from the packet's front, here and everywhere in the decoders. No packet asserts.
    LdpTlvParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
    ~LdpTlvParser() override;
 
@@ -38,9 +40,10 @@ class VORN_API LdpTlvParser : public Vorn::PtrInterface {
    LdpTlvType type() const noexcept { return hasHeader() ? header_->type() : LdpTlvType( 0 ); }
    U16 length() const noexcept { return hasHeader() ? header_->length() : U16( 0 ); }
 
- protected:
-   /// Lays the header's view. It does no bounds check.
+   /// Lays the header's view, which the constructor has done. It does no bounds check.
    void handleHeader() noexcept;
+
+ protected:
    /// Whether so many octets from the offset on lie in the packet.
    bool hasOctets( U64 octets ) const noexcept { return offset_ + octets <= pkt_->frontBytes(); }
    bool hasHeader() const noexcept { return hasOctets( sizeof( LdpTlvHdr ) ); }
@@ -55,6 +58,18 @@ class VORN_API LdpTlvParser : public Vorn::PtrInterface {
 /// A new parser.
 VORN_API Vorn::Ptr< LdpTlvParser > ldpTlvParserFactory( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset );
 
+/// Whether a TLV's length is one that no body of its kind has, so that the body need not be looked at.
+/// `octets` of the TLV lie in the packet, its header among them.
+template< class Body >
+bool ldpLengthRefuses( Body const & tlv, U64 ) noexcept {
+   return tlv.length() != sizeof( Body ) - sizeof( LdpTlvHdr );
+}
+inline bool ldpLengthRefuses( LdpPathVectorTlv const & tlv, U64 ) noexcept { return !tlv.lsrIdNum(); }
+inline bool ldpLengthRefuses( LdpAddressListTlv const & tlv, U64 octets ) noexcept {
+   // How long the list may be follows from the family in front of it.
+   return tlv.length() < 3 || ( octets >= sizeof tlv + 2 && !tlv.numAddress() );
+}
+
 /// What the parsers of one kind of TLV share: the view as that kind, its judgement and its text.
 template< class Body >
 class LdpBodyTlvParser : public LdpTlvParser {
@@ -67,7 +82,10 @@ class LdpBodyTlvParser : public LdpTlvParser {
 
    /// The body's judgement and text.
    LdpStatusCode validate() const { return body()->validate(); }
-   Vorn::String stringValue() const { return hasBody() ? body()->stringValue() : Vorn::String(); }
+   Vorn::String stringValue() const {
+      bool const refused = hasHeader() && ldpLengthRefuses( *body(), pkt_->frontBytes() - offset_ );
+      return refused || hasBody() ? body()->stringValue() : Vorn::String();
+   }
 
  protected:
    /// The TLV as its kind, wherever it stands.
@@ -78,6 +96,16 @@ class LdpBodyTlvParser : public LdpTlvParser {
       return variable ? hasHeader() && hasOctets( sizeof( LdpTlvHdr ) + U64( header_->length() ) )
                       : hasOctets( sizeof( Body ) );
    }
+   /// Whether text and judgement may be asked for by who does not know what type of TLV this is: the body of
+   /// some kinds asserts its type.
+   bool hasTextOfItsType() const noexcept {
+      if constexpr ( requires { body()->liesOverItsType(); } ) {
+         return !hasHeader() || body()->liesOverItsType();
+      } else {
+         return true;
+      }
+   }
+   bool hasBodyOfItsType() const noexcept { return hasBody() && hasTextOfItsType(); }
 };
 
 /// A field of the view, read through the parser.

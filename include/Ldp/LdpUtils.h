@@ -9,14 +9,16 @@
 namespace Ldp {
 
 /// E bit (fatal error) that a notification of that status carries (RFC 5036, 3.9). A value that is no status
-/// code asserts.
+/// code asserts. It is for codes to send: what a peer has sent, `LdpStatusTlv::statusData()`, can be any
+/// number of 30 bits, among them many that are no status code, and says its E bit itself (`statusError()`).
 VORN_API bool statusCodeEBitForStatusCode( LdpStatusCode status );
 
 /// Text of a session's state that ended in that status; for a value that is no status code, the number.
 VORN_API Vorn::String sessionStateStrForStatusCode( LdpStatusCode status );
 
 /// Hop count to send on for a received one (RFC 5036, 3.4.4): one more, but 0, which is unknown, stays 0. The
-/// caller has ruled out 254 and 255: they assert.
+/// caller has ruled out 254 and 255: they assert, and both can come from a peer, since
+/// `LdpHopCountTlv::validate()` looks at the length alone. A loop is what they mean (RFC 5036, 2.8).
 VORN_API U8 hopCountInc( U8 rcvdHopCount );
 
 /// Scope guard over a flag of the caller's: entering a guarded scope while another is open on the same flag
@@ -53,15 +55,25 @@ VORN_API Vorn::Ptr< LdpMsgParser > ldpTypedMsgParser( Vorn::Ptr< Lumo::Pkt > con
 VORN_API Vorn::Ptr< LdpMsgParser > ldpMsgParserGet( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset );
 
 /// What `ldpPduGuard` found.
-struct LdpPduGuardResult {
+struct VORN_API LdpPduGuardResult {
    enum Input : U8 {
       none,             ///< the PDU and all its messages can be parsed, printed and read
       wrappedUnit,      ///< a message or TLV with a length field of 65532, which ends the process
-      unboundedP2mpDump ///< a P2MP element of 256 octets or more, which its parser never returns from
+      unboundedP2mpDump ///< a P2MP element where 256 octets or more of the FEC TLV remain, its type octet
+                        ///< included; its parser never returns from it, whatever the element's own lengths
+                        ///< say
    };
    Input input;
    /// Offset of the unit's first octet, or of the P2MP element's type octet, from the packet's front.
    U32 offset;
+
+   /// What to answer to the sender: `success` where there is nothing, `badTlvLength` for a wrapped unit, as
+   /// for any other bad framing, and for a P2MP element `internalError`, since it may be good and is beyond
+   /// this library. Both end the session (their E bit is set), which they must: the messages of a PDU that is
+   /// not parsed are lost, and the two sides would differ for good.
+   LdpStatusCode statusCode() const noexcept;
+   /// The same in a sentence; empty where there is nothing.
+   Vorn::String reason() const;
 
    /// Whether there is a fatal input.
    explicit operator bool() const noexcept { return input != none; }

@@ -8,7 +8,7 @@
 
 namespace Ldp {
 
-/// How the status of a pseudowire is signalled (RFC 8077, 5.4).
+/// How the status of a pseudowire is signalled (RFC 8077, 6.3).
 #define PW_STATUS_METHODS( X )                                                                               \
    X( pwStatusMethodUndefined, 0 )                                                                           \
    X( pwStatusMethodTlv, 1 )                                                                                 \

@@ -71,7 +71,7 @@ class VORN_API PwFecSessionConfig : public Vorn::Entity {
    VORN_DERIVED( 0x106, PwFwdEqvClassInfo, fecInfo );
    VORN_MUTABLE( 0x107, Lumo::MplsLabel, label, Label, local );
    VORN_MUTABLE( 0x108, PwStatusMethod, pwStatusMethod, PwStatusMethod, local ) = pwStatusMethodTlv;
-   /// The PW status word (RFC 8077, 5.4.2).
+   /// The PW status word (RFC 8077, 6.3.2).
    VORN_MUTABLE( 0x109, Pseudowire::PseudowireLdpStatusFlags, pwStatusFlags, PwStatusFlags, local );
    /// Why the label is withdrawn.
    VORN_MUTABLE( 0x10a, LdpStatusCode, labelWithdrawStatusCode, LabelWithdrawStatusCode, local ) = success;
@@ -187,7 +187,7 @@ class VORN_API RemotePwFecSessionStatus : public Vorn::Entity {
    VORN_CHILD( 0x109, MplsLabelSet, mplsReleaseLabelSet, MplsReleaseLabelSet, local );
    VORN_MUTABLE( 0x10a, PwStatusMethod, peerPwStatusMethod, PeerPwStatusMethod,
                  local ) = pwStatusMethodUndefined;
-   /// The peer's PW status word (RFC 8077, 5.4.2).
+   /// The peer's PW status word (RFC 8077, 6.3.2).
    VORN_MUTABLE( 0x10b, Pseudowire::PseudowireLdpStatusFlags, pwStatusFlags, PwStatusFlags, local );
    VORN_MUTABLE( 0x10c, bool, lastMsgTypeWithdraw, LastMsgTypeWithdraw, local ) = false;
    /// Messages received and sent, by type.

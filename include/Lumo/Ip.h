@@ -60,7 +60,9 @@ class VORN_API Ip6Addr {
    constexpr U8 const * octets() const noexcept { return octets_.data(); }
    constexpr U8 * octets() noexcept { return octets_.data(); }
 
-   U32 hash() const noexcept;
+   U32 hash() const noexcept { return hashWith( 0 ); }
+   /// That of the address with a length or the like beside it.
+   U32 hashWith( U64 small ) const noexcept;
    /// The canonical text of RFC 5952, without the mixed IPv4 notation.
    Vorn::String stringValue() const;
 
@@ -95,6 +97,7 @@ class VORN_API IpGenAddr {
 
    /// That of the 16-octet field, whatever the family.
    U32 hash() const noexcept { return addr_.hash(); }
+   U32 hashWith( U64 small ) const noexcept { return addr_.hashWith( small ); }
    Vorn::String stringValue() const;
 
    VORN_FROM_LOG( IpGenAddr )

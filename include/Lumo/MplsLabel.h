@@ -2,6 +2,7 @@
 /// MPLS label values.
 #pragma once
 
+#include "Vorn/Hash.h"
 #include "Vorn/NboAttrLogValues.h"
 #include "Vorn/Strep.h"
 
@@ -21,7 +22,7 @@ class VORN_API MplsLabel {
    explicit MplsLabel( U32 value );
 
    constexpr U32 value() const noexcept { return value_; }
-   U32 hash() const noexcept { return value_ * 0x9e3779b1u; }
+   U32 hash() const noexcept { return Vorn::hashWords( value_ ); }
 
    VORN_FROM_LOG( MplsLabel )
    /// Whether the value equals a default one.

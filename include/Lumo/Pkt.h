@@ -22,6 +22,14 @@ class VORN_API Pkt : public Vorn::PtrInterface {
    /// Nothing is copied.
    static Vorn::Ptr< Pkt > borrow( void const * data, std::size_t bytes );
 
+   /// A packet without bytes yet, with room for `bytes` of them, for an owner who fills it before it is
+   /// handed on and not while anybody else holds it.
+   static Vorn::Ptr< Pkt > withRoom( std::size_t bytes );
+   /// Its room, and how many bytes of it count.
+   U8 * room() noexcept { return owned_.data(); }
+   std::size_t roomBytes() const noexcept { return owned_.size(); }
+   void frontBytesIs( std::size_t bytes );
+
    /// First byte of the contiguous data; a place even where there is none.
    U8 const * front() const noexcept { return front_; }
    /// Bytes from `front()` on.

@@ -14,7 +14,7 @@ using PseudowireId = Vorn::Number< struct PseudowireIdTag, U32 >;
 using GroupId = Vorn::Number< struct GroupIdTag, U32 >;
 /// Connectivity verification types of VCCV, one bit each (RFC 5085).
 using VccvCvTypes = Vorn::Number< struct VccvCvTypesTag, U8 >;
-/// PW status word as signalled; 0 is forwarding (RFC 8077, 5.4.2).
+/// PW status word as signalled; 0 is forwarding (RFC 8077, 6.3.2).
 using PseudowireLdpStatusFlags = Vorn::Number< struct PseudowireLdpStatusFlagsTag, U32 >;
 
 /// Pseudowire types (IANA registry of RFC 4446, 3.2). A number outside the list is an ordinary value.
@@ -53,7 +53,7 @@ class VORN_API PseudowireLdpRequestKey {
    Lumo::IpGenAddr const & neighbor() const noexcept { return neighbor_; }
    PseudowireId pwId() const noexcept { return pwId_; }
 
-   U32 hash() const noexcept { return neighbor_.hash() + pwId_.hash(); }
+   U32 hash() const noexcept { return neighbor_.hashWith( pwId_.value() ); }
    VORN_FROM_LOG( PseudowireLdpRequestKey )
    /// Whether the value equals a default one.
    bool operator!() const noexcept { return *this == PseudowireLdpRequestKey(); }

@@ -20,11 +20,13 @@
 #pragma once
 
 #include "Twain/Codec.h"
+#include "Vorn/Memory.h"
 #include "Vorn/Trace.h"
 
 namespace Ldp {
 
-/// How deep the decoders are nested. A plain variable of the process.
+/// How deep the decoders are nested, in all threads of the process together: while
+/// `Vorn::VFPtrInterface::threadSafePointers_` is set it changes atomically, else it is a plain variable.
 VORN_API extern U16 callDepth;
 
 /// A hook for the program: what it returns other than 0 stands as `#` and the number at the beginning of the
@@ -132,7 +134,7 @@ class VORN_API FunctionTrace {
    template< std::size_t size, class... Args >
    [[gnu::always_inline]] FunctionTrace( Vorn::TraceHandle const & handle, Site const & site, int & msgId,
                                          char const ( &name )[size], Args const &... args ) noexcept {
-      ++Ldp::callDepth;
+      U16 const depth = enter();
       if ( Skein::TraceFile * const file = Skein::defaultSkeinHandle.traceFile() ) {
          int id = Skein::givenMsgId( msgId );
          if ( id <= 0 ) [[unlikely]] {
@@ -145,28 +147,41 @@ class VORN_API FunctionTrace {
          if ( id > 0 ) [[likely]] {
             Skein::RingBuf record;
             record.startMsg( *file, id );
-            record.put( Ldp::callDepth );
+            record.put( depth );
             ( Codec< Args >::put( record, args ), ... );
             record.endMsg();
             timer_.open( *file, &msgId );
          }
       }
       if ( textWanted( handle, site.level ) ) [[unlikely]]
-         functionText( handle, site, name, args... );
+         functionText( handle, site, depth, name, args... );
    }
    FunctionTrace( FunctionTrace const & ) = delete;
-   ~FunctionTrace() { --Ldp::callDepth; }
+   ~FunctionTrace() {
+      if ( Vorn::VFPtrInterface::threadSafePointers_ ) [[unlikely]] {
+         __atomic_sub_fetch( &Ldp::callDepth, 1, __ATOMIC_RELAXED );
+      } else {
+         --Ldp::callDepth;
+      }
+   }
 
  private:
+   /// One level deeper; how deep that is.
+   static U16 enter() noexcept {
+      if ( Vorn::VFPtrInterface::threadSafePointers_ ) [[unlikely]]
+         return __atomic_add_fetch( &Ldp::callDepth, 1, __ATOMIC_RELAXED );
+      return ++Ldp::callDepth;
+   }
    static void registerFunction( Skein::TraceFile & file, Site const & site, int & msgId, char const * name,
                                  void ( *describe )( Skein::MsgFormatString & format ) ) noexcept;
-   static void functionHead( SkeinConverter & line, char const * name );
+   static void functionHead( SkeinConverter & line, U16 depth, char const * name );
    template< class... Args >
    [[gnu::cold, gnu::noinline]] static void functionText( Vorn::TraceHandle const & handle, Site const & site,
-                                                          char const * name, Args const &... args ) noexcept {
+                                                          U16 depth, char const * name,
+                                                          Args const &... args ) noexcept {
       try {
          SkeinConverter line;
-         functionHead( line, name );
+         functionHead( line, depth, name );
          ( static_cast< void >( line << args ), ... );
          writeLine( handle, site, line );
       } catch ( ... ) {} // dropped, as any line that fails

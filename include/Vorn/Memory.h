@@ -3,14 +3,16 @@
 /// type.
 ///
 /// A block that is freed goes to the list of its class and serves the next allocation of that class, which is
-/// what a decoder that builds and drops a few small objects per message wants. Every block comes from malloc
+/// what a decoder that builds and drops a few small objects per message wants; the large classes are for the
+/// maps of a message with many TLVs or a PDU with many messages. Every block comes from malloc
 /// by itself, so a block may go back to malloc at any time: the lists are bypassed while
-/// `VFPtrInterface::threadSafePointers_` is set, and under the address sanitizer, which wants to see every
-/// block.
+/// `VFPtrInterface::threadSafePointers_` is set, because nothing locks them, and under the sanitizers, which
+/// want to see every block.
 #pragma once
 
 #include "Vorn/Api.h"
 
+#include <bit>
 #include <cstdlib>
 #include <new>
 
@@ -32,8 +34,15 @@ struct VornType;
 
 /// Home of the process-wide switch of reference counting.
 struct VORN_API VFPtrInterface {
-   /// Whether reference counts are changed by locked atomic operations. Set by the program before a second
-   /// thread touches an object of this library; nothing here sets it.
+   /// Whether several threads call into this library. The program sets it before a second one does, on
+   /// objects of its own too: reference counts, the counters of live objects and `Ldp::callDepth` then change
+   /// atomically, and blocks come from malloc instead of the free lists, which nothing locks. Nothing here
+   /// sets it.
+   ///
+   /// Threads may then share, without a lock: references (`Ptr`), strings, packets, and parsers and FEC
+   /// elements that are finished, as long as all only read. Whatever is written or observed, and all that
+   /// hangs below an entity, belongs to one thread at a time; so does a `LdpPduStream` and either end of an
+   /// attribute log.
    static bool threadSafePointers_;
 };
 
@@ -44,15 +53,35 @@ struct MemClass {
    U32 unused_;
 };
 
-inline constexpr std::size_t memClassBytes = 16; ///< step between block sizes
-inline constexpr std::size_t memClassNum = 33;   ///< blocks of 0, 16, ... 512 bytes
-inline constexpr U32 memClassKeep = 1024;        ///< most free blocks that a class holds back from malloc
+inline constexpr std::size_t memClassBytes = 16;   ///< step between sizes of small blocks
+inline constexpr std::size_t memSmallNum = 33;     ///< classes of small blocks: 0, 16, ... 512 bytes
+inline constexpr std::size_t memClassNum = 38;     ///< all classes: behind those 1024, 2048, ... 16384 bytes
+inline constexpr U32 memClassKeep = 1024;          ///< most free blocks that a class of small ones holds back
+inline constexpr std::size_t memLargeKeep = 65536; ///< most bytes that a class of large ones holds back
 VORN_API extern MemClass memClasses_[memClassNum];
+
+/// The class of a block, `memClassNum` or more for one that has none, and how large the blocks of a class
+/// are.
+constexpr std::size_t memClassOf( std::size_t size ) noexcept {
+   std::size_t const small = ( size + memClassBytes - 1 ) / memClassBytes;
+   return small < memSmallNum ? small : memSmallNum + std::size_t( std::bit_width( ( size - 1 ) >> 10 ) );
+}
+constexpr std::size_t memBytesOf( std::size_t memClass ) noexcept {
+   return memClass < memSmallNum ? memClass * memClassBytes
+                                 : std::size_t( 1024 ) << ( memClass - memSmallNum );
+}
+static_assert( memClassOf( 512 ) == 32 && memClassOf( 513 ) == 33 && memClassOf( 1024 ) == 33 );
+static_assert( memClassOf( 1025 ) == 34 && memClassOf( memBytesOf( 37 ) ) == 37 &&
+               memClassOf( 16385 ) == 38 );
+/// Most free blocks that a class holds back from malloc.
+constexpr U32 memKeepOf( std::size_t memClass ) noexcept {
+   return memClass < memSmallNum ? memClassKeep : U32( memLargeKeep / memBytesOf( memClass ) );
+}
 
 /// Memory for `size` bytes, aligned for any type. Throws std::bad_alloc when there is none. Freed by
 /// `vornMemFree` with the same size.
 inline void * vornMemAlloc( std::size_t size ) {
-   std::size_t const index = ( size + memClassBytes - 1 ) / memClassBytes;
+   std::size_t const index = memClassOf( size );
    void * block = nullptr;
 #ifndef VORN_PLAIN_MALLOC
    if ( index < memClassNum && !VFPtrInterface::threadSafePointers_ ) [[likely]] {
@@ -65,7 +94,7 @@ inline void * vornMemAlloc( std::size_t size ) {
       }
    }
 #endif
-   if ( index < memClassNum ) size = index * memClassBytes;
+   if ( index < memClassNum ) size = memBytesOf( index );
    block = std::malloc( size ? size : 1 );
    if ( !block ) throw std::bad_alloc();
    return block;
@@ -74,10 +103,10 @@ inline void * vornMemAlloc( std::size_t size ) {
 /// Gives back a block of `size` bytes that `vornMemAlloc` gave out. Null is allowed.
 inline void vornMemFree( void * block, std::size_t size ) noexcept {
 #ifndef VORN_PLAIN_MALLOC
-   std::size_t const index = ( size + memClassBytes - 1 ) / memClassBytes;
+   std::size_t const index = memClassOf( size );
    if ( index < memClassNum && index && block && !VFPtrInterface::threadSafePointers_ ) [[likely]] {
       MemClass & memClass = memClasses_[index];
-      if ( memClass.freeNum < memClassKeep ) [[likely]] {
+      if ( memClass.freeNum < memKeepOf( index ) ) [[likely]] {
          *static_cast< void ** >( block ) = memClass.free;
          memClass.free = block;
          ++memClass.freeNum;

@@ -71,7 +71,9 @@ class VORN_API PtrInterface : public VFPtrInterface {
    virtual ~PtrInterface();
 
    /// References held, without the flags.
-   U32 references() const noexcept { return refs_ & referenceMask; }
+   /// Whoever sees that only its own is left may write to the object: what other threads did with theirs is
+   /// past.
+   U32 references() const noexcept { return __atomic_load_n( &refs_, __ATOMIC_ACQUIRE ) & referenceMask; }
 
    /// Takes one reference. `Ptr` does this; nobody else needs to.
    void referenceInc() const noexcept { refInc( refs_ ); }

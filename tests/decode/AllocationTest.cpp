@@ -3,8 +3,11 @@
 
 #include "Expect.h"
 
+#include "Ldp/LdpPduStream.h"
 #include "Ldp/LdpPwGenMsgParser.h"
-#include "Ldp/LdpUtils.h"
+#ifndef VORN_PLAIN_MALLOC
+#include "../../bench/MallocCount.h"
+#endif
 
 using namespace Ldp;
 using namespace Wire;
@@ -100,5 +103,62 @@ TEST( Allocation, parserKeepsThePacketOfItsViews ) {
    parser = nullptr;
    EXPECT_EQ( packets.now(), 0u );
 }
+
+#ifndef VORN_PLAIN_MALLOC
+
+// Good and bad, of every size: what the free lists hold after one round serves all later ones.
+TEST( Allocation, asksMallocForNothing ) {
+   Hex prefixes, many, units;
+   for ( U32 i = 0; i < 570; ++i )
+      prefixes += "02 0001 18 0a" + u16( i );
+   for ( U32 i = 0; i < 990; ++i )
+      many += msg( 0x3000 + i, i );
+   for ( U32 i = 0; i < 4000; ++i )
+      units += "00";
+   Hex const label = tlv( genLabelTlv, "00000064" );
+   std::vector< Hex > const sent = {
+      pdu( "10.0.0.1", 0, { many } ),
+      pdu( "10.0.0.1", 0, { msg( LdpLabelMapping, 1, { tlv( fecTlv, prefixes ), label } ) } ),
+      pdu( "10.0.0.1", 0, { msg( LdpLabelMapping, 1, { tlv( fecTlv, prefixes + "09" ), label } ) } ),
+      pdu( "10.0.0.1", 0,
+           { msg( LdpLabelWithdraw, 1, { tlv( fecTlv, "06 0001 04 0a000001 00f0" + repeat( 240, 7 ) ) } ) } ),
+      pdu( "10.0.0.1", 0,
+           { msg( LdpLabelMapping, 1,
+                  { tlv( fecTlv, "80 0005 08 00000001 00000064 06 04 0fff" ), label } ) } ),
+      pdu( "10.0.0.1", 0, { msg( LdpKeepAlive, 1, { "3fff fffd " + repeat( 4000, 0xff ) } ) } ),
+      pdu( "10.0.0.1", 0, { repeat( 4000, 0xff ) } ),
+      pdu( "10.0.0.1", 0, { "0201 fffd " + repeat( 9000, 0xff ) } ),
+      pdu( "10.0.0.1", 0,
+           { msg( LdpInit, 1,
+                  { tlv( commonSessionParamTlv, "0001 001e 00 00 1000 0a000002 0000" ),
+                    tlv( p2mpCapabilityTlv, "80" ), tlv( mbbCapabilityTlv, "80" ) } ) } ),
+      pdu( "10.0.0.1", 0, { msg( LdpHello, 1, { "0400 fffc" } ) } ),
+   };
+   std::vector< Octets > all;
+   for ( Hex const & each : sent )
+      all.push_back( octets( each ) );
+   LdpPduStream stream;
+   stream.maxPduLengthIs( 9600 );
+   U32 messages = 0;
+   auto const round = [&] {
+      for ( Octets const & each : all ) {
+         std::span< U8 const > left( each );
+         while ( auto const pdu = stream.next( left ) ) {
+            messages += pdu.messageNum();
+            for ( U32 i = 0; i < pdu.messageNum(); ++i )
+               pdu.message( i );
+         }
+      }
+   };
+   for ( int i = 0; i < 3; ++i )
+      round();
+   U64 const before = mallocCalls;
+   messages = 0;
+   round();
+   EXPECT_EQ( mallocCalls, before );
+   EXPECT_EQ( messages, 990u + 6u );
+}
+
+#endif
 
 } // namespace

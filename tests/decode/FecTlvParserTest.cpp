@@ -213,7 +213,12 @@ TEST( FecTlvParser, collectionAndState ) {
    EXPECT_EQ( parser->stringValue(), "[Wildcard, 10.1.0.0/16, Wildcard]" );
    parser->fecElementIs( 2, nullptr ); // removes it
    EXPECT_EQ( parser->fecElements(), 2u );
-   parser->fecElementDel( 0 );
+   U32 positions = 0;
+   for ( auto const & element : parser->fecElementColl() )
+      positions += ( element.key() + 1 ) * ( element.value() == parser->fecElement( element.key() ) );
+   EXPECT_EQ( positions, 1u + 2u );
+   EXPECT_EQ( parser->fecElementDel( 0 ), wildcard );
+   EXPECT_FALSE( parser->fecElementDel( 0 ) );
    EXPECT_EQ( parser->stringValue(), "[]" ); // from position 0 upward
    EXPECT_EQ( parser->fecElements(), 1u );
    parser->fecElementDelAll();

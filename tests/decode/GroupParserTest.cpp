@@ -4,6 +4,8 @@
 
 #include "Ldp/LdpGenMsgParser.h"
 
+#include <map>
+
 using namespace Ldp;
 using namespace Wire;
 
@@ -148,7 +150,12 @@ TEST( GroupParser, offsetsAreAnOrdinaryCollection ) {
    group->tlvOffsetIs( 7, 99 );
    EXPECT_EQ( group->tlvNum(), 3u );
    EXPECT_EQ( group->tlvOffset( 7 ), 99u );
-   group->tlvOffsetDel( 1 );
+   std::map< U32, U32 > walked;
+   for ( auto const & unit : group->tlvOffsetColl() )
+      walked[unit.key()] = unit.value();
+   EXPECT_EQ( walked, ( std::map< U32, U32 >{ { 0, 0 }, { 1, 4 }, { 7, 99 } } ) );
+   EXPECT_EQ( group->tlvOffsetDel( 1 ), 4u );
+   EXPECT_EQ( group->tlvOffsetDel( 1 ), 0u );
    EXPECT_EQ( group->tlvNum(), 2u );
    EXPECT_EQ( group->tlvOffset( 1 ), 0u );
    group->tlvOffsetDelAll();

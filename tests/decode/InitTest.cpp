@@ -225,7 +225,8 @@ TEST( Capability, collection ) {
    parser->capabilitiesIs( p2mpCapabilityTlv, nullptr ); // removes it
    EXPECT_FALSE( parser->capabilitiesHas( p2mpCapabilityTlv ) );
    parser->capabilitiesIs( p2mpCapabilityTlv, nullptr );
-   parser->capabilitiesDel( mbbCapabilityTlv );
+   EXPECT_EQ( parser->capabilitiesDel( mbbCapabilityTlv ), mbb );
+   EXPECT_FALSE( parser->capabilitiesDel( mbbCapabilityTlv ) );
    EXPECT_EQ( parser->capabilities().members(), 1u );
    parser->capabilitiesDelAll();
    EXPECT_EQ( parser->capabilities().members(), 0u );

@@ -67,6 +67,16 @@ Hex const wrapped = "0103 fffc"; // a unit with a length of 65532
 Hex const label = tlv( genLabelTlv, "00000064" );
 Hex const reqId = tlv( labelReqMsgIdTlv, "00000001" );
 
+TEST( PduGuard, saysWhatToAnswer ) {
+   EXPECT_EQ( Result{}.statusCode(), success );
+   EXPECT_EQ( Result{}.reason(), "" );
+   EXPECT_EQ( ( Result{ Result::wrappedUnit, 10 } ).statusCode(), badTlvLength );
+   EXPECT_EQ( ( Result{ Result::wrappedUnit, 10 } ).reason(), "Msg/Tlv length field of 65532, offset: 10" );
+   EXPECT_EQ( ( Result{ Result::unboundedP2mpDump, 22 } ).statusCode(), internalError );
+   EXPECT_EQ( ( Result{ Result::unboundedP2mpDump, 22 } ).reason(),
+              "FEC P2MP Element with 256 octets or more of its FEC TLV, offset: 22" );
+}
+
 TEST( PduGuard, wrappedUnits ) {
    auto const hello = []( std::initializer_list< Hex > tlvs ) { return msg( LdpHello, 1, tlvs ); };
    Hex const good = tlv( hopCountTlv, "01" );

@@ -58,6 +58,11 @@ void expectParser( TlvFactory< Parser > factory, char const * typeName, Hex cons
       EXPECT_FALSE( cut->header2() );
       EXPECT_EQ( cut->stringValue(), "" );
    }
+   // A length that is wrong is told, whatever stands behind the TLV.
+   Hex const empty = first( 2, good ) + "0000";
+   Vorn::String const refused = factory( tlvPkt( empty + repeat( 40, 1 ) ), tlvAt )->stringValue();
+   EXPECT_NE( refused, text );
+   EXPECT_EQ( factory( tlvPkt( empty ), tlvAt )->stringValue(), refused );
 }
 
 TEST( TlvParser, allOfThem ) {
@@ -247,6 +252,23 @@ TEST( TlvParser, pwStatus ) {
    auto const nothing = ldpPwStatusTlvParserFactory( tlvPkt( "" ), tlvAt );
    EXPECT_FALSE( nothing->pwForwarding() ); // nobody says so
    EXPECT_FALSE( nothing->pwNotForwarding() );
+}
+
+TEST( TlvParser, aTlvTooShortForItsBodyIsRefusedInItsText ) {
+   auto const text = []( auto factory, Hex const & octets ) {
+      return factory( tlvPkt( octets ), tlvAt )->stringValue();
+   };
+   EXPECT_EQ( text( ldpHopCountTlvParserFactory, "0103 0000" ), "Error LdpHopCountTlv: badTlvLength" );
+   EXPECT_EQ( text( ldpHopCountTlvParserFactory, "0103 0001" ), "" );
+   EXPECT_EQ( text( ldpHopCountTlvParserFactory, "0103 0002 01" ), "Error LdpHopCountTlv: badTlvLength" );
+   EXPECT_EQ( text( ldpPathVectorTlvParserFactory, "0104 0006 0a00" ),
+              "Error LdpPathVectorTlv: badTlvLength" );
+   EXPECT_EQ( text( ldpPathVectorTlvParserFactory, "0104 0004 0a00" ), "" );
+   // How long a list may be follows from its family.
+   EXPECT_EQ( text( ldpAddressListTlvParserFactory, "0101 0002" ), "LdpAddressListTlv( Invalid TLV )" );
+   EXPECT_EQ( text( ldpAddressListTlvParserFactory, "0101 0007 00" ), "" );
+   EXPECT_EQ( text( ldpAddressListTlvParserFactory, "0101 0007 0001" ), "LdpAddressListTlv( Invalid TLV )" );
+   EXPECT_EQ( text( ldpAddressListTlvParserFactory, "0101 0006 0001" ), "" );
 }
 
 TEST( TlvParser, keepsItsPacket ) {

@@ -479,6 +479,32 @@ class Messages(unittest.TestCase):
         self.assertIn("stateOperational", speaker["ldpSessionStatusColl"]["sessionStatus"]["10.0.0.1:0"]["ldpSessionState"])
         self.assertEqual(set(self.sessions(speaker)), {"10.1.0.0/16"})
 
+    def test_changes_come_in_the_same_order_every_time(self):
+        # The maps do not: each process has a secret of its own.
+        talk = Talk()
+        for i in range(40):
+            talk.say(2, 0x0300, tlv(0x0101, struct.pack("!HI", 1, 0x0a0a0000 + i)))
+            talk.say(2, 0x0400, fec(prefix(f"10.{i}.0.0", 16)), label(100 + i))
+            talk.say(2, 0x0400, fec(P2MP[:-1] + bytes([i])), label(300 + i))
+        talk.say(2, 0x0402, fec(b"\1"))
+        talk.segment(2, flags=FIN | ACK)
+        first, second = ([line for line in watch(talk.frames, "--follow").out.splitlines() if "requestTime" not in line] for _ in range(2))
+        self.assertGreater(len(first), 1000)
+        self.assertEqual(first, second)
+
+    def test_who_floods_is_not_followed_beyond_a_bound(self):
+        def targeted(ident, source, destination="10.0.0.2", lsr="10.0.0.1"):
+            parameters = tlv(0x0400, struct.pack("!HH", 0xffff, 0xc000))
+            return ether(udp(pdu(message(0x0100, ident, parameters), lsr=lsr), src=source, dst=destination))
+        heard = [targeted(1, "10.0.0.2", "10.9.9.9", "10.0.0.2")]
+        sources = [f"11.0.{i >> 8}.{i & 255}" for i in range(5000)]
+        result = watch(heard + [targeted(i, source) for i, source in enumerate(sources)], "--neighbors")
+        self.assertEqual(result.status, 0)
+        self.assertRegex(result.err, "^ldptool: more than 4096 speakers, or 4096 adjacencies of one.*: 904 times")
+        result = watch([targeted(i, source, lsr=source) for i, source in enumerate(sources)], "--neighbors")
+        self.assertRegex(result.err, ": 904 times")
+        self.assertEqual(len([line for line in result.out.splitlines() if line.startswith("speaker")]), 4096)
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -76,10 +76,14 @@ SessionEnd & Agent::sessionEnd( Ldp::LdpIdentifier const & peer ) {
    return sessionEnds_.try_emplace( peer, SessionEnd{ *this, sessionId, session, statistics } ).first->second;
 }
 
-Agent & Agents::agentIs( Ldp::LdpIdentifier const & id ) {
-   auto & agent = agents_[id];
-   if ( !agent ) agent = std::make_unique< Agent >( *network_.speakerIs( id ) );
-   return *agent;
+Agent * Agents::agentIs( Ldp::LdpIdentifier const & id ) {
+   if ( auto const known = agents_.find( id ); known != agents_.end() ) return known->second.get();
+   if ( agents_.size() >= mostAgents ) {
+      ++refused_;
+      return nullptr;
+   }
+   return agents_.try_emplace( id, std::make_unique< Agent >( *network_.speakerIs( id ) ) )
+        .first->second.get();
 }
 
 Ldp::LdpIdentifier Agents::at( Addr const & address ) const {

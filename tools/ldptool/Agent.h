@@ -8,9 +8,11 @@
 
 #include "Ldp/LdpMsgParser.h"
 
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <set>
+#include <vector>
 
 namespace LdpTool {
 
@@ -18,6 +20,21 @@ using Addr = Lumo::IpGenAddr;
 
 /// The address of that many octets at the beginning of those.
 Addr addressOf( std::array< std::uint8_t, 16 > const & octets, std::uint8_t size );
+
+/// What `keyOf` says of each member of a collection, in order. The collection's own order differs from run to
+/// run; what is done for each member is to be seen in the same order every time, and the list lets it delete.
+template< class Collection, class KeyOf >
+auto sorted( Collection const & members, KeyOf const & keyOf ) {
+   std::vector< std::remove_cvref_t< decltype( keyOf( *members.begin() ) ) > > keys;
+   for ( auto const & member : members )
+      keys.push_back( keyOf( member ) );
+   std::sort( keys.begin(), keys.end() );
+   return keys;
+}
+template< class Collection >
+auto sortedKeys( Collection const & members ) {
+   return sorted( members, []( auto const & member ) { return member.key(); } );
+}
 
 /// The router that a speaker's identifier names.
 inline Mpls::RouterId routerOf( Ldp::LdpIdentifier const & id ) {
@@ -76,9 +93,15 @@ class Agents {
  public:
    explicit Agents( Network & network ) : network_( network ) {}
 
-   /// The agent of that speaker, a new one if there is none.
-   Agent & agentIs( Ldp::LdpIdentifier const & id );
+   /// Most speakers whose state is kept. Who floods a link with invented ones chooses their identifiers,
+   /// whose hash has no secret, so this is far below the 16383 of one hash that a map bears.
+   static constexpr std::size_t mostAgents = 4096;
+
+   /// The agent of that speaker, a new one if there is none; null for one too many.
+   Agent * agentIs( Ldp::LdpIdentifier const & id );
    auto const & all() const { return agents_; }
+   /// How often one was too many.
+   std::uint64_t refused() const { return refused_; }
 
    /// The speaker at that transport or source address was seen to be this one.
    void seen( Addr const & address, Ldp::LdpIdentifier const & id ) { at_[address] = id; }
@@ -89,6 +112,7 @@ class Agents {
    Network & network_;
    std::map< Ldp::LdpIdentifier, std::unique_ptr< Agent > > agents_;
    std::map< Addr, Ldp::LdpIdentifier > at_;
+   std::uint64_t refused_ = 0;
 };
 
 } // namespace LdpTool

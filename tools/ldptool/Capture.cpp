@@ -154,7 +154,7 @@ void Capture::onDatagram( Segment const & segment, Arrival const & arrival ) {
       return;
    }
    for ( ;; ) {
-      sink_->onPdu( origin, rest );
+      sink_->onPdu( origin, datagrams_.datagram( rest ) );
       if ( rest.size() < pduHeader ) return; // judged as too small
       std::size_t const total = std::uint16_t( ( rest[2] << 8 | rest[3] ) + 4 );
       if ( total < pduHeader || total >= rest.size() ) return;

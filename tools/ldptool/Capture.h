@@ -58,6 +58,7 @@ class Capture {
    int linkType_;
    PduSink * sink_ = nullptr;
    std::unique_ptr< Streams > streams_;
+   AnyLengthStream datagrams_;
    Tins::IPv4Reassembler reassembler_;
    std::size_t fragmentOctets_ = 0; ///< handed to the reassembler since it was last emptied
    CaptureCounters counters_;

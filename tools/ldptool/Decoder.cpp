@@ -11,28 +11,26 @@ using namespace Ldp;
 Decoder::Decoder( Reporter & reporter, Selection selection, Output & idle )
      : reporter_( reporter ), selection_( std::move( selection ) ), idle_( idle ) {}
 
-void Decoder::onPdu( Origin const & origin, Octets octets ) {
-   Vorn::Ptr< Lumo::Pkt > const pkt = Lumo::Pkt::borrow( octets.data(), octets.size() );
-   if ( LdpPduGuardResult const fatal = ldpPduGuard( pkt, 0 ); fatal ) {
-      ++bad_;
-      reporter_.onFatalPdu( { origin, octets, nullptr }, fatal );
+void Decoder::onPdu( Origin const & origin, LdpPdu const & taken ) {
+   Pdu const pdu{ origin, taken, { taken.pkt()->front(), std::size_t( taken.pkt()->frontBytes() ) } };
+   if ( taken.valid() ) {
+      decodeMessages( pdu );
       return;
    }
-   Vorn::Ptr< LdpPduParser > const parser = ldpPduParserFactory( pkt, 0 );
-   Pdu const pdu{ origin, octets, parser.ptr() };
-   if ( parser->validLdpPdu() ) {
-      decodeMessages( pdu, pkt );
+   ++bad_;
+   if ( LdpPduGuardResult const fatal = taken.guard(); fatal ) {
+      reporter_.onFatalPdu( pdu, fatal );
    } else {
-      ++bad_;
       reporter_.onBadPdu( pdu );
    }
 }
 
-void Decoder::decodeMessages( Pdu const & pdu, Vorn::Ptr< Lumo::Pkt > const & pkt ) {
+void Decoder::decodeMessages( Pdu const & pdu ) {
    pduReported_ = false;
+   Vorn::Ptr< Lumo::Pkt > const & pkt = pdu.pdu.pkt();
    // The messages fill a valid PDU, so their lengths lead from one to the next. That is what the parser's map
    // of offsets says too, without a look-up for each message.
-   U32 const messageNum = pdu.parser->messageNum();
+   U32 const messageNum = pdu.pdu.messageNum();
    U32 offset = sizeof( LdpPduHdr );
    for ( U32 i = 0, next; i < messageNum; ++i, offset = next ) {
       U8 const * const unit = pdu.octets.data() + offset;

@@ -1,6 +1,6 @@
 #pragma once
 
-// From PDUs to reports: the guard, the PDU parser, a parser for each message, and the count of what was bad.
+// From PDUs to reports: a parser for each message, and the count of what was bad.
 
 #include "Output.h"
 #include "Reporter.h"
@@ -20,7 +20,7 @@ class Decoder : public PduSink {
    /// `idle` is flushed whenever a live input has nothing more.
    Decoder( Reporter & reporter, Selection selection, Output & idle );
 
-   void onPdu( Origin const & origin, Octets octets ) override;
+   void onPdu( Origin const & origin, Ldp::LdpPdu const & taken ) override;
    void onGap( Origin const & origin, Gap const & gap ) override;
    void onClose( Origin const & origin ) override { reporter_.onClose( origin ); }
    void onWarning( Origin const & origin, std::string const & text ) override;
@@ -31,7 +31,7 @@ class Decoder : public PduSink {
    Gap const & gaps() const { return gaps_; }           ///< summed up
 
  private:
-   void decodeMessages( Pdu const & pdu, Vorn::Ptr< Lumo::Pkt > const & pkt );
+   void decodeMessages( Pdu const & pdu );
    void report( Ldp::LdpMsgParser const & parser, Pdu const & pdu );
 
    Reporter & reporter_;

@@ -55,38 +55,6 @@ void unmapTransport( Status & status, LdpIdentifier const & peer, Addr const & t
    if ( atAddress->ldpIdentifiers() == 0 ) status.index()->transportIpToPeerDel( transport );
 }
 
-/// The agent has heard a neighbour's hello on an adjacency for which its own hellos propose `ownHoldTime`.
-void hear( Agent & agent, LdpAdjId const & id, Addr const & source, LdpHelloMsgParser const & hello,
-           U16 ownHoldTime, double now ) {
-   Status & status = agent.status();
-   auto const & params = *hello.msgCommonHelloTlv();
-   U16 const unsaid = params.targetedHello() ? LdpProtoParam::defaultTargetHelloHoldTime()
-                                             : LdpProtoParam::defaultBasicHelloHoldTime();
-   auto const adj = status.ldpAdjStatusColl()->adjStatusIs( id );
-   adj->rxPktCountInc( 1 );
-   adj->msgIdIs( hello.msgId() );
-   adj->peerHoldTimeIs( params.holdTime() );
-   adj->operHoldTimeIs( operHoldTime( ownHoldTime, params.holdTime(), unsaid ) );
-   bool const forEver = adj->operHoldTime() == LdpProtoParam::infiniteHelloHoldTime();
-   adj->adjExpireTimeIs( forEver ? 0.0 : now + adj->operHoldTime() );
-   adj->peerSrcIpAddrIs( source );
-   Addr const transport = transportAddress( hello, source );
-   Addr const before = adj->peerIpAddr();
-   adj->peerIpAddrIs( transport );
-   if ( before != transport ) unmapTransport( status, id.ldpIdentifier(), before );
-   if ( hello.msgConfigSeqTlv() ) adj->peerConfigSeqNumIs( hello.msgConfigSeqTlv()->configSeqNum() );
-   status.ldpAdjConfigColl()->adjConfigIs( id )->holdTimeIs( ownHoldTime );
-
-   LdpIdentifier const & neighbor = id.ldpIdentifier();
-   auto const peer = status.ldpPeerConfigColl()->peerConfigIs( neighbor );
-   peer->ldpAdjIs( id, true );
-   if ( !peer->activeAdj() ) peer->activeAdjIs( id );
-   peer->peerIpAddrIs( transport );
-   if ( hello.msgConfigSeqTlv() ) peer->peerConfigSeqNumIs( U16( hello.msgConfigSeqTlv()->configSeqNum() ) );
-   status.ldpPeerStatusColl()->peerStatusIs( neighbor );
-   status.index()->transportIpToPeerIs( transport )->ldpIdentifierIs( neighbor, true );
-}
-
 /// The adjacency is no more, nor is the peer if it was the last.
 void lose( Status & status, LdpAdjStatus & adj ) {
    LdpAdjId const id = adj.ldpAdjId();
@@ -112,7 +80,7 @@ void lose( Status & status, LdpAdjStatus & adj ) {
    peer->ldpAdjDel( id );
    peer->latestAdjStatusCodeIs( holdTimerExpired );
    if ( peer->ldpAdjs() != 0 ) {
-      if ( peer->activeAdj() == id ) peer->activeAdjIs( ( *peer->ldpAdjColl().begin() ).key() );
+      if ( peer->activeAdj() == id ) peer->activeAdjIs( sortedKeys( peer->ldpAdjColl() ).front() );
       return;
    }
    peers->peerConfigDel( id.ldpIdentifier() );
@@ -120,6 +88,49 @@ void lose( Status & status, LdpAdjStatus & adj ) {
 }
 
 } // namespace
+
+/// Whether the adjacency is known or may be.
+bool Discovery::hasRoom( Status & status, LdpAdjId const & id ) {
+   auto const all = status.ldpAdjStatusColl();
+   if ( all->adjStatus( id ) || ( all->adjStatuss() < mostOfSpeaker && adjacencies_ < mostInAll ) )
+      return true;
+   ++refused_;
+   return false;
+}
+
+/// The agent has heard a neighbour's hello on an adjacency for which its own hellos propose `ownHoldTime`.
+void Discovery::hear( Agent & agent, LdpAdjId const & id, Addr const & source,
+                      LdpHelloMsgParser const & hello, U16 ownHoldTime, double now ) {
+   Status & status = agent.status();
+   auto const & params = *hello.msgCommonHelloTlv();
+   U16 const unsaid = params.targetedHello() ? LdpProtoParam::defaultTargetHelloHoldTime()
+                                             : LdpProtoParam::defaultBasicHelloHoldTime();
+   auto const all = status.ldpAdjStatusColl();
+   if ( !all->adjStatus( id ) ) ++adjacencies_;
+   auto const adj = all->adjStatusIs( id );
+   adj->rxPktCountInc( 1 );
+   adj->msgIdIs( hello.msgId() );
+   adj->peerHoldTimeIs( params.holdTime() );
+   adj->operHoldTimeIs( operHoldTime( ownHoldTime, params.holdTime(), unsaid ) );
+   bool const forEver = adj->operHoldTime() == LdpProtoParam::infiniteHelloHoldTime();
+   adj->adjExpireTimeIs( forEver ? 0.0 : now + adj->operHoldTime() );
+   adj->peerSrcIpAddrIs( source );
+   Addr const transport = transportAddress( hello, source );
+   Addr const before = adj->peerIpAddr();
+   adj->peerIpAddrIs( transport );
+   if ( before != transport ) unmapTransport( status, id.ldpIdentifier(), before );
+   if ( hello.msgConfigSeqTlv() ) adj->peerConfigSeqNumIs( hello.msgConfigSeqTlv()->configSeqNum() );
+   status.ldpAdjConfigColl()->adjConfigIs( id )->holdTimeIs( ownHoldTime );
+
+   LdpIdentifier const & neighbor = id.ldpIdentifier();
+   auto const peer = status.ldpPeerConfigColl()->peerConfigIs( neighbor );
+   peer->ldpAdjIs( id, true );
+   if ( !peer->activeAdj() ) peer->activeAdjIs( id );
+   peer->peerIpAddrIs( transport );
+   if ( hello.msgConfigSeqTlv() ) peer->peerConfigSeqNumIs( U16( hello.msgConfigSeqTlv()->configSeqNum() ) );
+   status.ldpPeerStatusColl()->peerStatusIs( neighbor );
+   status.index()->transportIpToPeerIs( transport )->ldpIdentifierIs( neighbor, true );
+}
 
 void Discovery::onHello( Agent & sender, Flow const & flow, LdpHelloMsgParser const & hello, double now ) {
    Addr const source = addressOf( flow.source, flow.addressSize );
@@ -150,6 +161,7 @@ void Discovery::onLinkHello( Agent & sender, Addr const & source, LdpHelloMsgPar
    for ( auto const & [identifier, agent] : agents_.all() ) {
       if ( identifier == sender.id() || !isOnLink( *agent, source ) ) continue;
       Status & status = agent->status();
+      if ( !hasRoom( status, id ) ) continue;
       hear( *agent, id, source, hello, status.ldpLinkConfigColl()->adjLinkConfigIs( link )->holdTime(), now );
       auto const heardOn = status.ldpLinkStatusColl()->adjLinkStatusIs( link );
       heardOn->rxPktCountInc( 1 );
@@ -175,8 +187,10 @@ void Discovery::onTargetedHello( Agent & sender, Addr const & source, Addr const
 
    LdpIdentifier const receiver = agents_.at( destination );
    if ( !receiver || receiver == sender.id() ) return;
-   Agent & agent = agents_.agentIs( receiver );
+   Agent * const heard = agents_.agentIs( receiver );
    LdpAdjId const id( sender.id(), source.ipAddr() );
+   if ( !heard || !hasRoom( heard->status(), id ) ) return;
+   Agent & agent = *heard;
    auto const own = agent.status().ldpTargetConfigColl()->adjTargetConfig( source.ipAddr() );
    hear( agent, id, source, hello, own ? own->holdTime() : LdpProtoParam::defaultTargetHelloHoldTime(), now );
    agent.status().ldpTargetStatusColl()->adjTargetStatusIs( source.ipAddr() )->rxPktCountInc( 1 );
@@ -197,8 +211,14 @@ void Discovery::onBadHello( Agent & sender, Flow const & flow ) {
 void Discovery::expire( double now ) {
    for ( auto const & [identifier, agent] : agents_.all() ) {
       Status & status = agent->status();
+      std::vector< LdpAdjId > over;
       for ( auto & adj : status.ldpAdjStatusColl()->adjStatusColl() ) {
-         if ( adj.adjExpireTime() != 0.0 && adj.adjExpireTime() <= now ) lose( status, adj );
+         if ( adj.adjExpireTime() != 0.0 && adj.adjExpireTime() <= now ) over.push_back( adj.ldpAdjId() );
+      }
+      std::sort( over.begin(), over.end() );
+      for ( LdpAdjId const & id : over ) {
+         lose( status, *status.ldpAdjStatusColl()->adjStatus( id ) );
+         --adjacencies_;
       }
    }
 }

@@ -3,10 +3,12 @@
 // Who sent something to whom and when, as the tool keeps it beside a PDU. A Flow is one direction of a UDP or
 // TCP conversation; an Arrival is the packet of the capture that brought the octets.
 
+#include "Vorn/Hash.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
+#include <type_traits>
 
 namespace LdpTool {
 
@@ -32,16 +34,8 @@ struct Flow {
 
 struct FlowHash {
    std::size_t operator()( Flow const & flow ) const {
-      std::uint64_t hash = ( std::uint64_t( flow.sourcePort ) << 16 | flow.destinationPort ) + flow.protocol;
-      for ( auto const * address : { &flow.source, &flow.destination } ) {
-         std::array< std::uint64_t, 2 > words;
-         std::memcpy( words.data(), address->data(), sizeof words );
-         for ( std::uint64_t word : words ) {
-            hash = ( hash ^ word ) * 0x9e3779b97f4a7c15U;
-            hash ^= hash >> 32;
-         }
-      }
-      return std::size_t( hash );
+      static_assert( std::has_unique_object_representations_v< Flow > );
+      return Vorn::hashBytes( &flow, sizeof flow );
    }
 };
 

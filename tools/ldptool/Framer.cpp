@@ -7,10 +7,10 @@ namespace LdpTool {
 namespace {
 
 constexpr std::size_t lengthFieldEnd = 4; // version and length: what tells where a PDU ends
-constexpr std::size_t pduHeader = 10;
-constexpr std::size_t smallestTotal = 14;
-constexpr std::size_t largestTotal = 9600;
-constexpr std::size_t judgedAtLeast = 18; // a shorter PDU is called too small whatever its length field says
+constexpr std::size_t pduHeader = sizeof( Ldp::LdpPduHdr );
+constexpr std::size_t largestTotal = Ldp::LdpProtoParam::ldpPktBufferSize();
+constexpr std::size_t judgedAtLeast =
+     Ldp::LdpPduParser::minBytes; // a shorter PDU is called too small whatever its length field says
 
 std::size_t read16( Octets octets, std::size_t at ) {
    return std::size_t( octets[at] << 8 | octets[at + 1] );
@@ -18,8 +18,6 @@ std::size_t read16( Octets octets, std::size_t at ) {
 
 // In 16 bits, as a receiver takes it.
 std::size_t totalLength( Octets pdu ) { return std::uint16_t( read16( pdu, 2 ) + 4 ); }
-
-bool totalInBounds( std::size_t total ) { return total >= smallestTotal && total <= largestTotal; }
 
 bool typeCredible( std::size_t type ) {
    return type == 0x0001 || type == 0x0100 || ( type >= 0x0200 && type <= 0x0202 ) || type == 0x0300 ||
@@ -48,23 +46,21 @@ Credibility judge( Octets octets ) {
 } // namespace
 
 void Framer::take( Octets octets, Origin const & origin, PduSink & sink ) {
-   // Fill up the PDU in hand with no more than it needs, so that those behind it are read in place.
-   while ( !held_.empty() && !octets.empty() ) {
-      std::size_t const most = searching_ ? largestTotal : wanted() - held_.size();
-      std::size_t const more = std::min( most, octets.size() );
-      held_.insert( held_.end(), octets.begin(), octets.begin() + std::ptrdiff_t( more ) );
-      octets = octets.subspan( more );
-      std::size_t const used = consume( held_, origin, sink );
-      held_.erase( held_.begin(), held_.begin() + std::ptrdiff_t( used ) );
+   while ( !octets.empty() ) {
+      if ( searching_ ) {
+         // No more than may be needed, so that the octets behind go the straight way again.
+         std::size_t const more = std::min( largestTotal, octets.size() );
+         candidate_.insert( candidate_.end(), octets.begin(), octets.begin() + std::ptrdiff_t( more ) );
+         octets = octets.subspan( more );
+         search( origin, sink );
+      } else {
+         deliver( octets, origin, sink );
+      }
    }
-   if ( octets.empty() ) return;
-   std::size_t const used = consume( octets, origin, sink );
-   held_.assign( octets.begin() + std::ptrdiff_t( used ), octets.end() );
 }
 
 void Framer::lose( std::uint64_t octets, Origin const & origin, PduSink & sink ) {
    abandonHeld( origin, sink );
-   searching_ = true;
    gap_.missing += octets;
 }
 
@@ -72,61 +68,66 @@ void Framer::finish( Origin const & origin, PduSink & sink ) {
    abandonHeld( origin, sink );
    gap_.atEnd = true;
    tellGap( origin, sink );
+}
+
+// Hands on the PDUs at the front of `octets`. Behind a length that cannot be, nobody can tell where the next
+// PDU begins: a better one may stand behind the first octet.
+void Framer::deliver( Octets & octets, Origin const & origin, PduSink & sink ) {
+   while ( Ldp::LdpPdu const pdu = stream_.next( octets ) ) {
+      sink.onPdu( origin, pdu );
+      if ( !stream_.broken() ) continue;
+      U8 const * const front = pdu.pkt()->front();
+      searchFrom( { front + 1, std::size_t( pdu.pkt()->frontBytes() ) - 1 } );
+      gap_.skipped += 1;
+      return;
+   }
+}
+
+// From now on the beginning of a PDU is not known; these octets may hold one.
+void Framer::searchFrom( Octets octets ) {
+   candidate_.assign( octets.begin(), octets.end() );
+   stream_.clear();
    searching_ = true;
 }
 
-// Delivers the PDUs that `run` holds whole, from its front, and returns how many octets need not be kept.
-std::size_t Framer::consume( Octets run, Origin const & origin, PduSink & sink ) {
+// Looks for PDUs in the octets at hand, until they are used up or nobody can tell yet.
+void Framer::search( Origin const & origin, PduSink & sink ) {
    std::size_t at = 0;
-   while ( at < run.size() ) {
-      Octets const rest = run.subspan( at );
-      if ( searching_ ) {
-         Credibility const found = judge( rest );
-         if ( found == Credibility::undecided ) break;
-         if ( found == Credibility::no ) {
-            auto const zero = std::find( rest.begin() + 1, rest.end(), std::uint8_t( 0 ) );
-            std::size_t const passed = std::size_t( zero - rest.begin() );
-            gap_.skipped += passed;
-            at += passed;
-            continue;
-         }
-         tellGap( origin, sink );
-         searching_ = false;
+   while ( searching_ && at < candidate_.size() ) {
+      Octets const rest = Octets( candidate_ ).subspan( at );
+      Credibility const found = judge( rest );
+      if ( found == Credibility::undecided ) break;
+      if ( found == Credibility::no ) {
+         auto const zero = std::find( rest.begin() + 1, rest.end(), std::uint8_t( 0 ) );
+         std::size_t const passed = std::size_t( zero - rest.begin() );
+         gap_.skipped += passed;
+         at += passed;
+         continue;
       }
-      if ( rest.size() < lengthFieldEnd ) break;
-      std::size_t const total = totalLength( rest );
-      if ( totalInBounds( total ) ) {
-         if ( rest.size() < total ) break;
-         sink.onPdu( origin, rest.first( total ) );
-         at += total;
+      tellGap( origin, sink );
+      searching_ = false;
+      std::vector< std::uint8_t > const known( rest.begin(), rest.end() );
+      Octets left = known;
+      deliver( left, origin, sink );
+      at = 0;
+      if ( searching_ ) {
+         candidate_.insert( candidate_.end(), left.begin(), left.end() );
       } else {
-         // Nobody can tell where such a PDU ends. Have it judged, and look for a better one behind its first
-         // octet.
-         if ( rest.size() < judgedAtLeast ) break;
-         sink.onPdu( origin, rest.first( judgedAtLeast ) );
-         searching_ = true;
-         gap_.skipped += 1;
-         at += 1;
+         candidate_.clear();
       }
    }
-   return at;
-}
-
-// How long `held_` must be for the PDU in hand to be delivered.
-std::size_t Framer::wanted() const {
-   if ( held_.size() < lengthFieldEnd ) return lengthFieldEnd;
-   std::size_t const total = totalLength( held_ );
-   return totalInBounds( total ) ? total : judgedAtLeast;
+   candidate_.erase( candidate_.begin(), candidate_.begin() + std::ptrdiff_t( at ) );
 }
 
 // Gives up the PDU in hand, which will not be completed. What only looked like the beginning of one may hide
 // others.
 void Framer::abandonHeld( Origin const & origin, PduSink & sink ) {
-   while ( !held_.empty() ) {
+   if ( !searching_ ) searchFrom( stream_.held() );
+   while ( !candidate_.empty() ) {
       gap_.skipped += 1;
-      searching_ = true;
-      std::size_t const used = 1 + consume( Octets( held_ ).subspan( 1 ), origin, sink );
-      held_.erase( held_.begin(), held_.begin() + std::ptrdiff_t( used ) );
+      candidate_.erase( candidate_.begin() );
+      search( origin, sink );
+      if ( !searching_ ) searchFrom( stream_.held() );
    }
 }
 

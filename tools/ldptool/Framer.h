@@ -1,9 +1,9 @@
 #pragma once
 
-// Cuts one direction of a TCP conversation into PDUs. PDUs that lie whole in the octets handed in are
-// delivered in place; what a segment leaves of a PDU is held until the rest arrives. Where the beginning of a
-// PDU is unknown (the capture began later than the conversation, octets are missing, a header makes no sense)
-// the framer looks for the next credible one and says how much it had to skip.
+// Cuts one direction of a TCP conversation into PDUs, as the library's stream does for an agent. An agent has
+// the conversation from its first octet, and ends it where a header makes no sense. A capture may begin
+// later, and octets may be missing: where the beginning of a PDU is unknown the framer looks for the next
+// credible one and says how much it had to skip.
 
 #include "PduSink.h"
 
@@ -28,13 +28,14 @@ class Framer {
    void finish( Origin const & origin, PduSink & sink );
 
  private:
-   std::size_t consume( Octets run, Origin const & origin, PduSink & sink );
-   std::size_t wanted() const;
+   void deliver( Octets & octets, Origin const & origin, PduSink & sink );
+   void searchFrom( Octets octets );
+   void search( Origin const & origin, PduSink & sink );
    void abandonHeld( Origin const & origin, PduSink & sink );
    void tellGap( Origin const & origin, PduSink & sink );
 
-   std::vector< std::uint8_t >
-        held_; ///< begins with a PDU header, or with what may become one while searching
+   AnyLengthStream stream_;
+   std::vector< std::uint8_t > candidate_; ///< what may become a PDU, while searching
    bool searching_;
    Gap gap_; ///< since the last PDU
 };

@@ -5,7 +5,7 @@
 namespace LdpTool {
 
 void FullReporter::onPdu( Pdu const & pdu ) {
-   out_ << originText( pdu.origin ) << ' ' << pdu.parser->header()->stringValue().view() << '\n';
+   out_ << originText( pdu.origin ) << ' ' << pdu.pdu.parser()->header()->stringValue().view() << '\n';
 }
 
 void FullReporter::onMessage( Message const & message ) {
@@ -14,7 +14,7 @@ void FullReporter::onMessage( Message const & message ) {
 }
 
 void FullReporter::onBadPdu( Pdu const & pdu ) {
-   ( out_ << originText( pdu.origin ) << ' ' ).escaped( pdu.parser->stringValue().view(), true ) << '\n';
+   ( out_ << originText( pdu.origin ) << ' ' ).escaped( badPduText( pdu ).view(), true ) << '\n';
 }
 
 void FullReporter::onFatalPdu( Pdu const & pdu, Ldp::LdpPduGuardResult const & fatal ) {

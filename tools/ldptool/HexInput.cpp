@@ -22,6 +22,7 @@ bool blank( char c ) { return c == ' ' || c == '\t' || c == '\r'; }
 void readHex( std::istream & input, std::string const & name, PduSink & sink ) {
    std::string line;
    std::vector< std::uint8_t > octets;
+   AnyLengthStream stream;
    for ( std::uint64_t number = 1; std::getline( input, line ); ++number ) {
       auto const fail = [&]( std::string const & why ) {
          throw InputError( name + ": line " + std::to_string( number ) + ": " + why );
@@ -44,7 +45,7 @@ void readHex( std::istream & input, std::string const & name, PduSink & sink ) {
       if ( octets.empty() ) continue;
       Origin origin;
       origin.arrival.frame = number;
-      sink.onPdu( origin, octets );
+      sink.onPdu( origin, stream.datagram( octets ) );
       sink.onIdle(); // whoever types the lines wants to see each answer
    }
    if ( input.bad() ) throw InputError( name + ": cannot be read" );

@@ -262,8 +262,8 @@ void addBody( Json & json, Message const & message ) {
 
 void JsonReporter::onPdu( Pdu const & pdu ) {
    Json shared = pduJson( pdu );
-   shared["pduStatus"] = nameOrNumber( pdu.parser->statusCode() );
-   shared["pduReason"] = latin1( pdu.parser->reason() );
+   shared["pduStatus"] = nameOrNumber( pdu.pdu.statusCode() );
+   shared["pduReason"] = latin1( pdu.pdu.reason() );
    pdu_ = textOf( shared );
    pdu_.back() = ','; // the message's own fields go on here
 }
@@ -288,10 +288,10 @@ void JsonReporter::onMessage( Message const & message ) {
 
 void JsonReporter::onBadPdu( Pdu const & pdu ) {
    Json json = pduJson( pdu );
-   json["pduStatus"] = nameOrNumber( pdu.parser->statusCode() );
-   json["pduReason"] = latin1( pdu.parser->reason() );
+   json["pduStatus"] = nameOrNumber( pdu.pdu.statusCode() );
+   json["pduReason"] = latin1( pdu.pdu.reason() );
    json["valid"] = false;
-   json["text"] = text( *pdu.parser );
+   json["text"] = latin1( badPduText( pdu ) );
    out_ << textOf( json ) << '\n';
 }
 

@@ -29,7 +29,7 @@ Output & operator<<( Output & out, Lumo::IpGenPrefix const & prefix ) {
 void LineReporter::onPdu( Pdu const & pdu ) {
    prefix_ = originText( pdu.origin );
    prefix_ += ' ';
-   prefix_ += pdu.parser->ldpIdentifier().stringValue().view();
+   prefix_ += pdu.pdu.ldpIdentifier().stringValue().view();
    prefix_ += ' ';
    heading_.clear();
 }
@@ -62,8 +62,8 @@ void LineReporter::onMessage( Message const & message ) {
 
 void LineReporter::onBadPdu( Pdu const & pdu ) {
    onPdu( pdu );
-   out_ << prefix_ << "BAD PDU " << pdu.parser->statusCode() << ": ";
-   out_.escaped( pdu.parser->reason().view() ) << '\n';
+   out_ << prefix_ << "BAD PDU " << pdu.pdu.statusCode() << ": ";
+   out_.escaped( pdu.pdu.reason().view() ) << '\n';
 }
 
 void LineReporter::onFatalPdu( Pdu const & pdu, LdpPduGuardResult const & fatal ) {

@@ -22,7 +22,7 @@ void Monitor::arrive( Origin const & origin ) {
 
 void Monitor::onPdu( Pdu const & pdu ) {
    arrive( pdu.origin );
-   sender_ = pdu.parser->ldpIdentifier();
+   sender_ = pdu.pdu.ldpIdentifier();
    if ( !flow_ || flow_->protocol != protocolTcp ) return;
    agents_.seen( addressOf( flow_->source, flow_->addressSize ), sender_ );
    receiverIs( agents_.at( addressOf( flow_->destination, flow_->addressSize ) ) );
@@ -30,8 +30,11 @@ void Monitor::onPdu( Pdu const & pdu ) {
 
 void Monitor::receiverIs( LdpIdentifier const & receiver ) {
    if ( !receiver || receiver == sender_ || ( received_ && received_->agent.id() == receiver ) ) return;
-   sent_ = &agents_.agentIs( sender_ ).sessionEnd( receiver );
-   received_ = &agents_.agentIs( receiver ).sessionEnd( sender_ );
+   Agent * const sender = agents_.agentIs( sender_ );
+   Agent * const heard = agents_.agentIs( receiver );
+   if ( !sender || !heard ) return;
+   sent_ = &sender->sessionEnd( receiver );
+   received_ = &heard->sessionEnd( sender_ );
    connectionIs( *sent_, *flow_, true, now_ );
    connectionIs( *received_, *flow_, false, now_ );
    sent_->statistics->ldpPduTxCountInc( 1 );
@@ -43,10 +46,12 @@ void Monitor::onMessage( Message const & message ) {
    LdpMsgParser const & parser = message.parser;
    if ( parser.type() != LdpHello ) {
       if ( flow_->protocol == protocolTcp ) onSessionMessage( message );
-   } else if ( parser.validMsg() ) {
-      discovery_.onHello( agents_.agentIs( sender_ ), *flow_, message.as< LdpHelloMsgParser >(), now_ );
-   } else {
-      discovery_.onBadHello( agents_.agentIs( sender_ ), *flow_ );
+   } else if ( Agent * const sender = agents_.agentIs( sender_ ) ) {
+      if ( parser.validMsg() ) {
+         discovery_.onHello( *sender, *flow_, message.as< LdpHelloMsgParser >(), now_ );
+      } else {
+         discovery_.onBadHello( *sender, *flow_ );
+      }
    }
 }
 
@@ -99,15 +104,19 @@ void Monitor::onClose( Origin const & origin ) {
    LdpIdentifier const a = agents_.at( addressOf( flow_->source, flow_->addressSize ) );
    LdpIdentifier const b = agents_.at( addressOf( flow_->destination, flow_->addressSize ) );
    if ( !a || !b || a == b ) return;
-   auto const close = [&]( SessionEnd & end, U16 localPort, U16 peerPort ) {
+   auto const close = [&]( LdpIdentifier const & own, LdpIdentifier const & peer, U16 localPort,
+                           U16 peerPort ) {
+      Agent * const agent = agents_.agentIs( own );
+      if ( !agent ) return;
+      SessionEnd & end = agent->sessionEnd( peer );
       SessionState const state = end.status->sessionState();
       bool const live = state == stateOpenSent || state == stateOpenRecv || state == stateOperational;
       if ( !live || end.status->localPort() != localPort || end.status->peerPort() != peerPort ) return;
       endSession( end, LdpSessionState( stateNonExist, tcpConnectionClosed ),
                   sessionStateStrForStatusCode( tcpConnectionClosed ), now_ );
    };
-   close( agents_.agentIs( a ).sessionEnd( b ), flow_->sourcePort, flow_->destinationPort );
-   close( agents_.agentIs( b ).sessionEnd( a ), flow_->destinationPort, flow_->sourcePort );
+   close( a, b, flow_->sourcePort, flow_->destinationPort );
+   close( b, a, flow_->destinationPort, flow_->sourcePort );
 }
 
 } // namespace LdpTool

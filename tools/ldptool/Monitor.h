@@ -22,6 +22,8 @@ class Monitor : public Reporter {
    Arrival const & arrival() const { return arrival_; }
    /// Its time, in seconds since the epoch.
    double now() const { return now_; }
+   /// How often something was not kept, because there are too many speakers or adjacencies.
+   std::uint64_t refused() const { return agents_.refused() + discovery_.refused(); }
 
  private:
    void arrive( Origin const & origin );

@@ -179,23 +179,19 @@ void apply( Exchange const & exchange, Fec const & senderFec, Fec const & receiv
 }
 
 std::vector< Fec > localFecs( SessionEnd & end ) {
-   std::vector< Fec > fecs;
-   if ( auto const session =
-             end.agent.status().p2mpFecSessionLocalStateColl()->p2mpFecSessionLocalStateColl( end.id ) ) {
-      for ( auto & state : session->p2mpFecSessionLocalStateColl() )
-         fecs.push_back( state.ldpP2mpFecSessionId().fwdEqvClass() );
-   }
-   return fecs;
+   auto const session =
+        end.agent.status().p2mpFecSessionLocalStateColl()->p2mpFecSessionLocalStateColl( end.id );
+   if ( !session ) return {};
+   return sorted( session->p2mpFecSessionLocalStateColl(),
+                  []( auto const & state ) { return state.ldpP2mpFecSessionId().fwdEqvClass(); } );
 }
 
 std::vector< Fec > remoteFecs( SessionEnd & end ) {
-   std::vector< Fec > fecs;
-   if ( auto const session =
-             end.agent.status().p2mpFecSessionRemoteStateColl()->p2mpFecSessionRemoteStateColl( end.id ) ) {
-      for ( auto & state : session->p2mpFecSessionRemoteStateColl() )
-         fecs.push_back( state.ldpP2mpFecSessionId().fwdEqvClass() );
-   }
-   return fecs;
+   auto const session =
+        end.agent.status().p2mpFecSessionRemoteStateColl()->p2mpFecSessionRemoteStateColl( end.id );
+   if ( !session ) return {};
+   return sorted( session->p2mpFecSessionRemoteStateColl(),
+                  []( auto const & state ) { return state.ldpP2mpFecSessionId().fwdEqvClass(); } );
 }
 
 } // namespace

@@ -4,6 +4,8 @@
 
 #include "Flow.h"
 
+#include "Ldp/LdpPduStream.h"
+
 #include <cstdint>
 #include <span>
 #include <stdexcept>
@@ -32,13 +34,19 @@ class InputError : public std::runtime_error {
    using std::runtime_error::runtime_error;
 };
 
+/// Takes every PDU that the library takes, whatever its speakers have negotiated: a capture need not show
+/// that.
+struct AnyLengthStream : Ldp::LdpPduStream {
+   AnyLengthStream() noexcept { maxPduLengthIs( Ldp::LdpProtoParam::ldpPktBufferSize() ); }
+};
+
 class PduSink {
  public:
    virtual ~PduSink() = default;
 
-   /// `octets` begin with a PDU and live until the call returns. They may hold more than the PDU: the rest of
-   /// its datagram or line. A PDU that was not there as a whole is delivered as far as it goes, to be judged.
-   virtual void onPdu( Origin const & origin, Octets octets ) = 0;
+   /// A PDU, good or bad. One that a datagram or a line does not hold as a whole was judged as far as it
+   /// goes.
+   virtual void onPdu( Origin const & origin, Ldp::LdpPdu const & pdu ) = 0;
 
    /// Before the next PDU of this flow some octets were passed over.
    virtual void onGap( Origin const & origin, Gap const & gap ) = 0;

@@ -56,9 +56,15 @@ struct FecEnd {
    template< class Labels >
    static std::vector< MplsLabel > named( Labels const & labels, AnyLabel label ) {
       std::vector< MplsLabel > found;
-      for ( auto const & node : labels )
-         if ( names( label, node.key() ) ) found.push_back( node.key() );
+      for ( MplsLabel each : sortedKeys( labels ) )
+         if ( names( label, each ) ) found.push_back( each );
       return found;
+   }
+   /// A FEC has one label, or two while one takes the other's place. Each change goes through all of them, so
+   /// a peer that never stops is not followed.
+   bool hasTooManyLabels() const {
+      constexpr U32 most = 1024;
+      return state && state->localLabelStates() >= most;
    }
    bool anyLocal( LdpLocalLabelState which ) const {
       for ( auto const & node : state->localLabelStateColl() )
@@ -177,9 +183,8 @@ void FecEnd::localLabelGone( MplsLabel label ) {
       users->fecDel( fec );
       if ( users->fecs() == 0 ) model.index()->labelToFecDel( label );
    }
-   auto const & left = config().mplsLabelSet()->mplsLabelColl();
-   rebind( *model.localLabelBindingTable(), label,
-           left.members() == 0 ? AnyLabel() : AnyLabel( ( *left.begin() ).key() ) );
+   auto const left = sortedKeys( config().mplsLabelSet()->mplsLabelColl() );
+   rebind( *model.localLabelBindingTable(), label, left.empty() ? AnyLabel() : AnyLabel( left.front() ) );
 }
 
 void FecEnd::peerLabelGone( MplsLabel label ) {
@@ -191,7 +196,7 @@ void FecEnd::peerLabelGone( MplsLabel label ) {
    }
    AnyLabel left;
    for ( auto const & node : state->peerLabelStateColl() )
-      if ( node.value() == mappingRcvd ) left = node.key();
+      if ( node.value() == mappingRcvd && ( !left || node.key() < *left ) ) left = node.key();
    auto const bindings = model.peerLabelBindingTableColl()->labelBindingTable( routerOf( end.peer() ) );
    if ( bindings ) rebind( *bindings, label, left );
 }
@@ -286,15 +291,12 @@ void onRelease( Exchange const & exchange, FecEnd & sender, FecEnd & receiver, A
    }
 }
 
-// The FECs of the session at that end; a list, since the walk over them deletes.
+// The FECs of the session at that end.
 std::vector< Fec > fecsOf( SessionEnd & end ) {
-   std::vector< Fec > fecs;
    auto const view = end.agent.status().ldpFecSessionStatusColl()->fecSessionStatusBySessionColl( end.id );
-   if ( !view ) return fecs;
-   fecs.reserve( view->fecSessionStatuss() );
-   for ( auto const & node : view->fecSessionStatusColl() )
-      fecs.push_back( node.key().fwdEqvClass() );
-   return fecs;
+   if ( !view ) return {};
+   return sorted( view->fecSessionStatusColl(),
+                  []( auto const & node ) { return node.key().fwdEqvClass(); } );
 }
 
 } // namespace
@@ -304,7 +306,9 @@ void onMessage( Exchange const & exchange, Fec const & fec, AnyLabel label ) {
    FecEnd receiver( exchange.receiver, fec );
    LdpMsgType const type = exchange.message.type();
    switch ( type ) {
-   case LdpLabelMapping: onMapping( exchange, sender, receiver, *label ); break;
+   case LdpLabelMapping:
+      if ( !sender.hasTooManyLabels() ) onMapping( exchange, sender, receiver, *label );
+      break;
    case LdpLabelRequest: onRequest( exchange, sender, receiver ); break;
    case LdpLabelWithdraw: onWithdraw( exchange, sender, receiver, label ); break;
    case LdpLabelRelease: onRelease( exchange, sender, receiver, label ); break;

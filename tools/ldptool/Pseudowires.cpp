@@ -47,7 +47,7 @@ Key keyOf( SessionEnd const & end, Pseudowire::PseudowireId pwId ) {
 }
 
 /// What has come of the request, once both directions are signalled: the status TLV only if both send it, a
-/// control word only if both want one (RFC 8077, 5.4.3 and 6.2).
+/// control word only if both want one (RFC 8077, 6.3.3 and 7.2).
 void negotiate( SessionEnd & end, Key const & key ) {
    auto const all = end.agent.status().index()->pwKeyToPwFecSessionInfo( key );
    if ( !all || all->localConfigs() == 0 || all->remoteConfigs() == 0 ) return;
@@ -100,6 +100,7 @@ std::vector< Id > named( SessionEnd & end, PwFwdEqvClassInfo const & fec ) {
            config.fecParams().groupId() == fec.groupId() )
          ids.push_back( id );
    }
+   std::sort( ids.begin(), ids.end() );
    return ids;
 }
 
@@ -108,6 +109,7 @@ std::vector< Id > allOf( SessionEnd & end ) {
    std::vector< Id > ids;
    for ( auto & config : Direction::configs( end.agent.status() )->fecSessionConfigColl() )
       if ( config.pwFecSessionId().ldpSessionId() == end.id ) ids.push_back( config.pwFecSessionId() );
+   std::sort( ids.begin(), ids.end() );
    return ids;
 }
 
@@ -171,7 +173,8 @@ void onMapping( Exchange const & exchange, PwFwdEqvClassInfo const & fec, MplsLa
 
    auto const remote = mapped< Remote >( exchange.receiver, fec, label, tlv );
    remote->fecSessionStateIs( pwFecSessionActive );
-   remote->mplsLabelSet()->mplsLabelDelAll();
+   for ( MplsLabel each : sortedKeys( remote->mplsLabelSet()->mplsLabelColl() ) )
+      remote->mplsLabelSet()->mplsLabelDel( each );
    remote->mplsLabelSet()->mplsLabelIs( label, true );
    remote->peerPwStatusMethodIs( tlv ? pwStatusMethodTlv : pwStatusMethodWithdraw );
    remote->pwStatusFlagsIs( tlv ? tlv->pwStatusField().flags() : Pseudowire::PseudowireLdpStatusFlags() );

@@ -35,8 +35,8 @@ struct Message {
 /// A PDU, or what stands where one should be.
 struct Pdu {
    Origin const & origin;
+   Ldp::LdpPdu const & pdu;
    Octets octets;
-   Ldp::LdpPduParser const * parser; ///< null when the guard refuses the PDU
 };
 
 class Reporter {

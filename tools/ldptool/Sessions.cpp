@@ -208,7 +208,8 @@ void onSignOfLife( Exchange const & exchange ) {
 void endSession( SessionEnd & end, LdpSessionState const & state, Vorn::String const & reason, double now ) {
    stateIs( end, state, reason, now );
    LdpSessionStatus & session = *end.status;
-   session.peerIntfIpDelAll();
+   for ( Addr const & address : sortedKeys( session.peerIntfIpColl() ) )
+      session.peerIntfIpDel( address );
    session.sessionUptimeIs( 0.0 );
    session.sessionOpStateIs( opStateUnknown );
    PrefixLabels::forget( end );

@@ -31,7 +31,7 @@ std::string padRight( std::string text, int width ) {
 
 void StatsReporter::onPdu( Pdu const & pdu ) {
    ++pdus_;
-   Ldp::LdpIdentifier const identifier = pdu.parser->ldpIdentifier();
+   Ldp::LdpIdentifier const identifier = pdu.pdu.ldpIdentifier();
    auto place = peers_.find( identifier );
    if ( place == peers_.end() && peers_.size() < mostPeers ) place = peers_.try_emplace( identifier ).first;
    peer_ = place == peers_.end() ? &otherPeers_ : &place->second;
@@ -48,7 +48,7 @@ void StatsReporter::onMessage( Message const & message ) {
 
 void StatsReporter::onBadPdu( Pdu const & pdu ) {
    ++badPdus_;
-   bad( valueToStrep( pdu.parser->statusCode() ).view(), pdu.parser->reason().view() );
+   bad( valueToStrep( pdu.pdu.statusCode() ).view(), pdu.pdu.reason().view() );
 }
 
 void StatsReporter::onFatalPdu( Pdu const &, Ldp::LdpPduGuardResult const & fatal ) {

@@ -53,8 +53,8 @@ class WatchSink : public Decoder {
    WatchSink( Monitor & monitor, Output & out, Replica * replica )
         : Decoder( monitor, Selection(), out ), replica_( replica ) {}
 
-   void onPdu( Origin const & origin, Octets octets ) override {
-      Decoder::onPdu( origin, octets );
+   void onPdu( Origin const & origin, Ldp::LdpPdu const & pdu ) override {
+      Decoder::onPdu( origin, pdu );
       if ( replica_ ) replica_->flush();
    }
 
@@ -116,6 +116,11 @@ int watch( WatchOptions const & options ) {
          failure = error.what();
       }
       watcher.reset();
+      if ( monitor.refused() ) {
+         std::cerr << "ldptool: more than " << Agents::mostAgents << " speakers, or "
+                   << Discovery::mostOfSpeaker << " adjacencies of one, or " << Discovery::mostInAll
+                   << " of all: " << monitor.refused() << " times something was not kept\n";
+      }
       printViews( out, *network, options, monitor.now() );
       int result = exitGood;
       if ( replica ) {

@@ -15,6 +15,8 @@ std::string addressText( Flow const & flow, std::array< std::uint8_t, 16 > const
    return flow.addressSize == Lumo::IpAddr::size ? text( Lumo::IpAddr() ) : text( Lumo::Ip6Addr() );
 }
 
+Vorn::String badPduText( Pdu const & pdu ) { return "Error LDP PDU: " + pdu.pdu.reason(); }
+
 char const * fatalName( Ldp::LdpPduGuardResult const & fatal ) {
    switch ( fatal.input ) {
    case Ldp::LdpPduGuardResult::wrappedUnit: return "wrappedUnit";

@@ -4,7 +4,7 @@
 
 #include "Ldp/LdpUtils.h"
 #include "Output.h"
-#include "PduSink.h"
+#include "Reporter.h"
 
 #include <string>
 
@@ -25,6 +25,9 @@ requires std::is_enum_v< Enum > Output & operator<<( Output & out, Enum value ) 
 
 /// Text of one of a flow's addresses.
 std::string addressText( Flow const & flow, std::array< std::uint8_t, 16 > const & address );
+
+/// Text of a PDU that is refused, as its parser words it.
+Vorn::String badPduText( Pdu const & pdu );
 
 /// What the guard refused a PDU for.
 char const * fatalName( Ldp::LdpPduGuardResult const & fatal );
