@@ -132,19 +132,6 @@ Ptr< Entity > Entity::entity( String const & childName ) const {
    return found;
 }
 
-bool hasAttrLogInterface( VornType const & type ) {
-   for ( VornAttr const * attr = type.attributes; attr && attr->name; ++attr ) {
-      if ( attr->logged() ) return true;
-   }
-   // An entity without logged attributes can still be a member that the log carries.
-   for ( VornType const * owner : typeNodes() ) {
-      for ( VornAttr const * attr = owner->attributes; attr && attr->name; ++attr ) {
-         if ( attr->logged() && attr->instantiating() && attr->type == &type ) return true;
-      }
-   }
-   return false;
-}
-
 void childrenDel( Entity & entity, VornType const & type ) {
    void * const object = static_cast< PtrInterface * >( &entity );
    for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
