@@ -45,7 +45,7 @@ class Schedule {
          carry( pair, below( 2 ) ? below( 20 ) : below( 2 * capacity ) );
          look( pair );
       }
-      passing = nullptr;
+      pair.source.out->rootDel( *passing );
       if ( last ) {
          finish( pair );
       } else {
@@ -62,7 +62,10 @@ class Schedule {
       case 0: passing->vornNboAttrLogSaIs( StreamAdapter::remoteReadOnly, 0, pair.source.out ); break;
       case 1: passing->twigIs( below( 30 ), Vorn::String( "oak" ), U16( below( 9 ) ) ); break;
       case 2: passing->eventEnq( "event" ); break;
-      case 3: passing = branchFactory( Vorn::Name( "passing" ) ); break;
+      case 3:
+         pair.source.out->rootDel( *passing );
+         passing = branchFactory( Vorn::Name( "passing" ) );
+         break;
       }
    }
 

@@ -30,6 +30,15 @@ using namespace Test;
 using Vorn::AttrLogRecordException;
 using Vorn::Name;
 using Vorn::String;
+
+Octets group( U32 entity, U32 id, Octets const & entries ) {
+   return record( 0, entity, id, Octets{ 0, 4, 0, U8( entries.size() + 4 ) } + entries );
+}
+Octets twigAs( U32 key, U32 entity ) {
+   return number( 0x103 ) + number( key ) + counted( "oak" ) + Octets{ 0, 9 } + number( 3 ) + number( entity );
+}
+Octets const score = number( 0x104 ) + counted( "score" ) + number( 0x3ff00000 ) + number( 0 );
+
 TEST( NboAttrLogRefusal, aStreamThatLiesIsRefusedWholeAndWhatStoodBeforeItStays ) {
    struct Row {
       char const * name;
@@ -79,13 +88,32 @@ TEST( NboAttrLogRefusal, aStreamThatLiesIsRefusedWholeAndWhatStoodBeforeItStays 
       { "marker of a queue without its indices", record( 1, 2, 0x107, Octets{ 0 } + number( 0 ) ) },
       { "group with bounds beyond its end", record( 0, 1, 0x90, { 0, 4, 0, 99 } ) },
       { "group with bounds the wrong way round", record( 0, 1, 0x90, { 0, 4, 0, 3 } ) },
-      { "group whose second entry is bad",
-        record( 0, 1, 0x90,
-                Octets{ 0, 4, 0, 14 } + number( 0x105 ) + Octets{ 8 } + number( 0x104 ) + Octets{ 5 } ) },
-      { "group with half a member", record( 0, 1, 0x90, Octets{ 0, 4, 0, 8 } + number( 0x108 ) ) },
-      { "group with a child", record( 0, 1, 0x90, Octets{ 0, 4, 0, 8 } + number( 0x106 ) ) },
-      { "group with the deletion of a scalar",
-        record( 0, 1, 0x90, Octets{ 0, 4, 0, 8 } + number( 0u - 0x105 ) ) },
+      { "group that goes on behind its end", record( 0, 1, 0x90, { 0, 4, 0, 4, 0 } ) },
+      { "group whose second entry is bad", group( 2, 0x90, score + number( 0x106 ) + number( 1 ) + Octets{ 5 } ) },
+      { "group with half a member", group( 1, 0x90, number( 0x108 ) ) },
+      { "group with a child", group( 1, 0x90, number( 0x106 ) ) },
+      { "group with a scalar", group( 1, 0x90, number( 0x105 ) + Octets{ 8 } ) },
+      { "group with the deletion of a scalar", group( 1, 0x90, number( 0u - 0x105 ) ) },
+      { "group with a member of a number that was given", group( 2, 0x90, score + twigAs( 5, 2 ) ) },
+      { "group with a member of a number of ours", group( 2, 0x90, score + twigAs( 5, 0x80000003 ) ) },
+      { "group with a number twice", group( 2, 0x90, twigAs( 5, 3 ) + twigAs( 6, 3 ) ) },
+      { "group with a reference to nobody",
+        group( 2, 0x90, score + number( 0x108 ) + counted( "b" ) + number( 77 ) ) },
+      { "group with a reference to another type",
+        group( 2, 0x90, score + number( 0x108 ) + counted( "b" ) + number( 1 ) ) },
+      { "group that introduces", record( 3, 2, 0x90, { 0, 4, 0, 4 } ) },
+      { "member that is not introduced", record( 0, 1, 0x108, counted( "b" ) + number( 2 ) + number( 3 ) ) },
+      { "child that is not introduced", record( 0, 1, 0x106, counted( "b" ) + number( 2 ) + number( 3 ) ) },
+      { "scalar that introduces", record( 3, 1, 0x105, { 8 } ) },
+      { "value that introduces", record( 3, 2, 0x105, number( 0 ) + number( 1 ) ) },
+      { "deletion that introduces", record( 3, 1, 0u - 0x108, counted( "branch" ) ) },
+      { "orphan that is not introduced", record( 0, 0, 0x88, {} ) },
+      { "withdrawal that introduces", record( 3, 1, 0u - 0x88, {} ) },
+      { "withdrawal that is a marker", record( 1, 1, 0u - 0x88, {} ) },
+      { "marker whose word is not zero", record( 1, 1, 0x108, Octets{ 0 } + number( 7 ) ) },
+      { "type of an entity", record( 2, 1, 4, text( "Test::Leaf" ) ) },
+      { "type that has a number", record( 2, 0, 4, text( "Test::Tree" ) ) },
+      { "type without an adapter", record( 2, 0, 4, text( "Ldp::PwFecSessionConfig" ) ) },
       { "withdrawal of a member", record( 0, 2, 0u - 0x88, {} ) },
       { "withdrawal with a value", record( 0, 1, 0u - 0x88, { 0 } ) },
       { "no token in front", number( 12 ) + Octets{ 0 } + number( 1 ) + number( 0x105 ) + Octets{ 1, 8, 2 } },
