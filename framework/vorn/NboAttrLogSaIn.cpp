@@ -215,6 +215,9 @@ void Sa::valueFromLog( VornAttr const & attr, In & in, GroupState * group ) {
    bool const isReference = attr.kind() == VornKind::reference || attr.kind() == VornKind::referenceColl;
    bool leads = true;
    if ( isReference ) {
+      U8 const * const place = in.place();
+      if ( !in.nextU32() && at ) refuse( "a collection of references holds none to nobody" );
+      in.placeIs( place );
       auto const entity = in.nextEntity();
       leads = bool( entity );
       if ( leads && !entity->fwkType()->isDerived( attr.type ) ) {

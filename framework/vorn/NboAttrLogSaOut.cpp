@@ -145,26 +145,27 @@ void Sa::doThrowReadOnly( VornAttr const & x ) const {
 // Introduction.
 
 bool Sa::doSerializeOrphan() {
-   auto & state = out_->state();
-   bool introduced = false;
-   if ( maySend() ) {
+   status_.bitsIs( orphanPending, true );
+   reschedule();
+   if ( !maySend() ) return false;
+   U32 const id = out_->state().lastEntityId + 1;
+   {
       NboAttrLog::FlagAnchor const anchor( status_, orphanRecord );
       U32 const type = typeNumber( this->type() );
-      U32 const id = state.lastEntityId + 1;
-      introduced = type && introduce( *this, id, [&] {
-                      return send( NboAttrLog::introducingRecord, NboAttrLog::orphanId, [&] {
-                         out_->putU8( Out::typeSection );
-                         out_->putU32( type );
-                         out_->putU8( Out::argumentSection );
-                         writeArguments( *out_, *entity_ );
-                         out_->putU8( Out::entityIdSection );
-                         out_->putU32( id );
-                      } );
-                   } ) == Sent::yes;
+      if ( !type ) return false;
+      Sent const sent = introduce( *this, id, [&] {
+         return send( NboAttrLog::introducingRecord, NboAttrLog::orphanId, [&] {
+            out_->putU8( Out::typeSection );
+            out_->putU32( type );
+            out_->putU8( Out::argumentSection );
+            writeArguments( *out_, *entity_ );
+            out_->putU8( Out::entityIdSection );
+            out_->putU32( id );
+         } );
+      } );
+      if ( sent != Sent::yes ) return false;
    }
-   status_.bitsIs( orphanPending, !introduced );
-   reschedule();
-   if ( !introduced ) return false;
+   status_.bitsIs( orphanPending, false );
    doThis();
    return true;
 }
@@ -183,19 +184,22 @@ Sent Sa::introduce( VornNboAttrLogSa & adapter, U32 id, Write const & write ) {
       state.byId.del( id );
       throw;
    }
-   if ( sent == Sent::yes ) {
-      state.lastEntityId = id;
-      adapter.entityIdIs( id, false );
-      state.references.targetIs( adapter.entity() );
-   } else {
+   if ( sent != Sent::yes ) {
       state.byId.del( id );
+      return sent;
    }
+   state.lastEntityId = id;
+   adapter.entityIdIs( id, false );
+   state.references.targetIs( adapter.entity() );
    return sent;
 }
 
 /// Sends all that the entity has, to a reader that may have an older copy of it.
 void Sa::doThis() {
-   if ( status_.any( suppressed ) ) return;
+   if ( status_.any( suppressed ) ) {
+      reschedule();
+      return;
+   }
    freeResyncState( flowOut_ ); // a walk under way begins anew
    for ( VornAttr const * attr = type().attributes; attr->name; ++attr ) {
       if ( !attr->logged() ) continue;

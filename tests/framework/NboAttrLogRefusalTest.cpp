@@ -3,8 +3,10 @@
 #include "framework/LogKinds.h"
 #include "framework/LogOctets.h"
 #include "framework/LogPair.h"
+#include "framework/LogWorld.h"
 
 #include "Ldp/LdpAdj.h"
+#include "Ldp/LdpPeer.h"
 
 #include <cstdlib>
 #include <new>
@@ -12,12 +14,14 @@
 namespace {
 
 std::size_t allocations = 0;
+std::size_t failing = 0; // that many allocations from now on one fails; 0: none
 
 } // namespace
 
 // Every allocation of the process is counted.
 [[gnu::noinline]] void * operator new( std::size_t size ) {
    ++allocations;
+   if ( failing && --failing == 0 ) throw std::bad_alloc();
    if ( void * const block = std::malloc( size ? size : 1 ) ) return block;
    throw std::bad_alloc();
 }
@@ -78,6 +82,7 @@ TEST( NboAttrLogRefusal, aStreamThatLiesIsRefusedWholeAndWhatStoodBeforeItStays 
       { "member with a piece missing",
         record( 3, 2, 0x103, number( 5 ) + counted( "oak" ) + number( 3 ) + number( 3 ) ) },
       { "reference to an unknown entity", record( 0, 2, 0x108, counted( "b" ) + number( 77 ) ) },
+      { "reference to nobody in a collection", record( 0, 2, 0x108, counted( "b" ) + number( 0 ) ) },
       { "reference to an entity of another type", record( 0, 2, 0x108, counted( "b" ) + number( 1 ) ) },
       { "orphan without its sections", record( 3, 0, 0x88, number( 1 ) + counted( "t" ) + number( 3 ) ) },
       { "orphan with a number that was given",
@@ -235,11 +240,97 @@ TEST( NboAttrLogRefusal, aRecordThatNoReaderTakesEndsTheLog ) {
    auto const tree = treeFactory( Name( "tree" ) );
    tree->vornNboAttrLogSaIs( 0, 0, pair.source.out );
    pair.flush();
-   tree->kindIs( String( std::string( Out::maxRecordBytes, 'x' ) ) );
+   std::size_t const longest = Out::maxRecordBytes - 11 - 4; // head and tokens, the text's length
+   tree->kindIs( String( std::string( longest, 'x' ) ) );
+   pair.flush();
+   EXPECT_EQ( tree->kind(), static_cast< Tree & >( *pair.root() ).kind() );
+   tree->kindIs( String( std::string( longest + 1, 'x' ) ) );
    EXPECT_FALSE( pair.source.out->failure().empty() );
    EXPECT_EQ( 0u, pair.source.out->bytes() );
    tree->ageIs( 9 );
    EXPECT_EQ( 0u, pair.source.out->bytes() );
+}
+
+TEST( NboAttrLogRefusal, keysOfOneHashAreRefusedBeforeTheyEndTheProcess ) {
+   LogEnd end( StreamAdapter::readOnly );
+   auto const target = []( U32 last ) {
+      return number( 1 ) + Octets{ 0, 0 } + counted( "" ) + number( last ) + Octets{ 1 };
+   };
+   U32 const most = 16383;
+   Octets all = header + record( 2, 0, 1, text( "Ldp::LdpPeerConfig" ) ) +
+                record( 3, 0, 0x88,
+                        Octets{ 0 } + number( 1 ) + Octets{ 2 } + number( 1 ) + Octets{ 0, 0, 3 } + number( 1 ) );
+   for ( U32 i = most; i--; ) {
+      Octets const one = record( 0, 1, 0x103, target( i ) );
+      all.insert( all.end(), one.begin(), one.end() );
+   }
+   end.demuxer->bytesIs( all.data(), all.size() );
+   auto const & peer = static_cast< Ldp::LdpPeerConfig & >( *end.demuxer->roots().at( 0 ) );
+   EXPECT_EQ( most, peer.ldpAdjs() );
+   Octets const known = record( 0, 1, 0x103, target( 7 ) );
+   EXPECT_NO_THROW( end.demuxer->bytesIs( known.data(), known.size() ) );
+   Octets const further = record( 0, 1, 0x103, target( most ) );
+   EXPECT_THROW( end.demuxer->bytesIs( further.data(), further.size() ), AttrLogRecordException );
+   EXPECT_EQ( most, peer.ldpAdjs() );
+}
+
+TEST( NboAttrLogRefusal, memoryThatRunsOutIsReportedAndLosesNothing ) {
+   U32 reports = 0;
+   U32 refusals = 0;
+   for ( U64 seed = 0; seed < 40; ++seed ) {
+      SCOPED_TRACE( seed );
+      std::mt19937_64 random( seed );
+      LogWorld world( random, 20 );
+      world.steps( 200 );
+      auto pair = std::make_unique< LogPair >( 64u << random() % 8 );
+      // One allocation fails. What was asked for may not have happened, but the log does not forget it.
+      auto const run = [&]( auto const & call ) {
+         failing = 1 + random() % 30;
+         try {
+            call();
+         } catch ( std::bad_alloc const & ) {
+            ++reports;
+         }
+         failing = 0;
+         while ( auto const raised = pair->source.out->takeException() ) {
+            EXPECT_THROW( std::rethrow_exception( raised ), std::bad_alloc );
+            ++reports;
+         }
+      };
+      run( [&] { world.attach( pair->source.out ); } );
+      world.attach( pair->source.out );
+      for ( U32 i = 0; i < 100; ++i ) {
+         run( [&] { world.step(); } );
+         run( [&] { pair->source.out->bytes(); } );
+         if ( i % 4 ) continue;
+         auto const octets = pair->take();
+         try {
+            if ( i % 32 == 0 ) failing = 1 + random() % 30;
+            pair->copy.demuxer->bytesIs( octets.data(), octets.size() );
+         } catch ( std::bad_alloc const & ) {
+            failing = 0;
+            ++refusals;
+            EXPECT_THROW( pair->copy.demuxer->bytesIs( "x", 1 ), AttrLogRecordException );
+            auto next = std::make_unique< LogPair >( 200 );
+            for ( auto const & copy : pair->copy.demuxer->roots() ) {
+               next->copy.demuxer->rootIs( copy );
+            }
+            pair = std::move( next );
+            world.attach( pair->source.out );
+         }
+         failing = 0;
+      }
+      pair->flush();
+      auto const & roots = pair->copy.demuxer->roots();
+      ASSERT_EQ( world.roots().size(), roots.size() );
+      for ( auto const & root : roots ) {
+         for ( auto const & original : world.roots() ) {
+            if ( original->fwkType() == root->fwkType() ) EXPECT_EQ( logged( *original ), logged( *root ) );
+         }
+      }
+   }
+   EXPECT_LT( 0u, reports );
+   EXPECT_LT( 0u, refusals );
 }
 
 TEST( NboAttrLogRefusal, aScalarChangeWithRoomAllocatesNothing ) {

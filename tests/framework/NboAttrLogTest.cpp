@@ -163,6 +163,48 @@ TEST( NboAttrLog, aReferenceLeadsToTheCopyOfItsTargetWhileThatIsOnTheLog ) {
    EXPECT_NE( nullptr, branch->beside( "to the twig" ).ptr() );
 }
 
+TEST( NboAttrLog, whatWaitedInAQueueComesInItsOrderWithItsIndices ) {
+   for ( U32 const start : { 0u, 0xfffffff0u } ) {
+      auto const branch = branchFactory( Name( "branch" ) );
+      for ( U32 i = 0; i < 3; ++i ) {
+         branch->eventIs( start + i, "before" );
+      }
+      LogPair pair( 64 );
+      branch->vornNboAttrLogSaIs( 0, 0, pair.source.out );
+      pair.flush();
+      Branch & copy = static_cast< Branch & >( *pair.root() );
+      struct Watch : Branch::NotifieeConst {
+         explicit Watch( Branch & branch ) {
+            isRegisteredNotifieeIs( true );
+            notifierIs( Ptr< Vorn::PtrInterface const >( &branch ) );
+            isWeakReferenceIs( true );
+            hasNotificationActiveIs( true );
+         }
+         void onEvent( U32 index ) override {
+            auto const & queue = static_cast< Branch const & >( *notifier() ).eventColl();
+            if ( queue[index] ) told.push_back( index );
+         }
+         std::vector< U32 > told;
+      };
+      auto const watch = Vorn::newObject< Watch >( copy );
+      for ( U32 i = 0; i < 40; ++i ) {
+         branch->eventEnq( "waiting" );
+         if ( i % 3 == 0 ) branch->eventDeq();
+      }
+      branch->eventDel( start + 42 ); // the last: the copy never hears of it as an element
+      pair.flush();
+      EXPECT_EQ( logged( *branch ), logged( copy ) );
+      EXPECT_EQ( branch->eventColl().firstIndex(), copy.eventColl().firstIndex() );
+      EXPECT_EQ( branch->eventColl().nextIndex(), copy.eventColl().nextIndex() );
+      for ( std::size_t i = 1; i < watch->told.size(); ++i ) {
+         EXPECT_LT( watch->told[i - 1] - start, watch->told[i] - start );
+      }
+      branch->eventDelAll();
+      pair.flush();
+      EXPECT_EQ( branch->eventColl().firstIndex(), copy.eventColl().firstIndex() ) << "an empty queue too";
+   }
+}
+
 TEST( NboAttrLog, aMemberThatWasTakenOutIsSilent ) {
    Adjacencies pair;
    pair.coll->adjStatusDel( pair.member->ldpAdjId() );
@@ -200,6 +242,11 @@ TEST( NboAttrLog, whatTheHostHoldsBackWaits ) {
    pair.coll->adjStatusIs( adjId( 3 ) );
    pair.coll->adjStatusDel( adjId( 3 ) );
    EXPECT_TRUE( pair.take().empty() );
+   auto & waiting = *pair.source.out->adapter( *pair.coll );
+   EXPECT_TRUE( waiting.flags().any( StreamAdapter::flowOutPresent ) );
+   EXPECT_EQ( waiting.vornRawFlowOut(), waiting.flowOut() );
+   EXPECT_TRUE( waiting.flowOut()->hasDirtyCollKeys() );
+   EXPECT_FALSE( waiting.flowOut()->hasDirtyAttributes() );
    pair.coll->vornNboAttrLogSaIs( 0, 0, pair.source.out );
    auto const sent = records( pair.take() );
    // One record for the ten changes; of the keys an introduction with six scalars, and a deletion.
