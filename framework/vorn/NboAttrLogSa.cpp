@@ -110,7 +110,8 @@ void Sa::reschedule() {
    bool const waits = flowOut_.any();
    status_.bitsIs( flowOutPresent, waits );
    bool const queued = ( waits || status_.any( orphanPending ) ) && maySend();
-   queueIs( !queued ? 0 : status_.any( awaits ) ? awaitingQueued : pendingQueued );
+   U32 const queue = status_.any( awaits ) ? awaitingQueued : pendingQueued;
+   queueIs( queued ? queue : 0 );
 }
 
 void Sa::queueIs( U32 queue ) {

@@ -114,6 +114,25 @@ struct Thing {
       bool marked = false;
    };
    std::map< std::uint32_t, std::map< std::string, Slot > > slots; // by attribute and key; a child has key ""
+   struct Indices {
+      std::uint32_t head = 0;
+      std::uint32_t next = 0;
+   };
+   std::map< std::uint32_t, Indices > queues; // by attribute
+
+   /// An index was given.
+   void indexIs( std::uint32_t attribute, std::string const & key ) {
+      auto & next = queues[attribute].next;
+      next = std::max( next, std::uint32_t( std::stoul( key ) + 1 ) );
+      headIs( attribute );
+   }
+   /// The head is the first element, or the next where there is none.
+   void headIs( std::uint32_t attribute ) {
+      queues[attribute].head = queues[attribute].next;
+      for ( auto const & [key, slot] : slots[attribute] ) {
+         queues[attribute].head = std::min( queues[attribute].head, std::uint32_t( std::stoul( key ) ) );
+      }
+   }
 };
 
 class Reader {
@@ -162,7 +181,9 @@ class Reader {
             marker( v, thing, attribute );
          } else if ( attribute & 0x80000000 ) {
             Attribute const & a = declared( thing, 0 - attribute );
-            thing.slots[0 - attribute].erase( a.kind == child ? "" : value( v, a.key ) );
+            std::string const key = a.kind == child ? "" : value( v, a.key );
+            thing.slots[0 - attribute].erase( key );
+            if ( a.kind == queue ) thing.indexIs( 0 - attribute, key );
          } else {
             set_( v, thing, attribute );
          }
@@ -208,7 +229,7 @@ class Reader {
       case reference: slot.entity = std::uint32_t( v.number( 4 ) ); break;
       case child:
       case entityColl: {
-         Thing member{ a.entity, arguments( v, a.entity ), {}, {} };
+         Thing member{ a.entity, arguments( v, a.entity ), {}, {}, {} };
          if ( types_.at( std::size_t( v.number( 4 ) - 1 ) ) != a.entity ) throw std::runtime_error( "type" );
          slot.entity = std::uint32_t( v.number( 4 ) );
          if ( a.kind == entityColl ) key = member.arguments[schemas.at( a.entity ).arguments[0].first];
@@ -222,17 +243,23 @@ class Reader {
       default: key = value( v, a.key ); slot.text = value( v, a.type );
       }
       thing.slots[id][key] = slot;
+      if ( a.kind == queue ) thing.indexIs( id, key );
    }
 
    void marker( Cursor & v, Thing & thing, std::uint32_t id ) {
       auto const type = v.number( 1 );
       if ( v.number( 4 ) ) throw std::runtime_error( "not zero" );
-      if ( declared( thing, id ).kind == queue && type == 0 ) v.take( 8 );
+      bool const isQueue = declared( thing, id ).kind == queue;
+      if ( isQueue && type == 0 ) {
+         v.number( 4 ); // follows from the elements, and from the next where there is none
+         thing.queues[id].next = std::uint32_t( v.number( 4 ) );
+      }
       for ( auto & [key, slot] : thing.slots[id] ) {
          if ( type == 0 ) slot.marked = true;
       }
       if ( type == 2 )
          std::erase_if( thing.slots[id], []( auto const & slot ) { return slot.second.marked; } );
+      if ( isQueue ) thing.headIs( id );
    }
 
    void path( std::uint32_t id, std::string const & at ) {
@@ -277,6 +304,8 @@ class Reader {
          }
          if ( !keyed && members.empty() ) members.push_back( "null" );
          if ( attribute.kind == queue ) {
+            auto const indices = thing.queues.at( a );
+            all += "from " + std::to_string( indices.head ) + " to " + std::to_string( indices.next );
             // In order of the index, which the text of a number is not.
             std::sort( members.begin(), members.end(),
                        []( auto const & x, auto const & y ) { return std::stoul( x ) < std::stoul( y ); } );
