@@ -100,10 +100,33 @@ Mpls::FwdEqvClass LdpFecConfigNotifier::lastFwdEqvClass() const {
    return lastFecConfig_ ? lastFecConfig_->fwdEqvClass() : Mpls::FwdEqvClass();
 }
 
-void LdpFecConfigNotifier::update( FecPtr const & fec, Count count, LdpIdentifier const & peer,
-                                   Lumo::MplsLabel label ) {
+// The context of one update. It goes when the update is over, also when an observer's exception has ended it;
+// the notifier stays until then, although an observer may have dropped the last reference to it.
+class LdpFecConfigNotifier::Update {
+ public:
+   Update( LdpFecConfigNotifier & notifier, U8 context )
+        : notifier_( &notifier ), context_( context ), outer_( notifier.context_ ) {
+      notifier.context_ = U8( outer_ | context );
+   }
+   Update( Update const & ) = delete;
+   Update & operator=( Update const & ) = delete;
+   ~Update() {
+      notifier_->context_ = outer_;
+      FecPtr const fec = std::exchange( notifier_->lastFecConfig_, nullptr ); // its observers may look here
+      if ( context_ & labelContext ) notifier_->lastMplsLabel_ = Lumo::MplsLabel();
+      if ( context_ & peerContext ) notifier_->lastLdpId_ = LdpIdentifier();
+   }
+
+ private:
+   Vorn::Ptr< LdpFecConfigNotifier > const notifier_;
+   U8 const context_;
+   U8 const outer_;
+};
+
+void LdpFecConfigNotifier::update( FecPtr const & fec, Count count, Context further,
+                                   LdpIdentifier const & peer, Lumo::MplsLabel label ) {
+   Update const under( *this, U8( fecContext | further ) );
    // All of the context, so that nothing shows which somebody has written before.
-   Reset const clearFec( *this, lastFecConfig_ );
    lastFecConfig_ = fec;
    lastLdpId_ = peer;
    lastMplsLabel_ = label;
@@ -111,8 +134,7 @@ void LdpFecConfigNotifier::update( FecPtr const & fec, Count count, LdpIdentifie
 }
 
 void LdpFecConfigNotifier::updateDownstreamLsr( FecPtr const & fec, LdpIdentifier const & peer ) {
-   Reset const clearPeer( *this, lastLdpId_ );
-   update( fec, &LdpFecConfigNotifier::downstreamLsrChangeCntInc, peer );
+   update( fec, &LdpFecConfigNotifier::downstreamLsrChangeCntInc, peerContext, peer );
 }
 
 void LdpFecConfigNotifier::updateLoopDetection( FecPtr const & fec ) {
@@ -140,8 +162,7 @@ void LdpFecConfigNotifier::updateLspRole( FecPtr const & fec ) {
 }
 
 void LdpFecConfigNotifier::updateMplsLabelSet( FecPtr const & fec, Lumo::MplsLabel label ) {
-   Reset const clearLabel( *this, lastMplsLabel_ );
-   update( fec, &LdpFecConfigNotifier::mplsLabelSetChangeCntInc, LdpIdentifier(), label );
+   update( fec, &LdpFecConfigNotifier::mplsLabelSetChangeCntInc, labelContext, LdpIdentifier(), label );
 }
 
 void LdpFecConfigNotifier::updateProgrammedLabelSet( FecPtr const & fec ) {

@@ -30,14 +30,19 @@ void Out::begin( U8 kind, U32 entityId, U32 attributeId ) {
    VORN_ASSERT( !record_ );
    record_ = at_;
    missing_ = 0;
-   U8 head[sizeof( U32 ) + recordHeadBytes] = {}; // in front the length, which `end` sets
+   constexpr std::size_t headBytes = sizeof( U32 ) + recordHeadBytes;
+   if ( std::size_t( limit_ - at_ ) < headBytes ) {
+      missing_ = headBytes;
+      return;
+   }
+   // The length, in front, is set by `end`.
    entityId = __builtin_bswap32( entityId );
    attributeId = __builtin_bswap32( attributeId );
-   head[4] = kind;
-   std::memcpy( head + 5, &entityId, sizeof entityId );
-   std::memcpy( head + 9, &attributeId, sizeof attributeId );
-   head[13] = beginToken;
-   put( head, sizeof head );
+   at_[4] = kind;
+   std::memcpy( at_ + 5, &entityId, sizeof entityId );
+   std::memcpy( at_ + 9, &attributeId, sizeof attributeId );
+   at_[13] = beginToken;
+   at_ += headBytes;
 }
 
 bool Out::end() {
@@ -54,23 +59,6 @@ bool Out::end() {
    // A long record takes a block of its own, and nothing may follow it there.
    if ( !large_.empty() ) blocked_ = true;
    return true;
-}
-
-std::size_t Out::partBegin() {
-   std::size_t const start = std::size_t( at_ - record_ );
-   putU16( 2 * sizeof( U16 ) );
-   putU16( 0 );
-   return start;
-}
-
-void Out::partEnd( std::size_t start ) {
-   std::size_t const bytes = std::size_t( at_ - record_ ) - start;
-   if ( bytes > 0xffff ) {
-      missing_ += bytes; // more than the offsets can say
-   } else if ( !missing_ ) {
-      U16 const end = __builtin_bswap16( U16( bytes ) );
-      std::memcpy( record_ + start + sizeof( U16 ), &end, sizeof end );
-   }
 }
 
 /// Finds room for the `need_` octets of a record that did not fit; false if that has to wait.

@@ -171,19 +171,6 @@ Ptr< Entity > Entity::entity( String const & childName ) const {
    return nullptr;
 }
 
-bool hasAttrLogInterface( VornType const & type ) {
-   for ( VornAttr const * attr = type.attributes; attr && attr->name; ++attr ) {
-      if ( attr->logged() ) return true;
-   }
-   // An entity without logged attributes can still be a member that the log carries.
-   for ( VornType const * owner : typeNodes() ) {
-      for ( VornAttr const * attr = owner->attributes; attr && attr->name; ++attr ) {
-         if ( attr->logged() && attr->instantiating() && attr->type == &type ) return true;
-      }
-   }
-   return false;
-}
-
 namespace {
 
 // Calls `call` with each constructor argument's attribute and the value given for it, until it says stop.

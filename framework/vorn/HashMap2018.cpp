@@ -69,6 +69,11 @@ HashMap2018BktHdr * HashMap2018Generic::roomMake( VTable const & vt, U32 word, B
    }
 }
 
+bool HashMap2018Generic::crowdedG( VTable const & vt, HashHelper const & key, U32 others ) const noexcept {
+   if ( members_ + others < BktHdr::maxSlots || !members_ ) return false;
+   return bucketOf( key.word() )->used() + others >= BktHdr::maxSlots && !lookupNodeG( vt, key );
+}
+
 /// Divides the directory entries of the bucket, and its members with them, between two buckets.
 HashMap2018BktHdr * HashMap2018Generic::bucketSplit( VTable const & vt, U32 word, BktHdr * bucket,
                                                      U32 & slot ) {

@@ -1,14 +1,13 @@
-// What could not be written at once, and the walk over an entity that brings it out.
+// What an adapter could not write at once, and the walk over its entity that brings it out.
 
 #include "Vorn/NboAttrLogFlow.h"
 
 #include "NboAttrLogAnchors.h"
-#include "Vorn/NboAttrLogIn.h"
-
-#include <algorithm>
+#include "NboAttrLogState.h"
 
 namespace Vorn {
 
+using NboAttrLog::Sent;
 using Sa = Entity::VornNboAttrLogSa;
 
 namespace {
@@ -23,75 +22,126 @@ VornAttr const * logged( VornAttr const * attr ) noexcept {
 
 } // namespace
 
-Sa::FlowOut & Sa::flowOutIs() {
-   if ( !flowOut_ ) flowOutIs( NboAttrLog::Demuxer::createFlowOut( type_ ) );
-   return *flowOut_;
+// What waits.
+
+/// An attribute without a key waits.
+void Sa::dirtyIs( VornAttr const & x ) {
+   flowOut_.vornIsDirtyIs( x.id(), true );
+   waits( Sent::noRoom );
 }
 
-void Sa::flowOutIs( std::unique_ptr< FlowOut > flowOut ) {
-   flowOut_ = std::move( flowOut );
-   status_.bitsIs( flowOutPresent, bool( flowOut_ ) );
+/// A key waits.
+void Sa::keyDirtyIs( VornAttr const & x, void const * key ) {
+   keyMark( x, key );
+   waits( Sent::noRoom );
+}
+
+/// Marks a key, unless a walk that is still to come sends every key.
+void Sa::keyMark( VornAttr const & x, void const * key ) {
+   U32 const id = x.id();
+   if ( !flowOut_.vornHasSynced( id ) && !flowOut_.walking( id ) ) return;
+   try {
+      flowOut_.vornIsXDirtyIs( object(), x, key );
+   } catch ( std::bad_alloc const & ) {
+      resyncMark( x );
+   }
+   // Keys that come and go while the other end does not listen would grow without end.
+   U32 members = 0;
+   x.ops->op( &members, object(), x, GenericIf::members, nullptr, nullptr );
+   auto const * const keys = flowOut_.vornIsXDirty( id );
+   if ( keys && keys->members() > members + FlowOut::spareDirtyKeys ) resyncMark( x );
+}
+
+/// Marks all of a collection to be sent anew, which says what has gone as well.
+void Sa::resyncMark( VornAttr const & x ) {
+   U32 const id = x.id();
+   flowOut_.vornIsXDirtyDelAll( id );
+   if ( flowOut_.walking( id ) ) freeResyncState( flowOut_ );
+   flowOut_.vornHasSyncedIs( id, false );
+}
+
+/// What a change that could not even be marked may have left unsaid goes out again.
+void Sa::markAgain( VornAttr const & x ) {
+   x.keyed() ? resyncMark( x ) : flowOut_.vornIsDirtyIs( x.id(), true );
+   waits( Sent::noRoom );
+}
+
+void Sa::referenceDirtyIs( VornAttr const & x, void const * key ) {
+   x.keyed() ? keyDirtyIs( x, key ) : dirtyIs( x );
+}
+
+/// Something that was marked waits: for room, or for an entity.
+void Sa::waits( Sent why ) {
+   if ( why == Sent::awaits ) {
+      if ( status_.any( handlingFlowOut ) ) {
+         status_.bitsIs( awaits, true ); // for the pass to see
+         return;
+      }
+      if ( !status_.any( pendingQueued ) ) status_.bitsIs( awaits, true );
+   } else {
+      status_.bitsIs( awaits, false );
+      status_.bitsIs( wakes, true );
+   }
    reschedule();
 }
 
-void Sa::keyDirtyIs( VornAttr const & x, void const * key ) {
-   U32 const id = x.id();
-   auto & flowOut = flowOutIs();
-   // A walk that is still to come sends every key.
-   if ( !flowOut.vornHasSynced( id ) && !flowOut.walking( id ) ) return;
-   flowOut.vornIsXDirtyIs( id, GenericIf::Value( x.keyType, key ) );
-   // Keys that come and go while the other end does not listen would grow without end: then all members are
-   // sent anew, which says what has gone as well.
-   U32 members = 0;
-   x.ops->op( &members, object(), x, GenericIf::members, nullptr, nullptr );
-   auto & keys = flowOut.vornIsXDirty( id );
-   if ( keys.size() <= members + FlowOut::spareDirtyKeys ) return;
-   keys.clear();
-   if ( flowOut.walking( id ) ) freeResyncState( flowOut );
-   flowOut.vornHasSyncedIs( id, false );
-}
-
 void Sa::freeResyncState( NboAttrLog::FlowOut & flowOut ) {
-   VornAttr const * const x = attribute( flowOut.attrId() );
-   if ( !x || !x->keyed() ) return;
-   vornFlowOutBookmarkDeq( flowOut );
+   delete vornFlowOutBookmarkDeq< GenericIf::Value >( flowOut );
    flowOut.walkedAllIs( false );
 }
 
+// The walk.
+
+void Sa::flow() {
+   if ( status_.any( orphanPending ) ) {
+      doSerializeOrphan();
+   } else {
+      // An attribute in front may have become dirty meanwhile.
+      handleAttrFlowOut( flowOut_.attrId() );
+   }
+}
+
 U32 Sa::handleAttrFlowOut( U32 attributeId ) {
-   NboAttrLog::HandlingScheduledFlowOutAnchor const anchor( status_, bool( flowOut_ ) );
-   VornAttr const * x = logged( type_.attributes );
-   if ( !flowOut_ || !x ) return 0;
-   auto & flowOut = *flowOut_;
-   if ( flowOut.walking() ) attributeId = flowOut.attrId();
-   if ( attributeId < x->id() ) {
+   NboAttrLog::HandlingScheduledFlowOutAnchor const anchor( status_, flowOut_.any() );
+   Ptr< VornNboAttrLogSa > const hold( this );
+   VornAttr const * x = logged( type().attributes );
+   if ( flowOut_.walking() ) attributeId = flowOut_.attrId();
+   bool const whole = !x || attributeId <= x->id();
+   if ( whole ) status_.bitsIs( awaits | wakes, false );
+   if ( x && attributeId < x->id() ) {
       if ( U32 const at = StreamAdapter::handleAttrFlowOut( attributeId ) ) return at;
       if ( !continueFlowOut() ) return x->id();
    }
-   while ( x ) {
+   while ( x && flowOut_.any() ) {
       U32 const id = x->id();
       VornAttr const * const next = logged( x + 1 );
-      if ( id >= attributeId ) {
-         flowOut.attrIdIs( id );
-         if ( x->keyed() ) {
-            if ( !vornHandleXSerializeColl( *x ) ) return id;
-         } else if ( flowOut.vornIsDirty( id ) ) {
+      bool done = true;
+      try {
+         if ( id < attributeId ) {
+            // Sent before the walk was interrupted.
+         } else if ( x->keyed() ) {
+            done = vornHandleXSerializeColl( *x );
+         } else if ( flowOut_.vornIsDirty( id ) ) {
             onX( *x, nullptr );
          }
-         if ( !continueFlowOut() ) {
-            // A record that found no room is the first to be tried again: behind shorter ones that change all
-            // the time it could wait for ever.
-            if ( status_.any( noRoom ) ) return id;
-            if ( next ) {
-               flowOut.attrIdIs( next->id() );
-               return next->id();
-            }
-         }
+      } catch ( ... ) {
+         if ( out_ ) markAgain( *x );
+         throw;
+      }
+      if ( !out_ ) return 0; // somebody has taken it off
+      if ( flowOut_.any() && ( !done || ( id >= attributeId && !continueFlowOut() ) ) ) {
+         // A record that found no room is the first to be tried again: behind shorter ones that change all the
+         // time it could wait for ever.
+         U32 const at = !done || status_.any( noRoom ) || !next ? id : next->id();
+         flowOut_.attrIdIs( at );
+         return at;
       }
       x = next;
    }
-   flowOut.attrIdIs( 0 );
-   if ( !flowOut.hasDirtyAttributes() && !flowOut.hasDirtyCollKeys() ) flowOutIs( nullptr );
+   flowOut_.attrIdIs( 0 );
+   // What is left became dirty in front of the walk, or waits for entities.
+   status_.bitsIs( awaits, whole && status_.any( awaits ) && !status_.any( wakes ) );
+   reschedule();
    return 0;
 }
 
@@ -100,36 +150,47 @@ bool Sa::continueFlowOut() const noexcept { return maySend() && out_->hasSuffici
 /// Sends a collection that has not been walked, then the keys that changed meanwhile. False where it stops
 /// before the end.
 bool Sa::vornHandleXSerializeColl( VornAttr const & x ) {
-   if ( !maySend() || flowInFor( x, nullptr ) ) return false;
-   auto & flowOut = *flowOut_;
    U32 const id = x.id();
-   if ( !flowOut.vornHasSynced( id ) ) {
-      if ( !flowOut.walkedAll() && !vornHandleXSerializeWalk( x ) ) return false;
+   bool const synced = flowOut_.vornHasSynced( id );
+   if ( synced && !flowOut_.vornIsXDirty( id ) ) return true;
+   if ( !maySend() || flowInFor( x, nullptr ) ) return false;
+   if ( !synced ) {
+      if ( awaitsMembers( x ) ) {
+         status_.bitsIs( awaits, true );
+         return true;
+      }
+      flowOut_.attrIdIs( id );
+      if ( !flowOut_.walkedAll() && !vornHandleXSerializeWalk( x ) ) return false;
       if ( !sendTransactionMarker( x, transactionEnd ) ) return false;
-      flowOut.walkedAllIs( false );
-      flowOut.vornHasSyncedIs( id, true );
+      flowOut_.walkedAllIs( false );
+      flowOut_.vornHasSyncedIs( id, true );
    }
-   if ( !flowOut.hasDirtyCollKeys() ) return true;
-   auto & keys = flowOut.vornIsXDirty( id );
-   while ( !keys.empty() ) {
-      // The record may make other keys dirty, so the key is not left in the set while it is written.
-      auto node = keys.extract( keys.begin() );
-      if ( serializeKey( x, node.value().data() ) ) continue;
-      keys.insert( std::move( node ) );
-      return false;
+   return vornHandleXSerializeKeys( x );
+}
+
+/// Whether a collection of references is to wait until the entities that they lead to are known, or will not
+/// be: a copy from an earlier connection keeps what it has until then.
+bool Sa::awaitsMembers( VornAttr const & x ) const {
+   if ( x.kind() != VornKind::referenceColl || out_->state().settling || flowOut_.walking() ) return false;
+   for ( GenericIf::Iterator it( object(), x ); it; it.advance() ) {
+      Ptr< PtrInterface > member;
+      it.object( &member );
+      auto * const entity = dynamic_cast< Entity * >( member.ptr() );
+      auto const * const adapter = entity ? out_->adapter( *entity ) : nullptr;
+      if ( !adapter || !adapter->entityId() ) return true;
    }
-   return true;
+   return false;
 }
 
 /// Sends the members, from the first, behind a marker, or from where the walk was interrupted.
 bool Sa::vornHandleXSerializeWalk( VornAttr const & x ) {
-   auto & flowOut = *flowOut_;
-   auto const start = vornFlowOutBookmarkDeq( flowOut );
+   std::unique_ptr< GenericIf::Value > const start(
+        vornFlowOutBookmarkDeq< GenericIf::Value >( flowOut_ ) );
    if ( !start && !sendTransactionMarker( x, transactionBegin ) ) return false;
    GenericIf::Value key( x.keyType );
    for ( GenericIf::Iterator it( object(), x, start ? start->data() : nullptr ); it; it.advance() ) {
       it.key( key.data() );
-      bool sent;
+      Sent sent;
       if ( x.kind() == VornKind::entityColl ) {
          Ptr< PtrInterface > member;
          it.object( &member );
@@ -137,51 +198,52 @@ bool Sa::vornHandleXSerializeWalk( VornAttr const & x ) {
       } else {
          sent = serializeKey( x, key.data() );
       }
-      if ( sent ) continue;
-      flowOut.bookmarkIs( std::make_unique< GenericIf::Value >( key ) );
+      if ( sent == Sent::yes ) continue;
+      // It has left since; the key waits by itself for its entity to come back.
+      if ( sent == Sent::awaits ) {
+         flowOut_.vornIsXDirtyIs( object(), x, key.data() );
+         status_.bitsIs( awaits, true );
+         continue;
+      }
+      flowOut_.bookmarkIs( std::make_unique< GenericIf::Value >( key ).release() );
       return false;
    }
-   flowOut.walkedAllIs( true );
+   flowOut_.walkedAllIs( true );
+   return true;
+}
+
+/// Sends the keys that wait, of a queue in its order.
+bool Sa::vornHandleXSerializeKeys( VornAttr const & x ) {
+   U32 const id = x.id();
+   U32 oldest = 0;
+   if ( x.kind() == VornKind::queue ) {
+      U32 indices[2];
+      x.ops->op( indices, object(), x, GenericIf::indices, nullptr, nullptr );
+      oldest = indices[1]; // the next one
+   }
+   GenericIf::Value key( x.keyType );
+   auto * keys = flowOut_.vornIsXDirty( id );
+   for ( U32 most = keys ? keys->members() : 0; most && keys; --most, keys = flowOut_.vornIsXDirty( id ) ) {
+      if ( !keys->next( key.data(), oldest ) ) break;
+      // The record may make other keys dirty, or this one again, so it is not left in the set meanwhile.
+      keys->keyDel( key.data() );
+      Sent const sent = serializeKey( x, key.data() );
+      if ( sent == Sent::yes ) continue;
+      keyMark( x, key.data() );
+      if ( sent == Sent::noRoom ) return false;
+      status_.bitsIs( awaits, true );
+      if ( ( keys = flowOut_.vornIsXDirty( id ) ) ) keys->pass();
+   }
    return true;
 }
 
 std::vector< U32 > Sa::attrIdsReqSync() const {
    std::vector< U32 > ids;
-   for ( VornAttr const * attr = type_.attributes; attr->name; ++attr ) {
+   for ( VornAttr const * attr = type().attributes; attr->name; ++attr ) {
       if ( attr->logged() && attr->keyed() ) ids.push_back( attr->id() );
    }
    ids.push_back( 0 );
    return ids;
 }
-
-namespace NboAttrLog {
-
-FlowOut::FlowOut( VornType const & type )
-     : type_( &type ), dirty_( type.attributeNum ), unsynced_( type.attributeNum ) {}
-
-U32 FlowOut::index( U32 attributeId ) const noexcept {
-   U32 const place = 5 + attributeId - Entity::vornChildFirstId;
-   if ( place < type_->attributeNum && type_->attributes[place].id() == attributeId ) return place;
-   return U32( type_->attribute( attributeId ) - type_->attributes );
-}
-
-void FlowOut::bitIs( Bits & bits, U32 & count, U32 attributeId, bool set ) noexcept {
-   auto bit = bits[index( attributeId )];
-   if ( bit == set ) return;
-   bit = set;
-   set ? ++count : --count;
-}
-
-bool FlowOut::hasDirtyCollKeys() const noexcept {
-   return std::any_of( keys_.begin(), keys_.end(), []( auto const & keys ) { return !keys.second.empty(); } );
-}
-
-void FlowOut::bookmarkIs( std::unique_ptr< GenericIf::Value > key ) {
-   FlowOut * const rsc = this;
-   VORN_ASSERT( !rsc->bookmark() );
-   bookmark_ = std::move( key );
-}
-
-} // namespace NboAttrLog
 
 } // namespace Vorn

@@ -1,31 +1,21 @@
 #include "Vorn/NboAttrLogIn.h"
 
 #include "NboAttrLogAnchors.h"
+#include "NboAttrLogRoots.h"
+#include "NboAttrLogState.h"
+#include "Vorn/CollectionOps.h"
 #include "Vorn/Strep.h"
 
 #include <algorithm>
 
 namespace Vorn::NboAttrLog {
 
+VORN_OBJECT_RECORD( Vorn::NboAttrLog, In, nullptr )
 VORN_OBJECT_RECORD( Vorn::NboAttrLog, Demuxer, nullptr )
 
 namespace {
 
 [[noreturn]] void refuse( String const & message ) { throw AttrLogRecordException( message ); }
-
-/// The entity's type has all its arguments in its table; those that can be changed do not count.
-bool constructedWith( Entity & entity, VornCtorArg const * table, void const * const * given ) {
-   VornType const & type = *entity.fwkType();
-   for ( ; table->name; ++table, ++given ) {
-      VornAttr const & attr = *type.attribute( table->name );
-      if ( attr.kind() == VornKind::mutableAttr ) continue;
-      GenericIf::Value current( attr.type );
-      attr.ops->op( current.data(), static_cast< PtrInterface * >( &entity ), attr, GenericIf::read, nullptr,
-                    nullptr );
-      if ( !attr.type->methods->equal( current.data(), *given ) ) return false;
-   }
-   return true;
-}
 
 } // namespace
 
@@ -60,20 +50,17 @@ U32 In::nextEntityId() {
 Ptr< Entity > In::nextEntity() {
    U32 const id = nextEntityId();
    if ( !id ) return nullptr;
-   if ( auto * const adapter = demuxer_->out()->adapterById( id ) )
+   if ( auto * const adapter = demuxer_->out()->state().adapterById( id ) ) {
       return Ptr< Entity >( &adapter->entity() );
+   }
    if ( !demuxer_->gone( id ) ) refuse( format( "entity %#x is not known", id ) );
    return nullptr;
 }
 
-VornType const & In::nextType() {
-   U32 const number = nextU32();
-   if ( number == 0 || number > demuxer_->types_.size() ) refuse( format( "type %u has no name", number ) );
-   return *demuxer_->types_[number - 1];
-}
+VornType const & In::nextType() { return demuxer_->type( nextU32() ); }
 
 void In::endIs() const {
-   if ( left() && !open_ ) refuse( "the record goes on behind its value" );
+   if ( left() && !entries_ ) refuse( "the record goes on behind its value" );
 }
 
 void logIn( In & in, bool * value ) { *value = in.nextbool(); }
@@ -116,26 +103,34 @@ Arguments::~Arguments() {
    }
 }
 
-bool Arguments::areThoseOf( Entity & entity ) const { return constructedWith( entity, table_, pointers_ ); }
+bool Arguments::areThoseOf( Entity & entity ) const {
+   return madeFrom( entity, *entity.fwkType(), pointers_ );
+}
 
 // Demuxer.
 
-Demuxer::Demuxer( Ptr< Out > const & out, Vorn_BitSet flags ) : out_( out ), flags_( flags ) {}
+Demuxer::Demuxer( Ptr< Out > const & out, Vorn_BitSet flags )
+     : out_( out ), flags_( flags ), offers_( std::make_unique< Offers >() ),
+       roots_( std::make_unique< Roots >() ) {}
 
 Demuxer::~Demuxer() = default;
 
-void Demuxer::rootIs( Ptr< Entity > const & entity ) { offered_.push_back( entity ); }
+void Demuxer::rootIs( Ptr< Entity > const & entity ) { offers_->entityIs( entity ); }
 
-std::unique_ptr< Out::Adapter::FlowOut > Demuxer::createFlowOut( VornType const & type ) {
-   return std::make_unique< Out::Adapter::FlowOut >( type );
+std::vector< Ptr< Entity > > const & Demuxer::roots() const { return roots_->all(); }
+
+std::unique_ptr< FlowOut > Demuxer::createFlowOut( VornType const & type, U32 ) {
+   return std::make_unique< FlowOut >( type );
 }
 
 void Demuxer::bytesIs( void const * octets, std::size_t bytes ) {
-   VORN_ASSERT( !out_->active_ );
+   VORN_ASSERT( !out_->state().active );
    if ( failed_ ) refuse( "the attribute log was refused before" );
    Ptr< Demuxer > const hold( this );
-   ClearIsActiveAnchor const anchor( out_->active_ );
+   ClearIsActiveAnchor const anchor( out_->state().active );
+   failed_ = true; // unless all is taken
    try {
+      if ( !in_ ) in_ = newObject< In >( nullptr, 0u, *this );
       auto const * from = static_cast< U8 const * >( octets );
       while ( bytes ) {
          if ( part_.empty() ) {
@@ -152,19 +147,20 @@ void Demuxer::bytesIs( void const * octets, std::size_t bytes ) {
          if ( recordsIs( part_.data(), part_.size() ) ) part_.clear();
       }
    } catch ( AttrLogRecordException const & ) {
-      failed_ = true;
       throw;
-   } catch ( RangeException const & exception ) {
-      failed_ = true;
+   } catch ( Exception const & exception ) {
       refuse( exception.message() );
    }
+   failed_ = false;
 }
 
 /// Octets of the unit that begins here, as far as they are known.
 std::size_t Demuxer::wanted( U8 const * octets, std::size_t bytes ) const {
    if ( !headerSeen_ ) return streamHeaderBytes;
    if ( bytes < sizeof( U32 ) ) return sizeof( U32 );
-   U32 const length = In( octets, sizeof( U32 ), const_cast< Demuxer & >( *this ) ).nextU32();
+   U32 length;
+   std::memcpy( &length, octets, sizeof length );
+   length = __builtin_bswap32( length );
    if ( length <= Out::recordHeadBytes || length > Out::maxRecordBytes ) {
       refuse( format( "a record of the attribute log has an impossible length, %u", length ) );
    }
@@ -178,41 +174,46 @@ std::size_t Demuxer::recordsIs( U8 const * octets, std::size_t bytes ) {
       std::size_t const left = bytes - taken;
       std::size_t const want = wanted( octets + taken, left );
       if ( left < want || ( headerSeen_ && want == sizeof( U32 ) ) ) return taken;
-      In in( octets + taken, want, *this );
+      in_->octetsIs( octets + taken, want );
+      in_->entriesAre( false );
       if ( headerSeen_ ) {
-         recordIs( in );
+         recordIs( octets + taken, want );
          ++records_;
       } else {
-         headerIs( in );
+         headerIs();
       }
       taken += want;
    }
 }
 
-void Demuxer::headerIs( In & in ) {
+void Demuxer::headerIs() {
    for ( char const c : streamMagic ) {
-      if ( in.nextU8() != U8( c ) ) refuse( "this is no attribute log" );
+      if ( in_->nextU8() != U8( c ) ) refuse( "this is no attribute log" );
    }
-   if ( U16 const version = in.nextU16(); version != streamVersion ) {
+   if ( U16 const version = in_->nextU16(); version != streamVersion ) {
       refuse( format( "version %u of the attribute log is not known", version ) );
    }
-   if ( in.nextU16() ) refuse( "the attribute log uses a feature that is not known" );
+   if ( in_->nextU16() ) refuse( "the attribute log uses a feature that is not known" );
    headerSeen_ = true;
 }
 
-void Demuxer::recordIs( In & in ) {
-   in.nextU32(); // the length
+void Demuxer::recordIs( U8 const * octets, std::size_t bytes ) {
+   In & in = *in_;
+   in.take( sizeof( U32 ) ); // the length
    U8 const kind = in.nextU8();
    U32 const entity = in.nextEntityId();
    U32 const attribute = in.nextAttributeId();
    if ( in.nextU8() != Out::beginToken ) refuse( "a record's value does not begin with its token" );
-   In value = in.nextPart( in.left() - 1 );
-   if ( in.nextU8() != Out::endToken ) refuse( "a record's value does not end with its token" );
+   if ( octets[bytes - 1] != Out::endToken ) refuse( "a record's value does not end with its token" );
+   in.octetsIs( in.place(), in.left() - 1 );
    switch ( kind ) {
-   case typeRecord: typeIs( attribute, value ); return;
+   case typeRecord:
+      if ( entity ) refuse( "a type record names an entity" );
+      typeIs( attribute );
+      return;
    case introducingRecord:
       if ( attribute == orphanId && !entity ) {
-         orphanIs( value );
+         orphanIs();
          return;
       }
       break;
@@ -220,86 +221,91 @@ void Demuxer::recordIs( In & in ) {
    case markerRecord: break;
    default: refuse( format( "a record has the unknown kind %u", kind ) );
    }
-   Ptr< Out::Adapter > const adapter( out_->adapterById( entity ) );
+   Ptr< Out::Adapter > const adapter( out_->state().adapterById( entity ) );
    if ( !adapter ) {
       if ( !gone( entity ) ) refuse( format( "entity %#x is not known", entity ) );
       // The number of what it introduces is given, although nobody is there to hold it.
-      if ( kind == introducingRecord && value.left() >= sizeof( U32 ) ) {
-         value.nextPart( value.left() - sizeof( U32 ) );
-         lastEntityId_ = std::max( lastEntityId_, value.nextEntityId() );
+      if ( kind == introducingRecord && in.left() >= sizeof( U32 ) ) {
+         in.take( in.left() - sizeof( U32 ) );
+         lastEntityId_ = std::max( lastEntityId_, in.nextEntityId() );
       }
       return;
    }
-   if ( attribute == 0 - orphanId ) {
-      checkEphemeralEntityDeletion( *adapter, value );
-   } else if ( kind == markerRecord ) {
-      U8 const type = value.nextU8();
-      value.nextU32(); // nothing yet
-      adapter->doHandleAttrTransaction( attribute, StreamAdapter::AttrTransactionType( type ), value );
+   if ( kind == markerRecord ) {
+      U8 const type = in.nextU8();
+      unsigned const word = in.nextU32();
+      adapter->doHandleAttrTransaction( attribute, StreamAdapter::AttrTransactionType( type ), word, in_ );
+   } else if ( attribute == 0 - orphanId ) {
+      if ( kind != attributeRecord ) refuse( "a withdrawal is of the wrong kind" );
+      checkEphemeralEntityDeletion( *adapter );
    } else {
-      adapter->doHandleAttrDeserialization( attribute, value );
+      adapter->doHandleAttrDeserialization( attribute, kind == introducingRecord, unsigned( in.left() ), in_ );
    }
 }
 
-/// Whether an entity that is not on the log may have been there: this end has deleted it, and the record was
-/// on its way. Where this end does not write, that cannot be.
 bool Demuxer::gone( U32 entityId ) const {
    if ( flags_.any( StreamAdapter::readOnly ) || !entityId ) return false;
-   return entityId & numberedByPeer ? entityId <= lastEntityId_ : entityId <= out_->lastEntityId_;
+   return entityId & numberedByPeer ? entityId <= lastEntityId_ : entityId <= out_->state().lastEntityId;
 }
 
-void Demuxer::typeIs( U32 number, In & in ) {
-   auto const octets = in.nextPart( in.left() );
-   String const name( octets.octets(), octets.left() );
+VornType const & Demuxer::type( U32 number ) const {
+   if ( number == 0 || number > types_.size() ) refuse( format( "type %u has no name", number ) );
+   return *types_[number - 1];
+}
+
+void Demuxer::typeIs( U32 number ) {
+   std::size_t const bytes = in_->left();
+   String const name( in_->take( bytes ), bytes );
    if ( number != types_.size() + 1 ) refuse( "types are numbered in their order" );
    VornType const * const type = typeNode( name.charPtr() );
-   if ( !type || !( name == type->name ) || !type->newEntityForAttrLog )
+   if ( !type || !( name == type->name ) || !type->newEntityForAttrLog ) {
       refuse( "the attribute log brings unknown type " + valueToStrep( name ) );
+   }
+   // There are as many as the process has types, so this does not grow with the stream.
+   if ( std::find( types_.begin(), types_.end(), type ) != types_.end() ) {
+      refuse( "type " + valueToStrep( name ) + " has a number already" );
+   }
    types_.push_back( type );
 }
 
-void Demuxer::orphanIs( In & in ) {
+void Demuxer::orphanIs() {
    if ( flags_.any( StreamAdapter::remoteReadOnly ) ) {
       Out::Adapter::throwWriteUpdateFromReadOnlyProxyException();
    }
+   In & in = *in_;
    auto const section = [&]( U8 expected ) {
       if ( in.nextU8() != expected ) refuse( "the parts of an orphan record are out of order" );
    };
    section( Out::typeSection );
    VornType const & type = in.nextType();
    section( Out::argumentSection );
-   In again = in; // for the creator, which reads the arguments itself
+   U8 const * const place = in.place(); // for the creator, which reads the arguments itself
    Arguments const arguments( in, type.ctorArgs );
    section( Out::entityIdSection );
    U32 const id = in.nextEntityId();
    in.endIs();
    newEntityIdIs( id );
-   auto const present = std::find_if( offered_.begin(), offered_.end(), [&]( auto const & entity ) {
-      return entity->fwkType() == &type && arguments.areThoseOf( *entity );
-   } );
    Ptr< Entity > root;
-   if ( present != offered_.end() ) {
-      root = *present;
-      offered_.erase( present );
-   } else {
-      auto const object = type.newEntityForAttrLog( again );
-      root = Ptr< Entity >( static_cast< Entity * >( object.ptr() ) );
+   do {
+      root = offers_->take( type, arguments.pointers() );
+   } while ( root && roots_->has( *root ) ); // offered twice
+   if ( !root ) {
+      in.placeIs( place );
+      root = static_cast< Entity * >( type.newEntityForAttrLog( in_, flags_, 0, out_ ).ptr() );
    }
-   roots_.push_back( root );
+   roots_->entityIs( root );
    doEntityIdIs( *root, id, nullptr );
 }
 
 /// Lets go of an entity that the other end introduced by itself and has no more.
-void Demuxer::checkEphemeralEntityDeletion( Out::Adapter & adapter, In & in ) {
-   in.endIs();
+void Demuxer::checkEphemeralEntityDeletion( Out::Adapter & adapter ) {
+   in_->endIs();
    adapter.checkWritable( orphanId );
-   auto const root = std::find( roots_.begin(), roots_.end(), Ptr< Entity >( &adapter.entity() ) );
-   if ( root == roots_.end() ) refuse( "an entity is withdrawn that was not introduced by itself" );
+   if ( !roots_->has( adapter.entity() ) ) refuse( "an entity is withdrawn that was not introduced by itself" );
    adapter.close();
-   roots_.erase( root );
+   roots_->entityDel( adapter.entity() );
 }
 
-/// Checks the number of an entity that is introduced: the other end counts them in its order.
 void Demuxer::newEntityIdIs( U32 entityId ) {
    if ( !( entityId & numberedByPeer ) || entityId <= lastEntityId_ ) {
       refuse( format( "entity %#x is introduced with a number that was given before", entityId ) );
@@ -307,18 +313,19 @@ void Demuxer::newEntityIdIs( U32 entityId ) {
    lastEntityId_ = entityId;
 }
 
-/// Ties an entity that came in to its number.
 void Demuxer::doEntityIdIs( Entity & entity, U32 entityId, Out::Adapter * parent ) {
+   auto & state = out_->state();
    Ptr< Out::Adapter > adapter;
    if ( parent ) {
       adapter = parent->childNboAttrLogAdapterIs( entity );
    } else {
       adapter = out_->adapter( entity );
       if ( !adapter ) {
-         adapter = out_->newAdapter( entity, flags_.word() & Vorn_BitSet::inheritedFlagsMask(), 0, nullptr );
+         U32 const flags = flags_.word() & Vorn_BitSet::inheritedFlagsMask();
+         adapter = state.newAdapter( *out_, entity, flags, 0, nullptr );
       }
    }
-   out_->entityIdIs( *adapter, entityId );
+   state.entityIdIs( *adapter, entityId );
    adapter->confirmedIs( true );
 }
 

@@ -1,7 +1,7 @@
 #include "Vorn/NboAttrLogOut.h"
 
 #include "NboAttrLogAnchors.h"
-#include "NboAttrLogReferences.h"
+#include "NboAttrLogState.h"
 
 #include <typeinfo>
 
@@ -9,74 +9,70 @@ namespace Vorn::NboAttrLog {
 
 VORN_OBJECT_RECORD( Vorn::NboAttrLog, Out, nullptr )
 
-namespace {
-
-U64 addressOf( void const * object ) noexcept { return reinterpret_cast< std::uintptr_t >( object ); }
-
-} // namespace
-
 Permits::~Permits() = default;
 
 bool Permits::writable( Entity & ) { return false; }
 
 bool Permits::writeFromReadOnlyRemote( Entity &, U32 ) { return false; }
 
-Out::Out( U32 capacity ) : Connection::Out( capacity ) {
+Out::Out( U32 capacity ) : Connection::Out( capacity ), state_( std::make_unique< OutState >() ) {
    put( streamMagic, sizeof streamMagic );
    putU16( streamVersion );
    putU16( 0 );
 }
 
 Out::~Out() {
-   closing_ = true;
-   while ( firstRoot_ ) {
-      firstRoot_->close();
+   state_->closing = true;
+   while ( auto * const root = state_->roots.first() ) {
+      root->close();
    }
 }
+
+U32 Out::adapters() const noexcept { return state_->adapters; }
 
 std::size_t Out::bytes() {
    flow();
    return used();
 }
 
-bool Out::idle() { return bytes() == 0 && !firstPending_ && withdrawn_.empty(); }
+bool Out::idle() {
+   return bytes() == 0 && !state_->pending.first() && !state_->awaiting.first() && state_->withdrawn.empty();
+}
 
 void Out::flow() {
-   if ( active_ ) return;
-   ClearIsActiveAnchor const anchor( active_ );
+   if ( state_->active ) return;
+   Ptr< Out > const hold( this );
+   ClearIsActiveAnchor const anchor( state_->active );
    if ( !sendWithdrawals() ) return;
-   while ( firstPending_ && hasSufficientBuffer() ) {
-      Adapter & adapter = *firstPending_;
-      if ( adapter.orphanPending_ ) {
-         adapter.doSerializeOrphan();
-      } else {
-         // Leaves the list when nothing is left; an attribute in front may have become dirty meanwhile.
-         adapter.handleAttrFlowOut( adapter.flowOut()->attrId() );
+   while ( hasSufficientBuffer() ) {
+      if ( Adapter * const next = state_->pending.first() ) {
+         next->flow();
+         continue;
+      }
+      // All else has been sent: what is still not there will not come.
+      state_->settling = state_->awaiting.first();
+      if ( !state_->settling ) return;
+      while ( Adapter * const next = state_->awaiting.first() ) {
+         next->queueIs( StreamAdapter::pendingQueued );
       }
    }
 }
 
 /// Says which roots have gone. False if there is no room for all.
 bool Out::sendWithdrawals() {
-   while ( !withdrawn_.empty() ) {
-      if ( !record( attributeRecord, withdrawn_.back(), 0 - orphanId, [] {} ) ) return false;
-      withdrawn_.pop_back();
+   auto & withdrawn = state_->withdrawn;
+   while ( !withdrawn.empty() ) {
+      if ( !record( attributeRecord, withdrawn.back(), 0 - orphanId, [] {} ) ) return false;
+      withdrawn.pop_back();
    }
    return true;
 }
 
-U32 Out::typeNumber( VornType const & type ) {
-   if ( auto const * node = typeNumbers_[addressOf( &type )] ) return node->value();
-   U32 const number = typeNumbers_.members() + 1;
-   bool const sent = record( typeRecord, 0, number, [&] { put( type.name, std::strlen( type.name ) ); } );
-   if ( !sent ) return 0;
-   typeNumbers_.valueIs( addressOf( &type ), number );
-   return number;
-}
-
-U32 Out::newEntityId() {
-   VORN_ASSERT( lastEntityId_ + 1 < numberedByPeer ); // a connection that lives so long must be made anew
-   return ++lastEntityId_;
+bool Out::rootDel( Entity & entity ) {
+   Ptr< Adapter > const root( adapter( entity ) );
+   if ( !root || root->parent() ) return false;
+   root->close();
+   return true;
 }
 
 Out::Adapter * Out::adapter( Entity const & entity ) const noexcept {
@@ -85,41 +81,69 @@ Out::Adapter * Out::adapter( Entity const & entity ) const noexcept {
    auto const * const found =
         entity.notifieeList()->find( [&]( PtrInterface::NotifieeConst const & notifiee ) {
            return typeid( notifiee ) == typeid( Observer ) &&
-                  static_cast< Observer const & >( notifiee ).adapter()->out_ == this;
+                  static_cast< Observer const & >( notifiee ).adapter()->nboAttrLogOut() == this;
         } );
    return found ? static_cast< Observer const * >( found )->adapter() : nullptr;
 }
 
-Out::Adapter * Out::adapterById( U32 id ) const noexcept {
-   auto const * const node = byId_[id];
+// What the two directions share.
+
+U32 OutState::typeNumber( Out & out, VornType const & type ) {
+   U64 const address = reinterpret_cast< std::uintptr_t >( &type );
+   if ( auto const * node = typeNumbers[address] ) return node->value();
+   // The place is taken first, so that a number that has been announced is never forgotten.
+   U32 const number = typeNumbers.members() + 1;
+   typeNumbers.valueIs( address, number );
+   bool sent = false;
+   try {
+      sent = out.record( typeRecord, 0, number, [&] { out.put( type.name, std::strlen( type.name ) ); } );
+   } catch ( ... ) {
+      typeNumbers.del( address );
+      throw;
+   }
+   if ( !sent ) typeNumbers.del( address );
+   return sent ? number : 0;
+}
+
+OutState::Adapter * OutState::adapterById( U32 id ) const noexcept {
+   auto const * const node = byId[id];
    return node ? node->value() : nullptr;
 }
 
-Ptr< Out::Adapter > Out::newAdapter( Entity & entity, Vorn_BitSet flags, unsigned level, Adapter * parent ) {
-   auto const adapter = newObject< Adapter >( entity, *this, flags, level, parent );
+void OutState::entityIdIs( Adapter & adapter, U32 id ) {
+   bool const byPeer = id & numberedByPeer;
+   U32 const old = adapter.entityId( byPeer );
+   if ( old == id ) return;
+   byId.valueIs( id, &adapter );
+   if ( old ) byId.del( old );
+   adapter.entityIdIs( id, byPeer );
+   references.targetIs( adapter.entity() );
+}
+
+void OutState::entityIdDel( Adapter & adapter, bool byPeer ) noexcept {
+   U32 const id = adapter.entityId( byPeer );
+   if ( !id ) return;
+   byId.del( id );
+   adapter.entityIdIs( 0, byPeer );
+}
+
+Ptr< OutState::Adapter > OutState::newAdapter( Out & out, Entity & entity, Vorn_BitSet flags, unsigned level,
+                                               Adapter * parent ) {
+   auto const adapter = newObject< Adapter >( entity, out, flags, level, parent );
    adapter->referenceInc(); // until it leaves the log
-   ++adapters_;
+   ++adapters;
    return adapter;
 }
 
-void Out::adapterDel( Adapter & adapter ) {
-   if ( !closing_ ) { // else all go together
-      if ( references_ ) references_->adapterDel( adapter );
-      if ( adapter.ownId_ ) byId_.del( adapter.ownId_ );
-      if ( adapter.peerId_ ) byId_.del( adapter.peerId_ );
+void OutState::adapterDel( Adapter & adapter ) {
+   if ( !closing ) { // else all go together
+      references.adapterDel( adapter );
+      queueMarks.adapterDel( adapter );
+      entityIdDel( adapter, false );
+      entityIdDel( adapter, true );
    }
-   --adapters_;
+   --adapters;
    adapter.referenceDec();
-}
-
-void Out::entityIdIs( Adapter & adapter, U32 id ) {
-   U32 & number = id & numberedByPeer ? adapter.peerId_ : adapter.ownId_;
-   if ( number == id ) return;
-   if ( number ) byId_.del( number );
-   number = id;
-   adapter.status_.bitsIs( StreamAdapter::hasEntityId, true );
-   byId_.valueIs( id, &adapter );
-   if ( references_ ) references_->targetIs( adapter.entity() );
 }
 
 // Values.

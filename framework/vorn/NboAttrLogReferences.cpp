@@ -10,52 +10,56 @@ GenericIf::Value keyOf( VornAttr const & attr, void const * key ) {
 
 } // namespace
 
-void References::placeDel( Place const & place, Entity const * target ) {
-   auto const [first, last] = places_.equal_range( target );
-   for ( auto it = first; it != last; ++it ) {
-      if ( it->second == place ) {
-         places_.erase( it );
-         return;
-      }
-   }
+std::size_t References::PlaceHash::operator()( PlaceId const & id ) const {
+   std::size_t const place = std::hash< void const * >()( id.adapter ) ^ std::hash< void const * >()( id.attr );
+   U32 const key = id.key.type()->methods->genericIfHash( id.key.data(), id.key.type() );
+   return ( place ^ key ) * 0x9e3779b97f4a7c15u;
 }
 
-void References::referenceIs( Out::Adapter & adapter, VornAttr const & attr, void const * key,
+void References::placeDel( Place & place ) {
+   auto const target = targets_.find( place.target );
+   target->second.remove( place );
+   if ( !target->second.first() ) targets_.erase( target );
+   auto const adapter = adapters_.find( place.id->adapter );
+   adapter->second.remove( place );
+   if ( !adapter->second.first() ) adapters_.erase( adapter );
+   places_.erase( places_.find( *place.id ) );
+}
+
+void References::referenceIs( Adapter & adapter, VornAttr const & attr, void const * key,
                               Entity const * target ) {
-   Place const place{ &adapter, &attr, keyOf( attr, key ) };
-   auto & targets = targets_[{ &adapter, &attr }];
-   if ( auto const known = targets.find( place.key ); known != targets.end() ) {
-      if ( known->second == target ) return;
-      placeDel( place, known->second );
-      targets.erase( known );
+   if ( !target && places_.empty() ) return;
+   PlaceId id{ &adapter, &attr, keyOf( attr, key ) };
+   auto const known = places_.find( id );
+   if ( known != places_.end() ) {
+      if ( known->second.target == target ) return;
+      placeDel( known->second );
    }
    if ( !target ) return;
-   targets.emplace( place.key, target );
-   places_.emplace( target, place );
+   // All memory is taken before anything is linked.
+   auto & ofTarget = targets_[target];
+   auto & ofAdapter = adapters_[&adapter];
+   auto & [placeId, place] = *places_.try_emplace( std::move( id ) ).first;
+   place.id = &placeId;
+   place.target = target;
+   ofTarget.pushBack( place );
+   ofAdapter.pushBack( place );
 }
 
 void References::targetIs( Entity const & target ) {
-   auto const [first, last] = places_.equal_range( &target );
-   for ( auto it = first; it != last; ++it ) {
-      Place const & place = it->second;
-      auto & flowOut = place.adapter->flowOutIs();
-      if ( place.attr->keyed() ) {
-         flowOut.vornIsXDirtyIs( place.attr->id(), place.key );
-      } else {
-         flowOut.vornIsDirtyIs( place.attr->id(), true );
-      }
+   auto const found = targets_.find( &target );
+   if ( found == targets_.end() ) return;
+   for ( Place * place = found->second.first(); place; place = TargetPlaces::next( *place ) ) {
+      PlaceId const & id = *place->id;
+      id.adapter->referenceDirtyIs( *id.attr, id.attr->keyed() ? id.key.data() : nullptr );
    }
 }
 
-void References::adapterDel( Out::Adapter & adapter ) {
-   auto const begin = targets_.lower_bound( { &adapter, nullptr } );
-   auto end = begin;
-   for ( ; end != targets_.end() && end->first.first == &adapter; ++end ) {
-      for ( auto const & [key, target] : end->second ) {
-         placeDel( { &adapter, end->first.second, key }, target );
-      }
+void References::adapterDel( Adapter & adapter ) {
+   if ( places_.empty() ) return;
+   for ( auto found = adapters_.find( &adapter ); found != adapters_.end(); found = adapters_.find( &adapter ) ) {
+      placeDel( *found->second.first() );
    }
-   targets_.erase( begin, end );
    targetIs( adapter.entity() );
 }
 

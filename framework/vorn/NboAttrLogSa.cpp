@@ -1,7 +1,7 @@
 // The life of an adapter: how an entity comes to a log, whose child it is there, whether it waits to send,
 // and how it leaves.
 
-#include "NboAttrLogReferences.h"
+#include "NboAttrLogState.h"
 #include "Vorn/ReflectOps.h"
 #include "Vorn/StreamAdapter.h"
 
@@ -17,7 +17,7 @@ Ptr< StreamAdapter > Entity::vornNboAttrLogSa( Ptr< Out > const & out ) const {
 }
 
 Ptr< StreamAdapter > Entity::vornNboAttrLogSaIs( Vorn_BitSet flags, unsigned level, Ptr< Out > const & out ) {
-   if ( !out ) return nullptr;
+   if ( !out || !vornHasAttrLogInterface() ) return nullptr;
    if ( auto * const present = out->adapter( *this ) ) {
       present->flagsIs( flags );
       return Ptr< StreamAdapter >( present );
@@ -28,7 +28,7 @@ Ptr< StreamAdapter > Entity::vornNboAttrLogSaIs( Vorn_BitSet flags, unsigned lev
       if ( type.childAttrLogIs ) type.childAttrLogIs( &type, parentAttrName().charPtr(), *owner, out );
       if ( out->adapter( *this ) ) return vornNboAttrLogSaIs( flags, level, out );
    }
-   auto const adapter = out->newAdapter( *this, flags, level, nullptr );
+   auto const adapter = out->state().newAdapter( *out, *this, flags, level, nullptr );
    adapter->doSerializeOrphan();
    return adapter;
 }
@@ -64,17 +64,15 @@ U32 StreamAdapter::handleAttrFlowOut( U32 ) { return 0; }
 Sa::VornNboAttrLogSa( Entity & entity, Out & out, Vorn_BitSet flags, unsigned level,
                       VornNboAttrLogSa * parent )
      : StreamAdapter( Vorn_BitSet( flags.word() & Vorn_BitSet::notificationBitMask() ), level ),
-       holds_( parent ), entity_( &entity ), type_( *entity.fwkType() ), out_( &out ), observer_( *this ),
-       parent_( parent ) {
-   if ( holds_ ) entity.referenceInc();
-   nextChild_ = siblings();
-   if ( nextChild_ ) nextChild_->prevChild_ = this;
-   siblings() = this;
+       entity_( &entity ), out_( &out ), observer_( *this ), parent_( parent ),
+       flowOut_( *entity.fwkType() ) {
+   entity.referenceInc();
+   family().pushFront( *this );
 }
 
 Sa::~VornNboAttrLogSa() {
    observer_.adapterDel();
-   if ( holds_ ) entity_->referenceDec();
+   entity_->referenceDec();
 }
 
 void Sa::hasNotificationActiveIs( bool active ) { observer_.hasNotificationActiveIs( active ); }
@@ -84,7 +82,7 @@ Ptr< Sa > Sa::childNboAttrLogAdapterIs( Entity & child ) {
       if ( present->parent_ == this ) return Ptr< Sa >( present );
       present->close(); // it was on the log by itself, and now comes as part of this entity
    }
-   auto const made = out_->newAdapter( child, 0, level_ + 1, this );
+   auto const made = out_->state().newAdapter( *out_, child, 0, level_ + 1, this );
    doFixChildFlags( *made );
    return made;
 }
@@ -99,7 +97,7 @@ void Sa::flagsIs( Vorn_BitSet flags ) {
    U32 const old = status_.word();
    bool const wasSuppressed = status_.any( suppressed );
    status_ = Vorn_BitSet( ( ( flags.word() ^ old ) & Vorn_BitSet::notificationBitMask() ) ^ old );
-   for ( auto * child = firstChild_; child; child = child->nextChild_ ) {
+   for ( auto * child = children_.first(); child; child = Family::next( *child ) ) {
       child->flagsIs( flags );
    }
    reschedule();
@@ -107,70 +105,64 @@ void Sa::flagsIs( Vorn_BitSet flags ) {
    if ( wasSuppressed && !status_.any( suppressed ) && entityId() ) doThis();
 }
 
-/// The adapter waits in the log's list if it has something to write and may.
-void Sa::reschedule() { pendingIs( ( flowOut_ || orphanPending_ ) && maySend() ); }
+/// The adapter is queued if it has something to write and may.
+void Sa::reschedule() {
+   bool const waits = flowOut_.any();
+   status_.bitsIs( flowOutPresent, waits );
+   bool const queued = ( waits || status_.any( orphanPending ) ) && maySend();
+   U32 const queue = status_.any( awaits ) ? awaitingQueued : pendingQueued;
+   queueIs( queued ? queue : 0 );
+}
 
-void Sa::pendingIs( bool pending ) {
-   if ( pending == pending_ ) return;
-   pending_ = pending;
-   if ( pending ) {
-      nextPending_ = nullptr;
-      prevPending_ = out_->lastPending_;
-      ( prevPending_ ? prevPending_->nextPending_ : out_->firstPending_ ) = this;
-      out_->lastPending_ = this;
-      return;
-   }
-   ( prevPending_ ? prevPending_->nextPending_ : out_->firstPending_ ) = nextPending_;
-   ( nextPending_ ? nextPending_->prevPending_ : out_->lastPending_ ) = prevPending_;
-   nextPending_ = prevPending_ = nullptr;
+void Sa::queueIs( U32 queue ) {
+   U32 const old = status_.word() & ( pendingQueued | awaitingQueued );
+   if ( queue == old ) return;
+   auto & state = out_->state();
+   if ( old ) ( old == pendingQueued ? state.pending : state.awaiting ).remove( *this );
+   status_.bitsIs( old, false );
+   status_.bitsIs( queue, true );
+   if ( queue ) ( queue == pendingQueued ? state.pending : state.awaiting ).pushBack( *this );
 }
 
 /// Puts the adapter in front of the others that wait.
 void Sa::pendingFirst() {
-   pendingIs( false );
-   pending_ = true;
-   nextPending_ = out_->firstPending_;
-   ( nextPending_ ? nextPending_->prevPending_ : out_->lastPending_ ) = this;
-   out_->firstPending_ = this;
+   if ( !status_.any( pendingQueued ) ) return;
+   out_->state().pending.remove( *this );
+   out_->state().pending.pushFront( *this );
 }
 
-/// Whether the member was named in the transaction that is running; until then it does not send.
 void Sa::confirmedIs( bool confirmed ) {
    status_.bitsIs( unconfirmed, !confirmed );
    reschedule();
 }
 
-/// Takes the entity off the log, with all below it.
+void Sa::entityIdIs( U32 id, bool byPeer ) noexcept {
+   ( byPeer ? peerId_ : ownId_ ) = id;
+   status_.bitsIs( hasEntityId, entityId() );
+}
+
 void Sa::close() {
    if ( !out_ ) return;
    Ptr< VornNboAttrLogSa > const hold( this );
-   observer_.adapterDel();
-   while ( firstChild_ ) {
-      firstChild_->close();
-   }
    // A member's collection tells that it has gone; of an entity by itself nobody else could.
-   if ( !parent_ && ownId_ && !out_->closing_ ) out_->withdrawn_.push_back( ownId_ );
-   leaveSiblings();
-   pendingIs( false );
-   if ( flowOut_ ) freeResyncState( *flowOut_ );
-   flowOut_.reset();
-   auto & queuesSeen = out_->queuesSeen_;
-   queuesSeen.erase( queuesSeen.lower_bound( { this, 0 } ), queuesSeen.upper_bound( { this, ~0u } ) );
-   std::exchange( out_, nullptr )->adapterDel( *this );
+   if ( !parent_ && ownId_ && !out_->state().closing ) out_->state().withdrawn.push_back( ownId_ );
+   observer_.adapterDel();
+   while ( auto * const child = children_.first() ) {
+      child->close();
+   }
+   family().remove( *this );
+   parent_ = nullptr;
+   queueIs( 0 );
+   freeResyncState( flowOut_ );
+   std::exchange( out_, nullptr )->state().adapterDel( *this );
 }
 
-/// The first of the adapters that have the same parent.
-Sa *& Sa::siblings() noexcept { return parent_ ? parent_->firstChild_ : out_->firstRoot_; }
-
-void Sa::leaveSiblings() {
-   ( prevChild_ ? prevChild_->nextChild_ : siblings() ) = nextChild_;
-   if ( nextChild_ ) nextChild_->prevChild_ = prevChild_;
-   parent_ = nextChild_ = prevChild_ = nullptr;
-}
+/// Those that have the same parent.
+Sa::Family & Sa::family() noexcept { return parent_ ? parent_->children_ : out_->state().roots; }
 
 /// Called within the handling of an exception: the host is given the first.
 void Sa::onNotificationException() {
-   if ( out_ && !out_->exception_ ) out_->exception_ = std::current_exception();
+   if ( out_ ) out_->exceptionIs();
 }
 
 void Sa::onFwkActivity() {
@@ -194,10 +186,6 @@ void Sa::VornNboAttrLogSaAdapter_::handleNotification( U32 attributeId, void con
 
 void Sa::VornNboAttrLogSaAdapter_::onNotificationException() {
    if ( adapter_ ) adapter_->onNotificationException();
-}
-
-void Sa::VornNboAttrLogSaAdapter_::onZeroReferences() {
-   if ( Ptr< VornNboAttrLogSa > const adapter{ adapter_ } ) adapter->close();
 }
 
 void Sa::VornNboAttrLogSaAdapter_::vornFwkActivity() {

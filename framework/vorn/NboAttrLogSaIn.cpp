@@ -3,6 +3,7 @@
 #include "Vorn/NboAttrLogIn.h"
 
 #include "NboAttrLogAnchors.h"
+#include "NboAttrLogState.h"
 #include "Vorn/Strep.h"
 
 namespace Vorn {
@@ -25,9 +26,9 @@ class NboAttrLog::FlowIn {
    /// A change of one attribute, at a key for a collection; without an attribute, of the arguments of a
    /// member that is asked for again.
    FlowIn( Out & out, Sa const & adapter, VornAttr const * attr, void const * key ) noexcept
-        : out_( out ), adapter_( adapter ), attr_( attr ), key_( key ),
-          outer_( std::exchange( out.flowIn_, this ) ) {}
-   ~FlowIn() { out_.flowIn_ = outer_; }
+        : state_( out.state() ), adapter_( adapter ), attr_( attr ), key_( key ),
+          outer_( std::exchange( state_.flowIn, this ) ) {}
+   ~FlowIn() { state_.flowIn = outer_; }
    FlowIn( FlowIn const & ) = delete;
    FlowIn & operator=( FlowIn const & ) = delete;
 
@@ -45,7 +46,7 @@ class NboAttrLog::FlowIn {
    bool writtenAgain() const noexcept { return reported_ > made_; }
 
  private:
-   Out & out_;
+   OutState & state_;
    Sa const & adapter_;
    VornAttr const * attr_;
    void const * key_;
@@ -55,7 +56,7 @@ class NboAttrLog::FlowIn {
 };
 
 FlowIn * Sa::flowInFor( VornAttr const & attr, void const * key ) const noexcept {
-   FlowIn * flowIn = out_->flowIn_;
+   FlowIn * flowIn = out_->state().flowIn;
    while ( flowIn && !flowIn->holds( *this, attr, key ) ) {
       flowIn = flowIn->outer();
    }
@@ -68,7 +69,6 @@ bool Sa::flowInReported( VornAttr const & attr, void const * key ) {
    return flowIn;
 }
 
-/// Refuses what comes from a read-only copy, unless the host lets it write this attribute.
 void Sa::checkWritable( U32 attributeId ) const {
    if ( status_.any( remoteReadOnly ) && !allowWriteFromReadOnlyRemote( attributeId ) ) {
       throwWriteUpdateFromReadOnlyProxyException();
@@ -76,7 +76,8 @@ void Sa::checkWritable( U32 attributeId ) const {
 }
 
 bool Sa::allowWriteFromReadOnlyRemote( U32 attributeId ) const {
-   return out_->permits_ && out_->permits_->writeFromReadOnlyRemote( *entity_, attributeId );
+   auto * const permits = out_->permits();
+   return permits && permits->writeFromReadOnlyRemote( *entity_, attributeId );
 }
 
 void Sa::throwWriteUpdateFromReadOnlyProxyException() { refuse( "a change came in from a read-only copy" ); }
@@ -92,128 +93,155 @@ void Sa::apply( VornAttr const & attr, void const * key, Call const & call ) {
    }
    if ( !again || !out_ ) return;
    try {
-      onX( attr, key );
+      onAttribute( attr.id(), key );
    } catch ( ... ) {
       onNotificationException();
    }
 }
 
-void Sa::doHandleAttrDeserialization( U32 attributeId, In & in ) {
-   if ( attributeId == NboAttrLog::groupId || attributeId == 0 - NboAttrLog::groupId ) {
+void Sa::doHandleAttrDeserialization( U32 attributeId, bool introducing, unsigned, Ptr< In > const & in ) {
+   Ptr< VornNboAttrLogSa > const hold( this ); // whatever observers do
+   bool const isGroup = attributeId == NboAttrLog::groupId || attributeId == 0 - NboAttrLog::groupId;
+   bool const deletion = attributeId & 0x80000000;
+   VornAttr const * const attr = isGroup ? nullptr : &loggedAttribute( deletion ? 0 - attributeId : attributeId );
+   if ( introducing != ( attr && attr->instantiating() && !deletion ) ) {
+      refuse( "a record is of the wrong kind for its attribute" );
+   }
+   if ( isGroup ) {
       groupFromLog( in );
       return;
    }
-   bool const deletion = attributeId & 0x80000000;
-   VornAttr const & attr = loggedAttribute( deletion ? 0 - attributeId : attributeId );
-   checkWritable( attr.id() );
+   checkWritable( attr->id() );
    if ( deletion ) {
-      deletionFromLog( attr, in, true );
-   } else if ( attr.kind() == VornKind::mutableAttr ) {
-      scalarFromLog( attr, in, true );
-   } else if ( attr.instantiating() ) {
-      memberFromLog( attr, in );
+      deletionFromLog( *attr, *in, nullptr );
+   } else if ( attr->kind() == VornKind::mutableAttr ) {
+      scalarFromLog( *attr, *in );
+   } else if ( attr->instantiating() ) {
+      memberFromLog( *attr, *in, nullptr );
    } else {
-      valueFromLog( attr, in, true );
+      valueFromLog( *attr, *in, nullptr );
    }
 }
 
 VornAttr const & Sa::loggedAttribute( U32 id ) const {
-   VornAttr const * const attr = attribute( id );
+   VornAttr const * const attr = flowOut_.attribute( id );
    if ( !attr || !attr->logged() ) doBaseVornNboAttrLogSaMsg( id );
    return *attr;
 }
 
 /// An attribute that is none of the type's logged ones: those of `Entity` are not logged either.
 void Sa::doBaseVornNboAttrLogSaMsg( U32 attributeId ) const {
-   refuse( format( "attribute %#x of %s is not logged", attributeId, type_.name ) );
+   refuse( format( "attribute %#x of %s is not logged", attributeId, type().name ) );
 }
 
-/// Several attribute records of one entity under one head. All are read before the first is applied, so that
-/// a bad one leaves all as they were.
-void Sa::groupFromLog( In & in ) {
-   U16 const first = in.nextU16();
-   U16 const end = in.nextU16();
-   if ( first != 2 * sizeof( U16 ) || end < first ) refuse( "a group has impossible bounds" );
-   In const part = in.nextEntries( end - first );
-   in.endIs();
-   U32 lastEntityId = in.demuxer().lastEntityId_;
-   for ( bool const write : { false, true } ) {
-      In entries = part;
-      while ( entries.left() && out_ ) {
-         entryFromLog( entries, write, lastEntityId );
-      }
+/// What is known of a group that is being read. All of it is read and checked before the first record is
+/// applied, so that a bad one leaves all as they were.
+struct Sa::GroupState {
+   bool write = false;
+   U32 records = 0;      // all of the group
+   U32 lastEntityId = 0; // the highest number that came in, the group's included
+};
+
+/// Several records of collections of one entity under one head.
+void Sa::groupFromLog( Ptr< In > const & in ) {
+   U16 const first = in->nextU16();
+   U16 const end = in->nextU16();
+   if ( first != 2 * sizeof( U16 ) || end != in->left() + first ) refuse( "a group has impossible bounds" );
+   in->entriesAre( true );
+   GroupState group;
+   group.lastEntityId = in->demuxer().lastEntityId();
+   U8 const * const place = in->place();
+   while ( in->left() ) {
+      entryFromLog( *in, group );
+   }
+   in->placeIs( place );
+   group.write = true;
+   while ( in->left() && out_ ) {
+      entryFromLog( *in, group );
    }
 }
 
-/// One entry: a scalar, a member, or a deletion. A word that names no logged attribute is passed over.
-void Sa::entryFromLog( In & in, bool write, U32 & lastEntityId ) {
+/// One entry: a member, or a deletion. A word that names no logged attribute is passed over.
+void Sa::entryFromLog( In & in, GroupState & group ) {
    U32 const attributeId = in.nextAttributeId();
    bool const deletion = attributeId & 0x80000000;
-   VornAttr const * const attr = attribute( deletion ? 0 - attributeId : attributeId );
+   VornAttr const * const attr = flowOut_.attribute( deletion ? 0 - attributeId : attributeId );
    if ( !attr || !attr->logged() ) return;
-   bool const keyed = attr->kind() == VornKind::entityColl || attr->kind() == VornKind::valueColl;
-   if ( attr->kind() != VornKind::mutableAttr && !keyed ) {
-      refuse( "a group holds scalars and members of collections only" );
-   }
+   if ( !attr->keyed() ) refuse( "a group holds records of collections only" );
    checkWritable( attr->id() );
+   if ( !group.write ) ++group.records;
    if ( deletion ) {
-      deletionFromLog( *attr, in, write );
-   } else if ( attr->kind() == VornKind::mutableAttr ) {
-      scalarFromLog( *attr, in, write );
-   } else if ( attr->kind() == VornKind::valueColl ) {
-      valueFromLog( *attr, in, write );
-   } else if ( write ) {
-      memberFromLog( *attr, in );
+      deletionFromLog( *attr, in, &group );
+   } else if ( attr->kind() == VornKind::entityColl ) {
+      memberFromLog( *attr, in, &group );
    } else {
-      Arguments const arguments( in, attr->memberCtorArgs );
-      NboAttrLog::ensureCorrectType( in.nextType(), *attr->type );
-      U32 const id = in.nextEntityId();
-      if ( !( id & NboAttrLog::numberedByPeer ) || id <= lastEntityId ) {
-         refuse( "a group holds a member with a number that was given before" );
-      }
-      lastEntityId = id;
+      valueFromLog( *attr, in, &group );
    }
 }
 
-void Sa::scalarFromLog( VornAttr const & attr, In & in, bool write ) {
+void Sa::scalarFromLog( VornAttr const & attr, In & in ) {
    GenericIf::Value value( attr.type );
    attr.type->methods->logIn( in, value.data() );
    in.endIs();
-   if ( !write ) return;
    apply( attr, nullptr, [&]( FlowIn & ) {
       void const * const arg = value.data();
       attr.ops->op( nullptr, object(), attr, GenericIf::write, nullptr, &arg );
    } );
 }
 
+/// Refuses a key for which a collection has no room: it is not the other end that ends this process.
+void Sa::checkRoom( VornAttr const & attr, void const * key, GroupState const * group ) {
+   if ( !attr.keyed() || attr.kind() == VornKind::queue ) return;
+   U32 const others = group && !group->write ? group->records - 1 : 0;
+   U32 members = 0;
+   attr.ops->op( &members, object(), attr, GenericIf::members, nullptr, nullptr );
+   if ( members + others < HashMap2018BktHdr::maxSlots ) return;
+   bool crowded = false;
+   void const * const arg = &others;
+   attr.ops->op( &crowded, object(), attr, GenericIf::crowded, key, &arg );
+   if ( crowded ) refuse( String( "too many keys of one hash for attribute " ) + attr.name );
+}
+
 /// A member of a collection that is no entity of its own, or a single reference.
-void Sa::valueFromLog( VornAttr const & attr, In & in, bool write ) {
+void Sa::valueFromLog( VornAttr const & attr, In & in, GroupState * group ) {
    std::optional< GenericIf::Value > key;
    if ( attr.keyed() ) {
       key.emplace( attr.keyType );
       attr.keyType->methods->logIn( in, key->data() );
    }
+   void const * const at = key ? key->data() : nullptr;
    GenericIf::Value value( attr.type );
+   void const * const arg = value.data();
    bool const isReference = attr.kind() == VornKind::reference || attr.kind() == VornKind::referenceColl;
+   bool leads = true;
    if ( isReference ) {
-      *static_cast< Ptr< PtrInterface > * >( value.data() ) = in.nextEntity();
+      U8 const * const place = in.place();
+      if ( !in.nextU32() && at ) refuse( "a collection of references holds none to nobody" );
+      in.placeIs( place );
+      auto const entity = in.nextEntity();
+      leads = bool( entity );
+      if ( leads && !entity->fwkType()->isDerived( attr.type ) ) {
+         NboAttrLog::ensureCorrectType( *entity->fwkType(), *attr.type );
+      }
+      *static_cast< Ptr< PtrInterface > * >( value.data() ) = entity;
+      bool own = true;
+      attr.ops->op( &own, object(), attr, GenericIf::ownKey, at, &arg );
+      if ( !own ) refuse( "a reference stands under a key that is not its own" );
    } else if ( attr.isSet() ) {
       *static_cast< bool * >( value.data() ) = true;
    } else {
       attr.type->methods->logIn( in, value.data() );
    }
    in.endIs();
-   if ( !write ) return;
-   void const * const at = key ? key->data() : nullptr;
-   if ( isReference && at && !*static_cast< Ptr< PtrInterface > * >( value.data() ) ) {
+   checkRoom( attr, at, group );
+   if ( group && !group->write ) return;
+   if ( at && !leads ) {
       memberDel( attr, at );
       return;
    }
    apply( attr, at, [&]( FlowIn & ) {
-      void const * const arg = value.data();
       if ( attr.kind() == VornKind::queue ) {
-         auto const seen = out_->queuesSeen_.find( { this, attr.id() } );
-         if ( seen != out_->queuesSeen_.end() ) seen->second.insert( *static_cast< U32 const * >( at ) );
+         out_->state().queueMarks.indexIs( *this, attr.id(), *static_cast< U32 const * >( at ), true );
       } else if ( at ) {
          attr.ops->op( nullptr, object(), attr, GenericIf::clearMark, at, nullptr );
       }
@@ -221,15 +249,23 @@ void Sa::valueFromLog( VornAttr const & attr, In & in, bool write ) {
    } );
 }
 
-void Sa::memberFromLog( VornAttr const & attr, In & in ) {
+void Sa::memberFromLog( VornAttr const & attr, In & in, GroupState * group ) {
    Arguments const arguments( in, attr.memberCtorArgs );
    NboAttrLog::ensureCorrectType( in.nextType(), *attr.type );
    U32 const id = in.nextEntityId();
    in.endIs();
    void const * const key = attr.keyed() ? arguments.pointers()[attr.memberKeyIndex()] : nullptr;
+   checkRoom( attr, key, group );
+   if ( group && !group->write ) {
+      if ( !( id & NboAttrLog::numberedByPeer ) || id <= group->lastEntityId ) {
+         refuse( "a group holds a member with a number that was given before" );
+      }
+      group->lastEntityId = id;
+      return;
+   }
    Ptr< PtrInterface > member;
    attr.ops->op( &member, object(), attr, GenericIf::read, key, nullptr );
-   auto * const known = out_->adapterById( id );
+   auto * const known = out_->state().adapterById( id );
    if ( known ) {
       // Said again of a member that is known, so it must be that one.
       if ( &known->entity() != member.ptr() ) refuse( "a member comes in with the number of another entity" );
@@ -267,7 +303,7 @@ void Sa::memberFromLog( VornAttr const & attr, In & in ) {
    if ( out_ && entity.parent().ptr() == entity_ ) in.demuxer().doEntityIdIs( entity, id, this );
 }
 
-void Sa::deletionFromLog( VornAttr const & attr, In & in, bool write ) {
+void Sa::deletionFromLog( VornAttr const & attr, In & in, GroupState * group ) {
    std::optional< GenericIf::Value > key;
    if ( attr.keyed() ) {
       key.emplace( attr.keyType );
@@ -276,7 +312,24 @@ void Sa::deletionFromLog( VornAttr const & attr, In & in, bool write ) {
       refuse( "an attribute that cannot be deleted is deleted" );
    }
    in.endIs();
-   if ( write ) memberDel( attr, key ? key->data() : nullptr );
+   if ( group && !group->write ) return;
+   void const * const at = key ? key->data() : nullptr;
+   memberDel( attr, at );
+   if ( out_ && attr.kind() == VornKind::queue ) indexPassed( attr, *static_cast< U32 const * >( at ) );
+}
+
+/// An index was given that has gone again: the queue goes on behind it as the original does.
+void Sa::indexPassed( VornAttr const & attr, U32 index ) {
+   out_->state().queueMarks.indexIs( *this, attr.id(), index, false );
+   U32 indices[2];
+   attr.ops->op( indices, object(), attr, GenericIf::indices, nullptr, nullptr );
+   if ( std::int32_t( index - indices[1] ) < 0 ) return;
+   U32 members = 0;
+   attr.ops->op( &members, object(), attr, GenericIf::members, nullptr, nullptr );
+   indices[1] = index + 1;
+   if ( !members ) indices[0] = indices[1];
+   void const * const arg = indices;
+   attr.ops->op( nullptr, object(), attr, GenericIf::indicesIs, nullptr, &arg );
 }
 
 void Sa::memberDel( VornAttr const & attr, void const * key ) {
@@ -284,24 +337,25 @@ void Sa::memberDel( VornAttr const & attr, void const * key ) {
           [&]( FlowIn & ) { attr.ops->op( nullptr, object(), attr, GenericIf::del, key, nullptr ); } );
 }
 
-void StreamAdapter::doHandleAttrTransaction( U32, AttrTransactionType, In & ) {
+void StreamAdapter::doHandleAttrTransaction( U32, AttrTransactionType, unsigned, Ptr< NboAttrLog::In > const & ) {
    refuse( "a marker that cannot be" );
 }
 
-void Sa::doHandleAttrTransaction( U32 attributeId, AttrTransactionType type, In & in ) {
-   VornAttr const * const attr = attribute( attributeId );
-   if ( !attr || !attr->logged() || !attr->keyed() ||
+void Sa::doHandleAttrTransaction( U32 attributeId, AttrTransactionType type, unsigned word,
+                                  Ptr< In > const & in ) {
+   VornAttr const * const attr = flowOut_.attribute( attributeId );
+   if ( !attr || !attr->logged() || !attr->keyed() || word ||
         ( type != transactionBegin && type != transactionEnd ) ) {
-      StreamAdapter::doHandleAttrTransaction( attributeId, type, in );
+      StreamAdapter::doHandleAttrTransaction( attributeId, type, word, in );
       return;
    }
    checkWritable( attributeId );
-   Ptr< Entity > const hold( entity_ ); // while it is walked an observer may drop it
+   Ptr< VornNboAttrLogSa > const hold( this ); // and with it the entity, which an observer may drop
    if ( attr->kind() == VornKind::queue ) {
-      queueFromLog( *attr, type, in );
+      queueFromLog( *attr, type, *in );
       return;
    }
-   in.endIs();
+   in->endIs();
    if ( type == transactionEnd ) {
       sweep( *attr );
    } else if ( attr->kind() == VornKind::entityColl ) {
@@ -325,7 +379,7 @@ void Sa::sweep( VornAttr const & attr ) {
          Ptr< PtrInterface > member;
          it.object( &member );
          auto const * const adapter = out_->adapter( static_cast< Entity & >( *member ) );
-         stale = !adapter || adapter->status_.any( unconfirmed );
+         stale = !adapter || adapter->flags().any( unconfirmed );
       } else {
          stale = it.markedForDeletion();
       }
@@ -354,7 +408,7 @@ void Sa::queueFromLog( VornAttr const & attr, AttrTransactionType type, In & in 
       }
    };
    if ( type == transactionBegin ) {
-      out_->queuesSeen_[{ this, attr.id() }].clear();
+      out_->state().queueMarks.begin( *this, attr.id() );
       // What is left rises, as it does in the original; where the indices have wrapped, nothing is.
       U32 least = indices[0];
       delUnless( [&]( U32 index ) {
@@ -363,9 +417,9 @@ void Sa::queueFromLog( VornAttr const & attr, AttrTransactionType type, In & in 
          return true;
       } );
       void const * const arg = indices;
-      attr.ops->op( nullptr, object(), attr, GenericIf::indicesIs, nullptr, &arg );
-   } else if ( auto const begun = out_->queuesSeen_.extract( { this, attr.id() } ) ) {
-      delUnless( [&]( U32 index ) { return begun.mapped().contains( index ); } );
+      if ( out_ ) attr.ops->op( nullptr, object(), attr, GenericIf::indicesIs, nullptr, &arg );
+   } else if ( auto const seen = out_->state().queueMarks.end( *this, attr.id() ) ) {
+      delUnless( [&]( U32 index ) { return seen->has( index ); } );
    }
 }
 

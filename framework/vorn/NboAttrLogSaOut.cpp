@@ -1,25 +1,19 @@
 // The outgoing half of an adapter: changes of its entity become records.
 
 #include "NboAttrLogAnchors.h"
-#include "NboAttrLogReferences.h"
-
-#include <algorithm>
+#include "NboAttrLogState.h"
 
 namespace Vorn {
 
 using NboAttrLog::Out;
+using NboAttrLog::Sent;
 using Sa = Entity::VornNboAttrLogSa;
 
 namespace {
 
-/// Attributes that one record sets, without a key and without an entity.
-bool isScalar( VornAttr const & attr ) noexcept {
-   return attr.kind() == VornKind::mutableAttr && attr.logged();
-}
-
-void writeAttr( Out & out, void * object, VornAttr const & attr ) {
+void writeAttr( Out & out, void * object, VornAttr const & attr, GenericIf::AttributeOp read ) {
    GenericIf::Value value( attr.type );
-   attr.ops->op( value.data(), object, attr, GenericIf::read, nullptr, nullptr );
+   attr.ops->op( value.data(), object, attr, read, nullptr, nullptr );
    attr.type->methods->logOut( out, value.data() );
 }
 
@@ -30,40 +24,39 @@ void writeArguments( Out & out, Entity & entity ) {
    using NboAttrLog::logOut;
    if ( first && first->name && !std::strcmp( first->name, "name" ) ) logOut( out, entity.name() );
    for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
-      if ( attr->isCtorArg() ) writeAttr( out, static_cast< PtrInterface * >( &entity ), *attr );
+      if ( attr->isCtorArg() ) writeAttr( out, static_cast< PtrInterface * >( &entity ), *attr, GenericIf::read );
    }
 }
 
 } // namespace
 
-/// Writes a record about the entity. False if there is no room for it, which a flag tells as well.
+/// Writes a record about the entity. Where there is no room for it, a flag tells as well.
 template< class Body >
-bool Sa::send( NboAttrLog::RecordKind kind, U32 attributeId, Body const & body ) {
+Sent Sa::send( NboAttrLog::RecordKind kind, U32 attributeId, Body const & body ) {
    status_.bitsIs( noRoom, false );
    bool const sent = out_->record( kind, entityId(), attributeId, body );
    status_.bitsIs( noRoom, !sent );
-   return sent;
+   return sent ? Sent::yes : Sent::noRoom;
 }
 
 /// The number of a type on the log, or 0 if there is no room to announce it.
 U32 Sa::typeNumber( VornType const & type ) {
-   U32 const number = out_->typeNumber( type );
+   U32 const number = out_->state().typeNumber( *out_, type );
    status_.bitsIs( noRoom, !number );
    return number;
-}
-
-VornAttr const * Sa::attribute( U32 id ) const noexcept {
-   // A type's own attributes follow those of `Entity` in one run, so the place is nearly always known.
-   U32 const place = 5 + id - Entity::vornChildFirstId;
-   if ( place < type_.attributeNum && type_.attributes[place].id() == id ) return &type_.attributes[place];
-   return type_.attribute( id );
 }
 
 // What a change becomes.
 
 void Sa::onAttribute( U32 attributeId, void const * key ) {
-   VornAttr const * const x = attribute( attributeId );
-   if ( x && x->logged() ) onX( *x, key );
+   VornAttr const * const x = flowOut_.attribute( attributeId );
+   if ( !x || !x->logged() ) return;
+   try {
+      onX( *x, key );
+   } catch ( std::bad_alloc const & ) {
+      if ( out_ && status_.any( hasEntityId ) ) markAgain( *x );
+      throw;
+   }
 }
 
 void Sa::onX( VornAttr const & x, void const * key ) {
@@ -76,11 +69,15 @@ void Sa::onX( VornAttr const & x, void const * key ) {
 
 void Sa::handleValueSerialization( VornAttr const & x ) {
    if ( !handleValueSerializationImpl( x ) ) return;
-   bool const sent = serialize( x );
-   if ( !sent ) {
-      flowOutIs().vornIsDirtyIs( x.id(), true );
-   } else if ( flowOut_ ) {
-      flowOut_->vornIsDirtyIs( x.id(), false );
+   // Before it is read, in case it is written again meanwhile.
+   if ( flowOut_.any() ) flowOut_.vornIsDirtyIs( x.id(), false );
+   switch ( serialize( x ) ) {
+   case Sent::yes: break;
+   case Sent::noRoom: dirtyIs( x ); break;
+   case Sent::awaits:
+      flowOut_.vornIsDirtyIs( x.id(), true );
+      waits( Sent::awaits );
+      break;
    }
 }
 
@@ -91,9 +88,10 @@ Out * Sa::handleValueSerializationImpl( VornAttr const & x ) {
    if ( status_.any( handlingFlowOut ) ) return out_;
    if ( status_.any( readOnly ) && !convertedToWritable() ) doThrowReadOnly( x );
    if ( !status_.any( stopped | alwaysFlowOut ) && out_->hasSufficientBuffer() &&
-        !( flowOut_ && flowOut_->vornIsDirty( x.id() ) ) )
+        !( flowOut_.any() && flowOut_.vornIsDirty( x.id() ) ) ) {
       return out_;
-   flowOutIs().vornIsDirtyIs( x.id(), true );
+   }
+   dirtyIs( x );
    return nullptr;
 }
 
@@ -106,30 +104,36 @@ void Sa::vornHandleXSerializeSing( VornAttr const & x, void const * key ) {
       return;
    }
    if ( status_.any( readOnly ) && !convertedToWritable() ) doThrowReadOnly( x );
-   bool const room = out_->hasSufficientBuffer();
-   if ( flowOut_ ) {
-      if ( !room || !prepareImmediateTransmission( x ) ) {
-         keyDirtyIs( x, key );
-         return;
-      }
-      if ( flowOut_->hasDirtyCollKeys() )
-         flowOut_->vornIsXDirtyDel( x.id(), GenericIf::Value( x.keyType, key ) );
-   } else if ( !room || status_.any( alwaysFlowOut ) ) {
-      flowOutIs().attrIdIs( x.id() );
+   if ( !out_->hasSufficientBuffer() || !prepareImmediateTransmission( x ) ) {
       keyDirtyIs( x, key );
       return;
    }
-   if ( !serializeKey( x, key ) ) keyDirtyIs( x, key );
+   if ( flowOut_.any() ) flowOut_.vornIsXDirtyDel( x.id(), key );
+   switch ( serializeKey( x, key ) ) {
+   case Sent::yes:
+      if ( status_.any( flowOutPresent ) ) reschedule();
+      break;
+   case Sent::noRoom: keyDirtyIs( x, key ); break;
+   case Sent::awaits:
+      keyMark( x, key );
+      waits( Sent::awaits );
+      break;
+   }
 }
 
-/// Whether a change of a collection may go out before what waits already.
+/// Whether a change of a collection may go out before what waits already. In a queue none overtakes another.
 bool Sa::prepareImmediateTransmission( VornAttr const & x ) const {
-   return !status_.any( alwaysFlowOut ) && flowOut_->vornHasSynced( x.id() );
+   if ( status_.any( alwaysFlowOut ) ) return false;
+   if ( !flowOut_.any() ) return true;
+   return flowOut_.vornHasSynced( x.id() ) &&
+          !( x.kind() == VornKind::queue && flowOut_.vornIsXDirty( x.id() ) );
 }
 
 /// Whether a read-only adapter may write after all.
 bool Sa::convertedToWritable() {
-   if ( out_->permits_ && out_->permits_->writable( *entity_ ) ) status_.bitsIs( readOnly, false );
+   if ( auto * const permits = out_->permits(); permits && permits->writable( *entity_ ) ) {
+      status_.bitsIs( readOnly, false );
+   }
    return !status_.any( readOnly );
 }
 
@@ -141,82 +145,99 @@ void Sa::doThrowReadOnly( VornAttr const & x ) const {
 // Introduction.
 
 bool Sa::doSerializeOrphan() {
-   bool introduced = false;
-   if ( maySend() ) {
-      NboAttrLog::FlagAnchor const anchor( status_, orphanRecord );
-      U32 const type = typeNumber( type_ );
-      U32 const id = out_->lastEntityId_ + 1;
-      introduced = type && send( NboAttrLog::introducingRecord, NboAttrLog::orphanId, [&] {
-                      out_->putU8( Out::typeSection );
-                      out_->putU32( type );
-                      out_->putU8( Out::argumentSection );
-                      writeArguments( *out_, *entity_ );
-                      out_->putU8( Out::entityIdSection );
-                      out_->putU32( id );
-                   } );
-   }
-   orphanPending_ = !introduced;
+   status_.bitsIs( orphanPending, true );
    reschedule();
-   if ( !introduced ) return false;
-   out_->entityIdIs( *this, out_->newEntityId() );
+   if ( !maySend() ) return false;
+   U32 const id = out_->state().lastEntityId + 1;
+   {
+      NboAttrLog::FlagAnchor const anchor( status_, orphanRecord );
+      U32 const type = typeNumber( this->type() );
+      if ( !type ) return false;
+      Sent const sent = introduce( *this, id, [&] {
+         return send( NboAttrLog::introducingRecord, NboAttrLog::orphanId, [&] {
+            out_->putU8( Out::typeSection );
+            out_->putU32( type );
+            out_->putU8( Out::argumentSection );
+            writeArguments( *out_, *entity_ );
+            out_->putU8( Out::entityIdSection );
+            out_->putU32( id );
+         } );
+      } );
+      if ( sent != Sent::yes ) return false;
+   }
+   status_.bitsIs( orphanPending, false );
    doThis();
    return true;
 }
 
+/// Gives an entity its number, and takes it back unless the record that says so is written. The place is taken
+/// first, so that no number that the other end has is ever forgotten.
+template< class Write >
+Sent Sa::introduce( VornNboAttrLogSa & adapter, U32 id, Write const & write ) {
+   auto & state = out_->state();
+   VORN_ASSERT( id < NboAttrLog::numberedByPeer ); // a connection that lives so long must be made anew
+   Sent sent = Sent::noRoom;
+   try {
+      state.byId.valueIs( id, &adapter );
+      sent = write();
+   } catch ( ... ) {
+      state.byId.del( id );
+      throw;
+   }
+   if ( sent != Sent::yes ) {
+      state.byId.del( id );
+      return sent;
+   }
+   state.lastEntityId = id;
+   adapter.entityIdIs( id, false );
+   state.references.targetIs( adapter.entity() );
+   return sent;
+}
+
 /// Sends all that the entity has, to a reader that may have an older copy of it.
 void Sa::doThis() {
-   if ( status_.any( suppressed ) ) return;
-   if ( flowOut_ ) freeResyncState( *flowOut_ ); // a walk under way begins anew
-   bool const room = !status_.any( alwaysFlowOut | stopped );
-   bool const grouped = room && !flowOut_ && serializeGroup();
-   for ( VornAttr const * attr = type_.attributes; attr->name; ++attr ) {
-      if ( !attr->logged() || ( grouped && isScalar( *attr ) ) ) continue;
+   if ( status_.any( suppressed ) ) {
+      reschedule();
+      return;
+   }
+   freeResyncState( flowOut_ ); // a walk under way begins anew
+   for ( VornAttr const * attr = type().attributes; attr->name; ++attr ) {
+      if ( !attr->logged() ) continue;
       if ( attr->keyed() ) {
-         flowOutIs().vornHasSyncedIs( attr->id(), false );
-      } else if ( !room || flowOut_ || !serialize( *attr ) ) {
-         flowOutIs().vornIsDirtyIs( attr->id(), true );
+         resyncMark( *attr );
+      } else {
+         flowOut_.vornIsDirtyIs( attr->id(), true );
       }
    }
-   if ( !flowOut_ || !room ) return;
+   waits( Sent::noRoom );
+   if ( status_.any( alwaysFlowOut | stopped ) || !flowOut_.any() ) return;
    // What does not find room goes before others that wait, so that few entities stand half sent.
-   if ( handleAttrFlowOut( 0 ) ) pendingFirst();
+   if ( handleAttrFlowOut( 0 ) && out_ ) pendingFirst();
 }
 
 // Records.
 
 /// Writes an attribute without a key.
-bool Sa::serialize( VornAttr const & x ) {
-   if ( isScalar( x ) ) {
-      return send( NboAttrLog::attributeRecord, x.id(), [&] { writeAttr( *out_, object(), x ); } );
+Sent Sa::serialize( VornAttr const & x ) {
+   if ( x.kind() == VornKind::mutableAttr ) {
+      return send( NboAttrLog::attributeRecord, x.id(),
+                   [&] { writeAttr( *out_, object(), x, GenericIf::carried ); } );
    }
+   bool const isReference = x.kind() == VornKind::reference;
    Ptr< PtrInterface > target;
-   x.ops->op( &target, object(), x, GenericIf::read, nullptr, nullptr );
-   if ( x.kind() == VornKind::reference ) return handlePtrSerialization( x, nullptr, &target );
+   x.ops->op( &target, object(), x, isReference ? GenericIf::carried : GenericIf::read, nullptr, nullptr );
+   if ( isReference ) return handlePtrSerialization( x, nullptr, dynamic_cast< Entity * >( target.ptr() ) );
    return target ? serializeMember( x, static_cast< Entity & >( *target ) ) : serializeDeletion( x, nullptr );
 }
 
-/// Writes all scalar attributes in one record, where there is plenty of room for it.
-bool Sa::serializeGroup() {
-   if ( std::count_if( type_.attributes, type_.attributes + type_.attributeNum, isScalar ) < 2 ) return false;
-   return out_->recordAtOnce( NboAttrLog::attributeRecord, entityId(), NboAttrLog::groupId, [&] {
-      std::size_t const start = out_->partBegin();
-      for ( VornAttr const * attr = type_.attributes; attr->name; ++attr ) {
-         if ( !isScalar( *attr ) ) continue;
-         out_->putU32( attr->id() );
-         writeAttr( *out_, object(), *attr );
-      }
-      out_->partEnd( start );
-   } );
-}
-
 /// Writes what a collection has at a key: the member, or that there is none.
-bool Sa::serializeKey( VornAttr const & x, void const * key ) {
+Sent Sa::serializeKey( VornAttr const & x, void const * key ) {
    if ( x.kind() == VornKind::entityColl || x.kind() == VornKind::referenceColl ) {
       Ptr< PtrInterface > member;
       x.ops->op( &member, object(), x, GenericIf::read, key, nullptr );
-      if ( x.kind() == VornKind::referenceColl ) return handlePtrSerialization( x, key, &member );
-      if ( member ) return serializeMember( x, static_cast< Entity & >( *member ) );
-      return serializeDeletion( x, key );
+      auto * const entity = dynamic_cast< Entity * >( member.ptr() );
+      if ( x.kind() == VornKind::referenceColl ) return handlePtrSerialization( x, key, entity );
+      return entity ? serializeMember( x, *entity ) : serializeDeletion( x, key );
    }
    bool present = false;
    x.ops->op( &present, object(), x, GenericIf::has, key, nullptr );
@@ -230,7 +251,7 @@ bool Sa::serializeKey( VornAttr const & x, void const * key ) {
    } );
 }
 
-bool Sa::serializeDeletion( VornAttr const & x, void const * key ) {
+Sent Sa::serializeDeletion( VornAttr const & x, void const * key ) {
    return send( NboAttrLog::attributeRecord, 0 - x.id(), [&] {
       if ( key ) x.keyType->methods->logOut( *out_, key );
    } );
@@ -238,52 +259,51 @@ bool Sa::serializeDeletion( VornAttr const & x, void const * key ) {
 
 /// Writes where a reference leads: to an entity that the other end knows, or nowhere. It is written again
 /// when the other end comes to know the entity, or no longer does.
-bool Sa::handlePtrSerialization( VornAttr const & x, void const * key, void const * reference ) {
-   auto const & target = *static_cast< Ptr< PtrInterface > const * >( reference );
-   Entity * const entity = dynamic_cast< Entity * >( target.ptr() );
-   auto const * const adapter = entity ? out_->adapter( *entity ) : nullptr;
+Sent Sa::handlePtrSerialization( VornAttr const & x, void const * key, Entity * target ) {
+   auto & state = out_->state();
+   auto const * const adapter = target ? out_->adapter( *target ) : nullptr;
    U32 const id = adapter ? adapter->entityId() : 0;
-   bool const sent =
-        key && !id ? serializeDeletion( x, key ) : send( NboAttrLog::attributeRecord, x.id(), [&] {
-           if ( key ) x.keyType->methods->logOut( *out_, key );
-           out_->putU32( id );
-        } );
-   if ( sent && ( entity || out_->references_ ) ) {
-      if ( !out_->references_ ) out_->references_ = std::make_unique< NboAttrLog::References >();
-      out_->references_->referenceIs( *this, x, key, entity );
-   }
-   return sent;
+   state.references.referenceIs( *this, x, key, target );
+   // While more is to come, the entity may be among it; the copy keeps what it has from before.
+   if ( target && !id && !state.settling ) return Sent::awaits;
+   if ( key && !id ) return serializeDeletion( x, key );
+   return send( NboAttrLog::attributeRecord, x.id(), [&] {
+      if ( key ) x.keyType->methods->logOut( *out_, key );
+      out_->putU32( id );
+   } );
 }
 
 /// Introduces a child or a member, whose own attributes follow; if the other end knows it, says that it is
 /// still there.
-bool Sa::serializeMember( VornAttr const & x, Entity & member ) {
+Sent Sa::serializeMember( VornAttr const & x, Entity & member ) {
    auto const adapter = childNboAttrLogAdapterIs( member );
    U32 const type = typeNumber( *member.fwkType() );
-   if ( !type ) return false;
+   if ( !type ) return Sent::noRoom;
    U32 const known = adapter->entityId();
-   U32 const id = known ? known : out_->lastEntityId_ + 1;
-   bool const sent = send( NboAttrLog::introducingRecord, x.id(), [&] {
-      writeArguments( *out_, member );
-      out_->putU32( type );
-      out_->putU32( id );
-   } );
-   if ( !sent || known ) return sent;
-   out_->entityIdIs( *adapter, out_->newEntityId() );
-   adapter->doThis();
-   return true;
+   U32 const id = known ? known : out_->state().lastEntityId + 1;
+   auto const write = [&] {
+      return send( NboAttrLog::introducingRecord, x.id(), [&] {
+         writeArguments( *out_, member );
+         out_->putU32( type );
+         out_->putU32( id );
+      } );
+   };
+   if ( known ) return write();
+   Sent const sent = introduce( *adapter, id, write );
+   if ( sent == Sent::yes ) adapter->doThis();
+   return sent;
 }
 
 bool Sa::sendTransactionMarker( VornAttr const & x, AttrTransactionType type ) {
-   return send( NboAttrLog::markerRecord, x.id(), [&] {
-      out_->putU8( type );
-      out_->putU32( 0 );
-      if ( x.kind() != VornKind::queue || type != transactionBegin ) return;
-      U32 indices[2];
-      x.ops->op( indices, object(), x, GenericIf::indices, nullptr, nullptr );
-      out_->putU32( indices[0] );
-      out_->putU32( indices[1] );
-   } );
+   return Sent::yes == send( NboAttrLog::markerRecord, x.id(), [&] {
+             out_->putU8( type );
+             out_->putU32( 0 );
+             if ( x.kind() != VornKind::queue || type != transactionBegin ) return;
+             U32 indices[2];
+             x.ops->op( indices, object(), x, GenericIf::indices, nullptr, nullptr );
+             out_->putU32( indices[0] );
+             out_->putU32( indices[1] );
+          } );
 }
 
 } // namespace Vorn

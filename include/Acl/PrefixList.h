@@ -35,6 +35,9 @@ class VORN_API PrefixList : public Vorn::Entity {
    VORN_NOTIFIEE()
 
  public:
+   /// The log carries the list, to which a filter refers, and nothing of it.
+   static constexpr bool vornOnLog = true;
+
    using Entries = Vorn::RbTreeMap< PrefixList, U32, PrefixEntry >;
 
    explicit PrefixList( Vorn::Name const & name ) : name_( name ) {}

@@ -136,6 +136,9 @@ class VORN_API LdpStaticP2mpFecBindingEntry : public Vorn::Entity {
    VORN_NOTIFIEE()
 
  public:
+   /// The log knows it, and carries nothing of it at present.
+   static constexpr bool vornOnLog = true;
+
    explicit LdpStaticP2mpFecBindingEntry( LdpP2mpFecGenericOpaqueId const & p2mpGenericOpaqueId )
         : p2mpGenericOpaqueId_( p2mpGenericOpaqueId ) {}
    ~LdpStaticP2mpFecBindingEntry() override;

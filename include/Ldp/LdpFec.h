@@ -201,12 +201,12 @@ class VORN_API LdpFecConfigNotifier : public Vorn::Entity {
 
    VORN_NAME;
    /// The FEC, null between updates. Its mutator and those of the next two tell their observers; the updates
-   /// store in silence.
-   VORN_REFERENCE( 0x102, LdpFecConfig const, lastFecConfig, LastFecConfig, replicated );
+   /// store in silence, and the attribute log does not see what they store.
+   VORN_CONTEXT_REFERENCE( 0x102, LdpFecConfig const, lastFecConfig, LastFecConfig );
    /// The FEC's value, or the default one.
    VORN_DERIVED( 0x103, Mpls::FwdEqvClass, lastFwdEqvClass );
-   VORN_MUTABLE( 0x104, Lumo::MplsLabel, lastMplsLabel, LastMplsLabel, replicated );
-   VORN_MUTABLE( 0x105, LdpIdentifier, lastLdpId, LastLdpId, replicated );
+   VORN_CONTEXT( 0x104, Lumo::MplsLabel, lastMplsLabel, LastMplsLabel );
+   VORN_CONTEXT( 0x105, LdpIdentifier, lastLdpId, LastLdpId );
    VORN_COUNTER( 0x106, U8, downstreamLsrChangeCnt, DownstreamLsrChangeCnt, replicated ) = 0;
    VORN_COUNTER( 0x107, U8, loopDetectionChangeCnt, LoopDetectionChangeCnt, replicated ) = 0;
    VORN_COUNTER( 0x108, U8, dsLsrMappingAvailChangeCnt, DsLsrMappingAvailChangeCnt, replicated ) = 0;
@@ -240,9 +240,18 @@ class VORN_API LdpFecConfigNotifier : public Vorn::Entity {
    void updateProgrammedLabelSet( FecPtr const & fec );
 
  private:
+   /// The attributes that the update under way clears when it returns.
+   enum Context : U8 { noContext = 0, fecContext = 1, labelContext = 2, peerContext = 4 };
+   class Update;
    using Count = U8 ( LdpFecConfigNotifier::* )( U8 );
-   void update( FecPtr const & fec, Count count, LdpIdentifier const & peer = LdpIdentifier(),
-                Lumo::MplsLabel label = Lumo::MplsLabel() );
+   void update( FecPtr const & fec, Count count, Context further = noContext,
+                LdpIdentifier const & peer = LdpIdentifier(), Lumo::MplsLabel label = Lumo::MplsLabel() );
+   /// Whether that attribute, 0x102, 0x104 or 0x105, holds what it does for an update alone.
+   bool inContext( U32 id ) const noexcept {
+      return context_ & ( id == 0x102 ? fecContext : id == 0x104 ? labelContext : peerContext );
+   }
+
+   U8 context_ = noContext;
 
    VORN_OBSERVERS;
 };

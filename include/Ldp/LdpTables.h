@@ -61,6 +61,9 @@ class VORN_API LdpIdIntfIpMappingTable : public Vorn::Entity {
    VORN_NOTIFIEE()
 
  public:
+   /// The log knows it, and carries nothing of it at present.
+   static constexpr bool vornOnLog = true;
+
    explicit LdpIdIntfIpMappingTable( Vorn::Name const & name ) : name_( name ) {}
    ~LdpIdIntfIpMappingTable() override;
 
@@ -76,6 +79,9 @@ class VORN_API LdpIdIntfIpMappingEntryTable : public Vorn::Entity {
    VORN_NOTIFIEE()
 
  public:
+   /// The log knows it, and carries nothing of it at present.
+   static constexpr bool vornOnLog = true;
+
    explicit LdpIdIntfIpMappingEntryTable( Vorn::Name const & name ) : name_( name ) {}
    ~LdpIdIntfIpMappingEntryTable() override;
 

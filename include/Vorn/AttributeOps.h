@@ -120,6 +120,7 @@ inline constexpr VornAttrOps scalarOps{
        void const * const * args ) -> U32 {
       switch ( op ) {
       case GenericIf::read:
+      case GenericIf::carried:
          resultIs( result, T( ( selfOf< Self >( object )->*get )() ) );
          return GenericIf::done;
       case GenericIf::write:
@@ -128,6 +129,21 @@ inline constexpr VornAttrOps scalarOps{
          return GenericIf::done;
       default: return GenericIf::notApplicable;
       }
+   },
+   nullptr,
+};
+
+/// The same for one that at times holds what the attribute log must not see: then `inContext` says so, and
+/// the log carries the default.
+template< class Self, class T, auto get, auto set, auto inContext >
+inline constexpr VornAttrOps contextOps{
+   []( void * result, void * object, VornAttr const & attr, U32 op, void const * key,
+       void const * const * args ) -> U32 {
+      if ( op == GenericIf::carried && ( selfOf< Self >( object )->*inContext )( attr.id() ) ) {
+         resultIs( result, T() );
+         return GenericIf::done;
+      }
+      return scalarOps< Self, T, get, set >.op( result, object, attr, op, key, args );
    },
    nullptr,
 };

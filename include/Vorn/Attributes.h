@@ -50,9 +50,7 @@
    }                                                                                                         \
    /** What `genericIfNotifiee` makes: forwards every change to a generic observer. */                       \
    using GenericIfNotifiee_ = ::Vorn::GenericIfNotifieeOf< Type >;                                           \
-   bool vornHasAttrLogInterface() const override {                                                           \
-      return vornOnLog || ::Vorn::hasAttrLogInterface( _vornType );                                          \
-   }                                                                                                         \
+   bool vornHasAttrLogInterface() const override { return _vornType.newEntityForAttrLog; }                   \
                                                                                                              \
  private:                                                                                                    \
    static constexpr auto replicated = ::Vorn::replicated;                                                    \
@@ -124,14 +122,16 @@
 
 /// What the mutable lines share. `flags` is or'ed to the record's.
 #define VORN_SCALAR_( id, Type, x, X, kind, replication, flags_ )                                            \
+   VORN_SCALAR_OPS_( id, Type, x, X, kind, replication, flags_,                                              \
+                     VORN_ARG_( ::Vorn::scalarOps< Self, Type, &Self::x, &Self::x##Is > ) )
+#define VORN_SCALAR_OPS_( id, Type, x, X, kind, replication, flags_, ops_ )                                  \
  public:                                                                                                     \
    ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
    void x##Is( ::Vorn::Arg< Type > value ) {                                                                 \
       ::Vorn::scalarIs( *this, x##_, value, ::Vorn::changeOf< Self, id, &NotifieeConst::on##X > );           \
    }                                                                                                         \
    VORN_ATTR_( id ) {                                                                                        \
-      auto attr = ::Vorn::attrRecord< Self, Type >(                                                          \
-           #x, kind, id, replication, &::Vorn::scalarOps< Self, Type, &Self::x, &Self::x##Is > );            \
+      auto attr = ::Vorn::attrRecord< Self, Type >( #x, kind, id, replication, &ops_ );                      \
       attr.flags |= flags_;                                                                                  \
       return attr;                                                                                           \
    }                                                                                                         \
@@ -148,6 +148,17 @@
 /// Reference to a counted object that somebody else owns; compared by identity.
 #define VORN_REFERENCE( id, Type, x, X, replication )                                                        \
    VORN_SCALAR_( id, ::Vorn::Ptr< Type >, x, X, ::Vorn::VornKind::reference, replication, 0 )
+
+/// Scalar with a mutator, and reference, whose place at times holds the context of a notification, of which
+/// the attribute log knows nothing: `bool inContext( U32 id ) const` of the class says when.
+#define VORN_CONTEXT_OPS_( Type, x )                                                                         \
+   VORN_ARG_( ::Vorn::contextOps< Self, Type, &Self::x, &Self::x##Is, &Self::inContext > )
+#define VORN_CONTEXT( id, Type, x, X )                                                                       \
+   VORN_SCALAR_OPS_( id, Type, x, X, ::Vorn::VornKind::mutableAttr, replicated, 0,                           \
+                     VORN_CONTEXT_OPS_( Type, x ) )
+#define VORN_CONTEXT_REFERENCE( id, Type, x, X )                                                             \
+   VORN_SCALAR_OPS_( id, ::Vorn::Ptr< Type >, x, X, ::Vorn::VornKind::reference, replicated, 0,              \
+                     VORN_CONTEXT_OPS_( ::Vorn::Ptr< Type >, x ) )
 
 /// Mutable scalar that also counts: `xInc( n )` adds with wrap at the attribute's width, tells if the value
 /// changed, and returns the new value.

@@ -62,33 +62,29 @@ class VORN_API Connection::Out : public PtrInterface {
       }
    }
 
- protected:
-   /// A buffer of `capacity` octets, at least `minCapacity`. A record that is longer than all of it waits
-   /// until it is empty and then takes a block of its own, for as long as that is drained.
-   explicit Out( U32 capacity );
-
-   /// Writes a record whose value `body` writes. False if there is no room; then nothing is written.
+   /// Writes a record whose value `body` writes. False if there is no room; then, and where `body` throws,
+   /// nothing is written.
    template< class Body >
    bool record( U8 kind, U32 entityId, U32 attributeId, Body const & body ) {
       if ( blocked_ ) return false;
       for ( ;; ) {
          begin( kind, entityId, attributeId );
-         body();
+         try {
+            body();
+         } catch ( ... ) {
+            at_ = std::exchange( record_, nullptr );
+            throw;
+         }
          if ( end() ) return true;
          if ( !roomIs() ) return false;
       }
    }
-   /// The same, but without waiting: if there is no room at once, others may have it.
-   template< class Body >
-   bool recordAtOnce( U8 kind, U32 entityId, U32 attributeId, Body const & body ) {
-      if ( blocked_ ) return false;
-      begin( kind, entityId, attributeId );
-      body();
-      return end();
-   }
-   /// Bounds of a group's records, as two 16-bit offsets in front of them.
-   std::size_t partBegin();
-   void partEnd( std::size_t start );
+
+ protected:
+   /// A buffer of `capacity` octets, at least `minCapacity`. A record that is longer than all of it waits
+   /// until it is empty and then takes a block of its own, for as long as that is drained.
+   explicit Out( U32 capacity );
+
    /// Octets that are ready.
    std::size_t used() const noexcept { return std::size_t( at_ - head_ ); }
 

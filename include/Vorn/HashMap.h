@@ -8,7 +8,7 @@
 #pragma once
 
 #include "Vorn/Entity.h"
-#include "Vorn/HashHelper.h"
+#include "Vorn/HashMap2018Bucket.h"
 
 #include <cstddef>
 
@@ -155,6 +155,19 @@ class HashMap : public HashMapGeneric {
          if ( key == member->vornKey() ) return member;
       }
       return nullptr;
+   }
+   /// Whether that key is absent and beside `others` more too many have its hash. A map of values has room for
+   /// that many; here it bounds the chain.
+   bool crowded( Key const & key, U32 others ) const {
+      if ( members() + others < HashMap2018BktHdr::maxSlots ) return false;
+      U32 const hash = keyHash( key );
+      U32 same = 0;
+      for ( Entity * at = first( bucketOf( hash ) ); at; at = next( *at ) ) {
+         Key const & other = static_cast< Member * >( at )->vornKey();
+         if ( key == other ) return false;
+         same += keyHash( other ) == hash;
+      }
+      return same + others >= HashMap2018BktHdr::maxSlots;
    }
    void newMember( Member & member, U32 hash ) { newMemberG( member, hash ); }
    void del( Member & member, U32 hash ) { deleteMember( member, hash ); }

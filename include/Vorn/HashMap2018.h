@@ -229,6 +229,11 @@ class HashMap2018 : public HashMap2018Generic {
       return node ? Value( node->value() ) : Value();
    }
 
+   /// Whether that key is absent and has no room beside `others` more, because too many have its hash.
+   bool crowded( Key const & key, U32 others ) const noexcept {
+      return crowdedG( vt_, HashKey< Key >::form( key ), others );
+   }
+
    /// Inserts or overwrites. Returns whether the key is new.
    bool valueIs( Key const & key, Argument value ) requires( !isSet && !keyInValue ) {
       return nodeIs( key, Node( key, std::move( value ) ) );

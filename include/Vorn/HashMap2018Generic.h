@@ -53,6 +53,9 @@ class VORN_API HashMap2018Generic {
    /// Removes the member with that key and constructs it again in the raw slot `out`, so that it is destroyed
    /// when the map is whole again. False if there is none.
    [[gnu::always_inline]] bool deleteMemberG( VTable const & vt, HashHelper const & key, void * out );
+   /// Whether a member with that key is absent and has no room beside `others` more: so many keys of its hash
+   /// are there already. Who takes keys from elsewhere asks, since `newMemberG` asserts.
+   bool crowdedG( VTable const & vt, HashHelper const & key, U32 others ) const noexcept;
    /// Removes all members and gives back all memory, but for the buckets that iterators hold.
    void emptyAllBuckets( VTable const & vt ) noexcept;
 

@@ -82,7 +82,10 @@ class LinkQueue {
    Index nextIndex() const noexcept { return next_; }
 
    /// The element with that index, or null.
-   Ptr< Node > operator[]( Index index ) noexcept { return find( index ); }
+   Ptr< Node > operator[]( Index index ) noexcept {
+      near_ = before( index );
+      return find( index );
+   }
    Ptr< Node const > operator[]( Index index ) const noexcept { return find( index ); }
 
    /// The value at an index, or a default one.
@@ -144,17 +147,19 @@ class LinkQueue {
       bool const wrapped = next_ < first_;
       return wrapped ? age( a ) > age( b ) : a < b;
    }
-   /// The last node before `index`, or null if there is none.
+   /// The last node before `index`, or null if there is none. Whoever works through a queue in its order does
+   /// not begin at the head each time.
    Node * before( Index index ) const noexcept {
-      Node * found = nullptr;
-      for ( Node * at = head_.ptr(); at && precedes( at->index_, index ); at = at->next_.ptr() ) {
+      if ( tail_ && precedes( tail_->index_, index ) ) return tail_;
+      Node * found = near_ && precedes( near_->index_, index ) ? near_ : nullptr;
+      for ( Node * at = behind( found ); at && precedes( at->index_, index ); at = at->next_.ptr() ) {
          found = at;
       }
       return found;
    }
    /// The first node that was enqueued after one with that index, which has been removed; or null.
    Node * youngerThan( Index index ) const noexcept {
-      Node * at = head_.ptr();
+      Node * at = near_ && age( near_->index_ ) >= age( index ) ? near_ : head_.ptr();
       while ( at && age( at->index_ ) >= age( index ) ) {
          at = at->next_.ptr();
       }
@@ -177,12 +182,13 @@ class LinkQueue {
    U32 members_ = 0;
    Ptr< Node > head_;
    Node * tail_ = nullptr;
+   Node * near_ = nullptr; // in the queue, before what was last asked for by a writer; or null
 };
 
 template< class Owner, class Index, class Value >
 void LinkQueue< Owner, Index, Value >::doMemberIs( Index index, Ptr< Node > const & node ) {
    if ( node && index == next_ ) return append( index, node );
-   Node * const place = before( index );
+   Node * const place = near_ = before( index );
    Ptr< Node > old( behind( place ) );
    if ( old && old->index_ != index ) old = nullptr;
    if ( !node ) {
@@ -223,6 +229,7 @@ void LinkQueue< Owner, Index, Value >::append( Index index, Ptr< Node > const & 
 template< class Owner, class Index, class Value >
 void LinkQueue< Owner, Index, Value >::remove( Node * before, Node * node ) noexcept {
    if ( tail_ == node ) tail_ = before;
+   near_ = before;
    linkIs( before, std::exchange( node->next_, nullptr ) );
    node->linked_ = false;
    first_ = head_ ? head_->index_ : next_;

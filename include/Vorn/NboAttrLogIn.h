@@ -8,7 +8,8 @@
 ///     while ( auto const n = receive( buffer ) ) demuxer->bytesIs( buffer, n );
 ///
 /// A stream that lies raises AttrLogRecordException: the records before it are applied, it and what follows
-/// are not. The host then drops both directions of the connection; the next one brings the copy up to date.
+/// are not. After this or any other exception the host drops both directions of the connection; the next one
+/// brings the copy up to date.
 #pragma once
 
 #include "Vorn/StreamAdapter.h"
@@ -16,9 +17,13 @@
 namespace Vorn::NboAttrLog {
 
 class Demuxer;
+class Offers;
+class Roots;
 
 /// The value of one record. Every reader throws AttrLogRecordException where the record ends too early.
-class VORN_API In {
+class VORN_API In final : public PtrInterface {
+   VORN_OBJECT( In )
+
  public:
    In( U8 const * octets, std::size_t bytes, Demuxer & demuxer ) noexcept
         : at_( octets ), end_( octets + bytes ), demuxer_( &demuxer ) {}
@@ -51,34 +56,33 @@ class VORN_API In {
    /// The type of a number that a type record gave.
    VornType const & nextType();
 
-   U8 const * octets() const noexcept { return at_; }
    std::size_t left() const noexcept { return std::size_t( end_ - at_ ); }
-   /// The `bytes` octets that follow, as a record's value of their own.
-   In nextPart( std::size_t bytes ) {
-      U8 const * const octets = take( bytes );
-      return In( octets, bytes, *demuxer_ );
+   /// Passes over that many octets and returns them.
+   U8 const * take( std::size_t bytes ) {
+      if ( left() < bytes ) throwShort();
+      return std::exchange( at_, at_ + bytes );
    }
-   /// The same for the entries of a group: behind one of them the next begins.
-   In nextEntries( std::size_t bytes ) {
-      In entries = nextPart( bytes );
-      entries.open_ = true;
-      return entries;
+   /// Where it reads, to read from there again.
+   U8 const * place() const noexcept { return at_; }
+   void placeIs( U8 const * place ) noexcept { at_ = place; }
+   /// The octets that it reads from now on.
+   void octetsIs( U8 const * octets, std::size_t bytes ) noexcept {
+      at_ = octets;
+      end_ = octets + bytes;
    }
+   /// Whether behind what is read others follow: the entries of a group.
+   void entriesAre( bool entries ) noexcept { entries_ = entries; }
    /// Throws unless all octets have been read, or others may follow. Called before anything is changed.
    void endIs() const;
    Demuxer & demuxer() const noexcept { return *demuxer_; }
 
  private:
-   U8 const * take( std::size_t bytes ) {
-      if ( left() < bytes ) throwShort();
-      return std::exchange( at_, at_ + bytes );
-   }
    [[noreturn]] static void throwShort();
 
    U8 const * at_;
    U8 const * end_;
    Demuxer * demuxer_;
-   bool open_ = false;
+   bool entries_ = false;
 };
 
 /// Values of constructor arguments, as they came in, and the pointers through which reflection takes them.
@@ -117,43 +121,52 @@ class VORN_API Demuxer : public PtrInterface {
    ~Demuxer() override;
 
    /// Takes the octets that follow, in pieces of any size, and applies the records that are whole. Throws
-   /// AttrLogRecordException for a stream that lies, and from then on.
+   /// AttrLogRecordException for a stream that lies, and from then on. What it calls must not call it.
    void bytesIs( void const * octets, std::size_t bytes );
    /// Offers an entity as the copy of one that the other end is going to introduce, if type and constructor
    /// arguments agree.
    void rootIs( Ptr< Entity > const & entity );
    /// The entities that the other end has introduced by themselves, in their order; they are kept alive until
-   /// it withdraws them.
-   std::vector< Ptr< Entity > > const & roots() const noexcept { return roots_; }
+   /// it withdraws them. Good until the next octets.
+   std::vector< Ptr< Entity > > const & roots() const;
    /// Records applied.
    U64 records() const noexcept { return records_; }
    Ptr< Out > const & out() const noexcept { return out_; }
 
-   /// Makes the flow-out of an entity of that type: what it cannot write at once.
-   static std::unique_ptr< Out::Adapter::FlowOut > createFlowOut( VornType const & type );
+   /// Makes the flow-out of an entity of that type: what it cannot write at once. An adapter has its own.
+   static std::unique_ptr< FlowOut > createFlowOut( VornType const & type, U32 = 0x7fffffff );
 
- private:
-   friend class In;
-   friend class Entity::VornNboAttrLogSa;
+   // What the adapters ask.
 
-   std::size_t recordsIs( U8 const * octets, std::size_t bytes );
-   std::size_t wanted( U8 const * octets, std::size_t bytes ) const;
-   void headerIs( In & in );
-   void recordIs( In & in );
-   void orphanIs( In & in );
-   void typeIs( U32 number, In & in );
+   /// The type of a number that a type record gave.
+   VornType const & type( U32 number ) const;
+   /// Whether an entity that is not on the log may have been there: this end has deleted it, and the record
+   /// was on its way. Where this end does not write, that cannot be.
    bool gone( U32 entityId ) const;
+   /// The highest number that came in.
+   U32 lastEntityId() const noexcept { return lastEntityId_; }
+   /// Checks the number of an entity that is introduced: the other end counts them in its order.
    void newEntityIdIs( U32 entityId );
-   void checkEphemeralEntityDeletion( Out::Adapter & adapter, In & in );
+   /// Ties an entity that came in to its number.
    void doEntityIdIs( Entity & entity, U32 entityId, Out::Adapter * parent );
 
-   Ptr< Out > out_;
+ private:
+   std::size_t recordsIs( U8 const * octets, std::size_t bytes );
+   std::size_t wanted( U8 const * octets, std::size_t bytes ) const;
+   void headerIs();
+   void recordIs( U8 const * octets, std::size_t bytes );
+   void orphanIs();
+   void typeIs( U32 number );
+   void checkEphemeralEntityDeletion( Out::Adapter & adapter );
+
+   Ptr< Out > const out_;
    Vorn_BitSet flags_;
+   Ptr< In > in_;            // made with the first octets
    std::vector< U8 > part_; // of a record that is not whole yet
    std::vector< VornType const * > types_;
-   std::vector< Ptr< Entity > > offered_;
-   std::vector< Ptr< Entity > > roots_;
-   U32 lastEntityId_ = 0; // the highest number that came in
+   std::unique_ptr< Offers > const offers_;
+   std::unique_ptr< Roots > const roots_;
+   U32 lastEntityId_ = 0;
    U64 records_ = 0;
    bool headerSeen_ = false;
    bool failed_ = false;

@@ -9,25 +9,23 @@
 /// The host drains the buffer whenever it can; the log knows no descriptor and starts nothing by itself. A
 /// change that finds no room marks its attribute or key dirty and goes out when there is room again, with the
 /// value that it has then. docs/attribute-log.md describes the octets.
+///
+/// Where memory runs out, `takeException` gives the `std::bad_alloc` that a change raised; `bytes` throws its
+/// own. Nothing is lost by that: what could not be written is marked, and goes out when `bytes` is called
+/// again and there is memory. On the incoming side it ends the connection, as any exception from
+/// `Demuxer::bytesIs` does: drop both directions, and let the next one bring the copy up to date.
 #pragma once
 
 #include "Vorn/Connection.h"
 #include "Vorn/Entity.h"
-#include "Vorn/HashMap2018.h"
 #include "Vorn/ValueType.h"
 
 #include <exception>
-#include <map>
 #include <memory>
-#include <set>
-#include <vector>
 
 namespace Vorn::NboAttrLog {
 
-class Demuxer;
-class FlowIn;
-class In;
-class References;
+struct OutState;
 
 /// What frames a record; see docs/attribute-log.md.
 enum RecordKind : U8 {
@@ -58,8 +56,7 @@ class VORN_API Permits {
    virtual bool writeFromReadOnlyRemote( Entity & entity, U32 attributeId );
 };
 
-/// The outgoing side. An entity that was attached by hand lives for as long as anybody else holds it, and is
-/// withdrawn from the log when it goes; its members are held.
+/// The outgoing side. It holds every entity that it carries, until it is destroyed or the entity is taken off.
 class VORN_API Out : public Connection::Out {
    VORN_OBJECT( Out )
 
@@ -78,54 +75,36 @@ class VORN_API Out : public Connection::Out {
    std::size_t bytes();
    /// Whether everything that the log carries has been written and drained.
    bool idle();
+   /// Takes an entity that was attached by hand off the log, with all below it, and withdraws it from the
+   /// other end. False if it is not on the log by itself.
+   bool rootDel( Entity & entity );
 
    /// The first exception that a change raised since the last call: a local write where this end is
-   /// read-only. Null if there was none.
+   /// read-only, or that memory has run out. Null if there was none.
    std::exception_ptr takeException() noexcept { return std::exchange( exception_, nullptr ); }
+   /// Keeps the exception that is being handled for the host, if it is the first.
+   void exceptionIs() noexcept {
+      if ( !exception_ ) exception_ = std::current_exception();
+   }
    /// What is let happen against the flags; null for nothing.
    void permitsIs( std::unique_ptr< Permits > permits ) noexcept { permits_ = std::move( permits ); }
+   Permits * permits() const noexcept { return permits_.get(); }
 
    /// Number of entities that the log carries.
-   U32 adapters() const noexcept { return adapters_; }
+   U32 adapters() const noexcept;
    /// The adapter of an entity on this log, or null.
    Adapter * adapter( Entity const & entity ) const noexcept;
 
- private:
-   friend class Vorn::Entity;
-   friend class Vorn::Entity::VornNboAttrLogSa;
-   friend class Demuxer;
-   friend class FlowIn;
-   friend class In;
-   friend class References;
+   /// What the adapters and the incoming side share; the framework's own.
+   OutState & state() const noexcept { return *state_; }
 
+ private:
    void flow();
    bool sendWithdrawals();
 
-   /// The number of a type on this log, which it announces first; 0 if there is no room for that.
-   U32 typeNumber( VornType const & type );
-   U32 newEntityId();
-   Ptr< Adapter > newAdapter( Entity & entity, Vorn_BitSet flags, unsigned level, Adapter * parent );
-   void adapterDel( Adapter & adapter );
-   void entityIdIs( Adapter & adapter, U32 id );
-   Adapter * adapterById( U32 id ) const noexcept;
-
-   bool active_ = false; // something flows out, or records come in: nothing flows out by itself
-   bool closing_ = false;
+   std::unique_ptr< OutState > const state_;
    std::exception_ptr exception_;
    std::unique_ptr< Permits > permits_;
-
-   U32 adapters_ = 0;
-   Adapter * firstRoot_ = nullptr; // adapters without a parent; with all below them they are held
-   HashMap2018< Out, U32, Adapter * > byId_;
-   HashMap2018< Out, U64, U32 > typeNumbers_; // by the record's address
-   U32 lastEntityId_ = 0;
-   std::vector< U32 > withdrawn_;     // roots that have gone, and that the other end has still
-   Adapter * firstPending_ = nullptr; // those with something to write, each knows its neighbours
-   Adapter * lastPending_ = nullptr;
-   std::unique_ptr< References > references_;
-   FlowIn * flowIn_ = nullptr; // what is being applied, innermost first
-   // The indices that have come in of the queues whose transactions are under way, by adapter and attribute.
-   std::map< std::pair< Adapter const *, U32 >, std::set< U32 > > queuesSeen_;
 };
 
 /// Values as they are written to a log.

@@ -76,8 +76,16 @@ constexpr VornCtorArg const * memberCtorArgs() {
    return AttrTable< Type >::ctorArgs;
 }
 
-/// Whether the log carries a type's entities: an attribute of theirs, or them as members.
-VORN_API bool hasAttrLogInterface( VornType const & type );
+/// Whether the attribute log carries a type's entities: an attribute of theirs is logged, or the type says so
+/// in a line of its own (`vornOnLog`).
+template< class T >
+consteval bool hasAttrLogInterface() {
+   bool logged = T::vornOnLog;
+   for ( VornAttr const & attr : AttrTable< T >::table ) {
+      logged |= attr.name && attr.logged();
+   }
+   return logged;
+}
 
 using ChangeFn = NotifieeChange const & (*)();
 
@@ -116,6 +124,21 @@ bool containerOp( Map const & map, void * result, U32 op ) {
    return true;
 }
 
+/// What keyed attributes do for the attribute log alone.
+template< class Set, class Key, class Map >
+bool logOp( Map const & map, void * result, U32 op, void const * key, void const * const * args ) {
+   if ( op == GenericIf::newKeySet ) {
+      *static_cast< std::unique_ptr< KeySet > * >( result ) = std::make_unique< Set >();
+   } else if constexpr ( requires( Key const & k ) { map.crowded( k, 0u ); } ) {
+      if ( op != GenericIf::crowded ) return false;
+      *static_cast< bool * >( result ) =
+           map.crowded( *static_cast< Key const * >( key ), *static_cast< U32 const * >( args[0] ) );
+   } else {
+      return false;
+   }
+   return true;
+}
+
 /// An iterator of a container behind the functions of reflection. `Object` and `Key` say what is put out.
 template< class It, auto object, auto key, auto marked >
 inline constexpr GenericIf::IteratorVTable iteratorVTable{
@@ -138,7 +161,9 @@ inline constexpr VornAttrOps entityCollOps{
        void const * const * args ) -> U32 {
       Self & self = *selfOf< Self >( object );
       auto & map = self.*field;
-      if ( containerOp( map, result, op ) ) return GenericIf::done;
+      if ( containerOp( map, result, op ) || logOp< KeySetOf< Key >, Key >( map, result, op, key, args ) ) {
+         return GenericIf::done;
+      }
       Ptr< Type > member;
       switch ( op ) {
       case GenericIf::read: member = map.member( *static_cast< Key const * >( key ) ); break;
@@ -195,7 +220,7 @@ inline constexpr VornAttrOps valueCollOps{
        void const * const * args ) -> U32 {
       Self & self = *selfOf< Self >( object );
       auto & map = self.*field;
-      if ( containerOp( map, result, op ) ||
+      if ( containerOp( map, result, op ) || logOp< KeySetOf< Key >, Key >( map, result, op, k, args ) ||
            markOp< std::remove_cvref_t< decltype( map ) >, Key >( map, op, k ) ) {
          return GenericIf::done;
       }
@@ -229,7 +254,8 @@ inline constexpr VornAttrOps setOps{
        void const * const * args ) -> U32 {
       Self & self = *selfOf< Self >( object );
       auto & map = self.*field;
-      if ( containerOp( map, result, op ) || markOp< HashMap2018< Self, Key >, Key >( map, op, k ) ) {
+      if ( containerOp( map, result, op ) || logOp< KeySetOf< Key >, Key >( map, result, op, k, args ) ||
+           markOp< HashMap2018< Self, Key >, Key >( map, op, k ) ) {
          return GenericIf::done;
       }
       Key const & key = *static_cast< Key const * >( k );
@@ -257,6 +283,16 @@ inline constexpr VornAttrOps setOps{
    },
 };
 
+/// Whether a reference goes by that key: any does where the key stands beside it.
+template< class Map, class Key, class Value >
+bool ownKey( Map const &, Key const & key, Value const & value ) {
+   if constexpr ( Map::keyInValue ) {
+      return typename Map::Node( value ).key() == key;
+   } else {
+      return true;
+   }
+}
+
 /// `set` is the class's own mutator: with the key beside the value or inside it.
 template< class Self, class Type, class Key, auto field, auto change, auto set >
 inline constexpr VornAttrOps referenceCollOps{
@@ -264,7 +300,7 @@ inline constexpr VornAttrOps referenceCollOps{
        void const * const * args ) -> U32 {
       Self & self = *selfOf< Self >( object );
       auto & map = self.*field;
-      if ( containerOp( map, result, op ) ||
+      if ( containerOp( map, result, op ) || logOp< KeySetOf< Key >, Key >( map, result, op, k, args ) ||
            markOp< std::remove_cvref_t< decltype( map ) >, Key >( map, op, k ) ) {
          return GenericIf::done;
       }
@@ -276,7 +312,7 @@ inline constexpr VornAttrOps referenceCollOps{
          if constexpr ( std::is_invocable_v< decltype( set ), Self &, Key const &, Ptr< Type > const & > ) {
             ( self.*set )( key, value );
          } else {
-            if ( value && !( typename std::remove_cvref_t< decltype( map ) >::Node( value ).key() == key ) ) {
+            if ( value && !ownKey( map, key, value ) ) {
                throwRangeException( "a reference stands under a key that is not its own" );
             }
             ( self.*set )( value );
@@ -289,6 +325,11 @@ inline constexpr VornAttrOps referenceCollOps{
          break;
       }
       case GenericIf::has: *static_cast< bool * >( result ) = map.has( key ); break;
+      case GenericIf::ownKey: {
+         auto const value = ArgOf< Ptr< Type > >::get( args[0] );
+         *static_cast< bool * >( result ) = !value || ownKey( map, key, value );
+         break;
+      }
       default: return GenericIf::notApplicable;
       }
       return GenericIf::done;
@@ -307,7 +348,9 @@ inline constexpr VornAttrOps queueOps{
        void const * const * args ) -> U32 {
       Self & self = *selfOf< Self >( object );
       auto & queue = self.*field;
-      if ( containerOp( queue, result, op ) ) return GenericIf::done;
+      if ( containerOp( queue, result, op ) || logOp< IndexSet, U32 >( queue, result, op, k, args ) ) {
+         return GenericIf::done;
+      }
       if ( op == GenericIf::indices ) {
          static_cast< U32 * >( result )[0] = queue.firstIndex();
          static_cast< U32 * >( result )[1] = queue.nextIndex();
@@ -365,11 +408,12 @@ class GenericIfNotifieeOf : public T::NotifieeConst {
    GenericIf::NotifieeConst * observer_;
 };
 
-/// Makes an entity from what the attribute log's next values say.
+/// Makes an entity from what the attribute log's next values say. Whoever asks ties it to the log.
 template< class T >
-Ptr< PtrInterface > newEntityFromLog( NboAttrLog::In & in ) {
+Ptr< PtrInterface > newEntityFromLog( Ptr< NboAttrLog::In > const & in, Vorn_BitSet, unsigned,
+                                      Ptr< NboAttrLog::Out > const & ) {
    CtorTypes< T > args{};
-   std::apply( [&]( auto &... arg ) { ( NboAttrLog::fromLog( in, &arg ), ... ); }, args );
+   std::apply( [&]( auto &... arg ) { ( NboAttrLog::fromLog( *in, &arg ), ... ); }, args );
    return std::apply( []( auto const &... arg ) -> Ptr< PtrInterface > { return newObject< T >( arg... ); },
                       args );
 }
@@ -418,7 +462,7 @@ constexpr VornType entityRecord( char const * name ) {
    type.ctorArgs = AttrTable< T >::ctorArgs;
    type.methods = &GenericIfImpl::GenericIfPtrInterfaceMethods< Entity >::vtable_;
    if constexpr ( requires { typename CtorTypes< T >; } ) {
-      type.newEntityForAttrLog = newEntityFromLog< T >;
+      if constexpr ( hasAttrLogInterface< T >() ) type.newEntityForAttrLog = newEntityFromLog< T >;
       type.genericIfConstructFromCtorArgs = []( Ptr< PtrInterface > * result, void const * const * args ) {
          *result = withArgs< CtorTypes< T > >(
               args, []( auto const &... arg ) { return factoryMade< T >( arg... ); } );

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "Vorn/NboAttrLogFlow.h"
+#include "Vorn/NboAttrLogList.h"
 #include "Vorn/NboAttrLogOut.h"
 
 namespace Vorn {
@@ -25,8 +26,13 @@ class VORN_API StreamAdapter : public PtrInterface {
       remoteReadOnly = 0x8,       ///< the other end does not write: what it sends is checked
       applyingLog = 0x10,         ///< a deletion of the sweep is under way, and is not sent back
       unconfirmed = 0x20,         ///< marked by a running transaction, not named in it yet
+      pendingQueued = 0x40,       ///< has something to write, and may
+      awaitingQueued = 0x80,      ///< the same, but only references to entities that may yet come to the log
       held = 0x100,               ///< the host holds everything back; it waits until the flag is cleared
       stopped = 0x120,            ///< either bit stops sending
+      orphanPending = 0x200,      ///< the orphan record is still to be written
+      awaits = 0x400,             ///< all that is dirty waits for entities, or may
+      wakes = 0x800,              ///< something became dirty that does not
       suppressed = 0x2000,        ///< nothing is sent at all; all of it when the flag is cleared
       flowOutPresent = 0x100000,  ///< changes go through the flow-out
       handlingFlowOut = 0x400000, ///< a scheduled flow-out is being handled
@@ -43,10 +49,13 @@ class VORN_API StreamAdapter : public PtrInterface {
    virtual void freeResyncState( NboAttrLog::FlowOut & flowOut ) = 0;
    /// Introduces an entity without a parent on the log. False if it has to wait.
    virtual bool doSerializeOrphan() = 0;
-   /// Applies one attribute record whose value `in` is about to read.
-   virtual void doHandleAttrDeserialization( U32 attributeId, NboAttrLog::In & in ) = 0;
-   /// Applies one marker; refuses that of an attribute which is no logged collection.
-   virtual void doHandleAttrTransaction( U32 attributeId, AttrTransactionType type, NboAttrLog::In & in );
+   /// Applies one attribute record, whose value of `length` octets `in` is about to read. `introducing` says
+   /// whether its kind is that of a record which introduces an entity.
+   virtual void doHandleAttrDeserialization( U32 attributeId, bool introducing, unsigned length,
+                                             Ptr< NboAttrLog::In > const & in ) = 0;
+   /// Applies one marker, whose word is `word`; refuses that of an attribute which is no logged collection.
+   virtual void doHandleAttrTransaction( U32 attributeId, AttrTransactionType type, unsigned word,
+                                         Ptr< NboAttrLog::In > const & in );
    /// Ids of the collections that a synchronisation walks, in their order, ended by 0.
    virtual std::vector< U32 > attrIdsReqSync() const = 0;
 
@@ -60,12 +69,27 @@ class VORN_API StreamAdapter : public PtrInterface {
    unsigned level_;
 };
 
-/// The adapter of one entity on one log.
-class VORN_API Entity::VornNboAttrLogSa final : public StreamAdapter {
+namespace NboAttrLog {
+
+class FlowIn;
+enum class Sent : U8;
+/// Tags of the lists in which an adapter stands.
+struct Siblings;
+struct Queued;
+
+} // namespace NboAttrLog
+
+/// The adapter of one entity on one log. It holds the entity.
+class VORN_API Entity::VornNboAttrLogSa final
+     : public StreamAdapter,
+       public NboAttrLog::ListLink< Entity::VornNboAttrLogSa, NboAttrLog::Siblings >,
+       public NboAttrLog::ListLink< Entity::VornNboAttrLogSa, NboAttrLog::Queued > {
    VORN_OBJECT( VornNboAttrLogSa )
 
  public:
-   class FlowOut;
+   using FlowOut = NboAttrLog::FlowOut;
+   using In = NboAttrLog::In;
+   using Family = NboAttrLog::LinkedList< VornNboAttrLogSa, NboAttrLog::Siblings >;
    /// The observer that the adapter binds to its entity, one for all types: it is told of every attribute. It
    /// leaves the entity's life alone. It is part of the adapter, which is held while it is called.
    class VORN_API VornNboAttrLogSaAdapter_ final : public Entity::Notifiee {
@@ -73,7 +97,6 @@ class VORN_API Entity::VornNboAttrLogSa final : public StreamAdapter {
       explicit VornNboAttrLogSaAdapter_( VornNboAttrLogSa & adapter );
       void handleNotification( U32 attributeId, void const * key ) override;
       void onNotificationException() override;
-      void onZeroReferences() override;
       void vornFwkActivity() override;
       /// The adapter, or null once the entity has left the log.
       VornNboAttrLogSa * adapter() const noexcept { return adapter_; }
@@ -88,14 +111,19 @@ class VORN_API Entity::VornNboAttrLogSa final : public StreamAdapter {
                      VornNboAttrLogSa * parent );
    ~VornNboAttrLogSa() override;
 
-   /// The entity, for as long as it is on the log.
    Entity & entity() const noexcept { return *entity_; }
    /// The log, or null once the entity is no longer on it.
    NboAttrLog::Out * nboAttrLogOut() const noexcept { return out_; }
+   /// Whose attribute holds the entity; null for one that was attached by hand.
+   VornNboAttrLogSa * parent() const noexcept { return parent_; }
    /// Number of the entity on the log; 0 before it was introduced. See `NboAttrLog::numberedByPeer`.
    U32 entityId() const noexcept { return ownId_ ? ownId_ : peerId_; }
+   /// The same by who gave it.
+   U32 entityId( bool byPeer ) const noexcept { return byPeer ? peerId_ : ownId_; }
    /// What is to be written still; null if nothing is.
-   FlowOut * flowOut() const noexcept { return flowOut_.get(); }
+   FlowOut * flowOut() noexcept { return flowOut_.any() ? &flowOut_ : nullptr; }
+   /// The same, also when nothing is.
+   FlowOut * vornRawFlowOut() noexcept { return &flowOut_; }
    /// Takes over the flags that whoever attaches an entity decides, for all below it too.
    void flagsIs( Vorn_BitSet flags );
    /// The adapter of an entity that an attribute of this one holds, made if there is none; the attribute's
@@ -106,26 +134,38 @@ class VORN_API Entity::VornNboAttrLogSa final : public StreamAdapter {
    U32 handleAttrFlowOut( U32 attributeId ) override;
    void freeResyncState( NboAttrLog::FlowOut & flowOut ) override;
    bool doSerializeOrphan() override;
-   void doHandleAttrDeserialization( U32 attributeId, NboAttrLog::In & in ) override;
-   void doHandleAttrTransaction( U32 attributeId, AttrTransactionType type, NboAttrLog::In & in ) override;
+   void doHandleAttrDeserialization( U32 attributeId, bool introducing, unsigned length,
+                                     Ptr< In > const & in ) override;
+   void doHandleAttrTransaction( U32 attributeId, AttrTransactionType type, unsigned word,
+                                 Ptr< In > const & in ) override;
    std::vector< U32 > attrIdsReqSync() const override;
 
- private:
-   friend class NboAttrLog::Out;
-   friend class NboAttrLog::Demuxer;
-   friend class NboAttrLog::References;
+   // What the rest of the log does with it.
 
+   /// Takes the entity off the log, with all below it.
+   void close();
+   /// Writes what the adapter was queued for.
+   void flow();
+   /// Queues it among those that write when there is room, or those that await entities, or not: 0.
+   void queueIs( U32 queue );
+   /// Whether the transaction that is running has named the member; until then it does not send.
+   void confirmedIs( bool confirmed );
+   /// The number of the entity, by whoever gave it; 0 for none.
+   void entityIdIs( U32 id, bool byPeer ) noexcept;
+   /// A reference that was written leads elsewhere for the other end: it goes out again.
+   void referenceDirtyIs( VornAttr const & x, void const * key );
+   /// Whether this end takes a change from the other; throws if not.
+   void checkWritable( U32 attributeId ) const;
+   [[noreturn]] static void throwWriteUpdateFromReadOnlyProxyException();
+
+ private:
    // Life (NboAttrLogSa.cpp).
    void onNotificationException();
    void onFwkActivity();
    void doFixChildFlags( VornNboAttrLogSa & child ) const;
    void reschedule();
-   void pendingIs( bool pending );
    void pendingFirst();
-   void confirmedIs( bool confirmed );
-   void close();
-   VornNboAttrLogSa *& siblings() noexcept;
-   void leaveSiblings();
+   Family & family() noexcept;
 
    // Changes that go out (NboAttrLogSaOut.cpp); `x` is the attribute.
    void onAttribute( U32 attributeId, void const * key );
@@ -138,79 +178,69 @@ class VORN_API Entity::VornNboAttrLogSa final : public StreamAdapter {
    [[noreturn]] void doThrowReadOnly( VornAttr const & x ) const;
    void doThis();
    template< class Body >
-   bool send( NboAttrLog::RecordKind kind, U32 attributeId, Body const & body );
+   NboAttrLog::Sent send( NboAttrLog::RecordKind kind, U32 attributeId, Body const & body );
    U32 typeNumber( VornType const & type );
-   bool serialize( VornAttr const & x );
-   bool serializeGroup();
-   bool serializeKey( VornAttr const & x, void const * key );
-   bool serializeMember( VornAttr const & x, Entity & member );
-   bool serializeDeletion( VornAttr const & x, void const * key );
-   bool handlePtrSerialization( VornAttr const & x, void const * key, void const * reference );
+   template< class Write >
+   NboAttrLog::Sent introduce( VornNboAttrLogSa & adapter, U32 id, Write const & write );
+   NboAttrLog::Sent serialize( VornAttr const & x );
+   NboAttrLog::Sent serializeKey( VornAttr const & x, void const * key );
+   NboAttrLog::Sent serializeMember( VornAttr const & x, Entity & member );
+   NboAttrLog::Sent serializeDeletion( VornAttr const & x, void const * key );
+   NboAttrLog::Sent handlePtrSerialization( VornAttr const & x, void const * key, Entity * target );
    bool sendTransactionMarker( VornAttr const & x, AttrTransactionType type );
 
    // What waits (NboAttrLogFlow.cpp).
    bool vornHandleXSerializeColl( VornAttr const & x );
    bool vornHandleXSerializeWalk( VornAttr const & x );
+   bool vornHandleXSerializeKeys( VornAttr const & x );
    bool continueFlowOut() const noexcept;
-   FlowOut & flowOutIs();
-   void flowOutIs( std::unique_ptr< FlowOut > flowOut );
+   void dirtyIs( VornAttr const & x );
    void keyDirtyIs( VornAttr const & x, void const * key );
+   void keyMark( VornAttr const & x, void const * key );
+   void resyncMark( VornAttr const & x );
+   void markAgain( VornAttr const & x );
+   bool awaitsMembers( VornAttr const & x ) const;
+   void waits( NboAttrLog::Sent why );
 
    // Records that come in (NboAttrLogSaIn.cpp).
    NboAttrLog::FlowIn * flowInFor( VornAttr const & attr, void const * key ) const noexcept;
-   bool flowInReported( VornAttr const & attr, void const * key );
    /// Whether a change that the observer reports is one that is being applied.
-   bool handlingFlowInFor( VornAttr const & attr, void const * key ) {
-      return out_ && out_->flowIn_ && flowInReported( attr, key );
-   }
+   bool handlingFlowInFor( VornAttr const & attr, void const * key );
+   bool flowInReported( VornAttr const & attr, void const * key );
    template< class Call >
    void apply( VornAttr const & attr, void const * key, Call const & call );
-   void checkWritable( U32 attributeId ) const;
    bool allowWriteFromReadOnlyRemote( U32 attributeId ) const;
-   [[noreturn]] static void throwWriteUpdateFromReadOnlyProxyException();
    [[noreturn]] void doBaseVornNboAttrLogSaMsg( U32 attributeId ) const;
    VornAttr const & loggedAttribute( U32 id ) const;
-   void groupFromLog( NboAttrLog::In & in );
-   void entryFromLog( NboAttrLog::In & in, bool write, U32 & lastEntityId );
-   void memberFromLog( VornAttr const & attr, NboAttrLog::In & in );
-   void scalarFromLog( VornAttr const & attr, NboAttrLog::In & in, bool write );
-   void valueFromLog( VornAttr const & attr, NboAttrLog::In & in, bool write );
-   void deletionFromLog( VornAttr const & attr, NboAttrLog::In & in, bool write );
+   void groupFromLog( Ptr< In > const & in );
+   void scalarFromLog( VornAttr const & attr, In & in );
+   struct GroupState;
+   void entryFromLog( In & in, GroupState & group );
+   void memberFromLog( VornAttr const & attr, In & in, GroupState * group );
+   void valueFromLog( VornAttr const & attr, In & in, GroupState * group );
+   void deletionFromLog( VornAttr const & attr, In & in, GroupState * group );
+   void checkRoom( VornAttr const & attr, void const * key, GroupState const * group );
    void memberDel( VornAttr const & attr, void const * key );
+   void indexPassed( VornAttr const & attr, U32 index );
    void sweep( VornAttr const & attr );
-   void queueFromLog( VornAttr const & attr, AttrTransactionType type, NboAttrLog::In & in );
+   void queueFromLog( VornAttr const & attr, AttrTransactionType type, In & in );
 
    void * object() const noexcept { return static_cast< PtrInterface * >( entity_ ); }
-   VornAttr const * attribute( U32 id ) const noexcept;
+   VornType const & type() const noexcept { return flowOut_.type(); } // the entity's
    /// Whether nothing keeps it from sending but room.
    bool maySend() const noexcept { return !status_.any( suppressed | stopped ); }
 
-   // One adapter stands for each entity that is logged, so every word counts. Three short ones fit in behind
-   // the level.
-   bool holds_; // a reference on the entity; not on one that was attached by hand
-   bool pending_ = false;
-   bool orphanPending_ = false;
+   // One adapter stands for each entity that is logged, so every word counts.
    Entity * entity_;
-   VornType const & type_; // the entity's
    NboAttrLog::Out * out_;
    VornNboAttrLogSaAdapter_ observer_;
-   VornNboAttrLogSa * parent_;               // whose attribute holds the entity; null for an orphan
-   VornNboAttrLogSa * firstChild_ = nullptr; // adapters below, in no order
-   VornNboAttrLogSa * nextChild_ = nullptr;  // neighbours among the parent's, or the log's roots
-   VornNboAttrLogSa * prevChild_ = nullptr;
-   VornNboAttrLogSa * nextPending_ = nullptr; // neighbours in the log's list of those with something to write
-   VornNboAttrLogSa * prevPending_ = nullptr;
+   VornNboAttrLogSa * parent_;
+   Family children_; // adapters below, in no order
    // Where both ends introduce an entity at the same time it has two numbers, and each end uses its own.
    U32 ownId_ = 0;
    U32 peerId_ = 0;
-   std::unique_ptr< FlowOut > flowOut_;
+   FlowOut flowOut_;
 };
-static_assert( sizeof( Entity::VornNboAttrLogSa ) <= 176 );
-
-/// Under the name by which the adapter knows it.
-class VORN_API Entity::VornNboAttrLogSa::FlowOut final : public NboAttrLog::FlowOut {
- public:
-   using NboAttrLog::FlowOut::FlowOut;
-};
+static_assert( sizeof( Entity::VornNboAttrLogSa ) <= 184 );
 
 } // namespace Vorn

@@ -124,9 +124,10 @@ struct VornType {
    VornAttr const * attributes;  ///< the base's attributes, then its own; null for a type without any
    VornCtorArg const * ctorArgs; ///< constructor arguments in order, or null
    void const * reserved;        ///< null
-   /// Makes an instance from the attribute log, whose next values are the constructor arguments; null for
-   /// values.
-   Ptr< PtrInterface > ( *newEntityForAttrLog )( NboAttrLog::In & in );
+   /// Makes an instance from the attribute log, whose next values are the constructor arguments; null for a
+   /// type that the log does not carry. The others say where the instance is going to be tied.
+   Ptr< PtrInterface > ( *newEntityForAttrLog )( Ptr< NboAttrLog::In > const & in, Vorn_BitSet flags,
+                                                 unsigned level, Ptr< NboAttrLog::Out > const & out );
    /// Makes the log's adapter of a logged child by the name of its attribute; null where no child is logged.
    Ptr< StreamAdapter > ( *childAttrLogIs )( VornType const * type, char const * attrName, Entity & parent,
                                              Ptr< NboAttrLog::Out > const & out );

@@ -4,11 +4,11 @@
 
 namespace Test {
 
-std::size_t LogPair::carry( std::size_t most ) {
-   std::size_t const bytes = std::min( source.out->bytes(), most );
+std::size_t LogPair::carry( LogEnd & from, LogEnd & to, std::size_t most ) {
+   std::size_t const bytes = std::min( from.out->bytes(), most );
    if ( bytes ) {
-      copy.demuxer->bytesIs( source.out->data(), bytes );
-      source.out->drained( bytes );
+      to.demuxer->bytesIs( from.out->data(), bytes );
+      from.out->drained( bytes );
    }
    return bytes;
 }

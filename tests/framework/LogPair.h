@@ -26,13 +26,16 @@ struct LogEnd {
    Ptr< Demuxer > demuxer;
 };
 
-/// A connection from an original to its read-only copy.
+/// A connection from an original to its copy, which is read-only unless both ends write.
 struct LogPair {
-   explicit LogPair( U32 capacity = Out::defaultCapacity )
-        : source( StreamAdapter::remoteReadOnly, capacity ), copy( StreamAdapter::readOnly ) {}
+   explicit LogPair( U32 capacity = Out::defaultCapacity, bool bothWrite = false )
+        : source( bothWrite ? 0u : U32( StreamAdapter::remoteReadOnly ), capacity ),
+          copy( bothWrite ? 0u : U32( StreamAdapter::readOnly ), capacity ) {}
 
    /// Carries up to `most` octets to the copy and returns how many there were.
-   std::size_t carry( std::size_t most = ~std::size_t( 0 ) );
+   std::size_t carry( std::size_t most = ~std::size_t( 0 ) ) { return carry( source, copy, most ); }
+   /// From one end to the other.
+   static std::size_t carry( LogEnd & from, LogEnd & to, std::size_t most = ~std::size_t( 0 ) );
    /// Carries until nothing is left.
    void flush();
    /// What is ready, in place of carrying it.

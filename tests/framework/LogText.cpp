@@ -57,8 +57,14 @@ class Writer {
          if ( shown != "null" )
             members.push_back( "\n" + indent + text( key.data(), *attr.keyType ) + " = " + shown );
       }
-      if ( attr.kind() != VornKind::queue ) std::sort( members.begin(), members.end() );
       std::string all;
+      if ( attr.kind() == VornKind::queue ) {
+         U32 indices[2];
+         attr.ops->op( indices, object, attr, GenericIf::indices, nullptr, nullptr );
+         all = "from " + std::to_string( indices[0] ) + " to " + std::to_string( indices[1] );
+      } else {
+         std::sort( members.begin(), members.end() );
+      }
       for ( auto const & one : members ) {
          all += one;
       }

@@ -9,7 +9,8 @@
 namespace Test {
 
 /// Every logged attribute below an entity. A reference reads as the path to its target, or as null if that is
-/// not below `root`; of a collection, entries that would be null are left out.
+/// not below `root`; of a collection, entries that would be null are left out. Of a queue head and next index
+/// count too.
 std::string logged( Vorn::Entity & root );
 
 } // namespace Test

@@ -16,9 +16,9 @@ LogWorld::LogWorld( std::mt19937_64 & random, U32 keys )
        config_( Ldp::ldpAdjConfigCollFactory( Name( "config" ) ) ), roots_{ tree_, everything_, status_,
                                                                             config_ } {}
 
-void LogWorld::attach( Ptr< Out > const & out ) {
+void LogWorld::attach( Ptr< Out > const & out, bool otherReadsOnly ) {
    for ( auto const & root : roots_ ) {
-      root->vornNboAttrLogSaIs( StreamAdapter::remoteReadOnly, 0, out );
+      root->vornNboAttrLogSaIs( otherReadsOnly ? U32( StreamAdapter::remoteReadOnly ) : 0u, 0, out );
    }
 }
 
@@ -50,7 +50,9 @@ void LogWorld::treeStep() {
    case 0: tree_->heightIs( tree_->height() + 1 ); break;
    case 1: tree_->kindIs( word() ); break;
    case 2: tree_->aliveIs( !tree_->alive() ); break;
-   case 3: tree_->ageIs( U8( random_() ) ); break;
+   case 3:
+      if ( ownsAge_ ) tree_->ageIs( U8( random_() ) );
+      break;
    case 4: tree_->crownIs( Name( format( "crown %u", below( 3 ) ) ) ); break;
    case 5: tree_->crownDel(); break;
    case 6: tree_->topIs( below( 3 ), word(), U16( random_() ) ); break;

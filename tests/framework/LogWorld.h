@@ -22,11 +22,13 @@ class LogWorld {
    void step();
    void steps( U32 number );
    /// Puts the entities on a log, each by itself.
-   void attach( Ptr< Out > const & out );
+   void attach( Ptr< Out > const & out, bool otherReadsOnly = true );
    std::vector< Ptr< Vorn::Entity > > const & roots() const { return roots_; }
    /// Only ever grows, by one at a time.
    double height() const { return tree_->height(); }
    Tree const & tree() const { return *tree_; }
+   /// From now on somebody else writes the trees' age.
+   void leaveAge() { ownsAge_ = false; }
 
    U32 below( U32 limit ) { return U32( random_() % limit ); }
 
@@ -42,6 +44,7 @@ class LogWorld {
 
    std::mt19937_64 & random_;
    U32 keys_;
+   bool ownsAge_ = true;
    Ptr< Tree > tree_;
    Ptr< Derived > everything_;
    Ptr< Ldp::LdpAdjStatusColl > status_;

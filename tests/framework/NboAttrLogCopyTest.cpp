@@ -73,6 +73,87 @@ TEST( NboAttrLog, aFreshConnectionKeepsTheEntitiesThatMatch ) {
    EXPECT_EQ( nullptr, gone->parent() );
 }
 
+/// Told of every change of all that is below an entity.
+class Teller : public Vorn::GenericIf::NotifieeConst {
+ public:
+   void watch( Vorn::Entity & entity ) {
+      observers_.push_back( entity.fwkType()->genericIfNotifiee( *this ) );
+      auto & observer = static_cast< Vorn::PtrInterface::NotifieeConst & >( *observers_.back() );
+      observer.isRegisteredNotifieeIs( true );
+      observer.notifierIs( Ptr< Vorn::PtrInterface const >( &entity ) );
+      observer.isWeakReferenceIs( true );
+   }
+   void onRawAttribute( U32 attributeId ) override { told.push_back( attributeId ); }
+   void onRawAttribute( U32 attributeId, void const *, bool ) override { told.push_back( attributeId ); }
+   std::vector< U32 > told;
+
+ private:
+   std::vector< Ptr< Vorn::PtrInterface > > observers_;
+};
+
+TEST( NboAttrLog, aReconnectionThatChangesNothingTellsNobody ) {
+   auto const loose = twigFactory( 7U, String( "drift" ), U16( 0 ) );
+   auto const tree = grownTree();
+   auto const left = tree->branch( Name( "left" ) );
+   left->twig( 1 )->palIs( loose );
+   left->besideIs( "loose", loose );
+   left->insideIs( loose );
+   // Whichever comes first, whatever the buffer: what refers to the other keeps what it has until it is there.
+   for ( U32 const capacity : { 64u, 200u, 65536u } ) {
+      for ( bool const looseFirst : { true, false } ) {
+         std::vector< Ptr< Vorn::Entity > > copies;
+         Teller teller;
+         for ( bool const again : { false, true } ) {
+            LogPair pair( capacity );
+            for ( auto const & copy : copies ) {
+               pair.copy.demuxer->rootIs( copy );
+            }
+            if ( again ) {
+               Branch & copy = *static_cast< Tree & >( *copies[looseFirst] ).branch( Name( "left" ) );
+               ASSERT_EQ( copies[!looseFirst], copy.twig( 1 )->pal() );
+               for ( Vorn::Entity * const entity : std::initializer_list< Vorn::Entity * >{
+                          copies[looseFirst].ptr(), &copy, copy.twig( 1 ).ptr(), copies[!looseFirst].ptr() } ) {
+                  teller.watch( *entity );
+               }
+            }
+            if ( looseFirst ) loose->vornNboAttrLogSaIs( 0, 0, pair.source.out );
+            tree->vornNboAttrLogSaIs( 0, 0, pair.source.out );
+            if ( !looseFirst ) loose->vornNboAttrLogSaIs( 0, 0, pair.source.out );
+            pair.flush();
+            copies = pair.copy.demuxer->roots();
+         }
+         EXPECT_EQ( std::vector< U32 >(), teller.told ) << capacity << looseFirst;
+         EXPECT_EQ( logged( *tree ), logged( *copies[looseFirst] ) );
+      }
+   }
+   // Where the entity does not come back, the reference goes when all else is there.
+   LogPair pair;
+   auto const copy = twigFactory( 1U, String( "oak" ), U16( 0 ) );
+   auto const original = twigFactory( 1U, String( "oak" ), U16( 0 ) );
+   original->palIs( loose );
+   copy->palIs( loose );
+   pair.copy.demuxer->rootIs( copy );
+   original->vornNboAttrLogSaIs( 0, 0, pair.source.out );
+   pair.flush();
+   EXPECT_EQ( nullptr, copy->pal() );
+}
+
+TEST( NboAttrLog, anOfferedEntityIsTheOneOnlyWithTheSameArguments ) {
+   LogPair pair;
+   auto const original = twigFactory( 1U, String( "oak" ), U16( 5 ) );
+   Ptr< Twig > const offered[] = { twigFactory( 1U, String( "ash" ), U16( 5 ) ),
+                                   twigFactory( 2U, String( "oak" ), U16( 5 ) ),
+                                   twigFactory( 1U, String( "oak" ), U16( 6 ) ),
+                                   twigFactory( 1U, String( "oak" ), U16( 5 ) ) };
+   for ( auto const & entity : offered ) {
+      pair.copy.demuxer->rootIs( entity );
+   }
+   original->vornNboAttrLogSaIs( 0, 0, pair.source.out );
+   pair.flush();
+   EXPECT_EQ( offered[2], pair.root() ) << "the first; an argument that can be changed does not count";
+   EXPECT_EQ( 5, offered[2]->load() );
+}
+
 TEST( NboAttrLog, theHooksOfTheRecords ) {
    auto const & type = Tree::_vornType;
    ASSERT_NE( nullptr, type.childAttrLogIs );

@@ -114,6 +114,25 @@ struct Thing {
       bool marked = false;
    };
    std::map< std::uint32_t, std::map< std::string, Slot > > slots; // by attribute and key; a child has key ""
+   struct Indices {
+      std::uint32_t head = 0;
+      std::uint32_t next = 0;
+   };
+   std::map< std::uint32_t, Indices > queues; // by attribute
+
+   /// An index was given.
+   void indexIs( std::uint32_t attribute, std::string const & key ) {
+      auto & next = queues[attribute].next;
+      next = std::max( next, std::uint32_t( std::stoul( key ) + 1 ) );
+      headIs( attribute );
+   }
+   /// The head is the first element, or the next where there is none.
+   void headIs( std::uint32_t attribute ) {
+      queues[attribute].head = queues[attribute].next;
+      for ( auto const & [key, slot] : slots[attribute] ) {
+         queues[attribute].head = std::min( queues[attribute].head, std::uint32_t( std::stoul( key ) ) );
+      }
+   }
 };
 
 class Reader {
@@ -160,16 +179,11 @@ class Reader {
          Thing & thing = things_.at( entity );
          if ( kind == 1 ) {
             marker( v, thing, attribute );
-         } else if ( attribute == 0x90 ) {
-            if ( v.number( 2 ) != 4 || v.number( 2 ) != bytes )
-               throw std::runtime_error( "bounds of a group" );
-            while ( v.left() ) {
-               auto const id = std::uint32_t( v.number( 4 ) );
-               thing.scalars[id] = value( v, declared( thing, id ).type );
-            }
          } else if ( attribute & 0x80000000 ) {
             Attribute const & a = declared( thing, 0 - attribute );
-            thing.slots[0 - attribute].erase( a.kind == child ? "" : value( v, a.key ) );
+            std::string const key = a.kind == child ? "" : value( v, a.key );
+            thing.slots[0 - attribute].erase( key );
+            if ( a.kind == queue ) thing.indexIs( 0 - attribute, key );
          } else {
             set_( v, thing, attribute );
          }
@@ -215,7 +229,7 @@ class Reader {
       case reference: slot.entity = std::uint32_t( v.number( 4 ) ); break;
       case child:
       case entityColl: {
-         Thing member{ a.entity, arguments( v, a.entity ), {}, {} };
+         Thing member{ a.entity, arguments( v, a.entity ), {}, {}, {} };
          if ( types_.at( std::size_t( v.number( 4 ) - 1 ) ) != a.entity ) throw std::runtime_error( "type" );
          slot.entity = std::uint32_t( v.number( 4 ) );
          if ( a.kind == entityColl ) key = member.arguments[schemas.at( a.entity ).arguments[0].first];
@@ -229,17 +243,23 @@ class Reader {
       default: key = value( v, a.key ); slot.text = value( v, a.type );
       }
       thing.slots[id][key] = slot;
+      if ( a.kind == queue ) thing.indexIs( id, key );
    }
 
    void marker( Cursor & v, Thing & thing, std::uint32_t id ) {
       auto const type = v.number( 1 );
       if ( v.number( 4 ) ) throw std::runtime_error( "not zero" );
-      if ( declared( thing, id ).kind == queue && type == 0 ) v.take( 8 );
+      bool const isQueue = declared( thing, id ).kind == queue;
+      if ( isQueue && type == 0 ) {
+         v.number( 4 ); // follows from the elements, and from the next where there is none
+         thing.queues[id].next = std::uint32_t( v.number( 4 ) );
+      }
       for ( auto & [key, slot] : thing.slots[id] ) {
          if ( type == 0 ) slot.marked = true;
       }
       if ( type == 2 )
          std::erase_if( thing.slots[id], []( auto const & slot ) { return slot.second.marked; } );
+      if ( isQueue ) thing.headIs( id );
    }
 
    void path( std::uint32_t id, std::string const & at ) {
@@ -284,6 +304,8 @@ class Reader {
          }
          if ( !keyed && members.empty() ) members.push_back( "null" );
          if ( attribute.kind == queue ) {
+            auto const indices = thing.queues.at( a );
+            all += "from " + std::to_string( indices.head ) + " to " + std::to_string( indices.next );
             // In order of the index, which the text of a number is not.
             std::sort( members.begin(), members.end(),
                        []( auto const & x, auto const & y ) { return std::stoul( x ) < std::stoul( y ); } );
@@ -319,7 +341,7 @@ TEST( NboAttrLogFormat, aReaderThatKnowsOnlyThePageUnderstandsTheStream ) {
            Vorn::newObject< ::Test::Out >( seed % 3 ? 64 + 10 * U32( seed ) : ::Test::Out::defaultCapacity );
       auto & tree = const_cast< ::Test::Tree & >( world.tree() );
       tree.vornNboAttrLogSaIs( 0, 0, out );
-      auto passing = ::Test::branchFactory( Vorn::Name( "passing" ) );
+      auto const passing = ::Test::branchFactory( Vorn::Name( "passing" ) );
       passing->vornNboAttrLogSaIs( 0, 0, out );
       std::vector< U8 > octets;
       auto const take = [&] {
@@ -331,7 +353,7 @@ TEST( NboAttrLogFormat, aReaderThatKnowsOnlyThePageUnderstandsTheStream ) {
       for ( int i = 0; i < 10; ++i ) {
          world.steps( 20 );
          if ( i % 3 ) take();
-         if ( i == 5 ) passing = nullptr;
+         if ( i == 5 ) out->rootDel( *passing );
       }
       take();
       Reader reader;

@@ -3,8 +3,10 @@
 #include "framework/LogKinds.h"
 #include "framework/LogOctets.h"
 #include "framework/LogPair.h"
+#include "framework/LogWorld.h"
 
 #include "Ldp/LdpAdj.h"
+#include "Ldp/LdpPeer.h"
 
 #include <cstdlib>
 #include <new>
@@ -12,12 +14,14 @@
 namespace {
 
 std::size_t allocations = 0;
+std::size_t failing = 0; // that many allocations from now on one fails; 0: none
 
 } // namespace
 
 // Every allocation of the process is counted.
 [[gnu::noinline]] void * operator new( std::size_t size ) {
    ++allocations;
+   if ( failing && --failing == 0 ) throw std::bad_alloc();
    if ( void * const block = std::malloc( size ? size : 1 ) ) return block;
    throw std::bad_alloc();
 }
@@ -30,6 +34,15 @@ using namespace Test;
 using Vorn::AttrLogRecordException;
 using Vorn::Name;
 using Vorn::String;
+
+Octets group( U32 entity, U32 id, Octets const & entries ) {
+   return record( 0, entity, id, Octets{ 0, 4, 0, U8( entries.size() + 4 ) } + entries );
+}
+Octets twigAs( U32 key, U32 entity ) {
+   return number( 0x103 ) + number( key ) + counted( "oak" ) + Octets{ 0, 9 } + number( 3 ) + number( entity );
+}
+Octets const score = number( 0x104 ) + counted( "score" ) + number( 0x3ff00000 ) + number( 0 );
+
 TEST( NboAttrLogRefusal, aStreamThatLiesIsRefusedWholeAndWhatStoodBeforeItStays ) {
    struct Row {
       char const * name;
@@ -69,6 +82,7 @@ TEST( NboAttrLogRefusal, aStreamThatLiesIsRefusedWholeAndWhatStoodBeforeItStays 
       { "member with a piece missing",
         record( 3, 2, 0x103, number( 5 ) + counted( "oak" ) + number( 3 ) + number( 3 ) ) },
       { "reference to an unknown entity", record( 0, 2, 0x108, counted( "b" ) + number( 77 ) ) },
+      { "reference to nobody in a collection", record( 0, 2, 0x108, counted( "b" ) + number( 0 ) ) },
       { "reference to an entity of another type", record( 0, 2, 0x108, counted( "b" ) + number( 1 ) ) },
       { "orphan without its sections", record( 3, 0, 0x88, number( 1 ) + counted( "t" ) + number( 3 ) ) },
       { "orphan with a number that was given",
@@ -79,13 +93,32 @@ TEST( NboAttrLogRefusal, aStreamThatLiesIsRefusedWholeAndWhatStoodBeforeItStays 
       { "marker of a queue without its indices", record( 1, 2, 0x107, Octets{ 0 } + number( 0 ) ) },
       { "group with bounds beyond its end", record( 0, 1, 0x90, { 0, 4, 0, 99 } ) },
       { "group with bounds the wrong way round", record( 0, 1, 0x90, { 0, 4, 0, 3 } ) },
-      { "group whose second entry is bad",
-        record( 0, 1, 0x90,
-                Octets{ 0, 4, 0, 14 } + number( 0x105 ) + Octets{ 8 } + number( 0x104 ) + Octets{ 5 } ) },
-      { "group with half a member", record( 0, 1, 0x90, Octets{ 0, 4, 0, 8 } + number( 0x108 ) ) },
-      { "group with a child", record( 0, 1, 0x90, Octets{ 0, 4, 0, 8 } + number( 0x106 ) ) },
-      { "group with the deletion of a scalar",
-        record( 0, 1, 0x90, Octets{ 0, 4, 0, 8 } + number( 0u - 0x105 ) ) },
+      { "group that goes on behind its end", record( 0, 1, 0x90, { 0, 4, 0, 4, 0 } ) },
+      { "group whose second entry is bad", group( 2, 0x90, score + number( 0x106 ) + number( 1 ) + Octets{ 5 } ) },
+      { "group with half a member", group( 1, 0x90, number( 0x108 ) ) },
+      { "group with a child", group( 1, 0x90, number( 0x106 ) ) },
+      { "group with a scalar", group( 1, 0x90, number( 0x105 ) + Octets{ 8 } ) },
+      { "group with the deletion of a scalar", group( 1, 0x90, number( 0u - 0x105 ) ) },
+      { "group with a member of a number that was given", group( 2, 0x90, score + twigAs( 5, 2 ) ) },
+      { "group with a member of a number of ours", group( 2, 0x90, score + twigAs( 5, 0x80000003 ) ) },
+      { "group with a number twice", group( 2, 0x90, twigAs( 5, 3 ) + twigAs( 6, 3 ) ) },
+      { "group with a reference to nobody",
+        group( 2, 0x90, score + number( 0x108 ) + counted( "b" ) + number( 77 ) ) },
+      { "group with a reference to another type",
+        group( 2, 0x90, score + number( 0x108 ) + counted( "b" ) + number( 1 ) ) },
+      { "group that introduces", record( 3, 2, 0x90, { 0, 4, 0, 4 } ) },
+      { "member that is not introduced", record( 0, 1, 0x108, counted( "b" ) + number( 2 ) + number( 3 ) ) },
+      { "child that is not introduced", record( 0, 1, 0x106, counted( "b" ) + number( 2 ) + number( 3 ) ) },
+      { "scalar that introduces", record( 3, 1, 0x105, { 8 } ) },
+      { "value that introduces", record( 3, 2, 0x105, number( 0 ) + number( 1 ) ) },
+      { "deletion that introduces", record( 3, 1, 0u - 0x108, counted( "branch" ) ) },
+      { "orphan that is not introduced", record( 0, 0, 0x88, {} ) },
+      { "withdrawal that introduces", record( 3, 1, 0u - 0x88, {} ) },
+      { "withdrawal that is a marker", record( 1, 1, 0u - 0x88, {} ) },
+      { "marker whose word is not zero", record( 1, 1, 0x108, Octets{ 0 } + number( 7 ) ) },
+      { "type of an entity", record( 2, 1, 4, text( "Test::Leaf" ) ) },
+      { "type that has a number", record( 2, 0, 4, text( "Test::Tree" ) ) },
+      { "type without an adapter", record( 2, 0, 4, text( "Ldp::PwFecSessionConfig" ) ) },
       { "withdrawal of a member", record( 0, 2, 0u - 0x88, {} ) },
       { "withdrawal with a value", record( 0, 1, 0u - 0x88, { 0 } ) },
       { "no token in front", number( 12 ) + Octets{ 0 } + number( 1 ) + number( 0x105 ) + Octets{ 1, 8, 2 } },
@@ -207,11 +240,97 @@ TEST( NboAttrLogRefusal, aRecordThatNoReaderTakesEndsTheLog ) {
    auto const tree = treeFactory( Name( "tree" ) );
    tree->vornNboAttrLogSaIs( 0, 0, pair.source.out );
    pair.flush();
-   tree->kindIs( String( std::string( Out::maxRecordBytes, 'x' ) ) );
+   std::size_t const longest = Out::maxRecordBytes - 11 - 4; // head and tokens, the text's length
+   tree->kindIs( String( std::string( longest, 'x' ) ) );
+   pair.flush();
+   EXPECT_EQ( tree->kind(), static_cast< Tree & >( *pair.root() ).kind() );
+   tree->kindIs( String( std::string( longest + 1, 'x' ) ) );
    EXPECT_FALSE( pair.source.out->failure().empty() );
    EXPECT_EQ( 0u, pair.source.out->bytes() );
    tree->ageIs( 9 );
    EXPECT_EQ( 0u, pair.source.out->bytes() );
+}
+
+TEST( NboAttrLogRefusal, keysOfOneHashAreRefusedBeforeTheyEndTheProcess ) {
+   LogEnd end( StreamAdapter::readOnly );
+   auto const target = []( U32 last ) {
+      return number( 1 ) + Octets{ 0, 0 } + counted( "" ) + number( last ) + Octets{ 1 };
+   };
+   U32 const most = 16383;
+   Octets all = header + record( 2, 0, 1, text( "Ldp::LdpPeerConfig" ) ) +
+                record( 3, 0, 0x88,
+                        Octets{ 0 } + number( 1 ) + Octets{ 2 } + number( 1 ) + Octets{ 0, 0, 3 } + number( 1 ) );
+   for ( U32 i = most; i--; ) {
+      Octets const one = record( 0, 1, 0x103, target( i ) );
+      all.insert( all.end(), one.begin(), one.end() );
+   }
+   end.demuxer->bytesIs( all.data(), all.size() );
+   auto const & peer = static_cast< Ldp::LdpPeerConfig & >( *end.demuxer->roots().at( 0 ) );
+   EXPECT_EQ( most, peer.ldpAdjs() );
+   Octets const known = record( 0, 1, 0x103, target( 7 ) );
+   EXPECT_NO_THROW( end.demuxer->bytesIs( known.data(), known.size() ) );
+   Octets const further = record( 0, 1, 0x103, target( most ) );
+   EXPECT_THROW( end.demuxer->bytesIs( further.data(), further.size() ), AttrLogRecordException );
+   EXPECT_EQ( most, peer.ldpAdjs() );
+}
+
+TEST( NboAttrLogRefusal, memoryThatRunsOutIsReportedAndLosesNothing ) {
+   U32 reports = 0;
+   U32 refusals = 0;
+   for ( U64 seed = 0; seed < 40; ++seed ) {
+      SCOPED_TRACE( seed );
+      std::mt19937_64 random( seed );
+      LogWorld world( random, 20 );
+      world.steps( 200 );
+      auto pair = std::make_unique< LogPair >( 64u << random() % 8 );
+      // One allocation fails. What was asked for may not have happened, but the log does not forget it.
+      auto const run = [&]( auto const & call ) {
+         failing = 1 + random() % 30;
+         try {
+            call();
+         } catch ( std::bad_alloc const & ) {
+            ++reports;
+         }
+         failing = 0;
+         while ( auto const raised = pair->source.out->takeException() ) {
+            EXPECT_THROW( std::rethrow_exception( raised ), std::bad_alloc );
+            ++reports;
+         }
+      };
+      run( [&] { world.attach( pair->source.out ); } );
+      world.attach( pair->source.out );
+      for ( U32 i = 0; i < 100; ++i ) {
+         run( [&] { world.step(); } );
+         run( [&] { pair->source.out->bytes(); } );
+         if ( i % 4 ) continue;
+         auto const octets = pair->take();
+         try {
+            if ( i % 32 == 0 ) failing = 1 + random() % 30;
+            pair->copy.demuxer->bytesIs( octets.data(), octets.size() );
+         } catch ( std::bad_alloc const & ) {
+            failing = 0;
+            ++refusals;
+            EXPECT_THROW( pair->copy.demuxer->bytesIs( "x", 1 ), AttrLogRecordException );
+            auto next = std::make_unique< LogPair >( 200 );
+            for ( auto const & copy : pair->copy.demuxer->roots() ) {
+               next->copy.demuxer->rootIs( copy );
+            }
+            pair = std::move( next );
+            world.attach( pair->source.out );
+         }
+         failing = 0;
+      }
+      pair->flush();
+      auto const & roots = pair->copy.demuxer->roots();
+      ASSERT_EQ( world.roots().size(), roots.size() );
+      for ( auto const & root : roots ) {
+         for ( auto const & original : world.roots() ) {
+            if ( original->fwkType() == root->fwkType() ) EXPECT_EQ( logged( *original ), logged( *root ) );
+         }
+      }
+   }
+   EXPECT_LT( 0u, reports );
+   EXPECT_LT( 0u, refusals );
 }
 
 TEST( NboAttrLogRefusal, aScalarChangeWithRoomAllocatesNothing ) {

@@ -38,13 +38,16 @@ TEST( NboAttrLog, aMemberComesAndGoesAsOneRecordEach ) {
    Ldp::LdpAdjId const id = adjId( 2 );
    pair.coll->adjStatusIs( id );
    auto const added = records( pair.take() );
-   ASSERT_EQ( 2u, added.size() );
+   ASSERT_EQ( 7u, added.size() );
    // Identifier (address, label space), interface, target address; then the type's number and the entity's.
    EXPECT_EQ( ( Record{ 3, 1, 0x102, { 10,  0,   0,   2, 0, 0, 0, 0, 0, 9, 'E', 't', 'h', 'e', 'r', 'n',
                                        'e', 't', '1', 0, 0, 0, 0, 0, 0, 0, 2,   0,   0,   0,   3 } } ),
               added[0] );
-   EXPECT_EQ( 3u, added[1].entity );
-   EXPECT_EQ( 0x90u, added[1].attribute ) << "its scalars follow in a group";
+   U32 last = 0;
+   for ( std::size_t i = 1; i < added.size(); ++i ) {
+      EXPECT_EQ( 3u, added[i].entity ) << "its scalars follow, one by one";
+      EXPECT_LT( std::exchange( last, added[i].attribute ), added[i].attribute ) << "in the order of their ids";
+   }
    pair.coll->adjStatusDel( id );
    auto const deleted = records( pair.take() );
    ASSERT_EQ( 1u, deleted.size() );
@@ -160,6 +163,48 @@ TEST( NboAttrLog, aReferenceLeadsToTheCopyOfItsTargetWhileThatIsOnTheLog ) {
    EXPECT_NE( nullptr, branch->beside( "to the twig" ).ptr() );
 }
 
+TEST( NboAttrLog, whatWaitedInAQueueComesInItsOrderWithItsIndices ) {
+   for ( U32 const start : { 0u, 0xfffffff0u } ) {
+      auto const branch = branchFactory( Name( "branch" ) );
+      for ( U32 i = 0; i < 3; ++i ) {
+         branch->eventIs( start + i, "before" );
+      }
+      LogPair pair( 64 );
+      branch->vornNboAttrLogSaIs( 0, 0, pair.source.out );
+      pair.flush();
+      Branch & copy = static_cast< Branch & >( *pair.root() );
+      struct Watch : Branch::NotifieeConst {
+         explicit Watch( Branch & branch ) {
+            isRegisteredNotifieeIs( true );
+            notifierIs( Ptr< Vorn::PtrInterface const >( &branch ) );
+            isWeakReferenceIs( true );
+            hasNotificationActiveIs( true );
+         }
+         void onEvent( U32 index ) override {
+            auto const & queue = static_cast< Branch const & >( *notifier() ).eventColl();
+            if ( queue[index] ) told.push_back( index );
+         }
+         std::vector< U32 > told;
+      };
+      auto const watch = Vorn::newObject< Watch >( copy );
+      for ( U32 i = 0; i < 40; ++i ) {
+         branch->eventEnq( "waiting" );
+         if ( i % 3 == 0 ) branch->eventDeq();
+      }
+      branch->eventDel( start + 42 ); // the last: the copy never hears of it as an element
+      pair.flush();
+      EXPECT_EQ( logged( *branch ), logged( copy ) );
+      EXPECT_EQ( branch->eventColl().firstIndex(), copy.eventColl().firstIndex() );
+      EXPECT_EQ( branch->eventColl().nextIndex(), copy.eventColl().nextIndex() );
+      for ( std::size_t i = 1; i < watch->told.size(); ++i ) {
+         EXPECT_LT( watch->told[i - 1] - start, watch->told[i] - start );
+      }
+      branch->eventDelAll();
+      pair.flush();
+      EXPECT_EQ( branch->eventColl().firstIndex(), copy.eventColl().firstIndex() ) << "an empty queue too";
+   }
+}
+
 TEST( NboAttrLog, aMemberThatWasTakenOutIsSilent ) {
    Adjacencies pair;
    pair.coll->adjStatusDel( pair.member->ldpAdjId() );
@@ -197,10 +242,15 @@ TEST( NboAttrLog, whatTheHostHoldsBackWaits ) {
    pair.coll->adjStatusIs( adjId( 3 ) );
    pair.coll->adjStatusDel( adjId( 3 ) );
    EXPECT_TRUE( pair.take().empty() );
+   auto & waiting = *pair.source.out->adapter( *pair.coll );
+   EXPECT_TRUE( waiting.flags().any( StreamAdapter::flowOutPresent ) );
+   EXPECT_EQ( waiting.vornRawFlowOut(), waiting.flowOut() );
+   EXPECT_TRUE( waiting.flowOut()->hasDirtyCollKeys() );
+   EXPECT_FALSE( waiting.flowOut()->hasDirtyAttributes() );
    pair.coll->vornNboAttrLogSaIs( 0, 0, pair.source.out );
    auto const sent = records( pair.take() );
-   // One record for the ten changes; of the keys an introduction, its group, and a deletion.
-   EXPECT_EQ( 4u, sent.size() );
+   // One record for the ten changes; of the keys an introduction with six scalars, and a deletion.
+   EXPECT_EQ( 9u, sent.size() );
    EXPECT_EQ( 1, std::count( sent.begin(), sent.end(), Record{ 0, 2, 0x106, { 0, 9 } } ) );
    tree->vornNboAttrLogSaIs( 0, 0, pair.source.out );
    pair.flush();
@@ -267,7 +317,7 @@ TEST( NboAttrLog, aLongValueIsNotKeptWaitingByShortOnes ) {
    } while ( static_cast< Tree & >( *pair.root() ).kind().empty() );
 }
 
-TEST( NboAttrLog, aRootThatIsDestroyedIsWithdrawn ) {
+TEST( NboAttrLog, aRootStaysUntilItIsTakenOff ) {
    for ( bool const room : { true, false } ) {
       Adjacencies pair( 100 );
       auto tree = treeFactory( Name( "tree" ) );
@@ -276,12 +326,16 @@ TEST( NboAttrLog, aRootThatIsDestroyedIsWithdrawn ) {
       pair.flush();
       ASSERT_EQ( 2u, pair.copy.demuxer->roots().size() );
       U64 const trees = Tree::allocTrack().objects();
-      if ( !room ) pair.starve();
-      tree->ageIs( 9 ); // finds no room, and never will
+      Tree & held = *tree;
       tree = nullptr;
-      EXPECT_EQ( trees - 1, Tree::allocTrack().objects() ) << "the log does not keep it";
+      EXPECT_EQ( trees, Tree::allocTrack().objects() ) << "the log holds it";
+      if ( !room ) pair.starve();
+      held.ageIs( 9 ); // may find no room, and then never will
+      EXPECT_FALSE( pair.source.out->rootDel( *held.branch( Name( "branch" ) ) ) ) << "it is no root";
+      EXPECT_TRUE( pair.source.out->rootDel( held ) );
+      EXPECT_EQ( trees - 1, Tree::allocTrack().objects() );
       pair.flush();
-      EXPECT_EQ( trees - 2, Tree::allocTrack().objects() ) << "nor does the copy's end";
+      EXPECT_EQ( trees - 2, Tree::allocTrack().objects() ) << "nor does the copy's end keep it";
       ASSERT_EQ( 1u, pair.copy.demuxer->roots().size() );
       EXPECT_EQ( pair.source.out->adapters(), pair.copy.out->adapters() );
       EXPECT_EQ( logged( *pair.coll ), logged( *pair.root() ) );
@@ -307,11 +361,11 @@ TEST( NboAttrLog, aRootThatBecomesAMemberIsNoRootAnyMore ) {
 
 TEST( NboAttrLogDeathTest, aSecondBookmark ) {
    Vorn::NboAttrLog::FlowOut flowOut( Branch::_vornType );
-   auto const key = [] {
-      return std::make_unique< Vorn::GenericIf::Value >( &Vorn::BuiltinType< U32 >::record );
-   };
-   flowOut.bookmarkIs( key() );
-   EXPECT_DEATH( flowOut.bookmarkIs( key() ), "!rsc->bookmark\\(\\)" );
+   U32 key = 7;
+   flowOut.bookmarkIs( &key );
+   EXPECT_DEATH( flowOut.bookmarkIs( &key ), "!rsc->bookmark\\(\\)" );
+   EXPECT_EQ( &key, Vorn::NboAttrLog::vornFlowOutBookmarkDeq< U32 >( flowOut ) );
+   EXPECT_EQ( nullptr, flowOut.bookmark() );
 }
 
 } // namespace

@@ -121,6 +121,20 @@ TEST( NboAttrLog, aWriteFromAReadOnlyCopyIsRefused ) {
    EXPECT_EQ( 0, tree->age() );
 }
 
+TEST( NboAttrLog, aReadOnlyCopyWritesNeitherByAGroupNorByARoot ) {
+   LogEnd end( StreamAdapter::remoteReadOnly );
+   auto const tree = treeFactory( Name( "tree" ) );
+   tree->vornNboAttrLogSaIs( StreamAdapter::remoteReadOnly, 0, end.out );
+   Octets const branchDel = Octets{ 0, 4, 0, 18 } + number( 0u - 0x108 ) + counted( "branch" );
+   Octets const lie = header + record( 0, 0x80000001, 0x90, branchDel );
+   tree->branchIs( Name( "branch" ) );
+   EXPECT_THROW( end.demuxer->bytesIs( lie.data(), lie.size() ), Vorn::AttrLogRecordException );
+   EXPECT_NE( nullptr, tree->branch( Name( "branch" ) ) );
+   LogEnd other( StreamAdapter::remoteReadOnly );
+   EXPECT_THROW( other.demuxer->bytesIs( good.data(), good.size() ), Vorn::AttrLogRecordException );
+   EXPECT_TRUE( other.demuxer->roots().empty() );
+}
+
 TEST( NboAttrLog, theHostMayLetAReadOnlyEndWrite ) {
    struct AgeOnly : Vorn::NboAttrLog::Permits {
       bool writable( Vorn::Entity & entity ) override { return entity.fwkType() == &Tree::_vornType; }

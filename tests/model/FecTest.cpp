@@ -2,6 +2,7 @@
 // all.
 #include "Ldp/LdpP2mpFec.h"
 #include "Vorn/Hash.h"
+#include "Vorn/NboAttrLog.h"
 #include "model/Observe.h"
 
 #include <gtest/gtest.h>
@@ -173,6 +174,64 @@ TEST_F( FecNotifierTest, WritingTheContextDirectlyTells ) {
    Watcher writing( *notifier, [&] { notifier->lastLdpIdIs( peer ); } );
    notifier->updateVia( fec );
    EXPECT_EQ( notifier->lastLdpId(), peer ) << "an update clears what it was given";
+}
+
+TEST_F( FecNotifierTest, TheContextNeverReachesTheLog ) {
+   namespace NboAttrLog = Vorn::NboAttrLog;
+   // Within an update an observer drains a log that was full, and attaches everything to another.
+   auto const full = Vorn::newObject< NboAttrLog::Out >( 64U );
+   coll->vornNboAttrLogSaIs( 0, 0, full );
+   Ptr< NboAttrLog::Out > late;
+   struct Copy {
+      void carry( Ptr< NboAttrLog::Out > const & from ) {
+         while ( auto const bytes = from->bytes() ) {
+            demuxer->bytesIs( from->data(), bytes );
+            from->drained( bytes );
+         }
+      }
+      LdpFecConfigNotifier & notifier() const {
+         return *static_cast< LdpFecConfigColl & >( *demuxer->roots().at( 0 ) ).fecConfigNotifier();
+      }
+      Ptr< NboAttrLog::Demuxer > demuxer =
+           Vorn::newObject< NboAttrLog::Demuxer >( Vorn::newObject< NboAttrLog::Out >() );
+   };
+   Copy one;
+   one.carry( full );
+   std::vector< std::string > inside;
+   bool updating = false;
+   Watcher seen( *notifier, [&] {
+      if ( !updating ) return;
+      inside.push_back( context() );
+      one.carry( full );
+      late = Vorn::newObject< NboAttrLog::Out >();
+      coll->vornNboAttrLogSaIs( 0, 0, late );
+   } );
+   for ( auto const & update : std::initializer_list< std::function< void() > >{
+              [&] { notifier->updateMplsLabelSet( fec, MplsLabel( 16 ) ); },
+              [&] { notifier->updateDownstreamLsr( fec, peer ); } } ) {
+      while ( full->hasSufficientBuffer() ) {
+         notifier->viaChangeCntInc( 1 );
+      }
+      // What is written outside an update waits there with it.
+      notifier->lastLdpIdIs( LdpIdentifier( 9, 9 ) );
+      notifier->lastMplsLabelIs( MplsLabel( 99 ) );
+      inside.clear();
+      updating = true;
+      update();
+      updating = false;
+      EXPECT_EQ( inside.size(), 1U );
+      EXPECT_NE( inside.front(), none );
+      Copy other;
+      other.carry( late );
+      one.carry( full );
+      for ( Copy const * copy : { &one, &other } ) {
+         EXPECT_EQ( copy->notifier().lastFecConfig(), nullptr );
+         EXPECT_EQ( copy->notifier().lastLdpId(), LdpIdentifier() );
+         EXPECT_EQ( copy->notifier().lastMplsLabel(), MplsLabel() );
+         EXPECT_EQ( copy->notifier().mplsLabelSetChangeCnt(), notifier->mplsLabelSetChangeCnt() );
+         EXPECT_EQ( copy->notifier().downstreamLsrChangeCnt(), notifier->downstreamLsrChangeCnt() );
+      }
+   }
 }
 
 TEST_F( FecNotifierTest, AnObserverMayDropTheNotifier ) {
