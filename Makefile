@@ -4,32 +4,48 @@ PREFIX ?= /usr/local
 FUZZ_SECONDS ?= 60
 JOBS ?= $(shell nproc)
 
-.PHONY: help setup build demo test sanitize thread bench fuzz format format-check docs model-doc install
+.PHONY: help build dist dist-clang demo test sanitize thread memory bench fuzz fuzz-fast fuzz-keep format format-check docs model-doc forward install
 
 help:
 	@echo "make demo       decode captures of real routers, show what each router knows"
 	@echo "make test       build everything, run the whole suite"
 	@echo "make sanitize   the same with clang++ under address and undefined-behaviour sanitizers"
 	@echo "make thread     the test of references that threads share, under the thread sanitizer"
+	@echo "make memory     the inputs of the fuzz targets under the memory sanitizer"
 	@echo "make bench      run the benchmarks"
-	@echo "make fuzz       run each fuzz target for FUZZ_SECONDS (60)"
-	@echo "make docs       reference documentation, into build/release/docs/html"
+	@echo "make fuzz       run each fuzz target for FUZZ_SECONDS (60); fuzz-fast: the lean one without sanitizers"
+	@echo "make fuzz-keep  take into fuzz/corpus what the runs have found that covers more"
+	@echo "make docs       reference documentation, into build/dist/docs/html"
 	@echo "make model-doc  write docs/model.md anew from the type table"
+	@echo "make forward    write include/Ldp/Fwd.h anew from the other headers"
 	@echo "make format     put all sources into the project's format; format-check only looks"
+	@echo "make dist       what is installed: libraries and ldptool; dist-clang: the same with clang++"
 	@echo "make install    install into PREFIX (/usr/local)"
 
-setup:
-	@scripts/setup.sh
+# What each preset needs installed, see scripts/setup.sh.
+needs_release := tests
+needs_dist := tool
+needs_dist-clang := tool clang
+needs_sanitize := tests clang
+needs_thread := tests clang
+needs_fuzz := tests clang
+needs_fuzz-fast := tests clang
+needs_memory := tests clang
 
-build/%/build.ninja: setup
+.PRECIOUS: build/%/build.ninja
+build/%/build.ninja: FORCE
+	@scripts/setup.sh $(needs_$*)
 	cmake --preset $*
+FORCE:
 
 build: build/release/build.ninja
 	cmake --build --preset release
 
-demo: build/release/build.ninja
-	cmake --build --preset release --target ldptool
-	scripts/demo.sh build/release/bin/ldptool
+dist dist-clang: %: build/%/build.ninja
+	cmake --build --preset $@
+
+demo: dist
+	scripts/demo.sh build/dist/bin/ldptool
 
 test: build
 	ctest --preset release -j $(JOBS)
@@ -42,22 +58,35 @@ thread: build/thread/build.ninja
 	cmake --build --preset thread
 	build/thread/bin/thread_tests
 
+memory: build/memory/build.ninja
+	cmake --build --preset memory
+	scripts/fuzz.sh replay build/memory
+
 bench: build
 	scripts/bench.sh build/release/bin
 
-fuzz: build/fuzz/build.ninja
-	cmake --build --preset fuzz
-	scripts/fuzz.sh $(FUZZ_SECONDS) build/fuzz
+fuzz fuzz-fast: %: build/%/build.ninja
+	cmake --build --preset $@
+	scripts/fuzz.sh $(FUZZ_SECONDS) build/$@
 
-format format-check: setup
+fuzz-keep: build/fuzz/build.ninja
+	cmake --build --preset fuzz
+	scripts/fuzz.sh keep build/fuzz
+
+format format-check:
+	@scripts/setup.sh clang
 	scripts/format.sh $@
 
-docs: build/release/build.ninja
-	cmake --build --preset release --target docs
+docs: build/dist/build.ninja
+	@scripts/setup.sh docs
+	cmake --preset dist
+	cmake --build --preset dist --target docs
 
-model-doc: build/release/build.ninja
-	cmake --build --preset release --target ldptool
-	build/release/bin/ldptool types --json | scripts/model_doc.py docs/model.md
+model-doc: dist
+	build/dist/bin/ldptool types --json | scripts/model_doc.py docs/model.md
 
-install: build
-	cmake --install build/release --prefix $(PREFIX)
+forward:
+	scripts/forward.py include/Ldp/Fwd.h
+
+install: dist
+	cmake --install build/dist --prefix $(PREFIX) --strip

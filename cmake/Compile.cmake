@@ -1,14 +1,17 @@
-# How our own code is compiled: warnings are errors, sanitizers where asked for, ccache where present.
+# How our own code is compiled: with which warnings, with sanitizers where asked for, with ccache where present. Warnings are
+# errors in our own builds alone: the presets say so.
 
 find_program( CCACHE ccache )
 mark_as_advanced( CCACHE )
-if( CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER )
+if( PROJECT_IS_TOP_LEVEL AND CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER )
    set( CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE} )
 endif()
 
-# Every target of ours links this privately; it is never handed on to those who use the library.
+# Every target of ours links this privately; it is never handed on to those who use the library. What a binary says of its
+# sources (an assertion, debug information) does not depend on where it was built.
 add_library( LdpCompile INTERFACE )
-target_compile_options( LdpCompile INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Werror )
+target_compile_options( LdpCompile INTERFACE
+   -Wall -Wextra -Wpedantic -Wconversion -ffile-prefix-map=${PROJECT_SOURCE_DIR}/= )
 
 if( LDP_SANITIZE )
    add_compile_options( -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer )
@@ -17,6 +20,12 @@ endif()
 if( LDP_THREAD )
    add_compile_options( -fsanitize=thread )
    add_link_options( -fsanitize=thread )
+endif()
+if( LDP_MEMORY )
+   # All that runs must be compiled this way, the standard library too: of libc++ nearly all is in its headers.
+   add_compile_options( -fsanitize=memory -fsanitize-memory-track-origins -fno-omit-frame-pointer
+      -stdlib=libc++ -D_LIBCPP_DISABLE_EXTERN_TEMPLATE )
+   add_link_options( -fsanitize=memory -stdlib=libc++ )
 endif()
 if( LDP_FUZZ )
    # Coverage feedback in the library itself; only the targets take the fuzzer's main.

@@ -1,14 +1,15 @@
 # What `cmake --install` gives beside ldptool: headers, both libraries, and two ways for others to find them: the CMake package
-# Ldp (targets Ldp::shared and Ldp::static) and Ldp.pc. All of it can be moved to another prefix.
+# Ldp (targets Ldp::shared, Ldp::static, and Ldp::Ldp, which is one of them) and Ldp.pc. All of it can be moved to another
+# prefix. The headers lie in a folder of ours, which both ways name: folders called Interface or L3 are not for the system's.
 
 include( CMakePackageConfigHelpers )
 
-install( DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN *.h )
+install( DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/libLdp FILES_MATCHING PATTERN *.h )
 install( TARGETS Ldp_shared Ldp_static EXPORT LdpTargets )
 
-# The package has no dependencies, so the list of targets is the whole of it.
 set( package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Ldp )
-install( EXPORT LdpTargets FILE LdpConfig.cmake NAMESPACE Ldp:: DESTINATION ${package_dir} )
+install( EXPORT LdpTargets NAMESPACE Ldp:: DESTINATION ${package_dir} )
+install( FILES ${PROJECT_SOURCE_DIR}/cmake/LdpConfig.cmake DESTINATION ${package_dir} )
 write_basic_package_version_file( LdpConfigVersion.cmake COMPATIBILITY SameMinorVersion )
 install( FILES ${PROJECT_BINARY_DIR}/LdpConfigVersion.cmake DESTINATION ${package_dir} )
 

@@ -25,13 +25,20 @@ foreach( kind SHARED STATIC )
    endif()
    add_library( Ldp::${target} ALIAS Ldp_${target} )
    target_include_directories( Ldp_${target} PUBLIC
-      $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}> )
+      $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/libLdp> )
    target_compile_features( Ldp_${target} PUBLIC cxx_std_20 )
    set_target_properties( Ldp_${target} PROPERTIES
       LINKER_LANGUAGE CXX OUTPUT_NAME Ldp EXPORT_NAME ${target} SOVERSION 0 VERSION ${PROJECT_VERSION} )
 endforeach()
 
-# What the library needs must come from what it links. (A sanitizer's runtime comes with the program instead.)
-if( NOT LDP_SANITIZE )
+# What a program links that has no wish of its own.
+if( BUILD_SHARED_LIBS )
+   add_library( Ldp::Ldp ALIAS Ldp_shared )
+else()
+   add_library( Ldp::Ldp ALIAS Ldp_static )
+endif()
+
+# What the library needs must come from what it links. (The runtime of a sanitizer or fuzzer comes with the program instead.)
+if( NOT ( LDP_SANITIZE OR LDP_MEMORY OR LDP_FUZZ ) )
    target_link_options( Ldp_shared PRIVATE LINKER:--no-undefined )
 endif()

@@ -34,8 +34,5 @@ extern "C" int LLVMFuzzerTestOneInput( U8 const * data, std::size_t size ) {
 
 extern "C" std::size_t LLVMFuzzerCustomMutator( U8 * data, std::size_t size, std::size_t maxSize,
                                                 unsigned seed ) {
-   size = LLVMFuzzerMutate( data, size, maxSize );
-   std::size_t const pdu = 1 + ( size ? data[0] & 0x1fu : 0 );
-   if ( seed % 2 && size > pdu ) Fuzz::mendPdu( { data + pdu, size - pdu } );
-   return size;
+   return Fuzz::mutatePdu( data, size, maxSize, seed );
 }

@@ -45,4 +45,13 @@ inline void mendPdu( std::span< U8 > pdu ) {
    mendUnits( pdu.subspan( 10 ), mendMessage );
 }
 
+// The custom mutator of inputs whose first octet says where behind it a PDU begins: half of the results have
+// lengths that fit.
+inline std::size_t mutatePdu( U8 * data, std::size_t size, std::size_t maxSize, unsigned seed ) {
+   size = LLVMFuzzerMutate( data, size, maxSize );
+   std::size_t const pdu = 1 + ( size ? data[0] & 0x1fu : 0 );
+   if ( seed % 2 && size > pdu ) mendPdu( { data + pdu, size - pdu } );
+   return size;
+}
+
 } // namespace Fuzz

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Makes the seed corpora of the decoders' fuzz targets: fuzz/corpus/{PduFuzz,MessageFuzz,FecTlvFuzz,TextFuzz}.
+"""Makes the seed corpora: fuzz/corpus/{PduFuzz,MessageFuzz,FecTlvFuzz,TextFuzz,CaptureFuzz}. LeanFuzz and TraceFuzz
+take the inputs of PduFuzz.
 
 One part is cut from tests/captures: of PDUs that differ in nothing but their values one is taken. The other part is
 made by hand below, each input named by what it shows. Run it again after a change here; it writes over what it made
@@ -8,10 +9,14 @@ before and removes nothing.
 
 import os
 import struct
+import sys
 
 HERE = os.path.dirname(os.path.abspath(__file__))
-CAPTURES = os.path.join(HERE, os.pardir, "tests", "captures")
-PORT = 646
+sys.path.insert(0, os.path.join(HERE, os.pardir, "tests", "support"))
+
+import ldpcap
+from ldpcap import CAPTURES, PORT, frames, ip_packet, messages, pdu, pdus, segment, tlv, units
+
 MOST_PER_CAPTURE = 40
 LARGEST = 1500  # octets of a PDU from a capture
 
@@ -22,55 +27,11 @@ CLASSES = [None, 0x100, 0x200, 0x202, 1, 0x300, 0x301, 0x400, 0x401, 0x402, 0x40
 # Captures --------------------------------------------------------------------------------------------------------
 
 
-def frames(path):
-    with open(path, "rb") as file:
-        data = file.read()
-    link = struct.unpack_from("<I", data, 20)[0]
-    at = 24
-    while at + 16 <= len(data):
-        size = struct.unpack_from("<I", data, at + 8)[0]
-        yield link, data[at + 16 : at + 16 + size]
-        at += 16 + size
-
-
 def payload(link, frame):
     """The UDP or TCP payload of a frame on the protocol's port."""
-    at = 16 if link == 113 else 14
-    kind = struct.unpack_from("!H", frame, at - 2)[0]
-    if kind == 0x8100:
-        kind = struct.unpack_from("!H", frame, at + 2)[0]
-        at += 4
-    if kind == 0x0800:
-        proto, end = frame[at + 9], at + struct.unpack_from("!H", frame, at + 2)[0]
-        at += (frame[at] & 15) * 4
-    elif kind == 0x86DD:
-        proto, end = frame[at + 6], at + 40 + struct.unpack_from("!H", frame, at + 4)[0]
-        at += 40
-    else:
-        return b""
-    if proto not in (6, 17) or PORT not in struct.unpack_from("!HH", frame, at):
-        return b""
-    return frame[at + (8 if proto == 17 else (frame[at + 12] >> 4) * 4) : end]
-
-
-def pdus(octets):
-    while len(octets) >= 18 and octets[:2] == b"\0\1":
-        total = struct.unpack_from("!H", octets, 2)[0] + 4
-        if not 18 <= total <= len(octets):
-            return
-        yield octets[:total]
-        octets = octets[total:]
-
-
-def units(run):
-    while len(run) >= 4:
-        total = struct.unpack_from("!H", run, 2)[0] + 4
-        yield run[:total]
-        run = run[total:]
-
-
-def messages(pdu):
-    return list(units(pdu[10:]))
+    packet = ip_packet(link, frame)
+    found = segment(packet) if packet else None
+    return found.payload if found and PORT in (found.sport, found.dport) else b""
 
 
 def shape(message):
@@ -85,39 +46,26 @@ def captured():
         if not name.endswith(".pcap"):
             continue
         taken = 0
-        for link, frame in frames(os.path.join(CAPTURES, name)):
-            for pdu in pdus(payload(link, frame)):
+        link, found = frames(os.path.join(CAPTURES, name))
+        for frame in found:
+            for whole in pdus(payload(link, frame)):
                 fresh = []
-                for message in messages(pdu):
-                    if shape(message) not in seen:
-                        seen.add(shape(message))
-                        fresh.append(message)
+                for one in messages(whole):
+                    if shape(one) not in seen:
+                        seen.add(shape(one))
+                        fresh.append(one)
                 body = b"".join(fresh)
                 if not fresh or len(body) > LARGEST or taken == MOST_PER_CAPTURE:
                     continue
                 taken += 1
-                yield "%s-%02d" % (name[:-5], taken), header(len(body) + 6, pdu[4:10]) + body
+                yield "%s-%02d" % (name[:-5], taken), struct.pack("!HH", 1, len(body) + 6) + whole[4:10] + body
 
 
 # By hand ---------------------------------------------------------------------------------------------------------
 
 
-def header(length, ident=b"\x0a\0\0\1\0\0"):
-    return struct.pack("!HH", 1, length & 0xFFFF) + ident
-
-
-def pdu(*parts, length=None):
-    body = b"".join(parts)
-    return header(len(body) + 6 if length is None else length) + body
-
-
 def message(kind, *parts, length=None):
-    body = b"\0\0\0\7" + b"".join(parts)
-    return struct.pack("!HH", kind, len(body) if length is None else length) + body
-
-
-def tlv(kind, value=b"", length=None):
-    return struct.pack("!HH", kind, len(value) if length is None else length) + value
+    return ldpcap.message(kind, 7, *parts, length=length)
 
 
 PREFIX = b"\2\0\1\x18\x0a\1\2"
@@ -297,6 +245,25 @@ def by_hand_pdus():
     yield "message-3-octets-header-in-next", pdu(tlv(0x201, length=65535), tlv(0x100, length=0), KEEP_ALIVE)
 
 
+# The kinds of capture of CaptureFuzz.cpp by link type, and a whole file.
+CAPTURE_KINDS = {1: 0, 113: 1}
+WHOLE_FILE = 0x80
+
+
+def capture_inputs():
+    """The first frames of each capture with LDP in them, for the monitor and for lines; one whole file."""
+    for name in sorted(os.listdir(CAPTURES)):
+        if not name.endswith(".pcap"):
+            continue
+        link, found = frames(os.path.join(CAPTURES, name))
+        kept = [frame for frame in found if payload(link, frame)][:30]
+        body = b"".join(struct.pack("!BH", 1, len(frame)) + frame for frame in kept if len(frame) <= LARGEST)
+        for reader in (2, 4):
+            yield "%s-%d" % (name[:-5], reader), bytes([reader, CAPTURE_KINDS[link]]) + body
+    with open(os.path.join(CAPTURES, "any-sll.pcap"), "rb") as file:
+        yield "whole-file", bytes([5, WHOLE_FILE]) + file.read()[:8000]
+
+
 def write(target, name, octets):
     folder = os.path.join(HERE, "corpus", target)
     os.makedirs(folder, exist_ok=True)
@@ -336,6 +303,8 @@ def main():
     for length in (0, 1, len(PREFIX) - 1, len(PREFIX) + 1, 0xFFFC, 0xFFFD, 0xFFFF):
         write("FecTlvFuzz", "prefix-tlv-length-%d" % length, b"\0" + tlv(0x100, PREFIX, length))
     write("FecTlvFuzz", "header-cut-short", b"\0\1\0\0")
+    for name, octets in capture_inputs():
+        write("CaptureFuzz", name, octets)
     for name, text in texts():
         write("TextFuzz", name, text.encode())
 

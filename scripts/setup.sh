@@ -1,24 +1,25 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that the build, the tests and the documentation need, as far as they are
-# missing. Says nothing and asks no network when nothing is missing.
+# Installs the Debian packages that something needs, as far as they are missing. Says nothing and asks no network when nothing is
+# missing.
 #
-#   scripts/setup.sh                 what `make demo`, `make test` and all other targets need
-#   scripts/setup.sh --comparison    also what the benchmarks are measured against: decoders, and libraries that a table leaves out
-#                                    where they are missing
+#   scripts/setup.sh GROUP...
+#      tool         ldptool and the libraries            tests        the suite and the benchmarks, ldptool included
+#      clang        second compiler, sanitizers, fuzzer, formatting    docs         reference documentation
+#      comparison   what the benchmarks are measured against: decoders, and libraries that a table leaves out where they are missing
 set -euo pipefail
 
-packages=(
-   g++ cmake ninja-build ccache pkg-config python3 git
-   clang clang-format libclang-rt-14-dev                           # second compiler, fuzzer and sanitizer runtimes
-   libtins-dev libpcap-dev libcli11-dev nlohmann-json3-dev         # ldptool
-   libgtest-dev librapidcheck-dev libbenchmark-dev                 # tests, benchmarks
-   doxygen
-)
-case "${1:-}" in
-   "") ;;
-   --comparison) packages+=( tcpdump tshark libabsl-dev libboost-dev libsigc++-2.0-dev libprotobuf-dev protobuf-compiler ) ;;
-   *) echo "usage: scripts/setup.sh [--comparison]" >&2; exit 2 ;;
-esac
+packages=( g++ cmake ninja-build ccache pkg-config python3 )
+for group in "$@"; do
+   case "$group" in
+      tool | tests) packages+=( libtins-dev libpcap-dev libcli11-dev nlohmann-json3-dev ) ;;&
+      tool) ;;
+      tests) packages+=( git libgtest-dev librapidcheck-dev libbenchmark-dev ) ;;
+      clang) packages+=( git clang clang-format libclang-rt-14-dev libc++-14-dev libc++abi-14-dev ) ;;
+      docs) packages+=( doxygen ) ;;
+      comparison) packages+=( tcpdump tshark libabsl-dev libboost-dev libsigc++-2.0-dev libprotobuf-dev protobuf-compiler ) ;;
+      *) echo "usage: scripts/setup.sh [tool|tests|clang|docs|comparison]..." >&2; exit 2 ;;
+   esac
+done
 
 if ! command -v dpkg-query >/dev/null; then
    echo "setup.sh: not a Debian system; please see to the equivalents of: ${packages[*]}" >&2

@@ -8,6 +8,7 @@
 #include <pthread.h>
 #include <string>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <time.h>
 #include <unistd.h>
@@ -43,21 +44,30 @@ std::string pathOf( char const * fileNameFormat, char const * folder, int instan
    return path;
 }
 
-/// Clears the way for a new file. A ring goes aside, or away; so does an empty file. Anything else stays, and
-/// is EEXIST.
-int clearPath( std::string const & path, bool keepPrevious ) {
+/// What stands under a name: 0 for a ring or an empty file, which may be replaced; ENOENT for nothing; EEXIST
+/// for anything else; else why it cannot be known.
+int replaceable( std::string const & path, bool & ring ) {
    int const fd = open( path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC );
-   if ( fd < 0 ) return errno == ENOENT ? 0 : errno == ELOOP ? EEXIST : errno;
+   if ( fd < 0 ) return errno == ELOOP ? EEXIST : errno;
    struct stat found {};
    char magic[sizeof fileMagic];
    bool const file = fstat( fd, &found ) == 0 && S_ISREG( found.st_mode );
    ssize_t const read = file ? pread( fd, magic, sizeof magic, 0 ) : -1;
    close( fd );
-   bool const ring = read == sizeof magic && std::memcmp( magic, fileMagic, sizeof magic ) == 0;
-   if ( !ring && read != 0 ) return EEXIST;
-   int const failed =
-        ring && keepPrevious ? rename( path.c_str(), ( path + ".old" ).c_str() ) : unlink( path.c_str() );
-   return failed ? errno : 0;
+   ring = read == sizeof magic && std::memcmp( magic, fileMagic, sizeof magic ) == 0;
+   return ring || read == 0 ? 0 : EEXIST;
+}
+
+/// Clears the way for a new file. A ring goes aside, or away; so does an empty file. Anything else stays,
+/// also under the name to which a ring would go, and is EEXIST.
+int clearPath( std::string const & path, bool keepPrevious ) {
+   bool ring = false;
+   if ( int const found = replaceable( path, ring ) ) return found == ENOENT ? 0 : found;
+   if ( !ring || !keepPrevious ) return unlink( path.c_str() ) ? errno : 0;
+   std::string const aside = path + ".old";
+   int const found = replaceable( aside, ring );
+   if ( found && found != ENOENT ) return found;
+   return rename( path.c_str(), aside.c_str() ) ? errno : 0;
 }
 
 /// In the child of a fork the ring is the parent's alone: the child is as before `initialize`.
@@ -79,6 +89,9 @@ int Ring::create( std::string const & path, U64 ringBytes, U64 descriptionsBytes
    U64 const blockNum = ringBytes / blockBytes;
    U64 const blocksOffset = sizeof( FileHeader ) + descriptionsBytes;
    U64 const bytes = blocksOffset + blockNum * blockBytes;
+   // Taking room beyond the process's limit would be answered with a signal that ends it.
+   rlimit limit{};
+   if ( getrlimit( RLIMIT_FSIZE, &limit ) == 0 && bytes > limit.rlim_cur ) return EFBIG;
    int const fd = open( path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0640 );
    if ( fd < 0 ) return errno;
    // Room is taken now, so that a full disk is found here and not by a signal in the middle of a record.

@@ -39,8 +39,11 @@ struct SizeSpec {
 /// \param sizeBits the file is never made larger than 2 to this power (16 to 32); the ring is cut to fit.
 /// \param multiThreading whether several threads may trace.
 /// \param keepPrevious whether a ring that is found under the same name is kept, as NAME.old; else it is
-/// removed. \param descriptionsKiB room for the descriptions of call sites. \return 0 when the ring stands,
-/// else an `errno` number. A file that is found and is no ring is never touched: EEXIST.
+/// removed.
+/// \param descriptionsKiB room for the descriptions of call sites.
+/// \return 0 when the ring stands, else an `errno` number. A file that is found, under the name or as
+/// NAME.old, and is no ring is never touched: EEXIST. A ring larger than the process may write
+/// (RLIMIT_FSIZE): EFBIG.
 VORN_API int initialize( char const * fileNameFormat, SizeSpec * sizes, char const * folder, int instance,
                          int sizeBits, MultiThreading multiThreading, bool keepPrevious,
                          unsigned int descriptionsKiB );

@@ -10,7 +10,7 @@ import re
 import sys
 
 # include/Ldp/NAME.h belongs to the layer that holds NAME.cpp; a header without a source of its own is entered here.
-WITHOUT_SOURCE = {}
+WITHOUT_SOURCE = {"Version.h": "framework", "Fwd.h": "framework"}
 
 # The values that decode and model share: status codes, identifiers, FEC values, the protocol's parameters.
 SHARED_WITH_MODEL = {"LdpEnums.h", "LdpIdentifier.h", "LdpFecHdr.h", "LdpProtoParam.h", "PwTypes.h",
@@ -27,7 +27,7 @@ LIBRARY = {"framework", "decode", "model"}
 
 # Beside the C++ standard headers, which have neither folder nor suffix.
 SYSTEM_HEADERS = {"cxxabi.h", "fcntl.h", "unistd.h", "time.h", "immintrin.h", "emmintrin.h", "x86intrin.h", "pthread.h",
-                  "arpa/inet.h", "netinet/in.h", "sys/mman.h", "sys/socket.h", "sys/stat.h", "sys/types.h"}
+                  "arpa/inet.h", "netinet/in.h", "sys/mman.h", "sys/resource.h", "sys/socket.h", "sys/stat.h", "sys/types.h"}
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.M)
 

@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <random>
+#include <sys/resource.h>
 
 namespace {
 
@@ -105,8 +106,28 @@ TEST_F( SkeinFile, nothingElseIsTouched ) {
       initialize( name, EEXIST );
    }
    initialize( "missing/ring", ENOENT );
+   // Nor where a ring would go aside: then neither is moved.
+   initialize( "ring" );
+   std::ofstream( path( "ring.old" ) ) << "a letter too";
+   std::string const ring = contents( path( "ring" ) );
+   initialize( "ring", EEXIST );
+   EXPECT_EQ( contents( path( "ring" ) ), ring );
+   EXPECT_EQ( contents( path( "ring.old" ) ), "a letter too" );
+   fs::remove( path( "ring" ) );
+   fs::remove( path( "ring.old" ) );
    EXPECT_EQ( files(), before );
    EXPECT_EQ( contents( path( "letter" ) ), "not a ring at all" );
+}
+
+TEST_F( SkeinFile, limitOfTheProcessIsAnError ) {
+   EXPECT_EQ( 0, inChild( [&] {
+                 rlimit const limit{ 64 * 1024, 64 * 1024 };
+                 EXPECT_EQ( setrlimit( RLIMIT_FSIZE, &limit ), 0 );
+                 EXPECT_EQ( Skein::initialize( "ring", nullptr, folder.c_str(), 0, 24,
+                                               Skein::MultiThreading::one, true, 64 ),
+                            EFBIG );
+              } ) );
+   EXPECT_EQ( files(), Names() );
 }
 
 TEST_F( SkeinFile, sizes ) {

@@ -1,5 +1,4 @@
 // An attribute travels the log if and only if its record says so: one sweep over all entity types.
-#include "model/ExpectedTypes.h"
 #include "model/Samples.h"
 
 #include "Ldp/LdpAdj.h"

@@ -37,12 +37,6 @@ std::string composite( VornType const & type, std::size_t index ) {
 
 } // namespace
 
-VornType const & typeOf( std::string const & name ) {
-   VornType const * const type = Vorn::typeNode( name.c_str() );
-   if ( !type ) throw std::runtime_error( name + " is not registered" );
-   return *type;
-}
-
 std::vector< std::string > sampleTexts( VornType const & type ) {
    static std::map< std::string, std::vector< std::string > > const texts{
       { "bool", { "True", "False" } },

@@ -1,15 +1,14 @@
 // Values of every type, made by the type's own text reader.
 #pragma once
 
+#include "support/ExpectedTypes.h"
+
 #include "Vorn/GenericIf.h"
 
 #include <string>
 #include <vector>
 
 namespace Test {
-
-// The registered type of that name; throws if there is none.
-Vorn::VornType const & typeOf( std::string const & name );
 
 // Texts of values of that type, all different and none the default. Fails the test for a type without any.
 std::vector< std::string > sampleTexts( Vorn::VornType const & type );

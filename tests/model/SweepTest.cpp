@@ -1,5 +1,4 @@
 // What every attribute of every entity type promises by its kind, by reflection alone.
-#include "model/ExpectedTypes.h"
 #include "model/Observe.h"
 #include "model/Samples.h"
 

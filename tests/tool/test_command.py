@@ -3,7 +3,7 @@
 import os
 import unittest
 
-from ldpcap import *
+from ldptool import *
 
 BASIC = os.path.join(CAPTURES, "basic-v4.pcap")
 GOOD = pdu(hello(1), keepalive(2), lsr="10.0.0.9")

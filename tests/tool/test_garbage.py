@@ -5,19 +5,7 @@ import os
 import random
 import unittest
 
-from ldpcap import *
-
-
-def frames_of(name):
-    """The frames of a classic little-endian capture, and its link type."""
-    with open(os.path.join(CAPTURES, name), "rb") as file:
-        octets = file.read()
-    at, frames = 24, []
-    while at < len(octets):
-        size = struct.unpack_from("<I", octets, at + 8)[0]
-        frames.append(octets[at + 16 : at + 16 + size])
-        at += 16 + size
-    return frames, struct.unpack_from("<I", octets, 20)[0]
+from ldptool import *
 
 
 def damage(rng, octets):
@@ -45,10 +33,10 @@ class Garbage(unittest.TestCase):
     def test_damaged_captures(self):
         for path in sorted(glob.glob(os.path.join(CAPTURES, "*.pcap"))):
             name = os.path.basename(path)
-            frames, link = frames_of(name)
+            link, whole = frames(path)
             rng = random.Random(name)
             for round_ in range(4):
-                chosen = frames[:400]
+                chosen = whole[:400]
                 mixed = [damage(rng, f) if rng.random() < 0.2 else f for f in chosen]
                 if round_ % 2:
                     rng.shuffle(mixed)

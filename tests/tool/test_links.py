@@ -3,7 +3,7 @@ file formats, and packets that the capture cut off."""
 
 import unittest
 
-from ldpcap import *
+from ldptool import *
 
 HELLO = pdu(hello(7))
 V6 = {"src": "2001:db8::1", "dst": "ff02::2"}

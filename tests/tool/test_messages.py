@@ -3,7 +3,7 @@ rely on. And the two inputs that must not reach the parser."""
 
 import unittest
 
-from ldpcap import *
+from ldptool import *
 
 PREFIX = prefix("10.1.2.0", 24)
 LABEL = tlv(0x0200, struct.pack("!I", 77))

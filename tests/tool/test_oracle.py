@@ -6,7 +6,7 @@ import glob
 import os
 import unittest
 
-from ldpcap import CAPTURES, run
+from ldptool import CAPTURES, run
 
 # Messages that this decoder refuses and the dissector prints: (status, reason, why). Their header fields are compared all the
 # same. The key is (capture, frame, number of the PDU in the frame, number of the message in the PDU).

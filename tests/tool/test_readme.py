@@ -4,7 +4,7 @@ import os
 import re
 import unittest
 
-from ldpcap import CAPTURES, run
+from ldptool import CAPTURES, run
 
 ROOT = os.path.join(CAPTURES, os.pardir, os.pardir)
 

@@ -7,7 +7,7 @@ import subprocess
 import tempfile
 import unittest
 
-from ldpcap import *
+from ldptool import *
 
 TICKS = 2_000_000_000  # a second; so a tick is half a nanosecond
 START = 1_700_000_000_000_000_000

@@ -2,7 +2,7 @@
 
 import unittest
 
-from ldpcap import *
+from ldptool import *
 
 ISN = 5000
 PDUS = [pdu(mapping(1)), pdu(keepalive(2)), pdu(mapping(3), mapping(4, bits=24)), pdu(keepalive(5)), pdu(mapping(6))]

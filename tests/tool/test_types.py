@@ -3,7 +3,7 @@
 import json
 import unittest
 
-from ldpcap import run
+from ldptool import run
 
 
 class Types(unittest.TestCase):

@@ -9,8 +9,9 @@ import struct
 import subprocess
 import unittest
 
-import ldpcap
-from ldpcap import ACK, CAPTURES, FIN, RST, SYN, address, ether, hello, message, pcap, pdu, prefix, run, tcp, tlv, udp
+import ldptool
+from ldptool import (ACK, CAPTURES, FIN, RST, SYN, address, ether, hello, ip_packet, message, pcap, pdu, prefix, records, run, segment,
+                     tcp, tlv, udp)
 
 def capture(name):
     return os.path.join(CAPTURES, name + ".pcap")
@@ -20,7 +21,7 @@ def watch(source, *options):
     """source: the name of a capture, or frames."""
     if isinstance(source, str):
         return run("watch", *options, capture(source))
-    return ldpcap.watch(pcap(source), *options)
+    return ldptool.watch(pcap(source), *options)
 
 
 def watched(source):
@@ -92,11 +93,7 @@ class Oracle:
     takes all. Speakers go by the last octet of their addresses."""
 
     def __init__(self, name):
-        with open(capture(name), "rb") as file:
-            self.octets = file.read()
-        self.ends = [24]  # where each frame of the capture ends
-        while self.ends[-1] < len(self.octets):
-            self.ends.append(self.ends[-1] + 16 + struct.unpack_from("<I", self.octets, self.ends[-1] + 8)[0])
+        self.octets, self.link, self.places = records(capture(name))
         self.rows = {}
         with open(os.path.join(CAPTURES, name + ".oracle.tsv"), encoding="ascii") as file:
             for line in file:
@@ -106,21 +103,19 @@ class Oracle:
 
     def frame(self, number):
         """Sender, receiver, and whether it ends its connection; frames are numbered from 1."""
-        packet = self.octets[self.ends[number - 1] + 16 + 14 : self.ends[number]]
-        four = packet[0] >> 4 == 4
-        payload = packet[(packet[0] & 15) * 4 :] if four else packet[40:]
-        source, destination = (packet[15], packet[19]) if four else (packet[23], packet[39])
-        return source, destination, packet[9 if four else 6] == 6 and bool(payload[13] & (FIN | RST))
+        begin, end = self.places[number - 1]
+        found = segment(ip_packet(self.link, self.octets[begin:end]))
+        return found.src[-1], found.dst[-1], bool(found.flags & (FIN | RST))
 
     @staticmethod
     def spelled(fec):
         """A FEC without what differs between the messages about one pseudowire."""
         return "/".join(part for part in fec.split("/") if not part.startswith(("infolen", "group", "mtu", "params")))
 
-    def bindings(self, frames):
+    def bindings(self, count):
         """{(speaker, peer): {FEC: labels}}."""
         bindings = {}
-        for number in range(1, frames + 1):
+        for number in range(1, count + 1):
             source, destination, ends = self.frame(number)
             sent, received = bindings.setdefault((source, destination), {}), bindings.setdefault((destination, source), {})
             for kind, fecs, value, detail in self.rows.get(number, []):
@@ -171,11 +166,10 @@ class Captures(unittest.TestCase):
     def check_oracle(self, name, cuts):
         """The bindings after each of some numbers of frames, evenly spaced; pseudowires as well."""
         oracle, most = Oracle(name), 0
-        frames = len(oracle.ends) - 1
         for cut in range(1, cuts + 1):
-            number = frames * cut // cuts
+            number = len(oracle.places) * cut // cuts
             with self.subTest(name=name, frames=number):
-                speakers = states_of(ldpcap.watch(oracle.octets[: oracle.ends[number]], "--json"))
+                speakers = states_of(ldptool.watch(oracle.octets[: oracle.places[number - 1][1]], "--json"))
                 expected = oracle.bindings(number)
                 for speaker, states in speakers.items():
                     own = last_octet(speaker)

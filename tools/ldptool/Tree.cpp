@@ -220,7 +220,7 @@ void TreeWatcher::Watch::tell( U32 attributeId, void const * key ) {
    std::string attribute = attr->name;
    if ( key ) {
       GenericIf::Value const value( attr->keyType, key );
-      attribute += "[" + text( value.stringValue() ) + "]";
+      attribute.append( 1, '[' ).append( text( value.stringValue() ) ).append( 1, ']' );
    }
    if ( !attr->instantiating() ) {
       all_.onChange( { path_, attribute, attributeText( entity_, *attr, key ) } );

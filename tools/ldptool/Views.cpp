@@ -45,7 +45,7 @@ std::string labelsIn( States const & states, State wanted ) {
       if ( node.value() == wanted ) labels.insert( node.key().value() );
    std::string text;
    for ( U32 label : labels )
-      text += ( text.empty() ? "" : "," ) + labelText( Lumo::MplsLabel( label ) );
+      text.append( text.empty() ? "" : "," ).append( labelText( Lumo::MplsLabel( label ) ) );
    return text.empty() ? "-" : text;
 }
 

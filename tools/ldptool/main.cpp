@@ -1,11 +1,14 @@
 #include "Commands.h"
 
+#include "Ldp/Version.h"
+
 #include <CLI/CLI.hpp>
 
 int main( int argc, char ** argv ) {
    using namespace LdpTool;
    CLI::App app{ "Looks at the Label Distribution Protocol (LDP, RFC 5036)." };
    app.name( "ldptool" );
+   app.set_version_flag( "--version", std::string( "ldptool " ) + Ldp::version() );
    app.require_subcommand( 1 );
    app.failure_message( []( CLI::App const *, CLI::Error const & error ) {
       return std::string( "ldptool: " ) + error.what() + " (see ldptool --help)\n";

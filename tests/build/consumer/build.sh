@@ -13,8 +13,9 @@ mkdir -p "$build"
 
 case "$way" in
    package_*)
+      [[ $way == *_shared ]] && shared=ON || shared=OFF
       cmake -G Ninja -S "$source" -B "$build" -D CMAKE_CXX_COMPILER="$compiler" -D CMAKE_PREFIX_PATH="$prefix" \
-         -D KIND="${way#package_}" -D PROGRAM="$program" -D TYPES="$types"
+         -D KIND="${way#package_}" -D BUILD_SHARED_LIBS=$shared -D PROGRAM="$program" -D TYPES="$types"
       cmake --build "$build"
       ;;
    pkgconfig_*)
@@ -28,13 +29,15 @@ case "$way" in
       read -ra flags <<<"$( pkg-config --cflags Ldp )"
       "$compiler" -std=c++20 "${flags[@]}" "$program" "${libraries[@]}" -o "$build/consumer"
       "$compiler" -std=c++20 "${flags[@]}" "$types" "${libraries[@]}" -o "$build/types"
+      pkg-config --modversion Ldp >"$build/version"
       ;;
 esac
 
 "$build/consumer"
-"$build/types"
-needed=$( readelf --dynamic "$build/consumer" )
+version=$( "$build/types" )
+[[ $version == "$( cat "$build/version" )" ]] || { echo "build.sh: the library is $version, the package is not" >&2; exit 1; }
+needed=$( readelf --dynamic "$build/consumer" "$build/types" )
 case "$way" in
-   *_shared) [[ $needed == *"[libLdp.so.0]"* ]] ;;
+   *_shared) [[ $( grep -cF '[libLdp.so.0]' <<<"$needed" ) == 2 ]] ;;
    *_static) [[ $needed != *libLdp* ]] ;;
 esac || { echo "build.sh: $way does not link the library that way" >&2; exit 1; }

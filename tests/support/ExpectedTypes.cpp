@@ -1,7 +1,10 @@
-#include "model/ExpectedTypes.h"
+#include "support/ExpectedTypes.h"
+
+#include "Vorn/GenericIf.h"
 
 #include <filesystem>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <map>
 #include <sstream>
 #include <stdexcept>
@@ -18,9 +21,9 @@ struct Tables {
 };
 
 std::map< std::string, ExpectedForm > const forms{
-   { "entity", ExpectedForm::entity },
-   { "base", ExpectedForm::base },
-   { "value", ExpectedForm::value },
+   { "entity", ExpectedForm::entity },   { "base", ExpectedForm::base },
+   { "value", ExpectedForm::value },     { "wire", ExpectedForm::wire },
+   { "overlay", ExpectedForm::overlay }, { "object", ExpectedForm::object },
 };
 
 ExpectedAttr readAttr( std::istringstream & line ) {
@@ -43,6 +46,7 @@ ExpectedAttr readAttr( std::istringstream & line ) {
       { "function", VornKind::function },
       { "state", VornKind::state },
       { "write", VornKind::state },
+      { "view", VornKind::state },
    };
    std::string id, kind, log, name, type, equals;
    if ( !( line >> id >> kind >> log >> name >> type ) || name.back() != ':' )
@@ -56,6 +60,7 @@ ExpectedAttr readAttr( std::istringstream & line ) {
    attr.logged = log == "log";
    attr.isSet = kind == "set";
    attr.isWrite = kind == "write";
+   attr.isView = kind == "view";
    if ( auto const bracket = name.find( '[' ); bracket != std::string::npos ) {
       attr.name = name.substr( 0, bracket );
       attr.key = name.substr( bracket + 1, name.size() - bracket - 2 );
@@ -65,7 +70,7 @@ ExpectedAttr readAttr( std::istringstream & line ) {
 }
 
 ExpectedType readType( ExpectedForm form, std::string head ) {
-   ExpectedType type{ form, "", "", {}, false, {} };
+   ExpectedType type{ form, "", "", {}, false, 0, {} };
    if ( auto const open = head.find( '(' ); open != std::string::npos ) {
       auto const close = head.find( ')' );
       std::istringstream args( head.substr( open + 1, close - open - 1 ) );
@@ -80,6 +85,8 @@ ExpectedType readType( ExpectedForm form, std::string head ) {
    for ( std::string word; words >> word; ) {
       if ( word == "adapter" ) {
          type.adapter = true;
+      } else if ( word == "size" ) {
+         words >> type.size;
       } else if ( word != ":" || !( words >> type.base ) ) {
          throw std::invalid_argument( "bad head in the tables of expected types: " + head );
       }
@@ -107,7 +114,7 @@ ExpectedEnum readEnum( std::istringstream & words ) {
    for ( std::string word; words >> word; ) {
       auto const equals = word.find( '=' );
       type.enumerators.emplace_back( word.substr( 0, equals ),
-                                     U32( std::stoul( word.substr( equals + 1 ) ) ) );
+                                     U32( std::stoul( word.substr( equals + 1 ), nullptr, 0 ) ) );
    }
    return type;
 }
@@ -149,9 +156,7 @@ Tables const & tables() {
 
 } // namespace
 
-std::vector< ExpectedType > const & expectedEntities() { return tables().types.at( ExpectedForm::entity ); }
-std::vector< ExpectedType > const & expectedBases() { return tables().types.at( ExpectedForm::base ); }
-std::vector< ExpectedType > const & expectedValues() { return tables().types.at( ExpectedForm::value ); }
+std::vector< ExpectedType > const & expectedTypes( ExpectedForm form ) { return tables().types.at( form ); }
 std::vector< ExpectedEnum > const & expectedEnums() { return tables().enums; }
 
 std::vector< ExpectedAttr > expectedAttributes( ExpectedType const & type ) {
@@ -163,6 +168,44 @@ std::vector< ExpectedAttr > expectedAttributes( ExpectedType const & type ) {
    }
    all.insert( all.end(), type.attributes.begin(), type.attributes.end() );
    return all;
+}
+
+Vorn::VornType const & typeOf( std::string const & name ) {
+   Vorn::VornType const * const type = Vorn::typeNode( name.c_str() );
+   if ( !type ) throw std::runtime_error( name + " is not registered" );
+   return *type;
+}
+
+void expectRecord( Vorn::VornAttr const & attr, ExpectedAttr const & expected ) {
+   SCOPED_TRACE( expected.owner + "::" + expected.name );
+   EXPECT_EQ( attr.name, expected.name );
+   EXPECT_EQ( attr.id(), expected.id );
+   EXPECT_EQ( attr.kind(), expected.kind );
+   EXPECT_EQ( attr.logged(), expected.logged );
+   EXPECT_EQ( attr.owner->name, expected.owner );
+   EXPECT_EQ( attr.type->name, expected.type );
+   EXPECT_EQ( attr.keyType ? attr.keyType->name : "", expected.key );
+   EXPECT_EQ( attr.keyed(), !expected.key.empty() );
+}
+
+void expectEnumerations() {
+   for ( ExpectedEnum const & expected : expectedEnums() ) {
+      Vorn::VornType const & type = typeOf( expected.name );
+      SCOPED_TRACE( type.name );
+      ASSERT_EQ( type.attributeNum, expected.enumerators.size() );
+      for ( std::size_t i = 0; i < expected.enumerators.size(); ++i ) {
+         auto const & [name, number] = expected.enumerators[i];
+         EXPECT_EQ( type.attributes[i].name, name );
+         EXPECT_EQ( type.attributes[i].id(), number );
+         EXPECT_EQ( type.attributes[i].kind(), VornKind::enumerator );
+         for ( std::string const & text : { name, std::to_string( number ) } ) {
+            Vorn::GenericIf::Value read( &type );
+            read.stringValueIs( text.c_str() );
+            EXPECT_EQ( *static_cast< U32 const * >( read.data() ), number ) << text;
+            EXPECT_EQ( read.stringValue(), name.c_str() );
+         }
+      }
+   }
 }
 
 } // namespace Test

@@ -1,15 +1,14 @@
-"""Builds LDP messages, packets and captures for the tests of ldptool, and runs the program on them."""
+"""Octets of LDP, of the packets around it and of captures: builders first, then readers. For the tests of ldptool, the seeds of
+the fuzz targets and the captures of the benchmarks."""
 
-import json
+import collections
 import os
 import socket
 import struct
-import subprocess
-import tempfile
 
-LDPTOOL = os.environ["LDPTOOL"]
 CAPTURES = os.path.join(os.path.dirname(os.path.abspath(__file__)), os.pardir, "captures")
 
+PORT = 646
 ETHERNET, RAW_IP, LINUX_SLL, LINUX_SLL2, NULL = 1, 101, 113, 276, 0
 SYN, FIN, RST, PSH, ACK = 0x02, 0x01, 0x04, 0x08, 0x10
 
@@ -83,9 +82,9 @@ def ethertype(packet):
     return 0x86DD if packet[0] >> 4 == 6 else 0x0800
 
 
-def ether(packet, vlans=()):
+def ether(packet, vlans=(), dst=b"\x02\0\0\0\0\x01", src=b"\x02\0\0\0\0\x02"):
     """vlans: (tag protocol, id) from the outermost in."""
-    out = b"\x02\0\0\0\0\x01" + b"\x02\0\0\0\0\x02"
+    out = dst + src
     for protocol, vlan in vlans:
         out += struct.pack("!HH", protocol, vlan)
     return out + struct.pack("!H", ethertype(packet)) + packet
@@ -102,9 +101,13 @@ def sll2(packet):
 # Captures --------------------------------------------------------------------------------------------------------
 
 
+def pcap_header(link, order="<", nano=False):
+    return struct.pack(order + "IHHiIII", 0xA1B23C4D if nano else 0xA1B2C3D4, 2, 4, 0, 0, 262144, link)
+
+
 def pcap(frames, link=ETHERNET, order="<", nano=False, step=0.001):
     """frames: octets, or (octets, length on the wire), or (octets, length, time in seconds from the start)."""
-    out = struct.pack(order + "IHHiIII", 0xA1B23C4D if nano else 0xA1B2C3D4, 2, 4, 0, 0, 262144, link)
+    out = pcap_header(link, order, nano)
     for number, frame in enumerate(frames):
         octets, wire, when = (tuple(frame) + (None, None))[:3] if isinstance(frame, tuple) else (frame, None, None)
         when = number * step if when is None else when
@@ -126,50 +129,81 @@ def pcapng(frames, link=ETHERNET):
     return out
 
 
-# The program -----------------------------------------------------------------------------------------------------
+# Reading ---------------------------------------------------------------------------------------------------------
+
+Segment = collections.namedtuple("Segment", "proto src sport dst dport sequence flags payload")
 
 
-class Result:
-    def __init__(self, process):
-        self.status = process.returncode
-        self.out = process.stdout.decode("latin-1")
-        self.err = process.stderr.decode("latin-1")
-        self.raw = process.stdout
-        # Anything else there is a sanitizer's report, whose exit status could pass for one of the program's own.
-        assert all(line.startswith("ldptool: ") for line in self.err.splitlines()), self.err
-
-    @property
-    def objects(self):
-        # Strict UTF-8: whatever a peer sent, the output must be JSON.
-        return [json.loads(line) for line in self.raw.decode("utf-8").splitlines()]
-
-
-def run(*arguments, stdin=b""):
-    return Result(subprocess.run([LDPTOOL, *arguments], input=stdin, capture_output=True, timeout=120))
+def records(path):
+    """Of a classic capture: its octets, its link type, and where the octets of each frame begin and end."""
+    with open(path, "rb") as file:
+        data = file.read()
+    order = "<" if data[:4] in (b"\xd4\xc3\xb2\xa1", b"\x4d\x3c\xb2\xa1") else ">"
+    link = struct.unpack_from(order + "I", data, 20)[0]
+    places, at = [], 24
+    while at + 16 <= len(data):
+        end = at + 16 + struct.unpack_from(order + "I", data, at + 8)[0]
+        places.append((at + 16, end))
+        at = end
+    return data, link, places
 
 
-def on_file(command, capture, *options):
-    """Run a command on a capture (octets) in a file."""
-    with tempfile.NamedTemporaryFile(suffix=".pcap") as file:
-        file.write(capture)
-        file.flush()
-        return run(command, *options, file.name)
+def frames(path):
+    """Of a classic capture: its link type, and the octets of each frame."""
+    data, link, places = records(path)
+    return link, [data[begin:end] for begin, end in places]
 
 
-def decode(capture, *options):
-    return on_file("decode", capture, *options)
+def ip_packet(link, frame):
+    """The IP packet in a frame of Ethernet or Linux cooked, without padding; None for anything else."""
+    at = 16 if link == LINUX_SLL else 14
+    kind = struct.unpack_from("!H", frame, at - 2)[0]
+    if kind == 0x8100:
+        kind = struct.unpack_from("!H", frame, at + 2)[0]
+        at += 4
+    if kind == 0x0800:
+        return frame[at : at + struct.unpack_from("!H", frame, at + 2)[0]]
+    if kind == 0x86DD:
+        return frame[at : at + 40 + struct.unpack_from("!H", frame, at + 4)[0]]
+    return None
 
 
-def watch(capture, *options):
-    return on_file("watch", capture, *options)
+def segment(packet):
+    """What an IP packet carries if it is of UDP or TCP, else None. Sequence and flags are 0 in a datagram."""
+    four = packet[0] >> 4 == 4
+    at = (packet[0] & 15) * 4 if four else 40
+    proto, src, dst = (packet[9], packet[12:16], packet[16:20]) if four else (packet[6], packet[8:24], packet[24:40])
+    if proto not in (6, 17):
+        return None
+    sport, dport = struct.unpack_from("!HH", packet, at)
+    if proto == 17:
+        return Segment(proto, src, sport, dst, dport, 0, 0, packet[at + 8 :])
+    sequence, _, offset, flags = struct.unpack_from("!IIBB", packet, at + 4)
+    return Segment(proto, src, sport, dst, dport, sequence, flags, packet[at + (offset >> 4) * 4 :])
 
 
-def decode_hex(packets, *options):
-    """Decode packets, each a line of hexadecimal on standard input."""
-    text = "\n".join(packet.hex() for packet in packets) + "\n"
-    return run("decode", "--hex", "-", *options, stdin=text.encode())
+def pdus(octets):
+    """The PDUs at the front of these octets."""
+    while len(octets) >= 18 and octets[:2] == b"\0\1":
+        total = struct.unpack_from("!H", octets, 2)[0] + 4
+        if not 18 <= total <= len(octets):
+            return
+        yield octets[:total]
+        octets = octets[total:]
 
 
-def idents(result):
-    """(frame, message id) of each message of a JSON result."""
-    return [(o["frame"], o["msgId"]) for o in result.objects]
+def units(run):
+    """The messages or TLVs of a run; the last may be cut short."""
+    while len(run) >= 4:
+        total = struct.unpack_from("!H", run, 2)[0] + 4
+        yield run[:total]
+        run = run[total:]
+
+
+def messages(octets):
+    """The messages of a PDU."""
+    return list(units(octets[10:]))
+
+
+def message_type(octets):
+    return struct.unpack_from("!H", octets)[0] & 0x7FFF

@@ -1,0 +1,7 @@
+#include "Ldp/Version.h"
+
+namespace Ldp {
+
+char const * version() noexcept { return LDP_VERSION; }
+
+} // namespace Ldp
