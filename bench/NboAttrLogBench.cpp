@@ -2,10 +2,14 @@
 // kind of buffer and, where it is installed, protobuf messages through that buffer.
 
 #include "Ldp/LdpAdj.h"
+#include "Ldp/LdpConfig.h"
+#include "Ldp/LdpP2mpOpaqueTable.h"
+#include "Ldp/LdpPeer.h"
 #include "Vorn/NboAttrLog.h"
 
 #include <benchmark/benchmark.h>
 #include <cstring>
+#include <malloc.h>
 #include <unordered_map>
 #include <vector>
 
@@ -304,5 +308,142 @@ BENCHMARK_CAPTURE( syncByLog, fresh, false )
 BENCHMARK_CAPTURE( syncByLog, again, true )
      ->Name( "sync of 100000 entities/log, to a copy that has them" )
      ->Unit( benchmark::kMillisecond );
+
+// Growth: the time for each element must not depend on how many there are. Run with
+// --benchmark_filter=growth.
+
+void perElement( benchmark::State & state ) {
+   state.counters["per element"] =
+        benchmark::Counter( double( state.range() ),
+                            benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert );
+}
+
+/// A queue of which every second element goes, to a fresh copy and to one that has all of it.
+void growthQueue( benchmark::State & state, bool again ) {
+   for ( [[maybe_unused]] auto _ : state ) {
+      state.PauseTiming();
+      auto const table = Ldp::ldpP2mpOpaqueTableFactory( Name( "table" ) );
+      auto const copy = Ldp::ldpP2mpOpaqueTableFactory( Name( "table" ) );
+      for ( U32 i = 0; i < state.range(); ++i ) {
+         table->freeIdEnq( i );
+         if ( again ) copy->freeIdEnq( i );
+      }
+      Link link;
+      link.demuxer->rootIs( copy );
+      table->vornNboAttrLogSaIs( 0, 0, link.out );
+      state.ResumeTiming();
+      link.drain();
+      for ( U32 i = 0; i < state.range(); i += 2 ) {
+         table->freeIdDel( i );
+      }
+      link.drain();
+      if ( copy->freeIds() != table->freeIds() ) state.SkipWithError( "lost" );
+   }
+   perElement( state );
+}
+BENCHMARK_CAPTURE( growthQueue, fresh, false )->Name( "growth/queue" )->Range( 1000, 100'000 );
+BENCHMARK_CAPTURE( growthQueue, again, true )->Name( "growth/queue, again" )->Range( 1000, 100'000 );
+
+/// Roots to a peer that offers a copy of each, in the other order, and their withdrawal.
+void growthRoots( benchmark::State & state ) {
+   for ( [[maybe_unused]] auto _ : state ) {
+      state.PauseTiming();
+      std::vector< Ptr< Ldp::LdpAdjStatus > > roots, copies;
+      Link link;
+      for ( U32 i = 0; i < state.range(); ++i ) {
+         roots.push_back( Ldp::ldpAdjStatusFactory( adjId( i ) ) );
+         copies.push_back( Ldp::ldpAdjStatusFactory( adjId( U32( state.range() ) - 1 - i ) ) );
+      }
+      state.ResumeTiming();
+      for ( auto const & copy : copies ) {
+         link.demuxer->rootIs( copy );
+      }
+      for ( auto const & root : roots ) {
+         root->vornNboAttrLogSaIs( 0, 0, link.out );
+      }
+      link.drain();
+      if ( link.demuxer->roots().back() != copies.front() ) state.SkipWithError( "not the copy" );
+      for ( auto const & root : roots ) {
+         link.out->rootDel( *root );
+      }
+      link.drain();
+      if ( !link.demuxer->roots().empty() ) state.SkipWithError( "not withdrawn" );
+   }
+   perElement( state );
+}
+BENCHMARK( growthRoots )->Name( "growth/roots" )->Range( 1000, 100'000 );
+
+std::size_t heap() {
+   auto const info = ::mallinfo2();
+   return info.uordblks + info.hblkhd;
+}
+
+/// Members that come and go while the other end does not listen, and their way out.
+void growthWaiting( benchmark::State & state, bool scalars ) {
+   double octets = 0;
+   for ( [[maybe_unused]] auto _ : state ) {
+      state.PauseTiming();
+      auto const coll = Ldp::ldpAdjStatusCollFactory( Name( "default" ) );
+      auto const targets = Ldp::pwTargetConfigCollFactory( Name( "targets" ) );
+      std::vector< Ptr< Ldp::LdpAdjStatus > > members;
+      for ( U32 i = 0; i < state.range(); ++i ) {
+         if ( scalars ) members.push_back( coll->adjStatusIs( adjId( i ) ) );
+         targets->pwTargetIs( Lumo::IpGenAddr( Lumo::IpAddr( i * 2654435761u ) ), true );
+      }
+      Link link;
+      coll->vornNboAttrLogSaIs( 0, 0, link.out );
+      targets->vornNboAttrLogSaIs( 0, 0, link.out );
+      link.drain();
+      coll->vornNboAttrLogSaIs( Vorn::StreamAdapter::held, 0, link.out );
+      targets->vornNboAttrLogSaIs( Vorn::StreamAdapter::held, 0, link.out );
+      std::size_t const before = heap();
+      state.ResumeTiming();
+      for ( U32 i = 0; i < state.range(); ++i ) {
+         if ( scalars ) {
+            members[i]->operHoldTimeIs( 99 );
+         } else {
+            targets->pwTargetIs( Lumo::IpGenAddr( Lumo::IpAddr( i * 2654435761u ) ), false );
+         }
+      }
+      octets += double( heap() - before );
+      coll->vornNboAttrLogSaIs( 0, 0, link.out );
+      targets->vornNboAttrLogSaIs( 0, 0, link.out );
+      link.drain();
+   }
+   state.counters["octets per waiter"] = octets / double( state.iterations() ) / double( state.range() );
+   if ( !scalars ) state.counters["octets of a key"] = sizeof( Lumo::IpGenAddr );
+   perElement( state );
+}
+BENCHMARK_CAPTURE( growthWaiting, keys, false )->Name( "growth/waiting keys" )->Range( 1000, 100'000 );
+BENCHMARK_CAPTURE( growthWaiting, scalars, true )->Name( "growth/waiting scalars" )->Range( 1000, 100'000 );
+
+/// Keys of one hash, as a peer may choose them: the 16384th ends the stream.
+void growthChosen( benchmark::State & state ) {
+   Ldp::LdpIdentifier const id( 1, 0 );
+   auto const peer = Ldp::ldpPeerConfigFactory( id );
+   Link source;
+   peer->vornNboAttrLogSaIs( 0, 0, source.out );
+   auto const taken = [&] {
+      std::string const octets( reinterpret_cast< char const * >( source.out->data() ), source.out->bytes() );
+      source.out->drained( octets.size() );
+      return octets;
+   };
+   std::string stream = taken();
+   peer->ldpAdjIs( LdpAdjId( id, Lumo::IpAddr( 0 ) ), true );
+   std::string record = taken();
+   for ( U32 i = 0; i < state.range(); ++i ) {
+      U32 const target = __builtin_bswap32( i );
+      std::memcpy( &record[record.size() - 6], &target, sizeof target ); // behind it the value and a token
+      stream += record;
+   }
+   for ( [[maybe_unused]] auto _ : state ) {
+      Link link;
+      try {
+         link.demuxer->bytesIs( stream.data(), stream.size() );
+      } catch ( Vorn::AttrLogRecordException const & ) {}
+   }
+   perElement( state );
+}
+BENCHMARK( growthChosen )->Name( "growth/keys of one hash" )->Range( 1000, 100'000 );
 
 } // namespace

@@ -100,16 +100,6 @@ Vorn::Ptr< LdpFecTlvParser > LdpMsgParser::ldpFecTlvParserDel() {
    return std::exchange( ldpFecTlvParser_, nullptr );
 }
 
-LdpTlvHdr const * LdpMsgParser::tlv( U32 index ) {
-   U64 const at = tlvOffset( index );
-   U64 const frontBytes = pkt_->frontBytes();
-   auto const * const there = reinterpret_cast< LdpTlvHdr const * >( pkt_->front() + at );
-   // The walk has seen to that, but an offset may have been written since, and so may the packet.
-   if ( at + sizeof( LdpTlvHdr ) <= frontBytes && at + there->totalLength() <= frontBytes ) return there;
-   refuse( badTlvLength, "Msg/Tlv is corrupted/truncated" );
-   return nullptr;
-}
-
 bool LdpMsgParser::hasText() const noexcept {
    if ( !validMsg() || fwkType() == &LdpMsgParser::_vornType ) return true;
    return judgedGood_ && ( !msgFecTlv_ || ldpFecTlvParser_ );

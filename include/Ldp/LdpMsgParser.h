@@ -104,25 +104,19 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
 
    /// The TLV at that index; null where the packet does not hold the whole of it, and then the message is
    /// refused.
-   LdpTlvHdr const * tlv( U32 index );
+   LdpTlvHdr const * tlv( U32 index ) { return tlvAt( tlvOffset( index ) ); }
    /// Calls `call( index, tlv )` for each TLV of a message whose framing is good, until it returns false.
    /// Right behind the walk the TLVs fill their run, so their lengths lead from one to the next, without a
    /// look-up for each.
    template< class Call >
    void eachTlv( Call const & call ) {
+      U64 next = U64( offset_ ) + LdpMsgHdr::ldpMsgHdrSize;
       U32 const num = tlvNum();
-      if ( !asWalked_ ) {
-         for ( U32 i = 0; i < num; ++i ) {
-            LdpTlvHdr const * const there = tlv( i );
-            if ( !there || !call( i, *there ) ) return;
-         }
-         return;
-      }
-      U8 const * at = pkt_->front() + offset_ + LdpMsgHdr::ldpMsgHdrSize;
       for ( U32 i = 0; i < num; ++i ) {
-         auto const & tlv = *reinterpret_cast< LdpTlvHdr const * >( at );
-         at += tlv.totalLength();
-         if ( !call( i, tlv ) ) return;
+         LdpTlvHdr const * const tlv = tlvAt( asWalked_ ? next : tlvOffset( i ) );
+         if ( !tlv ) return;
+         next += tlv->totalLength();
+         if ( !call( i, *tlv ) ) return;
       }
    }
    void refuse( LdpStatusCode status, Vorn::String const & reason );
@@ -153,6 +147,16 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    LdpMsgHdr const * wholeMsgHdr() const noexcept { return hasHeader() ? msgHdr_ : nullptr; }
    /// Whether `stringValue()` finds what it asserts, for those who read it without asking further.
    bool hasText() const noexcept;
+   /// The TLV at that offset, as `tlv` gives it. The walk has seen to the bounds, but an offset may have been
+   /// written since, and so may the packet.
+   LdpTlvHdr const * tlvAt( U64 offset ) {
+      U64 const frontBytes = pkt_->frontBytes();
+      auto const * const there = reinterpret_cast< LdpTlvHdr const * >( pkt_->front() + offset );
+      if ( offset + sizeof *there <= frontBytes && offset + there->totalLength() <= frontBytes ) [[likely]]
+         return there;
+      refuse( badTlvLength, "Msg/Tlv is corrupted/truncated" );
+      return nullptr;
+   }
    bool obeyTlv( LdpMsgRules const & rules, U32 index, LdpTlvHdr const & tlv );
    bool obeyFecTlv( LdpMsgRules const & rules, U32 index, LdpTlvHdr const & tlv );
 

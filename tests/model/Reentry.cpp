@@ -113,6 +113,7 @@ class World {
    void mutate( Entity & entity );
    void callTyped( Entity & entity );
    void walk( Entity & entity );
+   void drop();
    void makeObserver();
    void changeBinding();
    void look();
@@ -120,7 +121,8 @@ class World {
    Choices & choices_;
    U64 left_;
    U32 depth_ = 0;
-   U32 budget_ = 0; // calls that are left to the callbacks of this step
+   U32 budget_ = 0;             // calls that are left to the callbacks of this step
+   Entity * working_ = nullptr; // whose mutator runs, the innermost; it may be gone
    Ptr< Entity > held_[entities];
    Ptr< Observer > observers_[observers];
    Ptr< Lumo::Pkt > packet_;
@@ -137,26 +139,36 @@ class Meddler : public Base {
          World::world->act();
       } catch ( std::exception const & ) { // may not leave a destructor
       }
+      gone_ = true; // and what it holds goes now
    }
    void onNotificationException() override {
-      World::world->act();
+      called();
       if ( World::world->chance( 4 ) ) throw std::runtime_error( "and again" );
    }
-   void onZeroReferences() override { World::world->act(); }
-   void vornFwkActivity() override { World::world->act(); }
+   void onZeroReferences() override { called(); }
+   void vornFwkActivity() override { called(); }
 
    Ptr< PtrInterface > mine;
+
+ protected:
+   void called() {
+      VORN_ASSERT_TEXT( !gone_, "no callback comes to an observer that dies" );
+      World::world->act();
+   }
+
+ private:
+   bool gone_ = false;
 };
 
 class AnyMeddler : public Meddler< Entity::NotifieeConst > {
  public:
    AnyMeddler() { watchesAllIs( true ); }
    void handleNotification( U32 id, void const * key ) override {
-      if ( !key ) return World::world->act();
+      if ( !key ) return called();
       // The key stays readable until the callback returns.
       VornType const & keyType = *notifier()->fwkType()->attribute( id )->keyType;
       Value const before( &keyType, key );
-      World::world->act();
+      called();
       VORN_ASSERT( keyType.methods->equal( before.data(), key ) );
    }
 };
@@ -165,17 +177,17 @@ class CollMeddler : public Meddler< LdpAdjStatusColl::NotifieeConst > {
  public:
    void onAdjStatus( LdpAdjId const & key ) override {
       LdpAdjId const before = key;
-      World::world->act();
+      called();
       VORN_ASSERT( key == before );
    }
 };
 
 class FecMeddler : public Meddler< LdpFecConfig::NotifieeConst > {
  public:
-   void onMplsLabelSet() override { World::world->act(); }
+   void onMplsLabelSet() override { called(); }
    void onVia( Via const & key ) override {
       Via const before = key;
-      World::world->act();
+      called();
       VORN_ASSERT( key == before );
    }
 };
@@ -311,16 +323,29 @@ void World::walk( Entity & entity ) {
    }
 }
 
+// Some reference, or all to what is at work.
+void World::drop() {
+   Entity * const gone = working_;
+   if ( !gone || chance( 3 ) ) {
+      held_[choices_.below( entities )] = nullptr;
+      return;
+   }
+   for ( auto & slot : held_ ) {
+      if ( slot.ptr() == gone ) slot = nullptr;
+   }
+}
+
 void World::makeObserver() {
+   Entity * const entity = any();
    Ptr< PtrInterface > mine;
-   if ( Entity * const entity = any(); entity && chance( 4 ) && !entity->vornMarkedForDeletion() )
-      mine = Ptr< PtrInterface >( entity );
+   if ( Entity * const its = chance( 2 ) ? entity : any();
+        its && chance( 3 ) && !its->vornMarkedForDeletion() )
+      mine = Ptr< PtrInterface >( its );
    auto const make = [&]< class Kind >( Kind * ) -> Ptr< Observer > {
       auto const made = Vorn::newObject< Kind >();
       made->mine = mine;
       return made;
    };
-   Entity * const entity = any();
    PtrInterface * object = entity;
    Ptr< Observer > observer;
    if ( dynamic_cast< LdpAdjStatusColl * >( entity ) && chance( 2 ) ) {
@@ -383,11 +408,7 @@ void World::act() {
    if ( !entity ) return makeRoot();
    switch ( choices_.below( 16 ) ) {
    case 0: return makeRoot();
-   case 1: {
-      auto & slot = held_[choices_.below( entities )];
-      slot = nullptr;
-      return;
-   }
+   case 1: return drop();
    case 2: return hold( entity->parent() );
    case 3:
    case 4: return makeObserver();
@@ -398,9 +419,16 @@ void World::act() {
       packet_ = Lumo::pktFactory( "", 0 );
       return;
    case 8: return walk( *entity );
-   case 9:
-   case 10: return callTyped( *entity );
-   default: return mutate( *entity );
+   default: {
+      struct Working {
+         Working( Entity *& place, Entity * entity )
+              : place_( place ), outer_( std::exchange( place, entity ) ) {}
+         ~Working() { place_ = outer_; }
+         Entity *& place_;
+         Entity * const outer_;
+      } const working( working_, entity );
+      chance( 4 ) ? callTyped( *entity ) : mutate( *entity );
+   }
    }
 }
 

@@ -113,7 +113,8 @@ GOOD = {
 BAD = {
     "unknown type": (message(0x3000, 1), "12288", "unknownMessageType", "Unknown Message Type: 12288"),
     "hello without a TLV": (message(0x0100, 1), "LdpHello", "missingMessageParams", "Message has 0 TLV"),
-    "length too small": (message(0x0201, 1, length=3)[:7], "LdpKeepAlive", "malformedTlv", "MSG length field too small, length = 7"),
+    "length too big": (message(0x0201, 1, tlv(0x0302, bytes(4085))), "LdpKeepAlive", "malformedTlv",
+                       "MSG length field too big, length = 4097"),
     "unknown TLV": (message(0x0201, 1, tlv(0x0999)), "LdpKeepAlive", "unknownTlv", "Unknown TLV Type: 2457"),
     "mapping of all": (message(0x0400, 1, tlv(0x0100, b"\1"), LABEL), "LdpLabelMapping", "unknownFec",
                        "LDP Mapping Msg can not have Wildcard FEC TLV"),
