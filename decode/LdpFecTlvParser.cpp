@@ -41,8 +41,8 @@ LdpStatusCode parseFecTlvP2mpElement( LdpFecTlvParser * parser, U32 & currOffset
    U32 const remaining = endOffset - currOffset;
    U8 const * const octets = parser->pkt()->front() + currOffset;
    if ( remaining == 0 ) return refuse( malformedTlv, "Invalid FEC P2MP Element: TLV value is too small" );
-   // The counter is 8 bits wide, so with 256 octets or more the dump does not end: required behaviour, and
-   // why there is a guard for received PDUs. Volatile keeps the loop in every build.
+   // The counter is 8 bits wide, so with 256 octets or more the dump does not end. Users' tests count on it,
+   // and it is why there is a guard for received PDUs. Volatile keeps the loop in every build.
    U8 volatile dumped = 0;
    while ( dumped < remaining ) {
       U8 const index = dumped;

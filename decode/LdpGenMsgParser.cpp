@@ -62,8 +62,8 @@ bool LdpTlvGroupParser::parseTlvGroup() {
       // gets such a unit refuses it by its length.
       U16 const total = header->totalLength();
       TWAIN_TRACE( 6, "   Msg/TLV ", index, ": offset ", U32( cur ), ", size ", total );
-      // A length of 65532 would hold the walk in its place. A peer can send it; that it ends the process is
-      // intended.
+      // A length of 65532 would hold the walk in its place. A peer can send it: the guard is there so
+      // that none comes so far, and an agent without it ends here rather than hang.
       VORN_ASSERT( header->totalLength() > 0 );
       octets += total;
       if ( octets > size_ ) {

@@ -12,7 +12,7 @@ LdpStatusCode LdpTlvHdr::validateTlvHdr() const noexcept {
    switch ( type() ) {
 #define KNOWN_COLUMN( name, number, isKnown )                                                                \
    case name: known = isKnown; break;
-      LDP_TLV_TYPES( KNOWN_COLUMN )
+      VORN_LDP_TLV_TYPES( KNOWN_COLUMN )
 #undef KNOWN_COLUMN
    default: break;
    }

@@ -135,7 +135,7 @@ void LdpInitMsgParser::handleInitialized() {
    parseCapabilityTlvs();
    if ( !validMsg() ) return;
    obeyTlvs( rules );
-   // A good Initialization has a reason, unlike every other message: intended.
+   // A good Initialization has a reason, unlike every other message: tools that search logs depend on it.
    if ( validMsg() ) reason_ = valueToStrep( statusCode_ );
 }
 

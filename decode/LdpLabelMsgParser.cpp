@@ -1,5 +1,5 @@
 // The five label messages. They share a walk and differ in their rows, above all in how far they trust the
-// FEC TLV; each difference is meant.
+// FEC TLV; a peer is answered by each difference.
 #include "Codecs.h"
 #include "LdpMsgRules.h"
 
@@ -202,7 +202,7 @@ void LdpLabelReleaseMsgParser::handleInitialized() {
 }
 
 Vorn::String LdpLabelReleaseMsgParser::stringValue() const {
-   // The prefix names another message: meant so.
+   // The prefix names another message. Tools that search logs depend on it.
    if ( !validMsg() ) return "Invalid LDP Label Request Msg: " + reason();
    VORN_ASSERT( msgHdr() );
    VORN_ASSERT( msgFecTlv() );

@@ -52,7 +52,8 @@ void LdpMsgParser::handleHeader() {
       return refuse( msgHdr_->unknown() ? unknownMessageTypeIgnore : unknownMessageType,
                      Vorn::format( "Unknown Message Type: %d", int( msgHdr_->type() ) ) );
    }
-   // Bad lengths of a message are malformed TLVs to the protocol's user, not a bad message length: intended.
+   // Bad lengths of a message are answered as malformed TLVs, not as a bad message length: no session ends by
+   // the one message.
    auto const refuseLength = [this]( Vorn::String const & reason ) {
       refuse( malformedTlv, reason );
       TWAIN_TRACE( 5, reason_ );

@@ -68,7 +68,7 @@ inline constexpr LdpTlvRule::Position ldpAnywhere{ LdpTlvRule::Position::any, nu
 inline constexpr LdpTlvRule::Size ldpAnySize{ LdpTlvRule::Size::unchecked, 0, nullptr };
 inline constexpr LdpTlvRule::Exclusion ldpNoExclusion{ nullptr, nullptr };
 
-/// How far a label message trusts its FEC TLV. The five differ, and are meant to.
+/// How far a label message trusts its FEC TLV. The five differ, and what a peer is answered shows it.
 struct LdpFecRule {
    enum Refused : U8 {
       keepsItsCode,  ///< the message is refused with the FEC parser's code

@@ -26,7 +26,7 @@ Vorn::Ptr< LdpTlvParser > ldpTlvParserFactory( Vorn::Ptr< Lumo::Pkt > const & pk
    Vorn::Ptr< Type > factory( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset ) {                             \
       return Vorn::newObject< Type >( pkt, offset );                                                         \
    }
-LDP_TLV_PARSERS( DEFINE_TLV_PARSER )
+VORN_LDP_TLV_PARSERS( DEFINE_TLV_PARSER )
 #undef DEFINE_TLV_PARSER
 
 Lumo::IpAddr LdpPathVectorTlvParser::lsrId( U32 position ) const noexcept {

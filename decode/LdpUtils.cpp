@@ -6,7 +6,7 @@ bool statusCodeEBitForStatusCode( LdpStatusCode status ) {
    switch ( status ) {
 #define E_BIT_COLUMN( name, number, eBit, text )                                                             \
    case name: return eBit;
-      LDP_STATUS_CODES( E_BIT_COLUMN )
+      VORN_LDP_STATUS_CODES( E_BIT_COLUMN )
 #undef E_BIT_COLUMN
    }
    VORN_ASSERT_TEXT( false, "!\"Missing status code E-bit definition\"" );
@@ -18,7 +18,7 @@ Vorn::String sessionStateStrForStatusCode( LdpStatusCode status ) {
    switch ( status ) {
 #define TEXT_COLUMN( name, number, eBit, text )                                                              \
    case name: known = text; break;
-      LDP_STATUS_CODES( TEXT_COLUMN )
+      VORN_LDP_STATUS_CODES( TEXT_COLUMN )
 #undef TEXT_COLUMN
    }
    return known ? Vorn::String( known ) : stringValue( status );
@@ -58,7 +58,8 @@ Vorn::Ptr< LdpMsgParser > ldpTypedMsgParser( Vorn::Ptr< Lumo::Pkt > const & pkt,
    case LdpLabelWithdraw: return ldpLabelWithdrawMsgParserFactory( pkt, offset );
    case LdpLabelRelease: return ldpLabelReleaseMsgParserFactory( pkt, offset );
    case LdpLabelAbortReq: return ldpLabelAbortReqMsgParserFactory( pkt, offset );
-   // KeepAlive has nothing to add, and Capability is left plain: intended.
+   // KeepAlive has nothing to add. Capability stays plain, and whoever negotiates capabilities makes the
+   // typed parser himself: callers tell the two apart by the class.
    case LdpKeepAlive:
    case LdpCapability: break;
    }

@@ -6,7 +6,7 @@ namespace Ldp {
 
 using Vorn::String;
 
-VORN_ENUM_RECORD( Ldp, LdpAdjType, LDP_ADJ_TYPES )
+VORN_ENUM_RECORD( Ldp, LdpAdjType, VORN_LDP_ADJ_TYPES )
 VORN_VALUE_RECORD( Ldp, LdpAdjId )
 VORN_RECORD( Ldp, LdpAdjConfig )
 VORN_RECORD( Ldp, LdpAdjConfigColl )

@@ -4,11 +4,11 @@ namespace Ldp {
 
 Vorn::String const ldpConfigNsPrefix = "ns-";
 
-VORN_ENUM_RECORD( Ldp, LdpLabelDistCtrl, LDP_LABEL_DIST_CTRLS )
-VORN_ENUM_RECORD( Ldp, LdpLabelRetention, LDP_LABEL_RETENTIONS )
-VORN_ENUM_RECORD( Ldp, LdpRunningState, LDP_RUNNING_STATES )
-VORN_ENUM_RECORD( Ldp, LdpGrOperationalMode, LDP_GR_OPERATIONAL_MODES )
-VORN_ENUM_RECORD( Ldp, LdpIgpSyncMode, LDP_IGP_SYNC_MODES )
+VORN_ENUM_RECORD( Ldp, LdpLabelDistCtrl, VORN_LDP_LABEL_DIST_CTRLS )
+VORN_ENUM_RECORD( Ldp, LdpLabelRetention, VORN_LDP_LABEL_RETENTIONS )
+VORN_ENUM_RECORD( Ldp, LdpRunningState, VORN_LDP_RUNNING_STATES )
+VORN_ENUM_RECORD( Ldp, LdpGrOperationalMode, VORN_LDP_GR_OPERATIONAL_MODES )
+VORN_ENUM_RECORD( Ldp, LdpIgpSyncMode, VORN_LDP_IGP_SYNC_MODES )
 VORN_VALUE_RECORD( Ldp, LdpFecBindingInfo )
 VORN_VALUE_RECORD( Ldp, LdpGrOperationalFlag )
 VORN_RECORD( Ldp, LdpIntfConfig )

@@ -4,12 +4,13 @@
 
 namespace Ldp {
 
-VORN_ENUM_RECORD( Ldp, LdpFecConfigMembership, LDP_FEC_CONFIG_MEMBERSHIPS )
-VORN_ENUM_RECORD( Ldp, LdpFecLspRole, LDP_FEC_LSP_ROLES )
-VORN_ENUM_RECORD( Ldp, FecConfigChange, LDP_FEC_CONFIG_CHANGES )
-VORN_ENUM_RECORD( Ldp, LdpLabelUnassignedReason, LDP_LABEL_UNASSIGNED_REASONS )
+VORN_ENUM_RECORD( Ldp, LdpFecConfigMembership, VORN_LDP_FEC_CONFIG_MEMBERSHIPS )
+VORN_ENUM_RECORD( Ldp, LdpFecLspRole, VORN_LDP_FEC_LSP_ROLES )
+VORN_ENUM_RECORD( Ldp, FecConfigChange, VORN_LDP_FEC_CONFIG_CHANGES )
+VORN_ENUM_RECORD( Ldp, LdpLabelUnassignedReason, VORN_LDP_LABEL_UNASSIGNED_REASONS )
 VORN_ENUM_RECORD_NAMED( "Ldp::LdpXsessionNotification::LdpXsessionNotificationType",
-                        LdpXsessionNotification_LdpXsessionNotificationType, LDP_XSESSION_NOTIFICATION_TYPES )
+                        LdpXsessionNotification_LdpXsessionNotificationType,
+                        VORN_LDP_XSESSION_NOTIFICATION_TYPES )
 VORN_VALUE_RECORD( Ldp, Via )
 VORN_RECORD( Ldp, IntfIpViaMapping )
 VORN_RECORD( Ldp, LdpIdViaMapping )

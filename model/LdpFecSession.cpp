@@ -4,8 +4,8 @@
 
 namespace Ldp {
 
-VORN_ENUM_RECORD( Ldp, LdpLocalLabelState, LDP_LOCAL_LABEL_STATES )
-VORN_ENUM_RECORD( Ldp, LdpPeerLabelState, LDP_PEER_LABEL_STATES )
+VORN_ENUM_RECORD( Ldp, LdpLocalLabelState, VORN_LDP_LOCAL_LABEL_STATES )
+VORN_ENUM_RECORD( Ldp, LdpPeerLabelState, VORN_LDP_PEER_LABEL_STATES )
 VORN_VALUE_RECORD( Ldp, LdpFecSessionId )
 VORN_VALUE_RECORD( Ldp, LdpLocalLabelSessionState )
 VORN_VALUE_RECORD( Ldp, LdpPeerLabelSessionState )

@@ -6,7 +6,7 @@
 
 namespace Ldp {
 
-VORN_ENUM_RECORD( Ldp, GrMembership, LDP_GR_MEMBERSHIPS )
+VORN_ENUM_RECORD( Ldp, GrMembership, VORN_LDP_GR_MEMBERSHIPS )
 VORN_RECORD( Ldp, LocalGrStatus )
 VORN_RECORD( Ldp, LdpGrStatus )
 VORN_MODULE( &GrMembership_vornType, &LocalGrStatus::_vornType, &LdpGrStatus::_vornType )

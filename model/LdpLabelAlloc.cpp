@@ -2,7 +2,7 @@
 
 namespace Ldp {
 
-VORN_ENUM_RECORD( Ldp, LabelAllocStatusEnum, LDP_LABEL_ALLOC_STATUSES )
+VORN_ENUM_RECORD( Ldp, LabelAllocStatusEnum, VORN_LDP_LABEL_ALLOC_STATUSES )
 VORN_RECORD( Ldp, LabelAllocRequest )
 VORN_RECORD( Ldp, LabelAllocRequestTable )
 VORN_RECORD( Ldp, LabelAllocGlobalStatus )

@@ -2,7 +2,7 @@
 
 namespace Ldp {
 
-VORN_ENUM_RECORD( Ldp, ConfigState, LDP_CONFIG_STATES )
+VORN_ENUM_RECORD( Ldp, ConfigState, VORN_LDP_CONFIG_STATES )
 VORN_RECORD( Ldp, LdpLinkBaseConfig )
 VORN_RECORD( Ldp, LdpLinkCommonConfig )
 VORN_RECORD( Ldp, LdpLinkConfig )

@@ -2,8 +2,8 @@
 
 namespace Ldp {
 
-VORN_ENUM_RECORD( Ldp, LdpP2mpFecStateMembership, LDP_P2MP_FEC_STATE_MEMBERSHIPS )
-VORN_ENUM_RECORD( Ldp, LdpP2mpFecRole, LDP_P2MP_FEC_ROLES )
+VORN_ENUM_RECORD( Ldp, LdpP2mpFecStateMembership, VORN_LDP_P2MP_FEC_STATE_MEMBERSHIPS )
+VORN_ENUM_RECORD( Ldp, LdpP2mpFecRole, VORN_LDP_P2MP_FEC_ROLES )
 VORN_RECORD( Ldp, LdpP2mpFecState )
 VORN_RECORD( Ldp, LdpP2mpFecStateColl )
 VORN_RECORD( Ldp, LdpP2mpLabelTerminatingInfo )

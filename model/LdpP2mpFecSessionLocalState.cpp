@@ -2,7 +2,7 @@
 
 namespace Ldp {
 
-VORN_ENUM_RECORD( Ldp, LdpP2mpFecSessionEvent, LDP_P2MP_FEC_SESSION_EVENTS )
+VORN_ENUM_RECORD( Ldp, LdpP2mpFecSessionEvent, VORN_LDP_P2MP_FEC_SESSION_EVENTS )
 VORN_RECORD( Ldp, LdpP2mpFecSessionLocalEphemeralState )
 VORN_RECORD( Ldp, LdpP2mpFecSessionLocalState )
 VORN_RECORD( Ldp, LdpP2mpFecSessionLocalStatePerSessionColl )

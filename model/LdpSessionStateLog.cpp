@@ -2,7 +2,7 @@
 
 namespace Ldp {
 
-VORN_ENUM_RECORD( Ldp, SessionState, LDP_SESSION_STATES )
+VORN_ENUM_RECORD( Ldp, SessionState, VORN_LDP_SESSION_STATES )
 VORN_VALUE_RECORD( Ldp, LdpSessionStateLogEntry )
 VORN_TEXT_OF_RECORD( LdpSessionStateLogEntry )
 VORN_RECORD( Ldp, LdpSessionStateLogEntryColl )

@@ -2,7 +2,7 @@
 
 namespace Ldp {
 
-VORN_ENUM_RECORD( Ldp, LdpTargetMembership, LDP_TARGET_MEMBERSHIPS )
+VORN_ENUM_RECORD( Ldp, LdpTargetMembership, VORN_LDP_TARGET_MEMBERSHIPS )
 VORN_RECORD( Ldp, LdpTargetBaseConfig )
 VORN_RECORD( Ldp, LdpTargetCommonConfig )
 VORN_RECORD( Ldp, LdpTargetConfig )

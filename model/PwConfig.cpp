@@ -2,7 +2,7 @@
 
 namespace Ldp {
 
-VORN_ENUM_RECORD( Ldp, PwStatusMethod, PW_STATUS_METHODS )
+VORN_ENUM_RECORD( Ldp, PwStatusMethod, VORN_PW_STATUS_METHODS )
 VORN_RECORD( Ldp, PwConfig )
 VORN_RECORD( Ldp, PwConfigColl )
 VORN_RECORD( Ldp, PwStatus )

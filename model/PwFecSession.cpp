@@ -4,8 +4,8 @@
 
 namespace Ldp {
 
-VORN_ENUM_RECORD( Ldp, PwFecSessionMember, PW_FEC_SESSION_MEMBERS )
-VORN_ENUM_RECORD( Ldp, PwFecSessionStatusState, PW_FEC_SESSION_STATUS_STATES )
+VORN_ENUM_RECORD( Ldp, PwFecSessionMember, VORN_PW_FEC_SESSION_MEMBERS )
+VORN_ENUM_RECORD( Ldp, PwFecSessionStatusState, VORN_PW_FEC_SESSION_STATUS_STATES )
 VORN_VALUE_RECORD( Ldp, PwFecSessionId )
 VORN_RECORD( Ldp, PwFecSessionConfig )
 VORN_RECORD( Ldp, PwFecSessionConfigColl )

@@ -4,7 +4,7 @@
 
 namespace Interface {
 
-VORN_ENUM_RECORD( Interface, IntfOperStatus, INTERFACE_OPER_STATUSES )
+VORN_ENUM_RECORD( Interface, IntfOperStatus, VORN_INTERFACE_OPER_STATUSES )
 
 } // namespace Interface
 VORN_MODULE( ::Vorn::recordOf< Interface::IntfOperStatus >() )

@@ -13,7 +13,7 @@ namespace Lumo {
 using Vorn::String;
 using Vorn::throwRangeException;
 
-VORN_ENUM_RECORD( Lumo, AddressFamily, LUMO_ADDRESS_FAMILIES )
+VORN_ENUM_RECORD( Lumo, AddressFamily, VORN_LUMO_ADDRESS_FAMILIES )
 
 namespace {
 

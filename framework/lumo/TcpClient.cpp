@@ -2,7 +2,7 @@
 
 namespace Lumo {
 
-VORN_ENUM_RECORD( Lumo, TcpClientStatus_ConnectionStatus, LUMO_TCP_CONNECTION_STATUSES )
+VORN_ENUM_RECORD( Lumo, TcpClientStatus_ConnectionStatus, VORN_LUMO_TCP_CONNECTION_STATUSES )
 VORN_RECORD( Lumo, TcpConfigBase )
 VORN_RECORD( Lumo, TcpClientConfig )
 VORN_RECORD( Lumo, TcpClientStatus )

@@ -4,8 +4,8 @@
 
 namespace Mpls {
 
-VORN_ENUM_RECORD( Mpls, LabelSource, MPLS_LABEL_SOURCES )
-VORN_ENUM_RECORD( Mpls, FecFilteredState, MPLS_FEC_FILTERED_STATES )
+VORN_ENUM_RECORD( Mpls, LabelSource, VORN_MPLS_LABEL_SOURCES )
+VORN_ENUM_RECORD( Mpls, FecFilteredState, VORN_MPLS_FEC_FILTERED_STATES )
 
 Vorn::String valueToStrep( RouterId const & value ) { return valueToStrep( value.id() ); }
 

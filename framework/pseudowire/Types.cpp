@@ -4,8 +4,8 @@
 
 namespace Pseudowire {
 
-VORN_ENUM_RECORD( Pseudowire, PseudowireType, PSEUDOWIRE_TYPES )
-VORN_ENUM_RECORD( Pseudowire, PseudowireConnectorStatus, PSEUDOWIRE_CONNECTOR_STATUSES )
+VORN_ENUM_RECORD( Pseudowire, PseudowireType, VORN_PSEUDOWIRE_TYPES )
+VORN_ENUM_RECORD( Pseudowire, PseudowireConnectorStatus, VORN_PSEUDOWIRE_CONNECTOR_STATUSES )
 
 PseudowireType PseudowireTypeInstance( Vorn::String const & text ) {
    PseudowireType type{};

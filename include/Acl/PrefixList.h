@@ -10,10 +10,10 @@
 namespace Acl {
 
 /// What a matching entry says. Any value but `permit` denies.
-#define ACL_PREFIX_ACTIONS( X )                                                                              \
+#define VORN_ACL_PREFIX_ACTIONS( X )                                                                         \
    X( deny, 0 )                                                                                              \
    X( permit, 1 )
-VORN_ENUM( PrefixAction, ACL_PREFIX_ACTIONS )
+VORN_ENUM( PrefixAction, VORN_ACL_PREFIX_ACTIONS )
 
 /// One entry of a prefix list.
 struct PrefixEntry {

@@ -8,7 +8,7 @@
 namespace Interface {
 
 /// What an interface is able to do (ifOperStatus of RFC 2863, 6, with its numbers).
-#define INTERFACE_OPER_STATUSES( X )                                                                         \
+#define VORN_INTERFACE_OPER_STATUSES( X )                                                                    \
    X( intfOperUp, 1 )                                                                                        \
    X( intfOperDown, 2 )                                                                                      \
    X( intfOperTesting, 3 )                                                                                   \
@@ -16,6 +16,6 @@ namespace Interface {
    X( intfOperDormant, 5 )                                                                                   \
    X( intfOperNotPresent, 6 )                                                                                \
    X( intfOperLowerLayerDown, 7 )
-VORN_ENUM( IntfOperStatus, INTERFACE_OPER_STATUSES )
+VORN_ENUM( IntfOperStatus, VORN_INTERFACE_OPER_STATUSES )
 
 } // namespace Interface

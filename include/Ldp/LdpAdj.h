@@ -12,10 +12,10 @@
 namespace Ldp {
 
 /// Kinds of adjacency.
-#define LDP_ADJ_TYPES( X )                                                                                   \
+#define VORN_LDP_ADJ_TYPES( X )                                                                              \
    X( LdpLinkAdj, 1 )                                                                                        \
    X( LdpTargetAdj, 2 )
-VORN_ENUM( LdpAdjType, LDP_ADJ_TYPES )
+VORN_ENUM( LdpAdjType, VORN_LDP_ADJ_TYPES )
 
 /// Identity of an adjacency: the peer, and the interface or the target address by which it is reached. Its
 /// text is `10.0.0.1:0_Ethernet1` or `10.0.0.1:0_TARGET_10.0.0.1`.
@@ -41,10 +41,10 @@ class VORN_API LdpAdjId {
    VORN_VALUE_FUNCTION( 0x5, LdpAdjType, adjType );
    VORN_CONSTANT( 0x6, Vorn::String, defaultAttribute, "stringValue" );
    VORN_VALUE_TEXT( 0x7, stringValue, stringValueIs );
-   /// Leaves out the target address: all targeted adjacencies of a peer fall into one chain, on purpose. A
-   /// `HashMap2018` bears 16,383 of them (`LdpPeerConfig::ldpAdj`, `LdpTargetStatus`; one more asserts) and a
-   /// `HashMap` gets slow, so who makes adjacencies out of hellos sets a bound far below that: anybody can
-   /// send targeted hellos of one identifier from as many addresses as it likes.
+   /// Leaves out the target address: all targeted adjacencies of a peer fall into one chain, where equality
+   /// tells them apart. A `HashMap2018` bears 16,383 of them (`LdpPeerConfig::ldpAdj`, `LdpTargetStatus`; one
+   /// more asserts) and a `HashMap` gets slow, so who makes adjacencies out of hellos sets a bound far below
+   /// that: anybody can send targeted hellos of one identifier from as many addresses as it likes.
    VORN_VALUE_DERIVED( 0x8, U32, hash );
 
    friend bool operator==( LdpAdjId const &, LdpAdjId const & ) noexcept = default;

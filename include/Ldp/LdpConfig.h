@@ -22,38 +22,38 @@ namespace Ldp {
 VORN_API extern Vorn::String const ldpConfigNsPrefix;
 
 /// Label distribution control (RFC 5036, 2.6.1).
-#define LDP_LABEL_DIST_CTRLS( X )                                                                            \
+#define VORN_LDP_LABEL_DIST_CTRLS( X )                                                                       \
    X( independentCtrl, 1 )                                                                                   \
    X( orderedCtrl, 2 )
-VORN_ENUM( LdpLabelDistCtrl, LDP_LABEL_DIST_CTRLS )
+VORN_ENUM( LdpLabelDistCtrl, VORN_LDP_LABEL_DIST_CTRLS )
 
 /// Label retention (RFC 5036, 2.6.2).
-#define LDP_LABEL_RETENTIONS( X )                                                                            \
+#define VORN_LDP_LABEL_RETENTIONS( X )                                                                       \
    X( conservativeRetention, 1 )                                                                             \
    X( liberalRetention, 2 )
-VORN_ENUM( LdpLabelRetention, LDP_LABEL_RETENTIONS )
+VORN_ENUM( LdpLabelRetention, VORN_LDP_LABEL_RETENTIONS )
 
 /// Whether the protocol runs in a VRF.
-#define LDP_RUNNING_STATES( X )                                                                              \
+#define VORN_LDP_RUNNING_STATES( X )                                                                         \
    X( ldpRunning, 1 )                                                                                        \
    X( ldpStopping, 2 )                                                                                       \
    X( ldpStopped, 3 )
-VORN_ENUM( LdpRunningState, LDP_RUNNING_STATES )
+VORN_ENUM( LdpRunningState, VORN_LDP_RUNNING_STATES )
 
 /// Part that the speaker takes in graceful restart (RFC 3478): none, helping restarting peers, or restarting
 /// gracefully itself.
-#define LDP_GR_OPERATIONAL_MODES( X )                                                                        \
+#define VORN_LDP_GR_OPERATIONAL_MODES( X )                                                                   \
    X( grModeDisabled, 0 )                                                                                    \
    X( grModeHelper, 1 )                                                                                      \
    X( grModeSpeaker, 2 )
-VORN_ENUM( LdpGrOperationalMode, LDP_GR_OPERATIONAL_MODES )
+VORN_ENUM( LdpGrOperationalMode, VORN_LDP_GR_OPERATIONAL_MODES )
 
 /// Whether an interface waits for LDP before its IGP uses it (RFC 5443).
-#define LDP_IGP_SYNC_MODES( X )                                                                              \
+#define VORN_LDP_IGP_SYNC_MODES( X )                                                                         \
    X( off, 1 )                                                                                               \
    X( on, 2 )                                                                                                \
    X( useGlobal, 3 )
-VORN_ENUM( LdpIgpSyncMode, LDP_IGP_SYNC_MODES )
+VORN_ENUM( LdpIgpSyncMode, VORN_LDP_IGP_SYNC_MODES )
 
 /// What a static binding says of its FEC. The default has null labels and no next hop.
 class VORN_API LdpFecBindingInfo {

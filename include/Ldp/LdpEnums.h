@@ -11,7 +11,7 @@
 namespace Ldp {
 
 /// Message types (RFC 5036, 3.7; RFC 5561 for Capability): the 15 bits behind the U bit.
-#define LDP_MSG_TYPES( X )                                                                                   \
+#define VORN_LDP_MSG_TYPES( X )                                                                              \
    X( LdpNotification, 1 )                                                                                   \
    X( LdpHello, 256 )                                                                                        \
    X( LdpInit, 512 )                                                                                         \
@@ -24,7 +24,7 @@ namespace Ldp {
    X( LdpLabelWithdraw, 1026 )                                                                               \
    X( LdpLabelRelease, 1027 )                                                                                \
    X( LdpLabelAbortReq, 1028 )
-VORN_ENUM( LdpMsgType, LDP_MSG_TYPES )
+VORN_ENUM( LdpMsgType, VORN_LDP_MSG_TYPES )
 
 /// Whether the type is one of those: any other message is refused by its type alone.
 VORN_API bool ldpIsKnownMsgType( LdpMsgType type ) noexcept;
@@ -32,10 +32,10 @@ VORN_API bool ldpIsKnownMsgType( LdpMsgType type ) noexcept;
 /// TLV types (RFC 5036, 3.3 and 3.8, and the IANA registry): the 14 bits behind the U and F bits. The third
 /// column says whether header validation knows the type.
 ///
-/// Two oddities are meant. The Unrecognized Notification capability has a name and a size rule, but is no
-/// known type, so it passes only by its U bit. The vendor-private and experimental names are four single
-/// known values; the types between them are unknown.
-#define LDP_TLV_TYPES( X )                                                                                   \
+/// Two oddities, which decide what a peer is answered and so stay. The Unrecognized Notification capability
+/// has a name and a size rule, but is no known type, so it passes only by its U bit. The vendor-private and
+/// experimental names are four single known values; the types between them are unknown.
+#define VORN_LDP_TLV_TYPES( X )                                                                              \
    X( fecTlv, 256, true )                                                                                    \
    X( addrListTlv, 257, true )                                                                               \
    X( hopCountTlv, 259, true )                                                                               \
@@ -72,7 +72,7 @@ VORN_API bool ldpIsKnownMsgType( LdpMsgType type ) noexcept;
    X( vendorPrivTlvEnd, 16127, true )                                                                        \
    X( expTlvBegin, 16128, true )                                                                             \
    X( expTlvEnd, 16383, true )
-VORN_ENUM( LdpTlvType, LDP_TLV_TYPES )
+VORN_ENUM( LdpTlvType, VORN_LDP_TLV_TYPES )
 
 /// Status codes (RFC 5036, 3.9; RFC 8077 for the pseudowire codes), the one currency of failure of the
 /// decoders; zero is good. Columns: value, E bit (RFC 5036, 3.4.6), text of a session's state; where that is
@@ -81,7 +81,7 @@ VORN_ENUM( LdpTlvType, LDP_TLV_TYPES )
 /// Codes with the top bit set have no wire form: the status data of a Status TLV has 30 bits.
 /// `unknownMessageTypeIgnore` marks an unknown message or TLV type whose U bit is set, which the protocol
 /// tells the receiver to ignore.
-#define LDP_STATUS_CODES( X )                                                                                \
+#define VORN_LDP_STATUS_CODES( X )                                                                           \
    X( success, 0, false, "success" )                                                                         \
    X( badLdpId, 1, true, "bad LDP identifier" )                                                              \
    X( badVersion, 2, true, "bad protocol version" )                                                          \
@@ -120,14 +120,14 @@ VORN_ENUM( LdpTlvType, LDP_TLV_TYPES )
    X( idChange, 0x80000104, false, nullptr )                                                                 \
    X( mLdpChange, 0x80000105, false, "capability change - mLDP" )                                            \
    X( grConfigChange, 0x80000106, false, nullptr )
-VORN_ENUM( LdpStatusCode, LDP_STATUS_CODES )
+VORN_ENUM( LdpStatusCode, VORN_LDP_STATUS_CODES )
 
 /// The enumerator's name, as `valueToStrep` prints it.
 VORN_API Vorn::String stringValue( LdpStatusCode status );
 
 /// FEC element types (RFC 5036, 3.4.1; RFC 5918, RFC 6388, RFC 8077). The FEC parser takes 1, 2, 3, 6 and
 /// 128; `pwGenIdelement` is spelled so.
-#define LDP_FEC_ELEMENT_TYPES( X )                                                                           \
+#define VORN_LDP_FEC_ELEMENT_TYPES( X )                                                                      \
    X( wildcardElement, 1 )                                                                                   \
    X( prefixElement, 2 )                                                                                     \
    X( hostAddrElement, 3 )                                                                                   \
@@ -142,15 +142,15 @@ VORN_API Vorn::String stringValue( LdpStatusCode status );
    X( pwP2mpUpstreamElement, 130 )                                                                           \
    X( pwProtectionElement, 131 )                                                                             \
    X( pwP2mpDownstreamElement, 132 )
-VORN_ENUM( LdpFecElementType, LDP_FEC_ELEMENT_TYPES )
+VORN_ENUM( LdpFecElementType, VORN_LDP_FEC_ELEMENT_TYPES )
 
 /// Interface parameter sub-TLVs of the PW ID FEC element (RFC 8077, 6.4 and the IANA registry).
-#define LDP_PW_INTF_PARAM_SUB_TLV_TYPES( X )                                                                 \
+#define VORN_LDP_PW_INTF_PARAM_SUB_TLV_TYPES( X )                                                            \
    X( intfMtu, 1 )                                                                                           \
    X( intfDesc, 3 )                                                                                          \
    X( requestedVlanId, 6 )                                                                                   \
    X( fragIndicator, 9 )                                                                                     \
    X( vccvParam, 12 )
-VORN_ENUM( LdpPwIntfParamSubTlvType, LDP_PW_INTF_PARAM_SUB_TLV_TYPES )
+VORN_ENUM( LdpPwIntfParamSubTlvType, VORN_LDP_PW_INTF_PARAM_SUB_TLV_TYPES )
 
 } // namespace Ldp

@@ -14,25 +14,25 @@
 namespace Ldp {
 
 /// Why a FEC exists.
-#define LDP_FEC_CONFIG_MEMBERSHIPS( X )                                                                      \
+#define VORN_LDP_FEC_CONFIG_MEMBERSHIPS( X )                                                                 \
    X( fecMemberFibSm, 0 )                                                                                    \
    X( fecMemberLocalGr, 1 )                                                                                  \
    X( fecMemberSessionGr, 2 )                                                                                \
    X( fecMemberSessionSm, 3 )                                                                                \
    X( fecMemberStatic, 4 )                                                                                   \
    X( fecMemberTunnelRib, 5 )
-VORN_ENUM( LdpFecConfigMembership, LDP_FEC_CONFIG_MEMBERSHIPS )
+VORN_ENUM( LdpFecConfigMembership, VORN_LDP_FEC_CONFIG_MEMBERSHIPS )
 
 /// Place of this router on the path of a FEC.
-#define LDP_FEC_LSP_ROLES( X )                                                                               \
+#define VORN_LDP_FEC_LSP_ROLES( X )                                                                          \
    X( lspRoleUnknown, 0 )                                                                                    \
    X( lspIngress, 1 )                                                                                        \
    X( lspTransit, 2 )                                                                                        \
    X( lspEgress, 3 )
-VORN_ENUM( LdpFecLspRole, LDP_FEC_LSP_ROLES )
+VORN_ENUM( LdpFecLspRole, VORN_LDP_FEC_LSP_ROLES )
 
 /// Events of the agent's FEC state machines; no attribute here has this type.
-#define LDP_FEC_CONFIG_CHANGES( X )                                                                          \
+#define VORN_LDP_FEC_CONFIG_CHANGES( X )                                                                     \
    X( fcNone, 0 )                                                                                            \
    X( fcDsLsr, 1 )                                                                                           \
    X( fcLoopDetect, 2 )                                                                                      \
@@ -43,23 +43,23 @@ VORN_ENUM( LdpFecLspRole, LDP_FEC_LSP_ROLES )
    X( fcDsLsrMappingAvail, 7 )                                                                               \
    X( fcLabelDistCtrl, 8 )                                                                                   \
    X( fcProgrammedLabel, 9 )
-VORN_ENUM( FecConfigChange, LDP_FEC_CONFIG_CHANGES )
+VORN_ENUM( FecConfigChange, VORN_LDP_FEC_CONFIG_CHANGES )
 
 /// Why a FEC has no label; for the agent, too.
-#define LDP_LABEL_UNASSIGNED_REASONS( X )                                                                    \
+#define VORN_LDP_LABEL_UNASSIGNED_REASONS( X )                                                               \
    X( NotAssigned, 0 )                                                                                       \
    X( LabelOutOfResource, 1 )                                                                                \
    X( SystemOutOfResource, 2 )
-VORN_ENUM( LdpLabelUnassignedReason, LDP_LABEL_UNASSIGNED_REASONS )
+VORN_ENUM( LdpLabelUnassignedReason, VORN_LDP_LABEL_UNASSIGNED_REASONS )
 
 /// What one session tells the FEC's other sessions.
-#define LDP_XSESSION_NOTIFICATION_TYPES( X )                                                                 \
+#define VORN_LDP_XSESSION_NOTIFICATION_TYPES( X )                                                            \
    X( ldpXsessionUnknown, 0 )                                                                                \
    X( ldpXsessionMapping, 1 )                                                                                \
    X( ldpXsessionRequest, 2 )                                                                                \
    X( ldpXsessionMappingLoopDetection, 3 )                                                                   \
    X( ldpXsessionRequestLoopDetection, 4 )
-VORN_ENUM( LdpXsessionNotification_LdpXsessionNotificationType, LDP_XSESSION_NOTIFICATION_TYPES )
+VORN_ENUM( LdpXsessionNotification_LdpXsessionNotificationType, VORN_LDP_XSESSION_NOTIFICATION_TYPES )
 
 /// A next hop: an address, and the interface behind which it lies.
 class VORN_API Via {

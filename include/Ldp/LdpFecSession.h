@@ -106,19 +106,19 @@ class VORN_API LdpPeerLabelSessionState {
 VORN_TEXT( LdpPeerLabelSessionState )
 
 /// A label towards the peer.
-#define LDP_LOCAL_LABEL_STATES( X )                                                                          \
+#define VORN_LDP_LOCAL_LABEL_STATES( X )                                                                     \
    X( noneSent, 0 )                                                                                          \
    X( mappingSent, 1 )                                                                                       \
    X( withdrawSent, 2 )
-VORN_ENUM( LdpLocalLabelState, LDP_LOCAL_LABEL_STATES )
+VORN_ENUM( LdpLocalLabelState, VORN_LDP_LOCAL_LABEL_STATES )
 
 /// A label from the peer.
-#define LDP_PEER_LABEL_STATES( X )                                                                           \
+#define VORN_LDP_PEER_LABEL_STATES( X )                                                                      \
    X( noneRcvd, 0 )                                                                                          \
    X( mappingRcvd, 1 )                                                                                       \
    X( withdrawRcvd, 2 )                                                                                      \
    X( releaseGen, 3 )
-VORN_ENUM( LdpPeerLabelState, LDP_PEER_LABEL_STATES )
+VORN_ENUM( LdpPeerLabelState, VORN_LDP_PEER_LABEL_STATES )
 
 /// What has been said about one FEC on one session. An attribute that ends in `Acked` pairs with the one of
 /// the same name here or in `LdpFecStatus`: unequal values mean work to do.

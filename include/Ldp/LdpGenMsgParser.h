@@ -131,7 +131,7 @@ class VORN_API LdpPduParser : public Vorn::PtrInterface {
       return tlvGroupParser_ ? tlvGroupParser_->tlvOffset( index ) : 0;
    }
 
-   /// False: judging does not change it, which is intended.
+   /// False, before and after judging: the verdict is `statusCode`.
    bool initialized() const noexcept { return initialized_; }
    /// The two steps of the constructor. The first lays the header's view, wherever the packet ends; the
    /// second judges, and asserts where the walker was dropped.

@@ -10,10 +10,10 @@
 namespace Ldp {
 
 /// Whether the speaker's own restart or that of a session's peer keeps a FEC alive.
-#define LDP_GR_MEMBERSHIPS( X )                                                                              \
+#define VORN_LDP_GR_MEMBERSHIPS( X )                                                                         \
    X( grMembershipLocal, 0 )                                                                                 \
    X( grMembershipSession, 1 )
-VORN_ENUM( GrMembership, LDP_GR_MEMBERSHIPS )
+VORN_ENUM( GrMembership, VORN_LDP_GR_MEMBERSHIPS )
 
 /// The speaker's own restart.
 class VORN_API LocalGrStatus : public Vorn::Entity {

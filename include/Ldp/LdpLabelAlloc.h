@@ -12,11 +12,11 @@
 namespace Ldp {
 
 /// What the allocation is doing.
-#define LDP_LABEL_ALLOC_STATUSES( X )                                                                        \
+#define VORN_LDP_LABEL_ALLOC_STATUSES( X )                                                                   \
    X( markAndSweep, 0 )                                                                                      \
    X( dynamicReserve, 1 )                                                                                    \
    X( waitForLabelRange, 2 )
-VORN_ENUM( LabelAllocStatusEnum, LDP_LABEL_ALLOC_STATUSES )
+VORN_ENUM( LabelAllocStatusEnum, VORN_LDP_LABEL_ALLOC_STATUSES )
 
 /// A request for labels of one FEC.
 class VORN_API LabelAllocRequest : public Vorn::Entity {

@@ -10,11 +10,11 @@
 namespace Ldp {
 
 /// Whether an interface or a target is configured. Disabling takes time: the agent says goodbye first.
-#define LDP_CONFIG_STATES( X )                                                                               \
+#define VORN_LDP_CONFIG_STATES( X )                                                                          \
    X( configEnabled, 1 )                                                                                     \
    X( configDisabling, 2 )                                                                                   \
    X( configDisabled, 3 )
-VORN_ENUM( ConfigState, LDP_CONFIG_STATES )
+VORN_ENUM( ConfigState, VORN_LDP_CONFIG_STATES )
 
 /// Timers of link hellos, in seconds (RFC 5036, 2.5.5).
 class VORN_API LdpLinkBaseConfig : public Vorn::Entity {

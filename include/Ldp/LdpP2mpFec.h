@@ -9,20 +9,20 @@
 namespace Ldp {
 
 /// Why a P2MP FEC exists.
-#define LDP_P2MP_FEC_STATE_MEMBERSHIPS( X )                                                                  \
+#define VORN_LDP_P2MP_FEC_STATE_MEMBERSHIPS( X )                                                             \
    X( p2mpFecMemberFib, 0 )                                                                                  \
    X( p2mpFecMemberLocalSession, 1 )                                                                         \
    X( p2mpFecMemberRemoteSession, 2 )                                                                        \
    X( p2mpFecMemberStatic, 3 )
-VORN_ENUM( LdpP2mpFecStateMembership, LDP_P2MP_FEC_STATE_MEMBERSHIPS )
+VORN_ENUM( LdpP2mpFecStateMembership, VORN_LDP_P2MP_FEC_STATE_MEMBERSHIPS )
 
 /// Place of this router in the tree.
-#define LDP_P2MP_FEC_ROLES( X )                                                                              \
+#define VORN_LDP_P2MP_FEC_ROLES( X )                                                                         \
    X( unknown, 0 )                                                                                           \
    X( leaf, 1 )                                                                                              \
    X( bud, 2 )                                                                                               \
    X( transit, 3 )
-VORN_ENUM( LdpP2mpFecRole, LDP_P2MP_FEC_ROLES )
+VORN_ENUM( LdpP2mpFecRole, VORN_LDP_P2MP_FEC_ROLES )
 
 /// One P2MP FEC. As with `LdpFecConfig`, `membership` is the writer's to keep in step.
 class VORN_API LdpP2mpFecState : public Vorn::Entity {

@@ -9,11 +9,11 @@
 namespace Ldp {
 
 /// Why the work on a FEC session begins; for the agent's queues, no attribute here has this type.
-#define LDP_P2MP_FEC_SESSION_EVENTS( X )                                                                     \
+#define VORN_LDP_P2MP_FEC_SESSION_EVENTS( X )                                                                \
    X( LdpP2mpFecSessionEventNone, 0 )                                                                        \
    X( LdpP2mpFecSessionEventNotifier, 1 )                                                                    \
    X( LdpP2mpFecSessionEventWorkQueue, 2 )
-VORN_ENUM( LdpP2mpFecSessionEvent, LDP_P2MP_FEC_SESSION_EVENTS )
+VORN_ENUM( LdpP2mpFecSessionEvent, VORN_LDP_P2MP_FEC_SESSION_EVENTS )
 
 /// The label that is active now, with its state; it can be dropped and made anew by itself.
 class VORN_API LdpP2mpFecSessionLocalEphemeralState : public Vorn::Entity {

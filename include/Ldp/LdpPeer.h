@@ -23,8 +23,8 @@ class VORN_API LdpPeerConfig : public Vorn::Entity {
    VORN_MUTABLE( 0x104, LdpAdjId, activeAdj, ActiveAdj, local );
    /// Transport address of the peer.
    VORN_MUTABLE( 0x105, Lumo::IpGenAddr, peerIpAddr, PeerIpAddr, replicated ) = Lumo::IpAddr();
-   /// Configuration sequence number of the last hello. 16 bits here, 32 in an adjacency's status: that is
-   /// meant.
+   /// Configuration sequence number of the last hello. 16 bits here, 32 in an adjacency's status: who
+   /// compares the two compares the low half. Copies and tools depend on both widths.
    VORN_MUTABLE( 0x106, U16, peerConfigSeqNum, PeerConfigSeqNum, local ) = 0;
    /// Status of the peer, and that of its last adjacency event.
    VORN_MUTABLE( 0x107, LdpStatusCode, statusCode, StatusCode, local ) = success;

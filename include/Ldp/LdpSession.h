@@ -11,26 +11,26 @@
 namespace Ldp {
 
 /// Phases of an operational session.
-#define LDP_SESSION_OP_STATES( X )                                                                           \
+#define VORN_LDP_SESSION_OP_STATES( X )                                                                      \
    X( opStateUnknown, 0 )                                                                                    \
    X( opStateAddrExchange, 1 )                                                                               \
    X( opStateLabelExchange, 2 )                                                                              \
    X( opStateRestart, 3 )
-VORN_ENUM( SessionOpState, LDP_SESSION_OP_STATES )
+VORN_ENUM( SessionOpState, VORN_LDP_SESSION_OP_STATES )
 
 /// Who opens the session's connection (RFC 5036, 2.5.2).
-#define LDP_SESSION_ROLES( X )                                                                               \
+#define VORN_LDP_SESSION_ROLES( X )                                                                          \
    X( roleUnknown, 0 )                                                                                       \
    X( roleActive, 1 )                                                                                        \
    X( rolePassive, 2 )
-VORN_ENUM( LdpSessionRole, LDP_SESSION_ROLES )
+VORN_ENUM( LdpSessionRole, VORN_LDP_SESSION_ROLES )
 
 /// Whether the peer is being waited for in graceful restart (RFC 3478).
-#define LDP_GR_STATES( X )                                                                                   \
+#define VORN_LDP_GR_STATES( X )                                                                              \
    X( grStateUnknown, 0 )                                                                                    \
    X( grStateInactive, 1 )                                                                                   \
    X( grStateActive, 2 )
-VORN_ENUM( GrState, LDP_GR_STATES )
+VORN_ENUM( GrState, VORN_LDP_GR_STATES )
 
 /// Identity of a session in its VRF: the peer. The speaker's own identifier is no part of it, so there is at
 /// most one session to a peer's label space. Its text is that of the identifier.
@@ -142,8 +142,9 @@ class VORN_API LdpSessionConfigColl : public Vorn::Entity {
 };
 VORN_FACTORY( LdpSessionConfigColl, ldpSessionConfigCollFactory )
 
-/// Run-time state of one session. The defaults are those of the protocol before negotiation; the peer's
-/// advertisement discipline is unknown then while one is in force already, and that is meant.
+/// Run-time state of one session. The defaults are those of the protocol before negotiation: one discipline
+/// is in force from the start, since labels are handed out by it, while the peer's own is unknown until its
+/// Initialization.
 class VORN_API LdpSessionStatus : public Vorn::Entity {
    VORN_ENTITY( LdpSessionStatus, Vorn::Entity )
    VORN_NOTIFIEE( VORN_ON( LocalLdpIdentifier ); VORN_ON( TcpClientConnEnabled );

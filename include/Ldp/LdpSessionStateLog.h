@@ -8,7 +8,7 @@
 namespace Ldp {
 
 /// States of a session: those of RFC 5036, 2.5.4, and expired. 0 is for a state that was never set.
-#define LDP_SESSION_STATES( X )                                                                              \
+#define VORN_LDP_SESSION_STATES( X )                                                                         \
    X( stateUnknown, 0 )                                                                                      \
    X( stateNonExist, 1 )                                                                                     \
    X( stateInitialized, 2 )                                                                                  \
@@ -16,7 +16,7 @@ namespace Ldp {
    X( stateOpenRecv, 4 )                                                                                     \
    X( stateOperational, 5 )                                                                                  \
    X( stateExpired, 6 )
-VORN_ENUM( SessionState, LDP_SESSION_STATES )
+VORN_ENUM( SessionState, VORN_LDP_SESSION_STATES )
 
 /// One change of a session's state.
 class VORN_API LdpSessionStateLogEntry {

@@ -7,11 +7,11 @@
 namespace Ldp {
 
 /// Why a target exists; there can be several reasons at once.
-#define LDP_TARGET_MEMBERSHIPS( X )                                                                          \
+#define VORN_LDP_TARGET_MEMBERSHIPS( X )                                                                     \
    X( targetMemberStatic, 0 )                                                                                \
    X( targetMemberPw, 1 )                                                                                    \
    X( targetMemberHr, 2 )
-VORN_ENUM( LdpTargetMembership, LDP_TARGET_MEMBERSHIPS )
+VORN_ENUM( LdpTargetMembership, VORN_LDP_TARGET_MEMBERSHIPS )
 
 /// Timers of targeted hellos, in seconds.
 class VORN_API LdpTargetBaseConfig : public Vorn::Entity {
@@ -52,8 +52,8 @@ class VORN_API LdpTargetCommonConfig : public LdpTargetBaseConfig {
 };
 VORN_FACTORY( LdpTargetCommonConfig, ldpTargetCommonConfigFactory )
 
-/// What is wanted of one target. It begins disabled, unlike a link, and that is meant. A target without a
-/// reason left is for the agent to delete.
+/// What is wanted of one target. It begins disabled, unlike a link: its reasons to be come one by one behind
+/// it. A target without a reason left is for the agent to delete.
 class VORN_API LdpTargetConfig : public LdpTargetBaseConfig {
    VORN_ENTITY( LdpTargetConfig, LdpTargetBaseConfig )
    VORN_NOTIFIEE( VORN_ON( ConfigState ); VORN_ON_KEYED( LdpTargetMembership, TargetMembership ); )

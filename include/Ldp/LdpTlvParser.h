@@ -235,7 +235,7 @@ class VORN_API LdpPwStatusTlvParser : public LdpBodyTlvParser< LdpPwStatusTlv > 
 #undef LDP_TLV_PARSER
 
 /// The factory of each parser.
-#define LDP_TLV_PARSERS( X )                                                                                 \
+#define VORN_LDP_TLV_PARSERS( X )                                                                            \
    X( LdpCommonHelloTlvParser, ldpCommonHelloTlvParserFactory )                                              \
    X( LdpIpTransportAddrTlvParser, ldpIpTransportAddrTlvParserFactory )                                      \
    X( LdpConfigSeqNumTlvParser, ldpConfigSeqNumTlvParserFactory )                                            \
@@ -251,7 +251,7 @@ class VORN_API LdpPwStatusTlvParser : public LdpBodyTlvParser< LdpPwStatusTlv > 
    X( LdpPwStatusTlvParser, ldpPwStatusTlvParserFactory )
 #define LDP_TLV_PARSER_FACTORY( Type, factory )                                                              \
    VORN_API Vorn::Ptr< Type > factory( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset );
-LDP_TLV_PARSERS( LDP_TLV_PARSER_FACTORY )
+VORN_LDP_TLV_PARSERS( LDP_TLV_PARSER_FACTORY )
 #undef LDP_TLV_PARSER_FACTORY
 
 } // namespace Ldp

@@ -9,11 +9,11 @@
 namespace Ldp {
 
 /// How the status of a pseudowire is signalled (RFC 8077, 6.3).
-#define PW_STATUS_METHODS( X )                                                                               \
+#define VORN_PW_STATUS_METHODS( X )                                                                          \
    X( pwStatusMethodUndefined, 0 )                                                                           \
    X( pwStatusMethodTlv, 1 )                                                                                 \
    X( pwStatusMethodWithdraw, 2 )
-VORN_ENUM( PwStatusMethod, PW_STATUS_METHODS )
+VORN_ENUM( PwStatusMethod, VORN_PW_STATUS_METHODS )
 
 /// One request.
 class VORN_API PwConfig : public Vorn::Entity {
@@ -60,7 +60,7 @@ class VORN_API PwConfigColl : public Vorn::Entity {
 };
 VORN_FACTORY( PwConfigColl, pwConfigCollFactory )
 
-/// What came of one request. The defaults are optimistic on purpose: status by TLV and a control word, until
+/// What came of one request. The defaults are what is hoped for, status by TLV and a control word, until
 /// negotiation says otherwise.
 class VORN_API PwStatus : public Vorn::Entity {
    VORN_ENTITY( PwStatus, Vorn::Entity )

@@ -11,7 +11,7 @@
 namespace Ldp {
 
 /// A pseudowire FEC on a session. Its text is `10.0.0.1:0_pw100:pwTypeRaw:cbit1`: the session stands first,
-/// unlike in an `LdpFecSessionId`, and that is meant.
+/// unlike in an `LdpFecSessionId`. Who reads these texts depends on either order.
 class VORN_API PwFecSessionId {
    VORN_VALUE( PwFecSessionId )
    VORN_CTOR_FIELD( 0x2, PwFwdEqvClass, pwFwdEqvClass );
@@ -38,16 +38,16 @@ class VORN_API PwFecSessionId {
 VORN_TEXT( PwFecSessionId )
 
 /// Who wants a pseudowire FEC session.
-#define PW_FEC_SESSION_MEMBERS( X )                                                                          \
+#define VORN_PW_FEC_SESSION_MEMBERS( X )                                                                     \
    X( pwFecMemberSessionSm, 0 )                                                                              \
    X( pwFecMemberStatic, 1 )
-VORN_ENUM( PwFecSessionMember, PW_FEC_SESSION_MEMBERS )
+VORN_ENUM( PwFecSessionMember, VORN_PW_FEC_SESSION_MEMBERS )
 
 /// Whether a direction is still at work.
-#define PW_FEC_SESSION_STATUS_STATES( X )                                                                    \
+#define VORN_PW_FEC_SESSION_STATUS_STATES( X )                                                               \
    X( pwFecSessionActive, 0 )                                                                                \
    X( pwFecSessionFinished, 1 )
-VORN_ENUM( PwFecSessionStatusState, PW_FEC_SESSION_STATUS_STATES )
+VORN_ENUM( PwFecSessionStatusState, VORN_PW_FEC_SESSION_STATUS_STATES )
 
 /// What is to be signalled about one pseudowire on one session. It begins with one member, the one that made
 /// it; a config without a member left is for the agent to delete.

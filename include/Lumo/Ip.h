@@ -6,15 +6,25 @@
 #include "Vorn/Strep.h"
 
 #include <array>
+#include <compare>
 
 namespace Lumo {
 
+/// In the order of the octets on the wire. Not every standard library compares arrays so.
+template< std::size_t size >
+constexpr std::strong_ordering compareOctets( std::array< U8, size > const & a,
+                                              std::array< U8, size > const & b ) noexcept {
+   for ( std::size_t i = 0; i < size; ++i )
+      if ( a[i] != b[i] ) return a[i] <=> b[i];
+   return std::strong_ordering::equal;
+}
+
 /// Address families as the protocol numbers them (RFC 5036, 3.4.1); these two are all that it uses.
-#define LUMO_ADDRESS_FAMILIES( X )                                                                           \
+#define VORN_LUMO_ADDRESS_FAMILIES( X )                                                                      \
    X( noFamily, 0 )                                                                                          \
    X( ipv4, 1 )                                                                                              \
    X( ipv6, 2 )
-VORN_ENUM( AddressFamily, LUMO_ADDRESS_FAMILIES )
+VORN_ENUM( AddressFamily, VORN_LUMO_ADDRESS_FAMILIES )
 
 /// An IPv4 address, four octets in network order; default 0.0.0.0. It may lie in a packet at any alignment.
 class VORN_API IpAddr {
@@ -41,7 +51,10 @@ class VORN_API IpAddr {
    VORN_FROM_LOG( IpAddr )
    /// Whether the value equals a default one.
    constexpr bool operator!() const noexcept { return *this == IpAddr(); }
-   friend constexpr auto operator<=>( IpAddr const &, IpAddr const & ) noexcept = default;
+   friend constexpr bool operator==( IpAddr const &, IpAddr const & ) noexcept = default;
+   friend constexpr std::strong_ordering operator<=>( IpAddr const & a, IpAddr const & b ) noexcept {
+      return compareOctets( a.octets_, b.octets_ );
+   }
 
  private:
    std::array< U8, 4 > octets_{};
@@ -69,7 +82,10 @@ class VORN_API Ip6Addr {
    VORN_FROM_LOG( Ip6Addr )
    /// Whether the value equals a default one.
    constexpr bool operator!() const noexcept { return *this == Ip6Addr(); }
-   friend constexpr auto operator<=>( Ip6Addr const &, Ip6Addr const & ) noexcept = default;
+   friend constexpr bool operator==( Ip6Addr const &, Ip6Addr const & ) noexcept = default;
+   friend constexpr std::strong_ordering operator<=>( Ip6Addr const & a, Ip6Addr const & b ) noexcept {
+      return compareOctets( a.octets_, b.octets_ );
+   }
 
  private:
    std::array< U8, 16 > octets_{};

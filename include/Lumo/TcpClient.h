@@ -25,11 +25,11 @@ VORN_OUTSIDE_VALUE( Lumo::TcpConnSocket )
 namespace Lumo {
 
 /// Where a connection stands.
-#define LUMO_TCP_CONNECTION_STATUSES( X )                                                                    \
+#define VORN_LUMO_TCP_CONNECTION_STATUSES( X )                                                               \
    X( tcpNotConnected, 0 )                                                                                   \
    X( tcpConnecting, 1 )                                                                                     \
    X( tcpConnected, 2 )
-VORN_ENUM( TcpClientStatus_ConnectionStatus, LUMO_TCP_CONNECTION_STATUSES )
+VORN_ENUM( TcpClientStatus_ConnectionStatus, VORN_LUMO_TCP_CONNECTION_STATUSES )
 
 /// Settings of a TCP socket.
 class VORN_API TcpConfigBase : public Vorn::Entity {

@@ -7,18 +7,18 @@
 namespace Mpls {
 
 /// Who gave a label.
-#define MPLS_LABEL_SOURCES( X )                                                                              \
+#define VORN_MPLS_LABEL_SOURCES( X )                                                                         \
    X( labelSourceUnknown, 0 )                                                                                \
    X( labelSourceStatic, 1 )                                                                                 \
    X( labelSourceDynamic, 2 )
-VORN_ENUM( LabelSource, MPLS_LABEL_SOURCES )
+VORN_ENUM( LabelSource, VORN_MPLS_LABEL_SOURCES )
 
 /// What a filter says of a FEC.
-#define MPLS_FEC_FILTERED_STATES( X )                                                                        \
+#define VORN_MPLS_FEC_FILTERED_STATES( X )                                                                   \
    X( fecFilteredUnknown, 0 )                                                                                \
    X( fecPermitted, 1 )                                                                                      \
    X( fecFiltered, 2 )
-VORN_ENUM( FecFilteredState, MPLS_FEC_FILTERED_STATES )
+VORN_ENUM( FecFilteredState, VORN_MPLS_FEC_FILTERED_STATES )
 
 /// A router by its id, which has the form of an IPv4 address.
 class VORN_API RouterId {

@@ -18,7 +18,7 @@ using VccvCvTypes = Vorn::Number< struct VccvCvTypesTag, U8 >;
 using PseudowireLdpStatusFlags = Vorn::Number< struct PseudowireLdpStatusFlagsTag, U32 >;
 
 /// Pseudowire types (IANA registry of RFC 4446, 3.2). A number outside the list is an ordinary value.
-#define PSEUDOWIRE_TYPES( X )                                                                                \
+#define VORN_PSEUDOWIRE_TYPES( X )                                                                           \
    X( pwTypeNone, 0 )                                                                                        \
    X( pwTypeFrDlciMartini, 1 )                                                                               \
    X( pwTypeAtmAal5Sdu, 2 )                                                                                  \
@@ -31,17 +31,17 @@ using PseudowireLdpStatusFlags = Vorn::Number< struct PseudowireLdpStatusFlagsTa
    X( pwTypeAtmVcc, 9 )                                                                                      \
    X( pwTypeAtmVpc, 10 )                                                                                     \
    X( pwTypeIpLayer2, 11 )
-VORN_ENUM( PseudowireType, PSEUDOWIRE_TYPES )
+VORN_ENUM( PseudowireType, VORN_PSEUDOWIRE_TYPES )
 
 /// The type with that name or number. Throws RangeException.
 VORN_API PseudowireType PseudowireTypeInstance( Vorn::String const & text );
 
 /// State of an attachment circuit.
-#define PSEUDOWIRE_CONNECTOR_STATUSES( X )                                                                   \
+#define VORN_PSEUDOWIRE_CONNECTOR_STATUSES( X )                                                              \
    X( pwConnectorUnknown, 0 )                                                                                \
    X( pwConnectorUp, 1 )                                                                                     \
    X( pwConnectorDown, 2 )
-VORN_ENUM( PseudowireConnectorStatus, PSEUDOWIRE_CONNECTOR_STATUSES )
+VORN_ENUM( PseudowireConnectorStatus, VORN_PSEUDOWIRE_CONNECTOR_STATUSES )
 
 /// What a service asks for: a pseudowire of that number to that neighbor. Its text is `10.0.0.1_100`.
 class VORN_API PseudowireLdpRequestKey {

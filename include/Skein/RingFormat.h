@@ -33,9 +33,9 @@ static_assert( sizeof( FileHeader ) == 64 );
 
 /// Head of a block; its records follow.
 struct Block {
-   U64 sequence; ///< 0 when empty; otherwise the greater, the younger. Block n holds those that are n modulo
-                 ///< blockNum
-   U64 ticks;    ///< clock of the records when the block was begun
+   /// 0 when empty; otherwise the greater, the younger. Block n holds those that are n modulo blockNum.
+   U64 sequence;
+   U64 ticks;       ///< clock of the records when the block was begun
    U64 nanoseconds; ///< wall clock at the same moment, since 1970-01-01 UTC
    U32 writer;      ///< number of the thread that wrote it, from 1
    U32 used;        ///< octets of the block that are written, this head included
@@ -58,9 +58,8 @@ inline constexpr U16 cutFlag = 0x8000;
 
 /// A description begins with its size in octets as a 16-bit word, itself included, then its kind.
 enum class Description : U8 {
-   /// U8 level, U8 flags (bit 0: opens a block), U16 message id, U32 line, then text file, text function,
-   /// items
-   /// to the end.
+   /// U8 level, U8 flags (bit 0: opens a block), U16 message id, U32 line, then text file, text function, and
+   /// items to the end.
    site = 1,
    /// U8 zero, U16 enumeration id, then text name, and to the end a U32 number and a text for each
    /// enumerator.

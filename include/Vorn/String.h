@@ -62,7 +62,7 @@ class VORN_API String {
    }
    friend bool operator==( String const & a, char const * b ) noexcept { return a.view() == b; }
    friend std::strong_ordering operator<=>( String const & a, String const & b ) noexcept {
-      return a.view() <=> b.view();
+      return a.view().compare( b.view() ) <=> 0; // not every standard library has it for views
    }
 
  private:

@@ -108,7 +108,7 @@ TEST( FecTlvParser, prefixes ) {
 
 TEST( FecTlvParser, hostAddresses ) {
    char const * const small = "Invalid FEC Host Address Element: TLV value is too small";
-   // "Host Address" in some texts and "Host Addr" in others, each as it is meant.
+   // "Host Address" in some texts and "Host Addr" in others, each as tools that search logs know it.
    expectFecRows( {
         { "header of 3", "03 0001", malformedTlv, small, "[]" },
         { "IPv4", "03 0001 04 0a000001", success, "", "[10.0.0.1/32]" },

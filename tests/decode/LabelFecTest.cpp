@@ -1,5 +1,5 @@
 // How far each label message trusts its FEC TLV: the same FECs in all five, side by side. The five differ,
-// and are meant to.
+// and a peer is answered by it.
 
 #include "Expect.h"
 

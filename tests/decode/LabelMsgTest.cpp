@@ -150,7 +150,7 @@ TEST( LabelWithdraw, judgement ) {
 }
 
 TEST( LabelRelease, judgement ) {
-   // A refused Release names a Request in its text: meant so.
+   // A refused Release names a Request in its text, which tools that search logs depend on.
    expectWithdrawal( ldpLabelReleaseMsgParserFactory, LdpLabelRelease, "Invalid LDP Label Request Msg: " );
 }
 

@@ -149,7 +149,7 @@ TEST( LdpMsgParserGet, classOfEachType ) {
                 &LdpInitMsgParser::_vornType, "Ldp::LdpInitMsgParser" },
               { msg( LdpKeepAlive, 1 ), &LdpMsgParser::_vornType, "Ldp::LdpMsgParser" },
               { msg( LdpCapability, 1, { tlv( p2mpCapabilityTlv, "80" ) } ), &LdpMsgParser::_vornType,
-                "Ldp::LdpMsgParser" }, // stays plain: meant so
+                "Ldp::LdpMsgParser" }, // stays plain: its user makes the typed one
               { msg( LdpAddress, 1, { addresses } ), &LdpAddressMsgParser::_vornType,
                 "Ldp::LdpAddressMsgParser" },
               { msg( LdpAddressWithdraw, 1, { addresses } ), &LdpAddressWithdrawMsgParser::_vornType,

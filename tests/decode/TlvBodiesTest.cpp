@@ -106,7 +106,7 @@ TEST( TlvBodies, ftFlags ) {
           "LdpFtSessionTlv: R(1), S(1), A(1), C(1), L(0), FTReconnect(1), FTRecovery(-1)" },
         { tlv( ftSessionTlv, "0001 0000 0001d4c0 00000000" ), success,
           "LdpFtSessionTlv: R(0), S(0), A(0), C(0), L(1), FTReconnect(120000), FTRecovery(0)" },
-        // "Invalid" here and "Error" everywhere else: meant so.
+        // "Invalid" here and "Error" everywhere else, which tools depend on.
         { tlv( ftSessionTlv, "0003 0000 00000000 00000000" ), malformedTlv,
           "Invalid FtSessionTlv: malformedTlv" },
         { tlvLen( ftSessionTlv, 8, "0001 0000 00000000 00000000" ), badTlvLength,
