@@ -1,3 +1,4 @@
+// Address and Address Withdraw messages: their rules and texts.
 #include "Codecs.h"
 #include "LdpMsgRules.h"
 

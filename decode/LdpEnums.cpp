@@ -1,3 +1,4 @@
+// Records of the protocol's registries, and which message types are known.
 #include "Ldp/LdpEnums.h"
 
 #include "Vorn/ValueType.h"

@@ -1,3 +1,4 @@
+// FEC element values: records, texts, and the generic opaque value of P2MP FECs.
 #include "Ldp/LdpFecHdr.h"
 
 #include "Vorn/AttributeRows.h"

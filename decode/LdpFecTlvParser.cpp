@@ -1,3 +1,4 @@
+// The FEC TLV, element by element: each kind's judgement and what it becomes.
 #include "Ldp/LdpFecTlvParser.h"
 
 #include "Codecs.h"

@@ -1,3 +1,4 @@
+// The walk over a row of type-length units, and the PDU parser that begins with it.
 #include "Ldp/LdpGenMsgParser.h"
 
 #include "Codecs.h"

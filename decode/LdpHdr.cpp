@@ -1,3 +1,4 @@
+// PDU, message and TLV headers: texts, and which TLV types are known.
 #include "Ldp/LdpHdr.h"
 
 namespace Ldp {

@@ -1,3 +1,4 @@
+// Hello: its rules and text.
 #include "Codecs.h"
 #include "LdpMsgRules.h"
 

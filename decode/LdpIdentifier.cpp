@@ -1,3 +1,4 @@
+// The LDP identifier: hash, text and its reader.
 #include "Ldp/LdpIdentifier.h"
 
 #include "Vorn/AttributeRows.h"

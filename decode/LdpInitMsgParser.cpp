@@ -1,3 +1,4 @@
+// Initialization and Capability: their rules, the capabilities they carry, and their texts.
 #include "Codecs.h"
 #include "LdpMsgRules.h"
 

@@ -1,3 +1,4 @@
+// Label, hop count, path vector, status and address TLVs: judgement and text.
 #include "Ldp/LdpLabelTlv.h"
 
 #include <cstring>

@@ -1,3 +1,4 @@
+// What all messages share: the header's judgement, the walk over a message's rules.
 #include "Ldp/LdpMsgParser.h"
 
 #include "Codecs.h"

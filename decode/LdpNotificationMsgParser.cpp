@@ -1,3 +1,4 @@
+// Notification: its rules, the pseudowire status that it may carry, and its text.
 #include "Codecs.h"
 #include "Ldp/LdpMsgParser.h"
 #include "Vorn/VornType.h"

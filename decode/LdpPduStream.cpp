@@ -1,3 +1,4 @@
+// From octets in pieces to PDUs that are whole, guarded and judged.
 #include "Ldp/LdpPduStream.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Record of the protocol's parameters.
 #include "Ldp/LdpProtoParam.h"
 
 namespace Ldp {

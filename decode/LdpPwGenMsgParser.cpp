@@ -1,3 +1,4 @@
+// The PW ID element: its judgement and that of its interface parameters.
 #include "Ldp/LdpPwGenMsgParser.h"
 
 #include "Codecs.h"

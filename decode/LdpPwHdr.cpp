@@ -1,3 +1,4 @@
+// Pseudowire headers and interface parameter sub-TLVs: judgement and text.
 #include "Ldp/LdpPwHdr.h"
 
 #include "Vorn/AttributeRows.h"

@@ -1,3 +1,4 @@
+// TLVs of discovery and session set-up: judgement and text.
 #include "Ldp/LdpSessionTlv.h"
 
 #include "Ldp/LdpProtoParam.h"

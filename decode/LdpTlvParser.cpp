@@ -1,3 +1,4 @@
+// Parsers of a single TLV.
 #include "Ldp/LdpTlvParser.h"
 
 #include "Vorn/VornType.h"

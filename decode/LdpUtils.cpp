@@ -1,3 +1,4 @@
+// The dispatch from a message's type to its parser, and the status codes' properties.
 #include "Ldp/LdpUtils.h"
 
 namespace Ldp {

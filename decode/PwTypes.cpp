@@ -1,3 +1,4 @@
+// Pseudowire FEC values: hash, texts and their readers.
 #include "Ldp/PwTypes.h"
 
 #include "Vorn/AttributeRows.h"

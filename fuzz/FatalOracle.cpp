@@ -1,3 +1,4 @@
+// The protocol's walk a second time, octet by octet.
 #include "FatalOracle.h"
 
 namespace Fuzz {

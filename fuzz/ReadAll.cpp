@@ -1,3 +1,4 @@
+// Messages and PDUs, read whole.
 #include "ReadAll.h"
 
 #include "Ldp/LdpUtils.h"

@@ -1,3 +1,4 @@
+// FEC TLVs, read whole, and held against the wire.
 #include "ReadAll.h"
 
 #include "Ldp/LdpPwGenMsgParser.h"

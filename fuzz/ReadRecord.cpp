@@ -1,3 +1,4 @@
+// Objects and views, read by their records.
 #include "ReadAll.h"
 
 #include "Vorn/GenericIf.h"

@@ -1,3 +1,4 @@
+// Adjacencies: records, and the text of an adjacency's id.
 #include "Ldp/LdpAdj.h"
 
 #include <algorithm>

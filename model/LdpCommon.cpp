@@ -1,3 +1,4 @@
+// Message pipes of one slot, and records of what several subjects share.
 #include "Ldp/LdpCommon.h"
 
 #include "Vorn/AttributeRows.h"

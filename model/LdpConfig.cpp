@@ -1,3 +1,4 @@
+// Configuration: records, children that are there from the start, the word of graceful restart.
 #include "Ldp/LdpConfig.h"
 
 namespace Ldp {

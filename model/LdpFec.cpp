@@ -1,3 +1,4 @@
+// FEC configuration and status: records, notifiers whose context lasts as long as their visit.
 #include "Ldp/LdpFec.h"
 
 #include <cstring>

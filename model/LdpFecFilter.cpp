@@ -1,3 +1,4 @@
+// Which FECs a filter lets pass.
 #include "Ldp/LdpFecFilter.h"
 
 #include "Twain/Trace.h"

@@ -1,3 +1,4 @@
+// FECs on sessions: records, and the text of their ids.
 #include "Ldp/LdpFecSession.h"
 
 #include <algorithm>

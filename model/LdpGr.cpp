@@ -1,3 +1,4 @@
+// Graceful restart: records, and what remains of the holding time.
 #include "Ldp/LdpGr.h"
 
 #include "Vorn/System.h"

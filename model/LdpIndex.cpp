@@ -1,3 +1,4 @@
+// Records of the indexes from addresses, interfaces and labels.
 #include "Ldp/LdpIndex.h"
 
 namespace Ldp {

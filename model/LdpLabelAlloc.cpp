@@ -1,3 +1,4 @@
+// Records of label allocation.
 #include "Ldp/LdpLabelAlloc.h"
 
 namespace Ldp {

@@ -1,3 +1,4 @@
+// Links: records, and children that are there from the start.
 #include "Ldp/LdpLink.h"
 
 namespace Ldp {

@@ -1,3 +1,4 @@
+// Records of P2MP FECs.
 #include "Ldp/LdpP2mpFec.h"
 
 namespace Ldp {

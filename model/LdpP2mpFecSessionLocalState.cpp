@@ -1,3 +1,4 @@
+// Records of P2MP FECs towards a session.
 #include "Ldp/LdpP2mpFecSessionLocalState.h"
 
 namespace Ldp {

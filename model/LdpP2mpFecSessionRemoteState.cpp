@@ -1,3 +1,4 @@
+// Records of P2MP FECs from a session.
 #include "Ldp/LdpP2mpFecSessionRemoteState.h"
 
 namespace Ldp {

@@ -1,3 +1,4 @@
+// The allocator of opaque values.
 #include "Ldp/LdpP2mpOpaqueTable.h"
 
 #include "Twain/Trace.h"

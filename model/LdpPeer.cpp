@@ -1,3 +1,4 @@
+// Records of peers.
 #include "Ldp/LdpPeer.h"
 
 namespace Ldp {

@@ -1,3 +1,4 @@
+// Sessions: records, texts, and the history that a session begins with.
 #include "Ldp/LdpSession.h"
 
 namespace Ldp {

@@ -1,3 +1,4 @@
+// The log of session states: which change is entered, and how long it gets.
 #include "Ldp/LdpSessionStateLog.h"
 
 namespace Ldp {

@@ -1,3 +1,4 @@
+// Records of session statistics.
 #include "Ldp/LdpSessionStatistics.h"
 
 namespace Ldp {

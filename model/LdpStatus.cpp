@@ -1,3 +1,4 @@
+// The root of a VRF's state: records, and the name of its namespace.
 #include "Ldp/LdpStatus.h"
 
 namespace Ldp {

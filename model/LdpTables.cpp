@@ -1,3 +1,4 @@
+// Records of the tables that sessions are found by.
 #include "Ldp/LdpTables.h"
 
 namespace Ldp {

@@ -1,3 +1,4 @@
+// Records of targets.
 #include "Ldp/LdpTarget.h"
 
 namespace Ldp {

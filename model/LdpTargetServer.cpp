@@ -1,3 +1,4 @@
+// Records of the listener for targeted hellos.
 #include "Ldp/LdpTargetServer.h"
 
 namespace Ldp {

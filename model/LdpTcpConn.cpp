@@ -1,3 +1,4 @@
+// TCP connections: records, and what the client is asked for.
 #include "Ldp/LdpTcpConn.h"
 
 #include "Vorn/System.h"

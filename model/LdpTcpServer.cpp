@@ -1,3 +1,4 @@
+// Records of the TCP listener.
 #include "Ldp/LdpTcpServer.h"
 
 namespace Ldp {

@@ -1,3 +1,4 @@
+// The ring trace, begun as the environment says.
 #include "Ldp/LdpTrace.h"
 
 #include "Skein/Ring.h"

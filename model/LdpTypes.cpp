@@ -1,3 +1,4 @@
+// Records of enumerations that several subjects use.
 #include "Ldp/LdpTypes.h"
 
 #include "Vorn/ValueType.h"

@@ -1,3 +1,4 @@
+// Records of pseudowire configuration and status.
 #include "Ldp/PwConfig.h"
 
 namespace Ldp {

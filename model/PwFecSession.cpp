@@ -1,3 +1,4 @@
+// Pseudowire FECs on sessions: records, texts, and the maps that follow a session's id.
 #include "Ldp/PwFecSession.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Records of prefix lists.
 #include "Acl/PrefixList.h"
 
 namespace Acl {

@@ -1,3 +1,4 @@
+// VLAN ids: bounds, text, log form.
 #include "Bridging/VlanId.h"
 
 #include "Vorn/ValueType.h"

@@ -1,3 +1,4 @@
+// Record of the operational status.
 #include "Interface/OperStatus.h"
 
 #include "Vorn/ValueType.h"

@@ -1,3 +1,4 @@
+// The hexadecimal dump that a Python script can read.
 #include "Kesh/HexDump.h"
 
 #include <string>

@@ -1,3 +1,4 @@
+// VRF names: bounds, text, log form.
 #include "L3/VrfName.h"
 
 #include "Vorn/ValueType.h"

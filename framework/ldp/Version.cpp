@@ -1,3 +1,4 @@
+// The version of the library, as it runs.
 #include "Ldp/Version.h"
 
 namespace Ldp {

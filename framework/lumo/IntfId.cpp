@@ -1,3 +1,4 @@
+// Interface names: which kind a name is of, text and log form.
 #include "Lumo/IntfId.h"
 
 #include "Vorn/ValueType.h"

@@ -1,3 +1,4 @@
+// Addresses and prefixes: hash, text with its reader, log form.
 #include "Lumo/Ip.h"
 
 #include "Vorn/ValueType.h"

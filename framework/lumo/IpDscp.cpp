@@ -1,3 +1,4 @@
+// Record of the DSCP.
 #include "Lumo/IpDscp.h"
 
 #include "Vorn/ValueType.h"

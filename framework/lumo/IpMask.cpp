@@ -1,3 +1,4 @@
+// Masks and prefixes of one family: text with its reader, log form.
 #include "Lumo/IpMask.h"
 
 #include "Vorn/ValueType.h"

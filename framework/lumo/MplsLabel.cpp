@@ -1,3 +1,4 @@
+// Labels: bounds, text, log form.
 #include "Lumo/MplsLabel.h"
 
 #include "Vorn/ValueType.h"

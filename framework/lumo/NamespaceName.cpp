@@ -1,3 +1,4 @@
+// Names of network namespaces: text and log form.
 #include "Lumo/NamespaceName.h"
 
 #include "Vorn/ValueType.h"

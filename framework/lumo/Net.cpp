@@ -1,3 +1,4 @@
+// Numbers in network order: records and log form.
 #include "Lumo/Net.h"
 
 #include "Vorn/ValueType.h"

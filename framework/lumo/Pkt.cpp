@@ -1,3 +1,4 @@
+// Packets that own or borrow their octets.
 #include "Lumo/Pkt.h"
 
 #include "Vorn/VornType.h"

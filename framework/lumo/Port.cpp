@@ -1,3 +1,4 @@
+// Record of the port number.
 #include "Lumo/Port.h"
 
 #include "Vorn/ValueType.h"

@@ -1,3 +1,4 @@
+// Records of what a TCP client is asked for.
 #include "Lumo/TcpClient.h"
 
 namespace Lumo {

@@ -1,3 +1,4 @@
+// Record of the packet mover of a UDP socket.
 #include "Lumo/UdpPam.h"
 
 #include "Vorn/VornType.h"

@@ -1,3 +1,4 @@
+// Text from octets: hexadecimal, and what prints.
 #include "Mendo/Text.h"
 
 namespace Mendo {

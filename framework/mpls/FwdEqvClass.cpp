@@ -1,3 +1,4 @@
+// The forwarding equivalence class: hash, text with its reader, log form.
 #include "Mpls/FwdEqvClass.h"
 
 #include "Vorn/ValueType.h"

@@ -1,3 +1,4 @@
+// The table of opaque values as far as the model writes it.
 #include "Mpls/MldpOpaqueValueTable.h"
 
 namespace Mpls {

@@ -1,3 +1,4 @@
+// Records of the label tables that the model makes and holds.
 #include "Mpls/Tables.h"
 
 namespace Mpls {

@@ -1,3 +1,4 @@
+// Router ids: text and log form. Records of where labels and FECs come from.
 #include "Mpls/Types.h"
 
 #include "Vorn/ValueType.h"

@@ -1,3 +1,4 @@
+// Pseudowire ids, types and status words: text and log form.
 #include "Pseudowire/Types.h"
 
 #include "Vorn/ValueType.h"

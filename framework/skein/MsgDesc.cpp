@@ -1,3 +1,4 @@
+// Call sites and enumerations describe themselves in the ring's file.
 #include "Skein/MsgDesc.h"
 
 #include "RingStore.h"

@@ -1,3 +1,4 @@
+// The ring's file: made, mapped, and given to threads block by block.
 #include "Skein/Ring.h"
 
 #include "RingStore.h"

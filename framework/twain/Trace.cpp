@@ -1,3 +1,4 @@
+// One trace statement on its way to both traces.
 #include "Twain/Trace.h"
 
 #include "Mendo/Text.h"

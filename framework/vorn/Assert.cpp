@@ -1,3 +1,4 @@
+// How an assertion ends the process.
 #include "Vorn/Assert.h"
 
 // The C runtime's reporter, declared here because <cassert> hides it in builds without assertions.

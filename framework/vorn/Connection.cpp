@@ -1,3 +1,4 @@
+// The bounded buffer of outgoing records, and incoming octets cut into records.
 #include "Vorn/Connection.h"
 
 #include "Vorn/Strep.h"

@@ -1,3 +1,4 @@
+// What all entities share: names, parents, going down, being asked for again.
 #include "Vorn/Entity.h"
 
 #include "Vorn/ReflectOps.h"

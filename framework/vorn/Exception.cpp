@@ -1,3 +1,4 @@
+// Exceptions, and a scope that expects one.
 #include "Vorn/Exception.h"
 
 namespace Vorn {

@@ -1,3 +1,4 @@
+// Reflection over records: operations, iterators, generic observers, texts of composites.
 #include "Vorn/GenericIf.h"
 
 #include "Vorn/Strep.h"

@@ -1,3 +1,4 @@
+// The secret of all hashes, and the hash of bytes.
 #include "Vorn/Hash.h"
 
 #include <chrono>

@@ -1,3 +1,4 @@
+// The map of owned entities: chains through the members.
 #include "Vorn/HashMap.h"
 
 #include <cstdlib>

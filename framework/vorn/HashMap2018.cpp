@@ -1,3 +1,4 @@
+// The map of values: counted buckets over the reversed hash.
 #include "Vorn/HashMap2018Generic.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Sets of keys that wait.
 #include "Vorn/KeySet.h"
 
 #include <algorithm>

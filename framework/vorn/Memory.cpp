@@ -1,3 +1,4 @@
+// The switch to counts that threads may share.
 #include "Vorn/Memory.h"
 
 namespace Vorn {

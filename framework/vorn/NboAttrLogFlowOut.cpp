@@ -1,3 +1,4 @@
+// What an adapter still has to send: marks on attributes and keys.
 #include "Vorn/NboAttrLogFlow.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// An incoming stream: values from octets, and the demultiplexer of records.
 #include "Vorn/NboAttrLogIn.h"
 
 #include "NboAttrLogAnchors.h"

@@ -1,3 +1,4 @@
+// An outgoing stream: who sends next, roots, withdrawals, what a copy may write back.
 #include "Vorn/NboAttrLogOut.h"
 
 #include "NboAttrLogAnchors.h"

@@ -1,3 +1,4 @@
+// References whose targets are not known yet.
 #include "NboAttrLogReferences.h"
 
 namespace Vorn::NboAttrLog {

@@ -1,3 +1,4 @@
+// Roots of a stream, and those that are offered to the other side.
 #include "NboAttrLogRoots.h"
 
 namespace Vorn::NboAttrLog {

@@ -1,3 +1,4 @@
+// Observers: their binding, and visits to them.
 #include "Vorn/Notifiee.h"
 
 #include "NotifieeVisit.h"

@@ -1,3 +1,4 @@
+// Counted objects at the end of their lives.
 #include "Vorn/Ptr.h"
 
 #include "NotifieeVisit.h"

@@ -1,3 +1,4 @@
+// The red-black tree: links, rotations, replacement in place.
 #include "Vorn/RbTreeMap.h"
 
 namespace Vorn {

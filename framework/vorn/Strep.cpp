@@ -1,3 +1,4 @@
+// Text forms of the basic types, and what readers share.
 #include "Vorn/Strep.h"
 
 #include <charconv>

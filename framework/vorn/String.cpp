@@ -1,3 +1,4 @@
+// The shared string: allocation, concatenation, format.
 #include "Vorn/String.h"
 
 #include <cstdarg>

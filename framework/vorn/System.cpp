@@ -1,3 +1,4 @@
+// The one clock.
 #include "Vorn/System.h"
 
 #include <chrono>

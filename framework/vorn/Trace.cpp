@@ -1,3 +1,4 @@
+// The text trace: facilities, levels, lines.
 #include "Vorn/Trace.h"
 
 #include <chrono>

@@ -1,3 +1,4 @@
+// Records of the types that have an attribute of every kind.
 #include "framework/AllKinds.h"
 
 namespace Test {

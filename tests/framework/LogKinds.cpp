@@ -1,3 +1,4 @@
+// Records of the types that the log's tests replicate.
 #include "framework/LogKinds.h"
 
 namespace Test {

@@ -1,3 +1,4 @@
+// Two ends of a log, and the wire between them.
 #include "framework/LogPair.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Streams that are right, to be damaged.
 #include "framework/LogSamples.h"
 
 namespace Test {

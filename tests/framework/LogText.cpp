@@ -1,3 +1,4 @@
+// A tree as text, so that two ends can be compared.
 #include "framework/LogText.h"
 
 #include "Vorn/GenericIf.h"

@@ -1,3 +1,4 @@
+// Random operations on a tree.
 #include "framework/LogWorld.h"
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// An observer that writes down what it is told.
 #include "model/Observe.h"
 
 #include <gtest/gtest.h>

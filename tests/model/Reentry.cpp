@@ -1,3 +1,4 @@
+// Every mutator from within every callback.
 #include "model/Reentry.h"
 
 #include "Ldp/LdpStatus.h"

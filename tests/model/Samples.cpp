@@ -1,3 +1,4 @@
+// Values of every type.
 #include "model/Samples.h"
 
 #include "Ldp/LdpCommon.h"

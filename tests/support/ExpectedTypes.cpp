@@ -1,3 +1,4 @@
+// The reader of the tables of expected types, and the comparison with them.
 #include "support/ExpectedTypes.h"
 
 #include "Vorn/GenericIf.h"

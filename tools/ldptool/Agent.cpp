@@ -1,3 +1,4 @@
+// The ends of sessions, and which messages belong to which.
 #include "Agent.h"
 
 #include <cstring>

@@ -1,5 +1,7 @@
 #pragma once
 
+// The label of a label message, which may stand for all.
+
 #include "Lumo/MplsLabel.h"
 
 #include <optional>

@@ -1,3 +1,4 @@
+// Packets from libpcap, handed on as segments and datagrams.
 #include "Capture.h"
 
 #include "Progress.h"

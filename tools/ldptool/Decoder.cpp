@@ -1,3 +1,4 @@
+// From PDUs to reports.
 #include "Decoder.h"
 
 #include "Words.h"

@@ -1,3 +1,4 @@
+// Hellos, and the adjacencies that they keep.
 #include "Discovery.h"
 
 #include "Ldp/LdpProtoParam.h"

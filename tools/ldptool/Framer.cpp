@@ -1,3 +1,4 @@
+// One direction of a conversation, cut into PDUs.
 #include "Framer.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// All that is known of a message, below its PDU.
 #include "Full.h"
 
 #include "Words.h"

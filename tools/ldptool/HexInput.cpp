@@ -1,3 +1,4 @@
+// PDUs in hexadecimal, a line each.
 #include "HexInput.h"
 
 #include <vector>

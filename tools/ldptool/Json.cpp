@@ -1,3 +1,4 @@
+// Messages as JSON, one object a line.
 #include "Json.h"
 
 #include "Words.h"

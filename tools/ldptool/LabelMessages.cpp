@@ -1,3 +1,4 @@
+// Label messages, handed to the subjects of their FEC elements.
 #include "LabelMessages.h"
 
 #include "P2mpLabels.h"

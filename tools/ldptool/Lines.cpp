@@ -1,3 +1,4 @@
+// Messages as lines.
 #include "Lines.h"
 
 #include "Words.h"

@@ -1,3 +1,4 @@
+// Link, VLAN, IP, UDP and TCP headers.
 #include "Link.h"
 
 #include <pcap/pcap.h>

@@ -1,3 +1,4 @@
+// Each message, taken to the agents of its sender and its receiver.
 #include "Monitor.h"
 
 #include "LabelMessages.h"

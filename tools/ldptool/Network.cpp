@@ -1,3 +1,4 @@
+// Records of the monitor's own types.
 #include "Network.h"
 
 namespace LdpTool {

@@ -1,3 +1,4 @@
+// The buffer of all output.
 #include "Output.h"
 
 #include <cerrno>

@@ -1,3 +1,4 @@
+// What label messages say of P2MP FECs.
 #include "P2mpLabels.h"
 
 #include <vector>

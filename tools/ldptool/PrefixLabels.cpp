@@ -1,3 +1,4 @@
+// What label messages say of prefixes.
 #include "PrefixLabels.h"
 
 #include <vector>

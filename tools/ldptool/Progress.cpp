@@ -1,3 +1,4 @@
+// The line of progress on a terminal.
 #include "Progress.h"
 
 #include <sys/stat.h>

@@ -1,3 +1,4 @@
+// What label and status messages say of pseudowires.
 #include "Pseudowires.h"
 
 #include <vector>

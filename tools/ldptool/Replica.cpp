@@ -1,3 +1,4 @@
+// A copy of the state in a second process, fed by the attribute log.
 #include "Replica.h"
 
 #include "PduSink.h"

@@ -1,3 +1,4 @@
+// ldptool ring: a ring trace as text or JSON.
 #include "Commands.h"
 #include "Output.h"
 #include "RingReader.h"

@@ -1,3 +1,4 @@
+// The reader of ring trace files, which believes no octet of them.
 #include "RingReader.h"
 
 #include "Mendo/Text.h"

@@ -1,3 +1,4 @@
+// What session messages say of sessions, and how these end.
 #include "Sessions.h"
 
 #include "P2mpLabels.h"

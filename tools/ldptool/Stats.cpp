@@ -1,3 +1,4 @@
+// Counts of messages, as tables.
 #include "Stats.h"
 
 #include "Words.h"

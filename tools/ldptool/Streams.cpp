@@ -1,3 +1,4 @@
+// TCP conversations, put together.
 #include "Streams.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Columns as wide as what stands in them.
 #include "Table.h"
 
 #include <algorithm>

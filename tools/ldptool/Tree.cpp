@@ -1,3 +1,4 @@
+// Entities as a tree of text or JSON, and as changes.
 #include "Tree.h"
 
 #include "Vorn/Entity.h"

@@ -1,3 +1,4 @@
+// The tables that an operator knows from a router.
 #include "Views.h"
 
 #include "Table.h"

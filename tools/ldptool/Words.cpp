@@ -1,3 +1,4 @@
+// Names that several forms of output use.
 #include "Words.h"
 
 #include "Lumo/Ip.h"

@@ -1,3 +1,4 @@
+// ldptool: the commands and the exit status.
 #include "Commands.h"
 
 #include "Ldp/Version.h"
