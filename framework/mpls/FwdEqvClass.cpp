@@ -9,7 +9,7 @@ using Vorn::needString;
 using Vorn::String;
 
 U32 FwdEqvClass::hash() const noexcept {
-   return address_.hashWith( U64( tag_ == wordsTag ? second_ : tag_ ) << 32 | first_ );
+   return address_.hashWith( U64( tag_ == wordsTag ? second_ : U32( tag_ ) ) << 32 | first_ );
 }
 
 String FwdEqvClass::stringValue() const {

@@ -108,6 +108,7 @@ TEST( PduStream, aLengthThatCannotBeBreaksIt ) {
                                                         { 0xfffb, "big, length = 65535" } } ) {
       SCOPED_TRACE( length );
       Octets const header = octets( pduLen( length, "10.0.0.1", 0, {} ) );
+      Octets const datagram = octets( pduLen( length, "10.0.0.1", 0, { keepAlive } ) );
       Octets const good = octets( pduOf( { keepAlive } ) );
       LdpPduStream stream;
       std::span< U8 const > left( header );
@@ -124,7 +125,7 @@ TEST( PduStream, aLengthThatCannotBeBreaksIt ) {
       left = good;
       EXPECT_TRUE( stream.next( left ).valid() );
       // A datagram breaks nothing: the next is another.
-      EXPECT_EQ( stream.datagram( header ).reason(), "PDU length field too " + reason );
+      EXPECT_EQ( stream.datagram( datagram ).reason(), "PDU length field too " + reason );
       EXPECT_TRUE( stream.datagram( good ).valid() );
    }
 }
