@@ -1,6 +1,7 @@
 // The attribute log, end to end in memory, beside a hand-written copy of the same values through the same
 // kind of buffer and, where it is installed, protobuf messages through that buffer.
 
+#include "HeapBytes.h"
 #include "Ldp/LdpAdj.h"
 #include "Ldp/LdpConfig.h"
 #include "Ldp/LdpP2mpOpaqueTable.h"
@@ -9,7 +10,7 @@
 
 #include <benchmark/benchmark.h>
 #include <cstring>
-#include <malloc.h>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
@@ -341,9 +342,6 @@ void growthQueue( benchmark::State & state, bool again ) {
    }
    perElement( state );
 }
-BENCHMARK_CAPTURE( growthQueue, fresh, false )->Name( "growth/queue" )->Range( 1000, 100'000 );
-BENCHMARK_CAPTURE( growthQueue, again, true )->Name( "growth/queue, again" )->Range( 1000, 100'000 );
-
 /// Roots to a peer that offers a copy of each, in the other order, and their withdrawal.
 void growthRoots( benchmark::State & state ) {
    for ( [[maybe_unused]] auto _ : state ) {
@@ -371,13 +369,6 @@ void growthRoots( benchmark::State & state ) {
    }
    perElement( state );
 }
-BENCHMARK( growthRoots )->Name( "growth/roots" )->Range( 1000, 100'000 );
-
-std::size_t heap() {
-   auto const info = ::mallinfo2();
-   return info.uordblks + info.hblkhd;
-}
-
 /// Members that come and go while the other end does not listen, and their way out.
 void growthWaiting( benchmark::State & state, bool scalars ) {
    double octets = 0;
@@ -396,7 +387,7 @@ void growthWaiting( benchmark::State & state, bool scalars ) {
       link.drain();
       coll->vornNboAttrLogSaIs( Vorn::StreamAdapter::held, 0, link.out );
       targets->vornNboAttrLogSaIs( Vorn::StreamAdapter::held, 0, link.out );
-      std::size_t const before = heap();
+      double const before = heapBytes();
       state.ResumeTiming();
       for ( U32 i = 0; i < state.range(); ++i ) {
          if ( scalars ) {
@@ -405,7 +396,7 @@ void growthWaiting( benchmark::State & state, bool scalars ) {
             targets->pwTargetIs( Lumo::IpGenAddr( Lumo::IpAddr( i * 2654435761u ) ), false );
          }
       }
-      octets += double( heap() - before );
+      octets += heapBytes() - before;
       coll->vornNboAttrLogSaIs( 0, 0, link.out );
       targets->vornNboAttrLogSaIs( 0, 0, link.out );
       link.drain();
@@ -414,9 +405,6 @@ void growthWaiting( benchmark::State & state, bool scalars ) {
    if ( !scalars ) state.counters["octets of a key"] = sizeof( Lumo::IpGenAddr );
    perElement( state );
 }
-BENCHMARK_CAPTURE( growthWaiting, keys, false )->Name( "growth/waiting keys" )->Range( 1000, 100'000 );
-BENCHMARK_CAPTURE( growthWaiting, scalars, true )->Name( "growth/waiting scalars" )->Range( 1000, 100'000 );
-
 /// Keys of one hash, as a peer may choose them: the 16384th ends the stream.
 void growthChosen( benchmark::State & state ) {
    Ldp::LdpIdentifier const id( 1, 0 );
@@ -444,6 +432,22 @@ void growthChosen( benchmark::State & state ) {
    }
    perElement( state );
 }
-BENCHMARK( growthChosen )->Name( "growth/keys of one hash" )->Range( 1000, 100'000 );
+bool const growthRegistered = [] {
+   for ( int const number : { 1000, 10'000, 100'000 } ) {
+      auto const add = [&]( char const * name, auto... call ) {
+         benchmark::RegisterBenchmark(
+              ( std::string( "growth/" ) + name + ", " + std::to_string( number ) ).c_str(), call... )
+              ->Arg( number )
+              ->Unit( benchmark::kMillisecond );
+      };
+      add( "queue", growthQueue, false );
+      add( "queue, again", growthQueue, true );
+      add( "roots", growthRoots );
+      add( "waiting keys", growthWaiting, false );
+      add( "waiting scalars", growthWaiting, true );
+      add( "keys of one hash", growthChosen );
+   }
+   return true;
+}();
 
 } // namespace

@@ -75,6 +75,24 @@ bool HashMap2018Generic::crowdedG( VTable const & vt, HashHelper const & key, U3
    return bucketOf( key.word() )->used() + others >= BktHdr::maxSlots && !lookupNodeG( vt, key );
 }
 
+/// The position of a key among many of its hash, from a slot on: they stand in the order of the keys. Whoever
+/// chooses keys of one hash gains nothing by it.
+HashMap2018Generic::Position HashMap2018Generic::positionInRun( VTable const & vt, BktHdr * bucket,
+                                                                HashHelper const & key, U32 from ) noexcept {
+   U32 const * const words = bucket->words();
+   U32 const behind = ( key.word() | HashHelper::markBit ) + 1; // 0 behind the last word of all
+   U32 end = behind ? hashWordLowerBound( words, bucket->used(), behind ) : bucket->used();
+   while ( from < end ) {
+      U32 const middle = from + ( end - from ) / 2;
+      switch ( vt.compareOrLruUnlink( &key, nullptr, nodeAt( vt, bucket, middle ) ) ) {
+      case 0: return { middle, true };
+      case 1: end = middle; break;
+      default: from = middle + 1;
+      }
+   }
+   return { from, false };
+}
+
 /// Divides the directory entries of the bucket, and its members with them, between two buckets.
 HashMap2018BktHdr * HashMap2018Generic::bucketSplit( VTable const & vt, U32 word, BktHdr * bucket,
                                                      U32 & slot ) {

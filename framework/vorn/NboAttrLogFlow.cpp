@@ -130,8 +130,8 @@ U32 Sa::handleAttrFlowOut( U32 attributeId ) {
       }
       if ( !out_ ) return 0; // somebody has taken it off
       if ( flowOut_.any() && ( !done || ( id >= attributeId && !continueFlowOut() ) ) ) {
-         // A record that found no room is the first to be tried again: behind shorter ones that change all the
-         // time it could wait for ever.
+         // A record that found no room is the first to be tried again: behind shorter ones that change all
+         // the time it could wait for ever.
          U32 const at = !done || status_.any( noRoom ) || !next ? id : next->id();
          flowOut_.attrIdIs( at );
          return at;
@@ -184,8 +184,7 @@ bool Sa::awaitsMembers( VornAttr const & x ) const {
 
 /// Sends the members, from the first, behind a marker, or from where the walk was interrupted.
 bool Sa::vornHandleXSerializeWalk( VornAttr const & x ) {
-   std::unique_ptr< GenericIf::Value > const start(
-        vornFlowOutBookmarkDeq< GenericIf::Value >( flowOut_ ) );
+   std::unique_ptr< GenericIf::Value > const start( vornFlowOutBookmarkDeq< GenericIf::Value >( flowOut_ ) );
    if ( !start && !sendTransactionMarker( x, transactionBegin ) ) return false;
    GenericIf::Value key( x.keyType );
    for ( GenericIf::Iterator it( object(), x, start ? start->data() : nullptr ); it; it.advance() ) {

@@ -62,8 +62,8 @@ KeySet * FlowOut::vornIsXDirty( U32 attributeId ) const noexcept {
 
 void FlowOut::vornIsXDirtyIs( void * object, VornAttr const & x, void const * key ) {
    auto & keys = rest().keys;
-   auto at = std::find_if( keys.begin(), keys.end(),
-                           [&]( auto const & entry ) { return entry.first == x.id(); } );
+   auto at =
+        std::find_if( keys.begin(), keys.end(), [&]( auto const & entry ) { return entry.first == x.id(); } );
    if ( at == keys.end() ) {
       std::unique_ptr< KeySet > made;
       x.ops->op( &made, object, x, GenericIf::newKeySet, nullptr, nullptr );
@@ -78,7 +78,8 @@ void FlowOut::vornIsXDirtyDel( U32 attributeId, void const * key ) {
 }
 
 void FlowOut::vornIsXDirtyDelAll( U32 attributeId ) noexcept {
-   if ( rest_ ) std::erase_if( rest_->keys, [&]( auto const & entry ) { return entry.first == attributeId; } );
+   if ( rest_ )
+      std::erase_if( rest_->keys, [&]( auto const & entry ) { return entry.first == attributeId; } );
 }
 
 bool FlowOut::hasDirtyCollKeys() const noexcept {

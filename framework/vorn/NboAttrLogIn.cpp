@@ -240,7 +240,8 @@ void Demuxer::recordIs( U8 const * octets, std::size_t bytes ) {
       if ( kind != attributeRecord ) refuse( "a withdrawal is of the wrong kind" );
       checkEphemeralEntityDeletion( *adapter );
    } else {
-      adapter->doHandleAttrDeserialization( attribute, kind == introducingRecord, unsigned( in.left() ), in_ );
+      adapter->doHandleAttrDeserialization( attribute, kind == introducingRecord, unsigned( in.left() ),
+                                            in_ );
    }
 }
 
@@ -302,7 +303,8 @@ void Demuxer::orphanIs() {
 void Demuxer::checkEphemeralEntityDeletion( Out::Adapter & adapter ) {
    in_->endIs();
    adapter.checkWritable( orphanId );
-   if ( !roots_->has( adapter.entity() ) ) refuse( "an entity is withdrawn that was not introduced by itself" );
+   if ( !roots_->has( adapter.entity() ) )
+      refuse( "an entity is withdrawn that was not introduced by itself" );
    adapter.close();
    roots_->entityDel( adapter.entity() );
 }

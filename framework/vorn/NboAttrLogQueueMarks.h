@@ -1,6 +1,6 @@
 /// \file
-/// The elements of queues that have come in since the resynchronisation of each began: a queue has no marks of
-/// its own.
+/// The elements of queues that have come in since the resynchronisation of each began: a queue has no marks
+/// of its own.
 #pragma once
 
 #include "Vorn/HashMap2018.h"

@@ -12,7 +12,8 @@ GenericIf::Value keyOf( VornAttr const & attr, void const * key ) {
 } // namespace
 
 std::size_t References::PlaceHash::operator()( PlaceId const & id ) const {
-   std::size_t const place = std::hash< void const * >()( id.adapter ) ^ std::hash< void const * >()( id.attr );
+   std::size_t const place =
+        std::hash< void const * >()( id.adapter ) ^ std::hash< void const * >()( id.attr );
    U32 const key = id.key.type()->methods->genericIfHash( id.key.data(), id.key.type() );
    return ( place ^ key ) * 0x9e3779b97f4a7c15u;
 }
@@ -58,7 +59,8 @@ void References::targetIs( Entity const & target ) {
 
 void References::adapterDel( Adapter & adapter ) {
    if ( places_.empty() ) return;
-   for ( auto found = adapters_.find( &adapter ); found != adapters_.end(); found = adapters_.find( &adapter ) ) {
+   for ( auto found = adapters_.find( &adapter ); found != adapters_.end();
+         found = adapters_.find( &adapter ) ) {
       placeDel( *found->second.first() );
    }
    targetIs( adapter.entity() );

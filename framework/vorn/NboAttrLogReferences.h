@@ -1,7 +1,7 @@
 /// \file
-/// The references that a log has written, or would: each goes out again when the entity that it leads to comes
-/// to the log or leaves it. However many there are, and however many lead to one entity, each step costs the
-/// same.
+/// The references that a log has written, or would: each goes out again when the entity that it leads to
+/// comes to the log or leaves it. However many there are, and however many lead to one entity, each step
+/// costs the same.
 #pragma once
 
 #include "Vorn/StreamAdapter.h"

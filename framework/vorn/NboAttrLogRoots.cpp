@@ -28,8 +28,8 @@ void Offers::entityIs( Ptr< Entity > const & entity ) {
    VornType const & type = *entity->fwkType();
    auto arguments = octets( type, [&]( VornAttr const & attr, std::size_t ) {
       GenericIf::Value value( attr.type );
-      attr.ops->op( value.data(), static_cast< PtrInterface * >( entity.ptr() ), attr, GenericIf::read, nullptr,
-                    nullptr );
+      attr.ops->op( value.data(), static_cast< PtrInterface * >( entity.ptr() ), attr, GenericIf::read,
+                    nullptr, nullptr );
       attr.type->methods->logOut( *scratch_, value.data() );
    } );
    entities_.emplace( std::pair( &type, std::move( arguments ) ), entity );

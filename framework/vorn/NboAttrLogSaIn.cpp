@@ -103,7 +103,8 @@ void Sa::doHandleAttrDeserialization( U32 attributeId, bool introducing, unsigne
    Ptr< VornNboAttrLogSa > const hold( this ); // whatever observers do
    bool const isGroup = attributeId == NboAttrLog::groupId || attributeId == 0 - NboAttrLog::groupId;
    bool const deletion = attributeId & 0x80000000;
-   VornAttr const * const attr = isGroup ? nullptr : &loggedAttribute( deletion ? 0 - attributeId : attributeId );
+   VornAttr const * const attr =
+        isGroup ? nullptr : &loggedAttribute( deletion ? 0 - attributeId : attributeId );
    if ( introducing != ( attr && attr->instantiating() && !deletion ) ) {
       refuse( "a record is of the wrong kind for its attribute" );
    }
@@ -337,7 +338,8 @@ void Sa::memberDel( VornAttr const & attr, void const * key ) {
           [&]( FlowIn & ) { attr.ops->op( nullptr, object(), attr, GenericIf::del, key, nullptr ); } );
 }
 
-void StreamAdapter::doHandleAttrTransaction( U32, AttrTransactionType, unsigned, Ptr< NboAttrLog::In > const & ) {
+void StreamAdapter::doHandleAttrTransaction( U32, AttrTransactionType, unsigned,
+                                             Ptr< NboAttrLog::In > const & ) {
    refuse( "a marker that cannot be" );
 }
 

@@ -24,7 +24,8 @@ void writeArguments( Out & out, Entity & entity ) {
    using NboAttrLog::logOut;
    if ( first && first->name && !std::strcmp( first->name, "name" ) ) logOut( out, entity.name() );
    for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
-      if ( attr->isCtorArg() ) writeAttr( out, static_cast< PtrInterface * >( &entity ), *attr, GenericIf::read );
+      if ( attr->isCtorArg() )
+         writeAttr( out, static_cast< PtrInterface * >( &entity ), *attr, GenericIf::read );
    }
 }
 
@@ -170,8 +171,8 @@ bool Sa::doSerializeOrphan() {
    return true;
 }
 
-/// Gives an entity its number, and takes it back unless the record that says so is written. The place is taken
-/// first, so that no number that the other end has is ever forgotten.
+/// Gives an entity its number, and takes it back unless the record that says so is written. The place is
+/// taken first, so that no number that the other end has is ever forgotten.
 template< class Write >
 Sent Sa::introduce( VornNboAttrLogSa & adapter, U32 id, Write const & write ) {
    auto & state = out_->state();

@@ -33,7 +33,7 @@ struct OutState {
    void adapterDel( Adapter & adapter );
 
    U32 adapters = 0;
-   HashMap2018< OutState, U32, Adapter * > byId; // by the entity's number, as this end counts
+   HashMap2018< OutState, U32, Adapter * > byId;  // by the entity's number, as this end counts
    HashMap2018< OutState, U64, U32 > typeNumbers; // by the record's address
    Adapter::Family roots; // adapters without a parent; with all below them they are held
    LinkedList< Adapter, Queued > pending;

@@ -61,10 +61,10 @@ enum AttributeOp : U32 {
    indicesIs = 10,        ///< of a queue: sets the next, of an empty one both, from `args[ 0 ]`
    delAll = 11,           ///< deletes each member of a collection of entities
    carried = 12,          ///< a scalar or reference as the attribute log carries it, into the result
-   crowded = 13,          ///< whether the key is absent and has no room among `args[ 0 ]`, a U32, more keys of
-                          ///< its hash, a bool
-   newKeySet = 14,        ///< an empty set of the collection's keys, a `std::unique_ptr< KeySet >`
-   ownKey = 15,           ///< of references that hold their key: whether the key is that of `args[ 0 ]`, a bool
+   crowded = 13,   ///< whether the key is absent and has no room among `args[ 0 ]`, a U32, more keys of
+                   ///< its hash, a bool
+   newKeySet = 14, ///< an empty set of the collection's keys, a `std::unique_ptr< KeySet >`
+   ownKey = 15,    ///< of references that hold their key: whether the key is that of `args[ 0 ]`, a bool
 };
 
 /// What an operation came to.

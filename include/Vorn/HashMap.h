@@ -156,8 +156,8 @@ class HashMap : public HashMapGeneric {
       }
       return nullptr;
    }
-   /// Whether that key is absent and beside `others` more too many have its hash. A map of values has room for
-   /// that many; here it bounds the chain.
+   /// Whether that key is absent and beside `others` more too many have its hash. A map of values has room
+   /// for that many; here it bounds the chain.
    bool crowded( Key const & key, U32 others ) const {
       if ( members() + others < HashMap2018BktHdr::maxSlots ) return false;
       U32 const hash = keyHash( key );

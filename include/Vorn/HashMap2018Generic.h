@@ -117,6 +117,8 @@ class VORN_API HashMap2018Generic {
    }
    static Node * lookupLarge( VTable const & vt, BktHdr * bucket, HashHelper const & key ) noexcept;
    static Position position( VTable const & vt, BktHdr * bucket, HashHelper const & key ) noexcept;
+   static Position positionInRun( VTable const & vt, BktHdr * bucket, HashHelper const & key,
+                                  U32 from ) noexcept;
    static void refIncChecked( BktHdr * bucket ) noexcept;
    static BktHdr * newBucket( VTable const & vt, U32 capacity, U32 used,
                               HashMap2018NodeSourceColl const & sources );
@@ -226,7 +228,9 @@ inline HashMap2018Generic::Position HashMap2018Generic::position( VTable const &
    // Indices come in ascending order, so a new one often belongs behind the others.
    if ( used && words[used - 1] < key.word() ) return { used, false };
    U32 slot = hashWordLowerBound( words, used, key.word() );
-   for ( ; slot < used && words[slot] <= last; ++slot ) {
+   for ( U32 const some = slot + hashWordScan; slot < used && words[slot] <= last; ++slot ) {
+      if ( slot == some ) [[unlikely]]
+         return positionInRun( vt, bucket, key, slot );
       Node const * const node = nodeAt( vt, bucket, slot );
       if ( vt.keyEqualsNode( key, node ) ) return { slot, true };
       if ( vt.compareOrLruUnlink( &key, nullptr, node ) == 1 ) break;

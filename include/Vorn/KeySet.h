@@ -20,9 +20,9 @@ class VORN_API KeySet {
    virtual U32 members() const noexcept = 0;
    virtual void keyIs( void const * key ) = 0;
    virtual void keyDel( void const * key ) = 0;
-   /// Copies out the key to be dealt with next: the same until it is taken out or passed over. Behind the last
-   /// comes the first again. Of a queue `oldest` is where the order of its indices begins. False for an empty
-   /// set.
+   /// Copies out the key to be dealt with next: the same until it is taken out or passed over. Behind the
+   /// last comes the first again. Of a queue `oldest` is where the order of its indices begins. False for an
+   /// empty set.
    virtual bool next( void * key, U32 oldest ) = 0;
    /// Passes over the key that `next` gave, which stays.
    virtual void pass() noexcept = 0;

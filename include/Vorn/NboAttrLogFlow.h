@@ -87,7 +87,7 @@ class VORN_API FlowOut {
       bool walkedAll = false;
       void * bookmark = nullptr;
       std::vector< std::pair< U32, std::unique_ptr< KeySet > > > keys; // by attribute
-      Ids dirty; // what has no bit
+      Ids dirty;                                                       // what has no bit
       Ids unsynced;
    };
 

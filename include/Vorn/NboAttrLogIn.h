@@ -161,7 +161,7 @@ class VORN_API Demuxer : public PtrInterface {
 
    Ptr< Out > const out_;
    Vorn_BitSet flags_;
-   Ptr< In > in_;            // made with the first octets
+   Ptr< In > in_;           // made with the first octets
    std::vector< U8 > part_; // of a record that is not whole yet
    std::vector< VornType const * > types_;
    std::unique_ptr< Offers > const offers_;

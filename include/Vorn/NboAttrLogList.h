@@ -1,6 +1,6 @@
 /// \file
-/// A list whose members carry its links: each knows its neighbours, so that it leaves in one step. It holds no
-/// reference to them.
+/// A list whose members carry its links: each knows its neighbours, so that it leaves in one step. It holds
+/// no reference to them.
 #pragma once
 
 namespace Vorn::NboAttrLog {

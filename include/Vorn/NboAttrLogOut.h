@@ -56,7 +56,8 @@ class VORN_API Permits {
    virtual bool writeFromReadOnlyRemote( Entity & entity, U32 attributeId );
 };
 
-/// The outgoing side. It holds every entity that it carries, until it is destroyed or the entity is taken off.
+/// The outgoing side. It holds every entity that it carries, until it is destroyed or the entity is taken
+/// off.
 class VORN_API Out : public Connection::Out {
    VORN_OBJECT( Out )
 

@@ -98,7 +98,8 @@ TEST( NboAttrLog, aReconnectionThatChangesNothingTellsNobody ) {
    left->twig( 1 )->palIs( loose );
    left->besideIs( "loose", loose );
    left->insideIs( loose );
-   // Whichever comes first, whatever the buffer: what refers to the other keeps what it has until it is there.
+   // Whichever comes first, whatever the buffer: what refers to the other keeps what it has until it is
+   // there.
    for ( U32 const capacity : { 64u, 200u, 65536u } ) {
       for ( bool const looseFirst : { true, false } ) {
          std::vector< Ptr< Vorn::Entity > > copies;
@@ -112,7 +113,8 @@ TEST( NboAttrLog, aReconnectionThatChangesNothingTellsNobody ) {
                Branch & copy = *static_cast< Tree & >( *copies[looseFirst] ).branch( Name( "left" ) );
                ASSERT_EQ( copies[!looseFirst], copy.twig( 1 )->pal() );
                for ( Vorn::Entity * const entity : std::initializer_list< Vorn::Entity * >{
-                          copies[looseFirst].ptr(), &copy, copy.twig( 1 ).ptr(), copies[!looseFirst].ptr() } ) {
+                          copies[looseFirst].ptr(), &copy, copy.twig( 1 ).ptr(),
+                          copies[!looseFirst].ptr() } ) {
                   teller.watch( *entity );
                }
             }

@@ -1,6 +1,6 @@
 // The attribute log under a hostile network, in memory: starved, cut at any octet, begun anew; in a third of
-// the schedules both ends write. LDP_LONG_TESTS=1 runs many more of them; LDP_LOG_SEED=n begins with that seed
-// and runs one, or LDP_LOG_COUNT=n.
+// the schedules both ends write. LDP_LONG_TESTS=1 runs many more of them; LDP_LOG_SEED=n begins with that
+// seed and runs one, or LDP_LOG_COUNT=n.
 
 #include "framework/LogWorld.h"
 
@@ -13,8 +13,8 @@ using namespace Test;
 using Vorn::Entity;
 
 /// One schedule: an original that changes all the time, and a copy that lives through several connections.
-/// Where both ends write, the copy's end has an original of its own, and is the one that writes the age of the
-/// copied tree.
+/// Where both ends write, the copy's end has an original of its own, and is the one that writes the age of
+/// the copied tree.
 class Schedule {
  public:
    explicit Schedule( U64 seed )

@@ -39,7 +39,8 @@ Octets group( U32 entity, U32 id, Octets const & entries ) {
    return record( 0, entity, id, Octets{ 0, 4, 0, U8( entries.size() + 4 ) } + entries );
 }
 Octets twigAs( U32 key, U32 entity ) {
-   return number( 0x103 ) + number( key ) + counted( "oak" ) + Octets{ 0, 9 } + number( 3 ) + number( entity );
+   return number( 0x103 ) + number( key ) + counted( "oak" ) + Octets{ 0, 9 } + number( 3 ) +
+          number( entity );
 }
 Octets const score = number( 0x104 ) + counted( "score" ) + number( 0x3ff00000 ) + number( 0 );
 
@@ -94,7 +95,8 @@ TEST( NboAttrLogRefusal, aStreamThatLiesIsRefusedWholeAndWhatStoodBeforeItStays 
       { "group with bounds beyond its end", record( 0, 1, 0x90, { 0, 4, 0, 99 } ) },
       { "group with bounds the wrong way round", record( 0, 1, 0x90, { 0, 4, 0, 3 } ) },
       { "group that goes on behind its end", record( 0, 1, 0x90, { 0, 4, 0, 4, 0 } ) },
-      { "group whose second entry is bad", group( 2, 0x90, score + number( 0x106 ) + number( 1 ) + Octets{ 5 } ) },
+      { "group whose second entry is bad",
+        group( 2, 0x90, score + number( 0x106 ) + number( 1 ) + Octets{ 5 } ) },
       { "group with half a member", group( 1, 0x90, number( 0x108 ) ) },
       { "group with a child", group( 1, 0x90, number( 0x106 ) ) },
       { "group with a scalar", group( 1, 0x90, number( 0x105 ) + Octets{ 8 } ) },
@@ -257,9 +259,10 @@ TEST( NboAttrLogRefusal, keysOfOneHashAreRefusedBeforeTheyEndTheProcess ) {
       return number( 1 ) + Octets{ 0, 0 } + counted( "" ) + number( last ) + Octets{ 1 };
    };
    U32 const most = 16383;
-   Octets all = header + record( 2, 0, 1, text( "Ldp::LdpPeerConfig" ) ) +
-                record( 3, 0, 0x88,
-                        Octets{ 0 } + number( 1 ) + Octets{ 2 } + number( 1 ) + Octets{ 0, 0, 3 } + number( 1 ) );
+   Octets all =
+        header + record( 2, 0, 1, text( "Ldp::LdpPeerConfig" ) ) +
+        record( 3, 0, 0x88,
+                Octets{ 0 } + number( 1 ) + Octets{ 2 } + number( 1 ) + Octets{ 0, 0, 3 } + number( 1 ) );
    for ( U32 i = most; i--; ) {
       Octets const one = record( 0, 1, 0x103, target( i ) );
       all.insert( all.end(), one.begin(), one.end() );

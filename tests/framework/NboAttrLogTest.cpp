@@ -46,7 +46,8 @@ TEST( NboAttrLog, aMemberComesAndGoesAsOneRecordEach ) {
    U32 last = 0;
    for ( std::size_t i = 1; i < added.size(); ++i ) {
       EXPECT_EQ( 3u, added[i].entity ) << "its scalars follow, one by one";
-      EXPECT_LT( std::exchange( last, added[i].attribute ), added[i].attribute ) << "in the order of their ids";
+      EXPECT_LT( std::exchange( last, added[i].attribute ), added[i].attribute )
+           << "in the order of their ids";
    }
    pair.coll->adjStatusDel( id );
    auto const deleted = records( pair.take() );
