@@ -21,10 +21,21 @@ constinit VornType const PtrInterface::NotifieeConst::_vornType = [] {
 
 namespace {
 
-// The lists of objects whose types have none. Never destroyed: objects may outlive it.
+// The lists aside of objects, each while somebody stands in it: a visit passes over nobody who is not to be
+// called, and objects without a list pay nothing. Never destroyed: objects may outlive it.
 auto & listsAside() {
    static auto & all = *new std::unordered_map< PtrInterface const *, NotifieeList >;
    return all;
+}
+
+// A flag of a reference word, which other threads may count in.
+void flagIs( U32 & word, U32 flag, bool set ) noexcept {
+   if ( VFPtrInterface::threadSafePointers_ ) [[unlikely]] {
+      set ? __atomic_fetch_or( &word, flag, __ATOMIC_RELAXED )
+          : __atomic_fetch_and( &word, ~flag, __ATOMIC_RELAXED );
+   } else {
+      word = set ? word | flag : word & ~flag;
+   }
 }
 
 // A mistake of the host's, which nobody would see otherwise: on from the start.
@@ -99,9 +110,8 @@ void PtrInterface::NotifieeConst::notifierIs( Ptr< PtrInterface const > const & 
 
 void PtrInterface::NotifieeConst::isRegisteredNotifieeIs( bool registered ) {
    if ( registered == registered_ ) return;
-   registered_ = registered;
-   if ( !registered ) return;
    leave();
+   registered_ = registered;
    enter();
 }
 
@@ -115,7 +125,8 @@ void PtrInterface::NotifieeConst::isWeakReferenceIs( bool weak ) {
 
 void PtrInterface::NotifieeConst::enter() {
    if ( !notifier_ ) return;
-   NotifieeList & list = NotifieeList::of( *notifier_ );
+   NotifieeList * const own = registered_ ? notifier_->notifieeList() : nullptr;
+   NotifieeList & list = own ? *own : NotifieeList::of( *notifier_ );
    next_ = nullptr;
    if ( list.first_ ) {
       prev_ = list.first_->prev_;
@@ -130,7 +141,8 @@ void PtrInterface::NotifieeConst::enter() {
 void PtrInterface::NotifieeConst::leave() noexcept {
    if ( !notifier_ ) return;
    NotifieeVisit::leaves( *this );
-   NotifieeList & list = NotifieeList::of( *notifier_ );
+   NotifieeList * const own = registered_ ? notifier_->notifieeList() : nullptr;
+   NotifieeList & list = own ? *own : NotifieeList::of( *notifier_ );
    NotifieeConst * const behind = next_ ? next_ : list.first_;
    if ( list.first_ == this ) {
       list.first_ = next_;
@@ -139,22 +151,22 @@ void PtrInterface::NotifieeConst::leave() noexcept {
    }
    if ( behind != this ) behind->prev_ = prev_;
    next_ = prev_ = nullptr;
+   if ( own || !list.empty() ) return;
+   listsAside().erase( notifier_ );
+   flagIs( notifier_->refs_, boundAside, false );
 }
 
 NotifieeList & NotifieeList::of( PtrInterface const & object ) {
-   if ( NotifieeList * const own = object.notifieeList() ) return *own;
-   if ( VFPtrInterface::threadSafePointers_ ) [[unlikely]] {
-      __atomic_fetch_or( &object.refs_, PtrInterface::boundAside, __ATOMIC_RELAXED );
-   } else {
-      object.refs_ |= PtrInterface::boundAside;
-   }
+   flagIs( object.refs_, PtrInterface::boundAside, true );
    return listsAside()[&object];
 }
 
 void NotifieeList::asideDel( PtrInterface const & object ) noexcept {
-   of( object ).deleteAll();
+   while ( auto * const notifiee = of( object ).first_ ) {
+      notifiee->notifierIs( nullptr );
+   }
    listsAside().erase( &object );
-   object.refs_ &= ~PtrInterface::boundAside;
+   flagIs( object.refs_, PtrInterface::boundAside, false );
 }
 
 void NotifieeList::doVisit( PtrInterface const & notifier, NotifieeChange const & change, void const * key ) {
@@ -179,7 +191,7 @@ void NotifieeList::doVisitBy( void const * fn,
 
 void NotifieeList::doVisitZeroReferences( PtrInterface const & notifier ) {
    NotifieeVisit( notifier, *this ).run( []( PtrInterface::NotifieeConst & notifiee ) {
-      notifiee.onZeroReferences();
+      if ( notifiee.registered_ ) notifiee.onZeroReferences(); // not everyone aside is
    } );
 }
 

@@ -31,7 +31,6 @@ class NotifieeVisit {
    void run( Call const & call ) {
       while ( auto * const notifiee = next_ ) {
          next_ = notifiee == last_ ? nullptr : notifiee->next_;
-         if ( !notifiee->registered_ ) continue;
          called_ = notifiee;
          try {
             call( *notifiee );

@@ -93,7 +93,7 @@ class VORN_API PtrInterface::NotifieeConst : public PtrInterface {
 
    VornType const * notifierType_ = nullptr;
    PtrInterface const * notifier_ = nullptr;
-   // Neighbours in the notifier's list, in which every bound observer stands, registered or not.
+   // Neighbours in the notifier's list; one that is not registered stands in a list aside of it.
    NotifieeConst * next_ = nullptr; // the last points to null
    NotifieeConst * prev_ = nullptr; // the first points to the last
    bool registered_ = false;
@@ -110,8 +110,8 @@ struct NotifieeChange {
    void ( *call )( PtrInterface::NotifieeConst & notifiee, void const * key );
 };
 
-/// The observers of one object, in order of binding. One word, zero while nobody observes. An object whose
-/// type has no list gets one aside while somebody is bound to it.
+/// The observers of one object, in order of binding. One word, zero while nobody observes. Who is not
+/// registered, or bound to an object whose type has no list, stands in another one aside.
 class VORN_API NotifieeList {
  public:
    NotifieeList() noexcept = default;
@@ -169,9 +169,9 @@ class VORN_API NotifieeList {
    friend class PtrInterface::NotifieeConst;
    friend class NotifieeVisit;
 
-   /// The list of an object: its own, or one aside.
+   /// The list aside of an object, of those who are bound to it and not in its own.
    static NotifieeList & of( PtrInterface const & object );
-   /// Unbinds those who are bound to an object without a list.
+   /// Unbinds those in the list aside.
    static void asideDel( PtrInterface const & object ) noexcept;
    void doVisitBy( void const * fn,
                    void ( *call )( void const * fn, PtrInterface::NotifieeConst &, void const * key ),

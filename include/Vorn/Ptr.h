@@ -52,7 +52,7 @@ class VORN_API PtrInterface : public VFPtrInterface {
    /// Set in the reference word while the object is being destroyed. It lies under the mask, so that a
    /// reference taken and dropped on the way down does not destroy the object twice.
    static constexpr U32 beingDestroyed = 0x40000000;
-   /// Flag: observers are bound to the object although its type has no list of them (Notifiee.h).
+   /// Flag: observers are bound to the object that stand in no list of its own (Notifiee.h).
    static constexpr U32 boundAside = 0x20000000;
 
    PtrInterface() noexcept = default;
