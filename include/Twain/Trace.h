@@ -158,7 +158,7 @@ class VORN_API FunctionTrace {
    }
    FunctionTrace( FunctionTrace const & ) = delete;
    ~FunctionTrace() {
-      if ( Vorn::VFPtrInterface::threadSafePointers_ ) [[unlikely]] {
+      if ( shared_ ) [[unlikely]] {
          __atomic_sub_fetch( &Ldp::callDepth, 1, __ATOMIC_RELAXED );
       } else {
          --Ldp::callDepth;
@@ -167,8 +167,8 @@ class VORN_API FunctionTrace {
 
  private:
    /// One level deeper; how deep that is.
-   static U16 enter() noexcept {
-      if ( Vorn::VFPtrInterface::threadSafePointers_ ) [[unlikely]]
+   U16 enter() const noexcept {
+      if ( shared_ ) [[unlikely]]
          return __atomic_add_fetch( &Ldp::callDepth, 1, __ATOMIC_RELAXED );
       return ++Ldp::callDepth;
    }
@@ -187,6 +187,7 @@ class VORN_API FunctionTrace {
       } catch ( ... ) {} // dropped, as any line that fails
    }
 
+   bool const shared_ = Vorn::VFPtrInterface::threadSafePointers_;
    Skein::BlockTimerMsg timer_;
 };
 
