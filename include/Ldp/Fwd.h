@@ -1,7 +1,7 @@
 // Made by scripts/forward.py from the other headers of this folder (`make forward`); not to be edited.
 /// \file
-/// The classes of this library by name, for a header that only holds a `Vorn::Ptr` to one, or names one in a declaration.
-/// The source file that makes, uses or lets go of the object includes the class's own header.
+/// The classes of this library by name, for a header that only holds a `Vorn::Ptr` to one, or names one in a
+/// declaration. The source file that makes, uses or lets go of the object includes the class's own header.
 #pragma once
 
 #include "Vorn/Ptr.h"
