@@ -8,8 +8,9 @@ namespace Vorn {
 
 namespace {
 
-// Members per bucket, its inverse, below which half of the buckets are given back.
-constexpr U32 shrinkLoad = 4;
+// Buckets for each member above which three of four are given back: so seldom that it does not show in the
+// deletion of all members.
+constexpr U32 mostBuckets = 8;
 
 } // namespace
 
@@ -62,7 +63,8 @@ void HashMapGeneric::deleteMember( Entity & member, U32 hash ) {
    vtable_->setNext( member, nullptr );
    --memberCount_;
    ++modificationCount_;
-   if ( exponent_ > initialExponent && memberCount_ < buckets() / shrinkLoad ) resize( U8( exponent_ - 1 ) );
+   if ( exponent_ >= initialExponent + 2 && memberCount_ < buckets() / mostBuckets )
+      resize( U8( exponent_ - 2 ) );
    member.vornLeft(); // may call out
 }
 
@@ -83,7 +85,7 @@ void HashMapGeneric::emptyAllBuckets() noexcept {
    }
 }
 
-/// To twice or half the buckets. Without memory for less it stays as it is.
+/// To more or fewer buckets. Without memory for fewer it stays as it is.
 void HashMapGeneric::resize( U8 exponent ) {
    U32 const oldBuckets = buckets_ ? buckets() : 0;
    auto ** const fresh =
@@ -91,8 +93,8 @@ void HashMapGeneric::resize( U8 exponent ) {
    if ( !fresh && exponent < exponent_ ) return;
    if ( !fresh ) throw std::bad_alloc();
    exponent_ = exponent;
-   // Chains are in order of the reversed hash, and so are the buckets: a chain falls into a front and a back
-   // part, or follows its neighbour's.
+   // Chains are in order of the reversed hash, and so are the buckets: a chain falls into parts, or follows
+   // its neighbour's.
    U32 filled = ~0u;
    Entity ** end = nullptr;
    for ( U32 old = 0; old < oldBuckets; ++old ) {

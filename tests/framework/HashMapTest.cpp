@@ -235,7 +235,7 @@ TEST( HashMap, givesBucketsBackInTheMidstOfAWalk ) {
    }
    EXPECT_EQ( met, 1000u );
    EXPECT_EQ( map.members(), 10u );
-   EXPECT_EQ( map.buckets(), 32u );
+   EXPECT_EQ( map.buckets(), 64u );
 }
 
 TEST( HashMapDeathTest, deletesMembersOnly ) {
