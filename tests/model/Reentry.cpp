@@ -436,7 +436,8 @@ void World::act() {
 // Nothing that is held leads to what is gone. What says that it has a parent is found there.
 void World::look() {
    for ( auto const & entity : held_ ) {
-      if ( entity && entity->parent() ) VORN_ASSERT( entity->parent()->references() > 1 );
+      if ( !entity ) continue;
+      if ( Ptr< Entity > const parent = entity->parent() ) VORN_ASSERT( parent->references() > 1 );
    }
    for ( auto const & observer : observers_ ) {
       if ( observer && observer->notifier() ) VORN_ASSERT( !observer->notifier()->vornMarkedForDeletion() );
