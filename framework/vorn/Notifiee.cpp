@@ -5,6 +5,7 @@
 #include "Vorn/Trace.h"
 #include "Vorn/VornType.h"
 
+#include <mutex>
 #include <string>
 #include <unordered_map>
 
@@ -26,6 +27,12 @@ namespace {
 auto & listsAside() {
    static auto & all = *new std::unordered_map< PtrInterface const *, NotifieeList >;
    return all;
+}
+
+// Held while somebody enters or leaves a list aside: objects of all threads have theirs there.
+std::unique_lock< std::mutex > lockAside() {
+   static auto & mutex = *new std::mutex;
+   return VFPtrInterface::threadSafePointers_ ? std::unique_lock( mutex ) : std::unique_lock< std::mutex >();
 }
 
 // A flag of a reference word, which other threads may count in.
@@ -101,11 +108,11 @@ void PtrInterface::NotifieeConst::notifierIs( Ptr< PtrInterface const > const & 
    if ( notifier.ptr() == notifier_ ) return;
    VORN_ASSERT( !notifier || !notifierType_ || notifier->fwkType()->isDerived( notifierType_ ) );
    leave();
-   PtrInterface const * const old = held();
+   Ptr< PtrInterface const > const old( held() ); // goes last: its destructor may call out
+   if ( old ) old->referenceDec();
    notifier_ = notifier.ptr();
    if ( held() ) notifier_->referenceInc();
    enter();
-   if ( old ) old->referenceDec(); // last: its destructor may call out
 }
 
 void PtrInterface::NotifieeConst::isRegisteredNotifieeIs( bool registered ) {
@@ -125,8 +132,19 @@ void PtrInterface::NotifieeConst::isWeakReferenceIs( bool weak ) {
 
 void PtrInterface::NotifieeConst::enter() {
    if ( !notifier_ ) return;
-   NotifieeList * const own = registered_ ? notifier_->notifieeList() : nullptr;
-   NotifieeList & list = own ? *own : NotifieeList::of( *notifier_ );
+   if ( NotifieeList * const own = registered_ ? notifier_->notifieeList() : nullptr ) return enter( *own );
+   try {
+      auto const lock = lockAside();
+      enter( NotifieeList::of( *notifier_ ) );
+   } catch ( ... ) { // no memory for a list aside
+      PtrInterface const * const lost = held();
+      notifier_ = nullptr;
+      if ( lost ) lost->referenceDec();
+      throw;
+   }
+}
+
+void PtrInterface::NotifieeConst::enter( NotifieeList & list ) noexcept {
    next_ = nullptr;
    if ( list.first_ ) {
       prev_ = list.first_->prev_;
@@ -142,6 +160,7 @@ void PtrInterface::NotifieeConst::leave() noexcept {
    if ( !notifier_ ) return;
    NotifieeVisit::leaves( *this );
    NotifieeList * const own = registered_ ? notifier_->notifieeList() : nullptr;
+   auto const lock = own ? std::unique_lock< std::mutex >() : lockAside();
    NotifieeList & list = own ? *own : NotifieeList::of( *notifier_ );
    NotifieeConst * const behind = next_ ? next_ : list.first_;
    if ( list.first_ == this ) {
@@ -157,16 +176,19 @@ void PtrInterface::NotifieeConst::leave() noexcept {
 }
 
 NotifieeList & NotifieeList::of( PtrInterface const & object ) {
+   NotifieeList & list = listsAside()[&object];
    flagIs( object.refs_, PtrInterface::boundAside, true );
-   return listsAside()[&object];
+   return list;
 }
 
 void NotifieeList::asideDel( PtrInterface const & object ) noexcept {
-   while ( auto * const notifiee = of( object ).first_ ) {
-      notifiee->notifierIs( nullptr );
-   }
-   listsAside().erase( &object );
-   flagIs( object.refs_, PtrInterface::boundAside, false );
+   auto const first = [&object] {
+      auto const lock = lockAside();
+      auto const found = listsAside().find( &object );
+      return found == listsAside().end() ? nullptr : found->second.first_;
+   };
+   while ( auto * const notifiee = first() )
+      notifiee->notifierIs( nullptr ); // the last one takes the list with it
 }
 
 void NotifieeList::doVisit( PtrInterface const & notifier, NotifieeChange const & change, void const * key ) {

@@ -58,7 +58,9 @@ class VORN_API PtrInterface::NotifieeConst : public PtrInterface {
    PtrInterface const * notifier() const noexcept { return notifier_; }
 
    /// Binds the observer to an object, which must be of the type that the observer is for or derive from it,
-   /// else this asserts; null unbinds. The observer comes behind those that are bound already.
+   /// else this asserts; null unbinds. The observer comes behind those that are bound already. Without memory
+   /// for its place, which one that is registered has in the object itself, it stays unbound
+   /// (std::bad_alloc).
    void notifierIs( Ptr< PtrInterface const > const & notifier );
    /// Whether the observer is told of anything. One that is registered again comes behind all others.
    void isRegisteredNotifieeIs( bool registered );
@@ -89,6 +91,7 @@ class VORN_API PtrInterface::NotifieeConst : public PtrInterface {
    /// The notifier, if one reference on it is ours.
    PtrInterface const * held() const noexcept { return weak_ ? nullptr : notifier_; }
    void enter();
+   void enter( NotifieeList & list ) noexcept;
    void leave() noexcept;
 
    VornType const * notifierType_ = nullptr;
