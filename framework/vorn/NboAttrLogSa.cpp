@@ -195,8 +195,8 @@ void Sa::VornNboAttrLogSaAdapter_::vornFwkActivity() {
 void Sa::VornNboAttrLogSaAdapter_::adapterDel() {
    if ( !std::exchange( adapter_, nullptr ) ) return;
    isWeakReferenceIs( false );
+   notifierIs( nullptr ); // first: bound and not registered, it would ask for memory
    isRegisteredNotifieeIs( false );
-   notifierIs( nullptr );
 }
 
 } // namespace Vorn
