@@ -5,6 +5,7 @@
 
 #include "Vorn/Api.h"
 
+/// The version in parts, for comparisons by the preprocessor.
 #define LDP_VERSION_MAJOR 0
 #define LDP_VERSION_MINOR 1
 #define LDP_VERSION_PATCH 0
@@ -13,6 +14,7 @@
 #define LDP_VERSION                                                                                          \
    LDP_VERSION_TEXT( LDP_VERSION_MAJOR )                                                                     \
    "." LDP_VERSION_TEXT( LDP_VERSION_MINOR ) "." LDP_VERSION_TEXT( LDP_VERSION_PATCH )
+/// The text of a number that a macro stands for.
 #define LDP_VERSION_TEXT( number ) LDP_VERSION_DIGITS( number )
 #define LDP_VERSION_DIGITS( number ) #number
 
