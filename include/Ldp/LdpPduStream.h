@@ -72,6 +72,7 @@ class VORN_API LdpPduStream {
    LdpPduStream() noexcept = default;
    /// What is left behind is a stream at its beginning.
    LdpPduStream( LdpPduStream && other ) noexcept { *this = std::move( other ); }
+   /// The same; what was held here is forgotten.
    LdpPduStream & operator=( LdpPduStream && other ) noexcept;
 
    /// The next PDU, out of what earlier calls have left and of `octets`, from whose front it takes what it

@@ -64,7 +64,9 @@ template< class Body >
 bool ldpLengthRefuses( Body const & tlv, U64 ) noexcept {
    return tlv.length() != sizeof( Body ) - sizeof( LdpTlvHdr );
 }
+/// A path vector holds one LSR id at least, and nothing but whole ones.
 inline bool ldpLengthRefuses( LdpPathVectorTlv const & tlv, U64 ) noexcept { return !tlv.lsrIdNum(); }
+/// An address list has its family, and whole addresses of that family.
 inline bool ldpLengthRefuses( LdpAddressListTlv const & tlv, U64 octets ) noexcept {
    // How long the list may be follows from the family in front of it.
    return tlv.length() < 3 || ( octets >= sizeof tlv + 2 && !tlv.numAddress() );
