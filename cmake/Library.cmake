@@ -39,6 +39,6 @@ else()
 endif()
 
 # What the library needs must come from what it links. (The runtime of a sanitizer or fuzzer comes with the program instead.)
-if( NOT ( LDP_SANITIZE OR LDP_MEMORY OR LDP_FUZZ ) )
+if( NOT ( LDP_SANITIZE OR LDP_THREAD OR LDP_MEMORY OR LDP_FUZZ ) )
    target_link_options( Ldp_shared PRIVATE LINKER:--no-undefined )
 endif()
