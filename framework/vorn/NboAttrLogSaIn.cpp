@@ -425,6 +425,15 @@ void Sa::queueFromLog( VornAttr const & attr, AttrTransactionType type, In & in 
       if ( out_ ) attr.ops->op( nullptr, object(), attr, GenericIf::indicesIs, nullptr, &arg );
    } else if ( auto const seen = out_->state().queueMarks.end( *this, attr.id() ) ) {
       delUnless( [&]( U32 index ) { return seen->has( index ); } );
+      U32 members = 0;
+      if ( out_ ) attr.ops->op( &members, object(), attr, GenericIf::members, nullptr, nullptr );
+      if ( !out_ || members ) return;
+      // An element that was announced may have gone before it came: an empty queue begins where it goes on.
+      U32 now[2];
+      attr.ops->op( now, object(), attr, GenericIf::indices, nullptr, nullptr );
+      now[0] = now[1];
+      void const * const arg = now;
+      attr.ops->op( nullptr, object(), attr, GenericIf::indicesIs, nullptr, &arg );
    }
 }
 
