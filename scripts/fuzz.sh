@@ -7,6 +7,8 @@
 #   scripts/fuzz.sh keep [BUILD [TARGET...]]      adds to fuzz/corpus/TARGET the smallest set of finds that reach code which
 #                                                 its inputs do not
 #   scripts/fuzz.sh replay [BUILD [TARGET...]]    runs the inputs and nothing else
+#
+# FUZZ_OPTIONS: more options for libFuzzer.
 set -euo pipefail
 cd "$( dirname "$0" )/.."
 
@@ -23,7 +25,7 @@ if [[ ${#targets[@]} -eq 0 ]]; then
 fi
 
 run() { # run TARGET OPTION...: into its log
-   "$build/bin/$1" -dict=fuzz/pdu.dict -timeout=10 -artifact_prefix="$build/artifacts/$1-" "${@:2}" >"$build/$1.log" 2>&1
+   "$build/bin/$1" -dict=fuzz/pdu.dict -timeout=10 ${FUZZ_OPTIONS:-} -artifact_prefix="$build/artifacts/$1-" "${@:2}" >"$build/$1.log" 2>&1
 }
 
 mkdir -p "$build/artifacts"

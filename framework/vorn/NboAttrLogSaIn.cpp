@@ -319,19 +319,14 @@ void Sa::deletionFromLog( VornAttr const & attr, In & in, GroupState * group ) {
    if ( out_ && attr.kind() == VornKind::queue ) indexPassed( attr, *static_cast< U32 const * >( at ) );
 }
 
-/// An index was given that has gone again: the queue goes on behind it as the original does.
+/// An index was given that has gone again: the queue goes on behind it as the original does. Where the first
+/// index of an empty one lags behind after that, the end of the sync sets it right.
 void Sa::indexPassed( VornAttr const & attr, U32 index ) {
    out_->state().queueMarks.indexIs( *this, attr.id(), index, false );
    U32 indices[2];
    attr.ops->op( indices, object(), attr, GenericIf::indices, nullptr, nullptr );
-   U32 members = 0;
-   attr.ops->op( &members, object(), attr, GenericIf::members, nullptr, nullptr );
-   bool const next = std::int32_t( index - indices[1] ) >= 0;
-   // Of an empty queue the first too, where a sync has told of elements that went before they came.
-   bool const first = !members && std::int32_t( index - indices[0] ) >= 0;
-   if ( !next && !first ) return;
-   if ( next ) indices[1] = index + 1;
-   if ( first ) indices[0] = index + 1;
+   if ( std::int32_t( index - indices[1] ) < 0 ) return;
+   indices[0] = indices[1] = index + 1;
    void const * const arg = indices;
    attr.ops->op( nullptr, object(), attr, GenericIf::indicesIs, nullptr, &arg );
 }

@@ -142,11 +142,10 @@ Ptr< Type > childIs( Owner< Self > const & owner, Child< Type > & field, Notifie
          return madeFrom( *present, Type::_vornType, pointers );
       } );
       if ( same ) return present;
+      present->vornLeft();
    }
-   // Made first: if that throws, the present child stays as it is.
    Ptr< Type > const child =
         std::apply( []( auto const &... arg ) { return newObject< Type >( arg... ); }, args );
-   if ( Ptr< Type > const present = field.get() ) present->vornLeft();
    child->vornParentIs( owner.entity() );
    field.replace( child ); // what has come in between leaves as well
    owner.notify( change );
