@@ -23,6 +23,14 @@ template< class T >
 using Arg =
      std::conditional_t< std::is_trivially_copyable_v< T > && sizeof( T ) <= sizeof( void * ), T, T const & >;
 
+/// Stands between a field and the default behind its line: `Type field = Default< Type >{} = value;`. Where
+/// none is given, the field is `Type{}`.
+template< class T >
+struct Default {
+   constexpr T operator=( T const & value ) const { return value; }
+   constexpr operator T() const { return T{}; }
+};
+
 /// What a counted pointer, or the pointer to a view, points to; anything else is itself.
 template< class T >
 struct Pointee {
@@ -36,6 +44,29 @@ template< class T >
 struct Pointee< T const * > {
    using Type = T;
 };
+
+/// Whether an attribute can have the type: a reference, or one with a record.
+template< class T >
+inline constexpr bool isAttrType = Recorded< T > || !std::is_same_v< T, typename Pointee< T >::Type >;
+/// Whether a type can be a key.
+template< class T >
+inline constexpr bool isAttrKey = Recorded< T > && requires( T const & key ) {
+   HashKey< T >::form( key );
+   { key == key } -> std::convertible_to< bool >;
+   { key < key } -> std::convertible_to< bool >;
+};
+/// What a line goes on with. One that has the wrong type gives an error and takes it for a number from there
+/// on, so that the error remains the only one.
+template< class T >
+using AttrType = std::conditional_t< isAttrType< T >, T, U32 >;
+template< class T >
+using AttrKey = std::conditional_t< isAttrKey< T >, T, U32 >;
+
+/// What the last word of an attribute line says.
+constexpr bool isReplicationWord( std::string_view word ) { return word == "replicated" || word == "local"; }
+constexpr VornReplication replicationOf( std::string_view word ) {
+   return word == "replicated" ? replicated : local;
+}
 
 /// The address of an object as the class that declares an attribute.
 template< class Self >
@@ -81,6 +112,18 @@ struct ArgOf< Ptr< T > > {
       }
       return Ptr< T >( static_cast< T * >( object.ptr() ) );
    }
+};
+
+/// The class of a member function.
+template< class Function >
+struct FunctionClass;
+template< class Result, class Class, class... Args, bool never >
+struct FunctionClass< Result ( Class::* )( Args... ) noexcept( never ) > {
+   using Type = Class;
+};
+template< class Result, class Class, class... Args, bool never >
+struct FunctionClass< Result ( Class::* )( Args... ) const noexcept( never ) > {
+   using Type = Class;
 };
 
 using OpFn = U32 ( * )( void *, void *, VornAttr const &, U32, void const *, void const * const * );
@@ -275,8 +318,8 @@ consteval U32 firstAttrId() {
 }
 
 /// Collects the attributes of a type into its table, the base's rows first. They are the overloads of its
-/// attribute lines, whose ids run without a gap: one that is left out, or given twice, does not compile. A
-/// class that is written by hand has rows instead, which get their ids by position.
+/// attribute lines, whose ids run without a gap: the record of a type where one is left out, or given twice,
+/// does not compile. A class that is written by hand has rows instead, which get their ids by position.
 template< class T >
 struct AttrTable {
    static constexpr U32 first = firstAttrId< T >();
@@ -290,8 +333,13 @@ struct AttrTable {
    static constexpr bool hasRows = requires { &T::vornRows; };
 
    static constexpr U32 count() {
-      if constexpr ( hasRows ) return U32( T::vornRows().size() );
       U32 num = 0;
+      if constexpr ( hasRows ) {
+         for ( VornAttr const & row : T::vornRows ) {
+            num += bool( row.name );
+         }
+         return num;
+      }
       [&]< U32... i >( std::integer_sequence< U32, i... > ) {
          ( ( has< first + i > && num == i ? ++num : num ), ... );
       }
@@ -305,7 +353,6 @@ struct AttrTable {
       ( std::make_integer_sequence< U32, window >{} );
    }
    static constexpr U32 own = count();
-   static_assert( hasRows || own == declared(), "attribute ids must follow each other without a gap" );
 
    static constexpr U32 baseNum() {
       if constexpr ( requires { typename T::VornBase; } ) {
@@ -325,8 +372,9 @@ struct AttrTable {
       }
       if constexpr ( hasRows ) {
          for ( U32 i = 0; i < own; ++i ) {
-            table[baseNum() + i] = T::vornRows()[i];
-            table[baseNum() + i].flags |= first + i;
+            VornAttr & attr = table[baseNum() + i] = T::vornRows[i];
+            attr.owner = &T::_vornType;
+            attr.flags |= first + i;
          }
       } else if constexpr ( own != 0 ) {
          [&]< U32... i >( std::integer_sequence< U32, i... > ) {

@@ -14,18 +14,20 @@ namespace Vorn {
 
 /// The change of an attribute without a key: one virtual call to `onX()`.
 template< class Self, U32 id, auto on >
-inline constexpr NotifieeChange changeOf{ id, &Self::_vornType,
-                                          []( PtrInterface::NotifieeConst & notifiee, void const * ) {
-                                             ( static_cast< typename Self::NotifieeConst & >( notifiee ).*
-                                               on )();
-                                          } };
+inline constexpr NotifieeChange changeOf{
+   id, &Self::_vornType,
+   []( PtrInterface::NotifieeConst & notifiee, void const * ) {
+      ( static_cast< typename FunctionClass< decltype( on ) >::Type & >( notifiee ).*on )();
+   }
+};
 
 /// The change of a keyed attribute: one virtual call to `onX( key )`.
 template< class Self, U32 id, class Key, auto on >
 inline constexpr NotifieeChange keyedChangeOf{
    id, &Self::_vornType,
    []( PtrInterface::NotifieeConst & notifiee, void const * key ) {
-      ( static_cast< typename Self::NotifieeConst & >( notifiee ).*on )( *static_cast< Key const * >( key ) );
+      ( static_cast< typename FunctionClass< decltype( on ) >::Type & >( notifiee ).*
+        on )( *static_cast< Key const * >( key ) );
    }
 };
 

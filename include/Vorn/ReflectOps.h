@@ -451,10 +451,15 @@ Ptr< T > factoryMade( Args const &... args ) {
    return newObject< T >( args... );
 }
 
+/// Whether a type has observer classes of its own, which its last line gives it.
+template< class T >
+inline constexpr bool endsInObservers = requires {
+   requires std::is_same_v< typename T::NotifieeConst::VornNotifier, T >;
+};
+
 /// The record of an entity type.
 template< class T >
 constexpr VornType entityRecord( char const * name ) {
-   static_assert( Observable< T >, "the type ends in VORN_OBSERVERS" );
    VornType type{};
    type.name = name;
    type.base = &T::VornBase::_vornType;

@@ -9,12 +9,10 @@ namespace Test {
 /// At the bottom: members with a further argument, and with one that can be changed.
 class Twig : public Vorn::Entity {
    VORN_ENTITY( Twig, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Load ); VORN_ON( Label ); VORN_ON( Pal ); )
    VORN_CTOR_TYPES( U32, Vorn::String, U16 )
 
  public:
    Twig( U32 id, Vorn::String const & wood, U16 load ) : id_( id ), wood_( wood ), load_( load ) {}
-   ~Twig() override;
 
    VORN_KEY( 0x102, U32, id );
    VORN_CTOR_ARG( 0x103, Vorn::String, wood );
@@ -34,13 +32,9 @@ struct TwigId {
 /// In the middle, by name: collections of every kind.
 class Branch : public Vorn::Entity {
    VORN_ENTITY( Branch, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Number ); VORN_ON_KEYED( U32, Twig ); VORN_ON_KEYED( Vorn::String, Score );
-                  VORN_ON_KEYED( U64, Mark ); VORN_ON_KEYED( U32, Flag ); VORN_ON_KEYED( U32, Event );
-                  VORN_ON_KEYED( Vorn::String, Beside ); VORN_ON_KEYED( U32, Inside ); VORN_ON( Secret ); )
 
  public:
    explicit Branch( Vorn::Name const & name ) : name_( name ) {}
-   ~Branch() override;
 
    VORN_NAME;
    VORN_COUNTER( 0x102, U64, number, Number, replicated ) = 0;
@@ -61,12 +55,9 @@ VORN_FACTORY( Branch, branchFactory )
 /// At the top.
 class Tree : public Vorn::Entity {
    VORN_ENTITY( Tree, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Height ); VORN_ON( Kind ); VORN_ON( Alive ); VORN_ON( Age ); VORN_ON( Crown );
-                  VORN_ON( Top ); VORN_ON_KEYED( Vorn::Name, Branch ); )
 
  public:
    explicit Tree( Vorn::Name const & name ) : name_( name ) {}
-   ~Tree() override;
 
    VORN_NAME;
    VORN_MUTABLE( 0x102, double, height, Height, replicated ) = 0.0;
