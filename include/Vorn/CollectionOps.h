@@ -8,6 +8,7 @@
 #include "Vorn/HashMap2018.h"
 #include "Vorn/LinkQueue.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace Vorn {
@@ -161,19 +162,16 @@ Ptr< Type > childDel( Owner< Self > const & owner, Child< Type > & field, Notifi
    return child;
 }
 
-/// Which of an entity type's constructor arguments is the key; the first for a type that goes by name.
-template< class Type >
-consteval std::size_t keyIndex() {
-   std::size_t index = 0;
-   if constexpr ( std::tuple_size_v< CtorTypes< Type > > != 1 ) {
-      for ( VornAttr const & attr : AttrTable< Type >::table ) {
-         if ( attr.isKey() ) return index;
-         index += attr.name && attr.isCtorArg();
-      }
-      index = 0;
-   }
-   return index;
-}
+/// Which of an entity type's constructor arguments is the key: the one that has its type. (The type's table
+/// would say so too, and cost each file that includes the header the table; the record compares the two.)
+template< class Type, class Types = CtorTypes< Type > >
+inline constexpr std::size_t keyIndex = 0;
+template< class Type, class... Args >
+inline constexpr std::size_t keyIndex< Type, std::tuple< Args... > > = [] {
+   using Key = std::remove_cvref_t< decltype( std::declval< Type const & >().vornKey() ) >;
+   bool const isKey[] = { std::is_same_v< Args, Key >... };
+   return std::size_t( std::find( isKey, isKey + sizeof...( Args ), true ) - isKey );
+}();
 
 /// See VORN_ENTITY_COLL. `given` are the members' constructor arguments in their order.
 template< class Self, class Type, class Key, class Change, class... Given >
@@ -181,7 +179,7 @@ Ptr< Type > memberIs( Owner< Self > const & owner, HashMap< Self, Type, Key > & 
                       Given const &... given ) {
    // In the types that the attributes have, since the comparison goes by their records.
    CtorTypes< Type > const args( given... );
-   Key const & key = std::get< keyIndex< Type >() >( args );
+   Key const & key = std::get< keyIndex< Type > >( args );
    U32 const hash = keyHash( key );
    if ( Ptr< Type > const present{ map.member( key, hash ) } ) {
       if constexpr ( sizeof...( Given ) > 1 ) {

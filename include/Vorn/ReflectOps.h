@@ -451,6 +451,19 @@ Ptr< T > factoryMade( Args const &... args ) {
    return newObject< T >( args... );
 }
 
+/// Whether the type's table agrees with `keyIndex`.
+template< class T >
+consteval bool keyIsWhereItsTypeIs() {
+   if constexpr ( requires { keyIndex< T >; requires !AttrTable< T >::named; } ) {
+      std::size_t index = 0;
+      for ( VornAttr const & attr : AttrTable< T >::table ) {
+         if ( attr.isKey() ) return index == keyIndex< T >;
+         index += attr.name && attr.isCtorArg();
+      }
+   }
+   return true;
+}
+
 /// Whether a type has observer classes of its own, which its last line gives it.
 template< class T >
 inline constexpr bool endsInObservers = requires {
@@ -489,6 +502,7 @@ constexpr VornType entityRecord( char const * name ) {
    type.sizeAndFlags = VornType::objectSizeFlag | U32( sizeof( T ) );
    type.attributeNum = AttrTable< T >::num;
    type.flags = VornType::plainFlags | VornType::polymorphicFlag;
+   static_assert( keyIsWhereItsTypeIs< T >(), "of the constructor arguments, only the key may have its type" );
    return type;
 }
 
