@@ -20,65 +20,6 @@ Hex sessionOf( char const * version, char const * keepAlive, char const * maxPdu
    return tlv( commonSessionParamTlv, Hex( version ) + keepAlive + "c020" + maxPdu + "0a0000020007" );
 }
 
-TEST( Init, judgement ) {
-   char const * const missing = "Missing CommonSessionParam TLV";
-   char const * const notFirst = "CommonSessionParamTlv is not the 1st TLV in the message";
-   char const * const otherFirst = "1st TLV is not commonSessionParam TLV";
-   char const * const sessionSize = "LdpCommonSessionParamTlv TLV is not the right size";
-   // A good Initialization has the name of its status for a reason, unlike any other message.
-   expectRows(
-        ldpInitMsgParserFactory, "Invalid LDP Init Msg: ",
-        {
-             { "session parameters alone", init( { session } ), success, "success" },
-             { "with FT and capabilities", init( { session, ft, tlv( p2mpCapabilityTlv, "80" ) } ), success,
-               "success" },
-             { "other TLVs are passed over",
-               init( { session, tlv( atmSessionTlv, "00" ), tlv( uBit | 258, "ff" ) } ), success, "success" },
-             { "FT twice", init( { session, ft, ft } ), success, "success" },
-
-             { "no TLV", init( {} ), missingMessageParams, missing },
-             { "another TLV first", init( { ft, session } ), missingMessageParams, otherFirst },
-             { "one to be ignored first", init( { tlv( uBit | 258 ), session } ), missingMessageParams,
-               otherFirst },
-             { "capability first", init( { tlv( p2mpCapabilityTlv, "80" ), session } ), missingMessageParams,
-               otherFirst },
-             { "session parameters twice", init( { session, session } ), missingMessageParams, notFirst },
-             { "position is judged before the size", init( { session, tlv( commonSessionParamTlv, "00" ) } ),
-               missingMessageParams, notFirst },
-             { "session parameters of 13", init( { tlv( commonSessionParamTlv, repeat( 13, 1 ) ) } ),
-               malformedTlv, sessionSize },
-             { "session parameters of 15", init( { tlv( commonSessionParamTlv, repeat( 15, 1 ) ) } ),
-               malformedTlv, sessionSize },
-             { "FT of 11: the total length is told",
-               init( { session, tlv( ftSessionTlv, repeat( 11, 1 ) ) } ), malformedTlv,
-               "LdpFtSession TLV is not the right size (15)" },
-             { "FT of 13", init( { session, tlv( ftSessionTlv, repeat( 13, 1 ) ) } ), malformedTlv,
-               "LdpFtSession TLV is not the right size (17)" },
-             { "FT of 0", init( { session, tlv( ftSessionTlv ) } ), malformedTlv,
-               "LdpFtSession TLV is not the right size (4)" },
-
-             { "bodies give their code's name: version", init( { sessionOf( "0002", "000f", "1000" ) } ),
-               badVersion, "badVersion" },
-             { "keep-alive time", init( { sessionOf( "0001", "0002", "1000" ) } ),
-               sessionRejectBadKeepAliveTime, "sessionRejectBadKeepAliveTime" },
-             { "PDU length", init( { sessionOf( "0001", "0003", "2581" ) } ), rejectMaxPduLength,
-               "rejectMaxPduLength" },
-             { "FT flags", init( { session, tlv( ftSessionTlv, "0004 0000 00000000 00000000" ) } ),
-               malformedTlv, "malformedTlv" },
-             { "bounds", init( { sessionOf( "0001", "0003", "2580" ) } ), success, "success" },
-             { "a bad body in front of a misplaced TLV wins",
-               init( { sessionOf( "0002", "000f", "1000" ), session } ), badVersion, "badVersion" },
-
-             { "a capability's fault wins, wherever it stands",
-               init( { sessionOf( "0002", "000f", "1000" ), tlv( p2mpCapabilityTlv, "8000" ) } ),
-               malformedTlv, "p2mpCapabilityTlv TLV is not the right size" },
-             { "also over a missing session TLV", init( { tlv( mrtCapabilityTlv ) } ), malformedTlv,
-               "mrtCapabilityTlv TLV is not the right size" },
-             { "what the header says stands", init( { session, tlv( 1539, "80" ) } ), unknownTlv,
-               "Unknown TLV Type: 1539" },
-        } );
-}
-
 TEST( Init, views ) {
    auto const parser =
         parse( ldpInitMsgParserFactory, init( { session, ft, tlv( p2mpCapabilityTlv, "00" ),
@@ -119,66 +60,7 @@ TEST( Init, text ) {
               "   typedWildcardFecCapabilityTlv: State(0)" );
 }
 
-TEST( Init, assertsItsType ) {
-   EXPECT_ASSERTION( parse( ldpInitMsgParserFactory, msg( LdpKeepAlive, 7 ) ),
-                     "msgHdr_->type() == LdpInit_" );
-   EXPECT_EQ( parse( ldpInitMsgParserFactory, msg( LdpKeepAlive, 7, { tlv( 258 ) } ) )->statusCode(),
-              unknownTlv );
-}
-
 // ---- capabilities ----
-
-// Each capability type with value lengths of 0, 1, 2 and 5, in a Capability message, where nothing else
-// counts.
-TEST( Capability, sizeRules ) {
-   struct Row {
-      LdpTlvType type;
-      char const * name;
-      bool exactlyOne; ///< else one or more
-   };
-   for ( Row const & row : {
-              Row{ dynamicCapabilityTlv, "dynamicCapabilityTlv", true },
-              { upstreamLabelAssignmentCapabilityTlv, "upstreamLabelAssignmentCapabilityTlv", true },
-              { p2mpCapabilityTlv, "p2mpCapabilityTlv", true },
-              { mp2mpCapabilityTlv, "mp2mpCapabilityTlv", true },
-              { mbbCapabilityTlv, "mbbCapabilityTlv", true },
-              { typedWildcardFecCapabilityTlv, "typedWildcardFecCapabilityTlv", true },
-              { multiTopologyCapabilityTlv, "multiTopologyCapabilityTlv", false },
-              { stateAdvertisementControlCapabilityTlv, "stateAdvertisementControlCapabilityTlv", false },
-              { mrtCapabilityTlv, "mrtCapabilityTlv", true },
-              { targetedApplicationCapabilityTlv, "targetedApplicationCapabilityTlv", false },
-              { unrecognizedNotificationCapabilityTlv, "unrecognizedNotificationCapabilityTlv", true },
-         } ) {
-      for ( U32 const length : { 0u, 1u, 2u, 5u } ) {
-         SCOPED_TRACE( Hex( row.name ) + " of " + std::to_string( length ) );
-         bool const good = row.exactlyOne ? length == 1 : length >= 1;
-         // With the U bit, by which alone the unrecognized notification capability gets through the header.
-         auto const parser = parse( ldpCapabilityMsgParserFactory,
-                                    capability( { tlv( uBit | row.type, repeat( length, 0x80 ) ) } ) );
-         EXPECT_EQ( parser->statusCode(), good ? success : malformedTlv );
-         EXPECT_EQ( parser->reason(),
-                    good ? Vorn::String() : Vorn::String( row.name ) + " TLV is not the right size" );
-         EXPECT_EQ( parser->capabilitiesHas( row.type ), good );
-         if ( good ) {
-            EXPECT_EQ( offsetOf( *parser, parser->capabilities( row.type ) ), msgOffset + 8 );
-            EXPECT_TRUE( parser->capabilities( row.type )->state() );
-         }
-      }
-   }
-}
-
-TEST( Capability, judgement ) {
-   expectRows(
-        ldpCapabilityMsgParserFactory, "Invalid LDP Capability Msg: ",
-        {
-             { "no TLV", capability( {} ), success, "" },
-             { "none that is a capability", capability( { session, tlv( uBit | 1284, "" ) } ), success, "" },
-             { "second one bad", capability( { tlv( mbbCapabilityTlv, "80" ), tlv( mrtCapabilityTlv ) } ),
-               malformedTlv, "mrtCapabilityTlv TLV is not the right size" },
-             { "type 1539 without U bit", capability( { tlv( 1539, "80" ) } ), unknownTlv,
-               "Unknown TLV Type: 1539" },
-        } );
-}
 
 TEST( Capability, walkEndsAtTheFirstFault ) {
    auto const parser = parse( ldpCapabilityMsgParserFactory,
@@ -240,11 +122,6 @@ TEST( Capability, nothingIsGatheredWithoutAWalker ) {
    parser->handleInitialized();
    EXPECT_TRUE( parser->validMsg() );
    EXPECT_EQ( parser->capabilities().members(), 0u );
-}
-
-TEST( Capability, assertsItsType ) {
-   EXPECT_ASSERTION( parse( ldpCapabilityMsgParserFactory, msg( LdpInit, 7 ) ),
-                     "msgHdr_->type() == LdpCapability_" );
 }
 
 TEST( Capability, baseClassGathersNothingByItself ) {

@@ -4,7 +4,7 @@
 #include "Expect.h"
 
 #include "Ldp/LdpUtils.h"
-#include "ReadAll.h"
+#include "support/ReadAll.h"
 #include "Vorn/GenericIf.h"
 
 using namespace Ldp;

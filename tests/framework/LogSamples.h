@@ -3,7 +3,7 @@
 /// adjacencies on a connection.
 #pragma once
 
-#include "framework/LogKinds.h"
+#include "support/LogKinds.h"
 #include "framework/LogPair.h"
 
 #include "Ldp/LdpAdj.h"

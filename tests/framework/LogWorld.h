@@ -4,7 +4,7 @@
 #pragma once
 
 #include "framework/AllKinds.h"
-#include "framework/LogKinds.h"
+#include "support/LogKinds.h"
 #include "framework/LogPair.h"
 
 #include "Ldp/LdpAdj.h"

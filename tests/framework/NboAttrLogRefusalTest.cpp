@@ -1,6 +1,6 @@
 // Streams that lie, pieces of every size, and what a change must not cost.
 
-#include "framework/LogKinds.h"
+#include "support/LogKinds.h"
 #include "framework/LogOctets.h"
 #include "framework/LogPair.h"
 #include "framework/LogWorld.h"

@@ -1,0 +1,125 @@
+// The verdicts of verdicts.txt, each held against what the parser of the message or of the FEC TLV says.
+
+#include "Expect.h"
+#include "Table.h"
+
+#include "Ldp/LdpFecTlvParser.h"
+#include "Ldp/LdpGenMsgParser.h"
+#include "Vorn/GenericIf.h"
+
+#include <fstream>
+#include <map>
+
+using namespace Ldp;
+using namespace Wire;
+
+namespace {
+
+using Made = Vorn::Ptr< LdpMsgParser >;
+
+template< auto factory >
+Made make( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset ) {
+   return factory( pkt, offset );
+}
+
+std::map< LdpMsgType, Made ( * )( Vorn::Ptr< Lumo::Pkt > const &, U32 ) > const factories{
+   { LdpNotification, make< ldpNotificationMsgParserFactory > },
+   { LdpHello, make< ldpHelloMsgParserFactory > },
+   { LdpInit, make< ldpInitMsgParserFactory > },
+   { LdpCapability, make< ldpCapabilityMsgParserFactory > },
+   { LdpAddress, make< ldpAddressMsgParserFactory > },
+   { LdpAddressWithdraw, make< ldpAddressWithdrawMsgParserFactory > },
+   { LdpLabelMapping, make< ldpLabelMappingMsgParserFactory > },
+   { LdpLabelRequest, make< ldpLabelRequestMsgParserFactory > },
+   { LdpLabelWithdraw, make< ldpLabelWithdrawMsgParserFactory > },
+   { LdpLabelRelease, make< ldpLabelReleaseMsgParserFactory > },
+   { LdpLabelAbortReq, make< ldpLabelAbortReqMsgParserFactory > },
+};
+
+void expectMessage( LdpMsgType type, std::string const & prefix, Hex const & tlvs, Row const & row ) {
+   SCOPED_TRACE( valueToStrep( type ) );
+   auto const parser = factories.at( type )( msgPkt( msg( type, 7, { tlvs } ) ), msgOffset );
+   bool const good = row.verdict.empty();
+   EXPECT_EQ( parser->statusCode(), Verdict( row.verdict ).status );
+   EXPECT_EQ( parser->reason(), good && type == LdpInit ? "success" : Verdict( row.verdict ).reason.c_str() );
+   EXPECT_EQ( parser->validMsg(), good );
+   auto const & initialized = *parser->fwkType()->attribute( "initialized" );
+   EXPECT_EQ( Vorn::GenericIf::attributeText( parser.ptr(), *parser->fwkType(), initialized ), "True" );
+   if ( good ) return;
+   EXPECT_EQ( parser->stringValue(), ( prefix + " " + Verdict( row.verdict ).reason ).c_str() );
+}
+
+void expectFec( Row const & row ) {
+   auto const parser =
+        ldpFecTlvParserFactory( pkt( "ffffff" + tlv( fecTlv, expanded( row.octets ) ) ), 3, nullptr );
+   EXPECT_EQ( parser->statusCode(), Verdict( row.verdict ).status );
+   EXPECT_EQ( parser->valid(), row.verdict.empty() );
+   EXPECT_EQ( parser->reason(), Verdict( row.verdict ).reason.c_str() );
+   EXPECT_EQ( parser->stringValue(), row.text.c_str() );
+   EXPECT_EQ( parser->hasWildcardFecElement(), row.text.find( "Wildcard" ) != std::string::npos );
+}
+
+void expectAnyMessage( Row const & row ) {
+   auto const parser = parse( ldpMsgParserFactory, expanded( row.octets ) );
+   EXPECT_EQ( parser->statusCode(), Verdict( row.verdict ).status );
+   EXPECT_EQ( parser->reason(), Verdict( row.verdict ).reason.c_str() );
+   EXPECT_EQ( parser->validMsg(), row.verdict.empty() );
+   EXPECT_EQ( parser->tlvNum(), std::stoul( row.text ) );
+   if ( parser->validMsg() ) return;
+   EXPECT_EQ( parser->stringValue(), ( "Message Error: " + Verdict( row.verdict ).reason ).c_str() );
+}
+
+void expectPdu( Row const & row ) {
+   auto const begin = row.octets.find( '>' );
+   Hex const before = begin == std::string::npos ? "" : row.octets.substr( 0, begin );
+   Hex const rest = expanded( begin == std::string::npos ? row.octets : row.octets.substr( begin + 1 ) );
+   auto const parser = ldpPduParserFactory( pkt( before + rest ), U32( octetNum( before ) ) );
+   EXPECT_EQ( parser->statusCode(), Verdict( row.verdict ).status );
+   EXPECT_EQ( parser->reason(), Verdict( row.verdict ).reason.c_str() );
+   EXPECT_EQ( parser->validLdpPdu(), row.verdict.empty() );
+   EXPECT_EQ( parser->messageNum(), std::stoul( row.text ) );
+   EXPECT_FALSE( parser->initialized() ); // nothing sets it
+   if ( parser->validLdpPdu() ) return;
+   EXPECT_EQ( parser->stringValue(), ( "Error LDP PDU: " + Verdict( row.verdict ).reason ).c_str() );
+}
+
+TEST( Verdicts, AreAsWrittenDown ) {
+   std::ifstream lines( LDP_TEST_EXPECTED "/../verdicts.txt" );
+   std::map< std::string, Hex > lets;
+   std::map< LdpMsgType, std::string > messages; // those that the rows are for, with the text of a refusal
+   std::string section, last;
+   std::size_t rows = 0;
+   for ( std::string line; std::getline( lines, line ); ) {
+      if ( line.empty() || line[0] == '#' ) continue;
+      if ( line.find( '|' ) != std::string::npos ) {
+         last = "row";
+         ++rows;
+         Row const row( line );
+         SCOPED_TRACE( section + ": " + row.name );
+         if ( section == "fec" ) expectFec( row );
+         if ( section == "any" ) expectAnyMessage( row );
+         if ( section == "pdu" ) expectPdu( row );
+         if ( section != "message" ) continue;
+         Hex tlvs;
+         std::istringstream tokens( row.octets );
+         for ( std::string token; tokens >> token; )
+            tlvs += token.find( '=' ) == std::string::npos ? lets.at( token ) : tlvOf( token ).hex();
+         for ( auto const & [type, prefix] : messages )
+            expectMessage( type, prefix, tlvs, row );
+         continue;
+      }
+      std::istringstream words( line );
+      std::string name, rest;
+      words >> section >> name;
+      std::getline( words >> std::ws, rest );
+      if ( section == "let" ) lets[name] = tlvOf( rest ).hex();
+      if ( section != "message" ) continue;
+      if ( std::exchange( last, section ) != section ) messages.clear(); // else they share their rows
+      LdpMsgType type;
+      Vorn::strepToValue( name.c_str(), &type );
+      messages[type] = rest;
+   }
+   EXPECT_GT( rows, 300u );
+}
+
+} // namespace
