@@ -4,7 +4,7 @@ PREFIX ?= /usr/local
 FUZZ_SECONDS ?= 60
 JOBS ?= $(shell nproc)
 
-.PHONY: help build dist dist-clang demo test sanitize thread memory bench fuzz fuzz-fast fuzz-keep format format-check docs model-doc forward install
+.PHONY: help build dist dist-clang demo test sanitize thread memory bench fuzz fuzz-fast fuzz-keep format format-check docs model-doc ring-doc forward install
 
 help:
 	@echo "make demo       decode captures of real routers, show what each router knows"
@@ -86,6 +86,9 @@ docs: build/dist/build.ninja
 
 model-doc: dist
 	build/dist/bin/ldptool types --json | scripts/model_doc.py docs/model.md
+
+ring-doc: build
+	scripts/ring_doc.py build/release/bin docs/ring-trace.md
 
 forward:
 	scripts/forward.py include/Ldp/Fwd.h

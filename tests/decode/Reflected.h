@@ -30,6 +30,7 @@ class Reflected {
    }
 
    Vorn::VornType const & type() const { return type_; }
+   void const * address() const { return at_; }
    U32 op( std::string const & attr, U32 op, void * result, void const * key, void const * arg ) const {
       return GenericIf::attributeOp( type_, result, at_, attribute( attr ), op, key, &arg );
    }

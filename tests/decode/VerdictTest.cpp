@@ -1,6 +1,7 @@
 // The verdicts of verdicts.txt, each held against what the parser of the message or of the FEC TLV says.
 
 #include "Expect.h"
+#include "Reflected.h"
 #include "Table.h"
 
 #include "Ldp/LdpFecTlvParser.h"
@@ -11,6 +12,7 @@
 #include <map>
 
 using namespace Ldp;
+using Test::Reflected;
 using namespace Wire;
 
 namespace {
@@ -47,6 +49,32 @@ void expectMessage( LdpMsgType type, std::string const & prefix, Hex const & tlv
    EXPECT_EQ( Vorn::GenericIf::attributeText( parser.ptr(), *parser->fwkType(), initialized ), "True" );
    if ( good ) return;
    EXPECT_EQ( parser->stringValue(), ( prefix + " " + Verdict( row.verdict ).reason ).c_str() );
+}
+
+/// The views that a parser has, in the order of its record, each at its offset from the message; also its FEC
+/// parser.
+std::string viewsOf( LdpMsgParser const & parser ) {
+   std::string views;
+   auto const add = [&]( char const * name, std::ptrdiff_t at ) {
+      views += ( views.empty() ? "" : " " ) + std::string( name ) + "@" + std::to_string( at );
+   };
+   Reflected const record( Reflected::Object( const_cast< LdpMsgParser * >( &parser ) ) );
+   for ( Vorn::VornAttr const * attr = parser.fwkType()->attributes; attr->name; ++attr ) {
+      if ( !attr->type->isOverlay() || attr->keyed() || attr->name == std::string( "msgHdr" ) ) continue;
+      if ( auto const * const view = record.view( attr->name ).address() )
+         add( attr->name, static_cast< U8 const * >( view ) - parser.pkt()->front() - msgOffset );
+   }
+   if ( auto const fec = parser.ldpFecTlvParser() ) add( "ldpFecTlvParser", fec->offset() - msgOffset );
+   return views;
+}
+
+void expectViews( LdpMsgType type, U32 id, Hex const & tlvs, Row const & row ) {
+   auto const parser = factories.at( type )( msgPkt( msg( type, id, { tlvs } ) ), msgOffset );
+   std::string text( parser->stringValue().view() );
+   for ( std::size_t at; ( at = text.find( '\n' ) ) != std::string::npos; )
+      text.replace( at, 1, "\\n" );
+   EXPECT_EQ( viewsOf( *parser ), row.verdict );
+   EXPECT_EQ( text, row.text );
 }
 
 void expectFec( Row const & row ) {
@@ -99,13 +127,23 @@ TEST( Verdicts, AreAsWrittenDown ) {
          if ( section == "fec" ) expectFec( row );
          if ( section == "any" ) expectAnyMessage( row );
          if ( section == "pdu" ) expectPdu( row );
-         if ( section != "message" ) continue;
+         if ( section != "message" && section != "views" ) continue;
          Hex tlvs;
+         U32 id = 7;
          std::istringstream tokens( row.octets );
          for ( std::string token; tokens >> token; )
-            tlvs += token.find( '=' ) == std::string::npos ? lets.at( token ) : tlvOf( token ).hex();
-         for ( auto const & [type, prefix] : messages )
-            expectMessage( type, prefix, tlvs, row );
+            if ( token[0] == '#' ) {
+               id = U32( std::stoul( token.substr( 1 ) ) );
+            } else {
+               tlvs += token.find( '=' ) == std::string::npos ? lets.at( token ) : tlvOf( token ).hex();
+            }
+         for ( auto const & [type, prefix] : messages ) {
+            if ( section == "views" ) {
+               expectViews( type, id, tlvs, row );
+            } else {
+               expectMessage( type, prefix, tlvs, row );
+            }
+         }
          continue;
       }
       std::istringstream words( line );
@@ -113,7 +151,7 @@ TEST( Verdicts, AreAsWrittenDown ) {
       words >> section >> name;
       std::getline( words >> std::ws, rest );
       if ( section == "let" ) lets[name] = tlvOf( rest ).hex();
-      if ( section != "message" ) continue;
+      if ( section != "message" && section != "views" ) continue;
       if ( std::exchange( last, section ) != section ) messages.clear(); // else they share their rows
       LdpMsgType type;
       Vorn::strepToValue( name.c_str(), &type );

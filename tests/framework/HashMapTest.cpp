@@ -185,9 +185,7 @@ class HashMapModel : public testing::Test {};
 using Members = testing::Types< Member< 0xffffffff >, Member< 7 >, Member< 1 > >;
 TYPED_TEST_SUITE( HashMapModel, Members );
 
-TYPED_TEST( HashMapModel, anyOperations ) {
-   anyOperations< Model< TypeParam > >( 11, { 12, 300 } );
-}
+TYPED_TEST( HashMapModel, anyOperations ) { anyOperations< Model< TypeParam > >( 11, { 12, 300 } ); }
 
 TEST( HashMap, releasesALongChainInALoop ) {
    // Released by recursion, a chain of this length would need more stack than there is.

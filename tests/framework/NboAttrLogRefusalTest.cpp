@@ -1,9 +1,9 @@
 // Streams that lie, pieces of every size, and what a change must not cost.
 
-#include "support/LogKinds.h"
 #include "framework/LogOctets.h"
 #include "framework/LogPair.h"
 #include "framework/LogWorld.h"
+#include "support/LogKinds.h"
 
 #include "Ldp/LdpAdj.h"
 #include "Ldp/LdpPeer.h"

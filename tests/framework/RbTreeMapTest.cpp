@@ -145,9 +145,7 @@ class Model {
    std::vector< Held > held_;
 };
 
-TEST( RbTreeMap, anyOperations ) {
-   ::Test::anyOperations< Model >( 12, { 10, 100, 1000 } );
-}
+TEST( RbTreeMap, anyOperations ) { ::Test::anyOperations< Model >( 12, { 10, 100, 1000 } ); }
 
 TEST( RbTreeMap, stayLowInAnyOrderOfInsertion ) {
    constexpr U32 num = 1 << 12;
