@@ -134,6 +134,13 @@ TEST( Lengths, GoodMessagesAreGood ) {
       EXPECT_EQ( parser->statusCode(), success ) << parser->reason();
       EXPECT_EQ( parser->type(), good.type );
       EXPECT_EQ( parser->tlvNum(), good.tlvs.size() );
+      // Of a Capability the dispatch leaves the typed one to its user.
+      bool const plain = good.type == LdpKeepAlive || good.type == LdpCapability;
+      auto const & type = *ldpMsgParserGet( packet, msgOffset )->fwkType();
+      EXPECT_EQ( type.name,
+                 "Ldp::" + ( plain ? "LdpMsg" : Hex( valueToStrep( good.type ).charPtr() ) + "Msg" ) +
+                      "Parser" );
+      EXPECT_TRUE( type.isDerived( &LdpMsgParser::_vornType ) );
       readMsg( *parser );
       EXPECT_FALSE( readBehindGuard( pduOf( good.hex() ) ) );
       EXPECT_TRUE( firstMsgIsGood( good.type, pduOf( good.hex() ) ) );

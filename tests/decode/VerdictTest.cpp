@@ -4,8 +4,7 @@
 #include "Reflected.h"
 #include "Table.h"
 
-#include "Ldp/LdpFecTlvParser.h"
-#include "Ldp/LdpGenMsgParser.h"
+#include "Ldp/LdpUtils.h"
 #include "Vorn/GenericIf.h"
 
 #include <fstream>
@@ -87,6 +86,43 @@ void expectFec( Row const & row ) {
    EXPECT_EQ( parser->hasWildcardFecElement(), row.text.find( "Wildcard" ) != std::string::npos );
 }
 
+/// The same FEC in all five label messages; a peer is answered by how they differ.
+void expectAttitudes( Row const & row ) {
+   struct Message {
+      LdpMsgType type;
+      char const * wildcard; ///< the reason of the three that allow none
+      Hex rest;              ///< what it needs besides the FEC
+   };
+   static Message const messages[] = {
+      { LdpLabelMapping, "LDP Mapping Msg can not have Wildcard FEC TLV", tlv( genLabelTlv, "00000064" ) },
+      { LdpLabelRequest, "LDP Request Msg can not have Wildcard FEC TLV", "" },
+      { LdpLabelAbortReq, "LDP Abort Msg can not have Wildcard FEC TLV",
+        tlv( labelReqMsgIdTlv, "00000009" ) },
+      { LdpLabelWithdraw, nullptr, "" },
+      { LdpLabelRelease, nullptr, "" },
+   };
+   Verdict const own( row.verdict );
+   std::istringstream words( row.text );
+   std::string wildcard, status;
+   words >> wildcard;
+   for ( Message const & message : messages ) {
+      SCOPED_TRACE( valueToStrep( message.type ) );
+      Hex const tlvs = tlv( fecTlv, expanded( row.octets ) ) + message.rest;
+      auto const parser = ldpMsgParserGet( msgPkt( msg( message.type, 7, { tlvs } ) ), msgOffset );
+      LdpFecTlvParser const & fec = *parser->ldpFecTlvParser();
+      EXPECT_EQ( fec.statusCode(), own.status );
+      EXPECT_EQ( fec.valid(), own.status == success );
+      EXPECT_EQ( fec.reason(), own.reason.c_str() );
+      EXPECT_EQ( fec.hasWildcardFecElement(), wildcard == "wildcard" );
+      words >> status;
+      EXPECT_EQ( valueToStrep( parser->statusCode() ), status.c_str() );
+      EXPECT_EQ( parser->reason(), status == "success"     ? ""
+                                   : own.status == success ? message.wildcard
+                                                           : own.reason.c_str() );
+      EXPECT_TRUE( parser->msgFecTlv() ); // stored in any case
+   }
+}
+
 void expectAnyMessage( Row const & row ) {
    auto const parser = parse( ldpMsgParserFactory, expanded( row.octets ) );
    EXPECT_EQ( parser->statusCode(), Verdict( row.verdict ).status );
@@ -125,6 +161,7 @@ TEST( Verdicts, AreAsWrittenDown ) {
          Row const row( line );
          SCOPED_TRACE( section + ": " + row.name );
          if ( section == "fec" ) expectFec( row );
+         if ( section == "attitudes" ) expectAttitudes( row );
          if ( section == "any" ) expectAnyMessage( row );
          if ( section == "pdu" ) expectPdu( row );
          if ( section != "message" && section != "views" ) continue;
@@ -157,7 +194,7 @@ TEST( Verdicts, AreAsWrittenDown ) {
       Vorn::strepToValue( name.c_str(), &type );
       messages[type] = rest;
    }
-   EXPECT_GT( rows, 300u );
+   EXPECT_GT( rows, 350u );
 }
 
 } // namespace
