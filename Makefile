@@ -17,6 +17,7 @@ help:
 	@echo "make fuzz-keep  take into fuzz/corpus what the runs have found that covers more"
 	@echo "make docs       reference documentation, into build/dist/docs/html"
 	@echo "make model-doc  write docs/model.md anew from the type table"
+	@echo "make ring-doc   write the sample of docs/ring-trace.md anew from a ring trace"
 	@echo "make forward    write include/Ldp/Fwd.h anew from the other headers"
 	@echo "make format     put all sources into the project's format; format-check only looks"
 	@echo "make dist       what is installed: libraries and ldptool; dist-clang: the same with clang++"
