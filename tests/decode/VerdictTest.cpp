@@ -8,6 +8,7 @@
 #include "Vorn/GenericIf.h"
 
 #include <fstream>
+#include <iterator>
 #include <map>
 
 using namespace Ldp;
@@ -133,10 +134,15 @@ void expectAnyMessage( Row const & row ) {
    EXPECT_EQ( parser->stringValue(), ( "Message Error: " + Verdict( row.verdict ).reason ).c_str() );
 }
 
+/// The octets in front of `>` and those behind it.
+std::pair< Hex, Hex > cutAt( std::string const & text ) {
+   auto const begin = text.find( '>' );
+   if ( begin == std::string::npos ) return { "", expanded( text ) };
+   return { text.substr( 0, begin ), expanded( text.substr( begin + 1 ) ) };
+}
+
 void expectPdu( Row const & row ) {
-   auto const begin = row.octets.find( '>' );
-   Hex const before = begin == std::string::npos ? "" : row.octets.substr( 0, begin );
-   Hex const rest = expanded( begin == std::string::npos ? row.octets : row.octets.substr( begin + 1 ) );
+   auto const [before, rest] = cutAt( row.octets );
    auto const parser = ldpPduParserFactory( pkt( before + rest ), U32( octetNum( before ) ) );
    EXPECT_EQ( parser->statusCode(), Verdict( row.verdict ).status );
    EXPECT_EQ( parser->reason(), Verdict( row.verdict ).reason.c_str() );
@@ -145,6 +151,37 @@ void expectPdu( Row const & row ) {
    EXPECT_FALSE( parser->initialized() ); // nothing sets it
    if ( parser->validLdpPdu() ) return;
    EXPECT_EQ( parser->stringValue(), ( "Error LDP PDU: " + Verdict( row.verdict ).reason ).c_str() );
+}
+
+void expectWalk( Row const & row ) {
+   auto const [before, rest] = cutAt( row.octets );
+   std::istringstream numbers( row.text );
+   char colon;
+   U32 size;
+   numbers >> size >> colon;
+   auto const group = Vorn::newObject< LdpTlvGroupParser >( Vorn::Name() );
+   group->pktIs( pkt( before + rest ) );
+   group->offsetIs( U32( octetNum( before ) ) );
+   group->sizeIs( size );
+   EXPECT_TRUE( group->parseTlvGroup() ); // in every case
+   EXPECT_EQ( group->valid(), row.verdict.empty() );
+   EXPECT_EQ( group->statusCode(), row.verdict.empty() ? success : badTlvLength );
+   EXPECT_EQ( group->reason(), row.verdict.c_str() );
+   std::vector< U32 > const units( std::istream_iterator< U32 >( numbers ), {} );
+   EXPECT_EQ( group->tlvNum(), units.size() );
+   for ( U32 i = 0; i < units.size(); ++i )
+      EXPECT_EQ( group->tlvOffset( i ), units[i] );
+}
+
+void expectBody( Row const & row ) {
+   Octets laid = octets( "00" + row.octets ); // at an odd address, with nothing behind it
+   auto * const view = reinterpret_cast< Vorn::NrcPtrInterface * >( laid.data() + 1 );
+   Reflected const body( view, Test::typeOf( "Ldp::" + row.name ) );
+   LdpStatusCode status = internalError;
+   EXPECT_EQ( body.op( "validate", Vorn::GenericIf::write, &status, nullptr, nullptr ),
+              Vorn::GenericIf::done );
+   EXPECT_EQ( status, Verdict( row.verdict ).status );
+   EXPECT_EQ( body.text( "stringValue" ), "'" + row.text + "'" );
 }
 
 TEST( Verdicts, AreAsWrittenDown ) {
@@ -164,6 +201,8 @@ TEST( Verdicts, AreAsWrittenDown ) {
          if ( section == "attitudes" ) expectAttitudes( row );
          if ( section == "any" ) expectAnyMessage( row );
          if ( section == "pdu" ) expectPdu( row );
+         if ( section == "walk" ) expectWalk( row );
+         if ( section == "body" ) expectBody( row );
          if ( section != "message" && section != "views" ) continue;
          Hex tlvs;
          U32 id = 7;
@@ -194,7 +233,7 @@ TEST( Verdicts, AreAsWrittenDown ) {
       Vorn::strepToValue( name.c_str(), &type );
       messages[type] = rest;
    }
-   EXPECT_GT( rows, 350u );
+   EXPECT_GT( rows, 420u );
 }
 
 } // namespace
