@@ -31,7 +31,7 @@
 ///     none                   stands alone in a class without attributes
 #pragma once
 
-#include "Vorn/ReflectOps.h"
+#include "Vorn/Impl/EntityRecord.h"
 
 namespace Vorn {
 

@@ -31,7 +31,7 @@
 /// A mutator compares, stores, and tells the observers if there are any; that is all that it does.
 #pragma once
 
-#include "Vorn/ReflectOps.h"
+#include "Vorn/Impl/EntityRecord.h"
 
 namespace Vorn {
 
@@ -118,8 +118,8 @@ using LastLine = LineRank< 0x82 >;
  public:                                                                                                     \
    ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
    VORN_ATTR_( id ) {                                                                                        \
-      auto attr = ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::constructor, id, ::Vorn::local,    \
-                                                    &::Vorn::readOps< Self, &Self::x > );                    \
+      auto attr = ::Vorn::attrRecord< VORN_SELF_, Type >(                                                    \
+           #x, ::Vorn::VornKind::constructor, id, ::Vorn::local, &::Vorn::readOps< VORN_SELF_, &Self::x > ); \
       attr.flags |= flags_;                                                                                  \
       return attr;                                                                                           \
    }                                                                                                         \
@@ -144,7 +144,7 @@ using LastLine = LineRank< 0x82 >;
 /// What the mutable lines share. `flags` is or'ed to the record's.
 #define VORN_SCALAR_( id, Type, x, X, kind, replication, flags_ )                                            \
    VORN_SCALAR_OPS_( id, Type, x, X, kind, replication, flags_,                                              \
-                     VORN_ARG_( ::Vorn::scalarOps< Self, Type, &Self::x, &Self::x##Is > ) )
+                     VORN_ARG_( ::Vorn::scalarOps< VORN_SELF_, Type, &Self::x, &Self::x##Is > ) )
 #define VORN_SCALAR_OPS_( id, Type, x, X, kind, replication, flags_, ops_ )                                  \
    VORN_ON_( id, X, replication )                                                                            \
    ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
@@ -152,7 +152,8 @@ using LastLine = LineRank< 0x82 >;
       ::Vorn::scalarIs( *this, x##_, value, ::Vorn::changeOf< Self, id, &On##X##_::on##X > );                \
    }                                                                                                         \
    VORN_ATTR_( id ) {                                                                                        \
-      auto attr = ::Vorn::attrRecord< Self, Type >( #x, kind, id, VORN_REPLICATION_( replication ), &ops_ ); \
+      auto attr =                                                                                            \
+           ::Vorn::attrRecord< VORN_SELF_, Type >( #x, kind, id, VORN_REPLICATION_( replication ), &ops_ );  \
       attr.flags |= flags_;                                                                                  \
       return attr;                                                                                           \
    }                                                                                                         \
@@ -176,7 +177,7 @@ using LastLine = LineRank< 0x82 >;
 /// Scalar with a mutator, and reference, whose place at times holds the context of a notification, of which
 /// the attribute log knows nothing: `bool inContext( U32 id ) const` of the class says when.
 #define VORN_CONTEXT_OPS_( Type, x )                                                                         \
-   VORN_ARG_( ::Vorn::contextOps< Self, Type, &Self::x, &Self::x##Is, &Self::inContext > )
+   VORN_ARG_( ::Vorn::contextOps< VORN_SELF_, Type, &Self::x, &Self::x##Is, &Self::inContext > )
 #define VORN_CONTEXT( id, Type, x, X )                                                                       \
    VORN_SCALAR_OPS_( id, Type, x, X, ::Vorn::VornKind::mutableAttr, replicated, 0,                           \
                      VORN_CONTEXT_OPS_( Type, x ) )
@@ -223,8 +224,9 @@ using LastLine = LineRank< 0x82 >;
    ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
    void x##Is( ::Vorn::Arg< Type > value ) { x##_ = value; }                                                 \
    VORN_ATTR_( id ) {                                                                                        \
-      return ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::state, id, ::Vorn::local,               \
-                                               &::Vorn::scalarOps< Self, Type, &Self::x, &Self::x##Is > );   \
+      return ::Vorn::attrRecord< VORN_SELF_, Type >(                                                         \
+           #x, ::Vorn::VornKind::state, id, ::Vorn::local,                                                   \
+           &::Vorn::scalarOps< VORN_SELF_, Type, &Self::x, &Self::x##Is > );                                 \
    }                                                                                                         \
                                                                                                              \
  private:
@@ -250,14 +252,14 @@ using LastLine = LineRank< 0x82 >;
  public:                                                                                                     \
    void x##Is( ::Vorn::Arg< Type > value );                                                                  \
    VORN_ATTR_( id ) {                                                                                        \
-      return ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::state, id, ::Vorn::local,               \
-                                               &::Vorn::writeOps< Self, Type, &Self::x##Is > );              \
+      return ::Vorn::attrRecord< VORN_SELF_, Type >( #x, ::Vorn::VornKind::state, id, ::Vorn::local,         \
+                                                     &::Vorn::writeOps< VORN_SELF_, Type, &Self::x##Is > );  \
    }                                                                                                         \
    static_assert( true )
 #define VORN_REFLECT_( id, Type, x, kind )                                                                   \
    VORN_ATTR_( id ) {                                                                                        \
-      return ::Vorn::attrRecord< Self, Type >( #x, kind, id, ::Vorn::local,                                  \
-                                               &::Vorn::readOps< Self, &Self::x > );                         \
+      return ::Vorn::attrRecord< VORN_SELF_, Type >( #x, kind, id, ::Vorn::local,                            \
+                                                     &::Vorn::readOps< VORN_SELF_, &Self::x > );             \
    }                                                                                                         \
    static_assert( true )
 
@@ -266,15 +268,15 @@ using LastLine = LineRank< 0x82 >;
  public:                                                                                                     \
    static constexpr ::Vorn::ConstantOf< Type, decltype( value ) > x() noexcept { return value; }             \
    VORN_ATTR_( id ) {                                                                                        \
-      return ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::constant, id, ::Vorn::local,            \
-                                               &::Vorn::constantOps< Type, &Self::x > );                     \
+      return ::Vorn::attrRecord< VORN_SELF_, Type >( #x, ::Vorn::VornKind::constant, id, ::Vorn::local,      \
+                                                     &::Vorn::constantOps< Type, &Self::x > );               \
    }                                                                                                         \
    static_assert( true )
 
 /// Reflects a member function with logic of its own, which the class declares beside the line.
 #define VORN_FUNCTION( id, x )                                                                               \
  public:                                                                                                     \
-   VORN_ATTR_( id ) { return ::Vorn::functionRecord< Self, &Self::x >( #x, id ); }                           \
+   VORN_ATTR_( id ) { return ::Vorn::functionRecord< VORN_SELF_, &Self::x >( #x, id ); }                     \
    static_assert( true )
 
 /// Owned single child. `xIs( args... )` gives the present child if it was made from the same arguments, and
@@ -292,10 +294,11 @@ using LastLine = LineRank< 0x82 >;
                                ::Vorn::changeOf< Self, id, &On##X##_::on##X > );                             \
    }                                                                                                         \
    VORN_ATTR_( id ) {                                                                                        \
-      auto attr = ::Vorn::attrRecord< Self, Type >(                                                          \
+      auto attr = ::Vorn::attrRecord< VORN_SELF_, Type >(                                                    \
            #x, ::Vorn::VornKind::child, id, VORN_REPLICATION_( replication ),                                \
-           &::Vorn::childOps< Self, Type, &Self::x##_, &::Vorn::changeOf< Self, id, &On##X##_::on##X > > );  \
-      attr.memberCtorArgs = ::Vorn::memberCtorArgs< Type >();                                                \
+           &::Vorn::childOps< VORN_SELF_, Type, &Self::x##_,                                                 \
+                              &::Vorn::changeOf< Self, id, &On##X##_::on##X > > );                           \
+      attr.memberCtorArgs = ::Vorn::memberCtorArgs< Type, VornWhenUsed >();                                  \
       return attr;                                                                                           \
    }                                                                                                         \
                                                                                                              \
@@ -347,10 +350,10 @@ using LastLine = LineRank< 0x82 >;
    }                                                                                                         \
    void x##DelAll() { ::Vorn::membersDel( ::Vorn::Owner( *this ), x##_, x##Change_() ); }                    \
    VORN_ATTR_( id ) {                                                                                        \
-      return ::Vorn::keyedRecord< Self, Type, Key >(                                                         \
-           #x, kind, id, VORN_REPLICATION_( replication ), ::Vorn::memberKeyName< Type >(),                  \
-           ::Vorn::memberCtorArgs< Type >(),                                                                 \
-           &::Vorn::entityCollOps< Self, Type, Key, &Self::x##_, &Self::x##Change_ > );                      \
+      return ::Vorn::keyedRecord< VORN_SELF_, Type, Key >(                                                   \
+           #x, kind, id, VORN_REPLICATION_( replication ), ::Vorn::memberKeyName< Type, VornWhenUsed >(),    \
+           ::Vorn::memberCtorArgs< Type, VornWhenUsed >(),                                                   \
+           &::Vorn::entityCollOps< VORN_SELF_, Type, Key, &Self::x##_, &Self::x##Change_ > );                \
    }                                                                                                         \
                                                                                                              \
  private:                                                                                                    \
@@ -360,7 +363,7 @@ using LastLine = LineRank< 0x82 >;
 #define VORN_VALUE_COLL( id, Type, Key, x, X, replication )                                                  \
    VORN_CHECK_TYPE_( Type )                                                                                  \
    VORN_CHECK_KEY_( Key )                                                                                    \
-        VORN_VALUE_COLL_CHECKED_( id, ::Vorn::AttrType< Type >, ::Vorn::AttrKey< Key >, x, X, replication )
+   VORN_VALUE_COLL_CHECKED_( id, ::Vorn::AttrType< Type >, ::Vorn::AttrKey< Key >, x, X, replication )
 #define VORN_VALUE_COLL_CHECKED_( id, Type, Key, x, X, replication )                                         \
    VORN_COLL_( id, Key, x, X, replication, VORN_ARG_( ::Vorn::HashMap2018< Self, Key, Type > ) )             \
    VORN_VALUE_COLL_( id, Type, Key, x, ::Vorn::VornKind::valueColl, replication )
@@ -368,7 +371,7 @@ using LastLine = LineRank< 0x82 >;
 #define VORN_LOCAL_VALUE_COLL( id, Type, Key, x )                                                            \
    VORN_CHECK_TYPE_( Type )                                                                                  \
    VORN_CHECK_KEY_( Key )                                                                                    \
-        VORN_LOCAL_VALUE_COLL_CHECKED_( id, ::Vorn::AttrType< Type >, ::Vorn::AttrKey< Key >, x )
+   VORN_LOCAL_VALUE_COLL_CHECKED_( id, ::Vorn::AttrType< Type >, ::Vorn::AttrKey< Key >, x )
 #define VORN_LOCAL_VALUE_COLL_CHECKED_( id, Type, Key, x )                                                   \
    VORN_LOCAL_COLL_( x, VORN_ARG_( ::Vorn::HashMap2018< Self, Key, Type > ) )                                \
    VORN_VALUE_COLL_( id, Type, Key, x, ::Vorn::VornKind::localValueColl, local )
@@ -383,9 +386,9 @@ using LastLine = LineRank< 0x82 >;
    }                                                                                                         \
    void x##DelAll() { ::Vorn::valuesDel( ::Vorn::Owner( *this ), x##_, x##Change_() ); }                     \
    VORN_ATTR_( id ) {                                                                                        \
-      return ::Vorn::keyedRecord< Self, Type, Key >(                                                         \
+      return ::Vorn::keyedRecord< VORN_SELF_, Type, Key >(                                                   \
            #x, kind, id, VORN_REPLICATION_( replication ), nullptr, nullptr,                                 \
-           &::Vorn::valueCollOps< Self, Type, Key, &Self::x##_, &Self::x##Change_ > );                       \
+           &::Vorn::valueCollOps< VORN_SELF_, Type, Key, &Self::x##_, &Self::x##Change_ > );                 \
    }                                                                                                         \
                                                                                                              \
  private:                                                                                                    \
@@ -415,9 +418,9 @@ using LastLine = LineRank< 0x82 >;
    }                                                                                                         \
    void x##DelAll() { ::Vorn::valuesDel( ::Vorn::Owner( *this ), x##_, x##Change_() ); }                     \
    VORN_ATTR_( id ) {                                                                                        \
-      auto attr = ::Vorn::keyedRecord< Self, bool, Key >(                                                    \
+      auto attr = ::Vorn::keyedRecord< VORN_SELF_, bool, Key >(                                              \
            #x, ::Vorn::VornKind::valueColl, id, VORN_REPLICATION_( replication ), nullptr, nullptr,          \
-           &::Vorn::setOps< Self, Key, &Self::x##_, &Self::x##Change_ > );                                   \
+           &::Vorn::setOps< VORN_SELF_, Key, &Self::x##_, &Self::x##Change_ > );                             \
       attr.flags |= ::Vorn::setAccess;                                                                       \
       return attr;                                                                                           \
    }                                                                                                         \
@@ -444,9 +447,10 @@ using LastLine = LineRank< 0x82 >;
    }                                                                                                         \
    void x##DelAll() { ::Vorn::valuesDel( ::Vorn::Owner( *this ), x##_, x##Change_() ); }                     \
    VORN_ATTR_( id ) {                                                                                        \
-      return ::Vorn::keyedRecord< Self, Type, Key >(                                                         \
+      return ::Vorn::keyedRecord< VORN_SELF_, Type, Key >(                                                   \
            #x, ::Vorn::VornKind::referenceColl, id, VORN_REPLICATION_( replication ), nullptr, nullptr,      \
-           &::Vorn::referenceCollOps< Self, Type, Key, &Self::x##_, &Self::x##Change_, &Self::x##Is > );     \
+           &::Vorn::referenceCollOps< VORN_SELF_, Type, Key, &Self::x##_, &Self::x##Change_,                 \
+                                      &Self::x##Is > );                                                      \
    }                                                                                                         \
                                                                                                              \
  private:                                                                                                    \
@@ -469,9 +473,10 @@ using LastLine = LineRank< 0x82 >;
    }                                                                                                         \
    void x##DelAll() { ::Vorn::valuesDel( ::Vorn::Owner( *this ), x##_, x##Change_() ); }                     \
    VORN_ATTR_( id ) {                                                                                        \
-      return ::Vorn::keyedRecord< Self, Type, Key >(                                                         \
+      return ::Vorn::keyedRecord< VORN_SELF_, Type, Key >(                                                   \
            #x, ::Vorn::VornKind::referenceColl, id, VORN_REPLICATION_( replication ), nullptr, nullptr,      \
-           &::Vorn::referenceCollOps< Self, Type, Key, &Self::x##_, &Self::x##Change_, &Self::x##Is > );     \
+           &::Vorn::referenceCollOps< VORN_SELF_, Type, Key, &Self::x##_, &Self::x##Change_,                 \
+                                      &Self::x##Is > );                                                      \
    }                                                                                                         \
                                                                                                              \
  private:                                                                                                    \
@@ -499,9 +504,9 @@ using LastLine = LineRank< 0x82 >;
    }                                                                                                         \
    void x##DelAll() { ::Vorn::queueDelAll( ::Vorn::Owner( *this ), x##_, x##Change_() ); }                   \
    VORN_ATTR_( id ) {                                                                                        \
-      return ::Vorn::keyedRecord< Self, Type, U32 >(                                                         \
+      return ::Vorn::keyedRecord< VORN_SELF_, Type, U32 >(                                                   \
            #x, ::Vorn::VornKind::queue, id, VORN_REPLICATION_( replication ), nullptr, nullptr,              \
-           &::Vorn::queueOps< Self, Type, &Self::x##_, &Self::x##Change_ > );                                \
+           &::Vorn::queueOps< VORN_SELF_, Type, &Self::x##_, &Self::x##Change_ > );                          \
    }                                                                                                         \
                                                                                                              \
  private:                                                                                                    \
@@ -580,4 +585,4 @@ using LastLine = LineRank< 0x82 >;
       using Made = Type;                                                                                     \
       static constexpr auto function = &factory;                                                             \
    };                                                                                                        \
-   constexpr ::Vorn::EntityFactory< Type >::With< factory##_ > vornFactory( Type const * ) { return {}; }
+   ::Vorn::EntityFactory< Type >::With< factory##_ > vornFactory( Type const * );

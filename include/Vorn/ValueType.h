@@ -22,7 +22,8 @@
 /// lines.
 #pragma once
 
-#include "Vorn/AttributeOps.h"
+#include "Vorn/Impl/AttrTable.h"
+#include "Vorn/Impl/ScalarReflection.h"
 
 namespace Vorn {
 
@@ -187,7 +188,7 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
 /// the header does not have to compile what the record points to: that is most of a header's cost.
 #define VORN_ATTR_( id )                                                                                     \
    static_assert( ::Vorn::isAttrIdOf( id, vornFirstId ), "attribute ids begin with the type's first one" );  \
-   template< class = void >                                                                                  \
+   template< class VornWhenUsed = void >                                                                     \
    static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > )
 
 /// Checks the ids of a type whose lines are all there.
@@ -204,13 +205,16 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
 #define VORN_CHECK_KEY_( Key )                                                                               \
    static_assert( ::Vorn::isAttrKey< Key >, "a key has a record, U32 hash() const, == and <" );
 
+/// The class within that function: nothing that has it as an argument is made before the function is used.
+#define VORN_SELF_ typename ::Vorn::WhenUsed< Self, VornWhenUsed >::Type
+
 /// A field that the constructor sets and nothing changes. The default stands behind the line.
 #define VORN_CTOR_FIELD( id, Type, x )                                                                       \
    VORN_CHECK_TYPE_( Type ) VORN_CTOR_FIELD_( id, ::Vorn::AttrType< Type >, x )
 #define VORN_CTOR_FIELD_( id, Type, x )                                                                      \
  public:                                                                                                     \
    ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
-   VORN_ATTR_( id ) { return ::Vorn::fieldAttr< Self, Type, &Self::x##_, false >( #x, id ); }                \
+   VORN_ATTR_( id ) { return ::Vorn::fieldAttr< VORN_SELF_, Type, &Self::x##_, false >( #x, id ); }          \
                                                                                                              \
  private:                                                                                                    \
    Type x##_ = ::Vorn::Default< Type > {}
@@ -221,7 +225,7 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
  public:                                                                                                     \
    ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
    void x##Is( ::Vorn::Arg< Type > value ) { x##_ = value; }                                                 \
-   VORN_ATTR_( id ) { return ::Vorn::fieldAttr< Self, Type, &Self::x##_, true >( #x, id ); }                 \
+   VORN_ATTR_( id ) { return ::Vorn::fieldAttr< VORN_SELF_, Type, &Self::x##_, true >( #x, id ); }           \
                                                                                                              \
  private:                                                                                                    \
    Type x##_ = ::Vorn::Default< Type > {}
@@ -235,8 +239,9 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
    ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
    void x##Is( ::Vorn::Arg< Type > value );                                                                  \
    VORN_ATTR_( id ) {                                                                                        \
-      return ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::state, id, ::Vorn::local,               \
-                                               &::Vorn::scalarOps< Self, Type, &Self::x, &Self::x##Is > );   \
+      return ::Vorn::attrRecord< VORN_SELF_, Type >(                                                         \
+           #x, ::Vorn::VornKind::state, id, ::Vorn::local,                                                   \
+           &::Vorn::scalarOps< VORN_SELF_, Type, &Self::x, &Self::x##Is > );                                 \
    }                                                                                                         \
                                                                                                              \
  private:                                                                                                    \
@@ -246,7 +251,7 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
 #define VORN_VALUE_FUNCTION( id, Type, x )                                                                   \
  public:                                                                                                     \
    Type x() const;                                                                                           \
-   VORN_ATTR_( id ) { return ::Vorn::functionRecord< Self, &Self::x >( #x, id ); }                           \
+   VORN_ATTR_( id ) { return ::Vorn::functionRecord< VORN_SELF_, &Self::x >( #x, id ); }                     \
    static_assert( true )
 
 /// Computed on each read; the class defines the function by hand.
@@ -254,8 +259,8 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
  public:                                                                                                     \
    Type x() const;                                                                                           \
    VORN_ATTR_( id ) {                                                                                        \
-      return ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::derived, id, ::Vorn::local,             \
-                                               &::Vorn::readOps< Self, &Self::x > );                         \
+      return ::Vorn::attrRecord< VORN_SELF_, Type >( #x, ::Vorn::VornKind::derived, id, ::Vorn::local,       \
+                                                     &::Vorn::readOps< VORN_SELF_, &Self::x > );             \
    }                                                                                                         \
    static_assert( true )
 
@@ -280,9 +285,9 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
 /// The record of a view: what can be read and written but is no field.
 #define VORN_VIEW_( id, Type, x, xIs )                                                                       \
    VORN_ATTR_( id ) {                                                                                        \
-      auto attr =                                                                                            \
-           ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::state, id, ::Vorn::local,                 \
-                                             &::Vorn::scalarOps< Self, Type, &Self::x, &Self::xIs > );       \
+      auto attr = ::Vorn::attrRecord< VORN_SELF_, Type >(                                                    \
+           #x, ::Vorn::VornKind::state, id, ::Vorn::local,                                                   \
+           &::Vorn::scalarOps< VORN_SELF_, Type, &Self::x, &Self::xIs > );                                   \
       attr.flags |= ::Vorn::viewAccess;                                                                      \
       return attr;                                                                                           \
    }                                                                                                         \

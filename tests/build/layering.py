@@ -25,6 +25,9 @@ MAY_INCLUDE = {
 }
 LIBRARY = {"framework", "decode", "model"}
 
+# What the headers of include/Vorn are made of; whoever uses them includes those.
+MACHINE_ROOM = ("include", "Vorn", "Impl")
+
 # Beside the C++ standard headers, which have neither folder nor suffix.
 SYSTEM_HEADERS = {"cxxabi.h", "fcntl.h", "unistd.h", "time.h", "immintrin.h", "emmintrin.h", "x86intrin.h", "pthread.h",
                   "arpa/inet.h", "netinet/in.h", "sys/mman.h", "sys/resource.h", "sys/socket.h", "sys/stat.h", "sys/types.h"}
@@ -70,6 +73,8 @@ def offences(root):
             shared = layer == "model" and found.parts[:2] == ("include", "Ldp") and found.name in SHARED_WITH_MODEL
             if target not in MAY_INCLUDE[layer] and not shared:
                 yield f"{path}: {layer} includes {found}, which belongs to {target or found.parts[0]}"
+            if found.parts[:3] == MACHINE_ROOM and "vorn" not in {part.lower() for part in path.parts[:2]}:
+                yield f"{path}: includes {found}, which only the framework's own headers and sources may"
             if path.parts[0] in {"include", "examples"} and found.parts[0] not in {"include", path.parts[0]}:
                 yield f"{path}: a public header or example includes {found}, which is not installed"
 

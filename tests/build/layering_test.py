@@ -9,6 +9,7 @@ import layering
 
 SOUND = {
     "include/Vorn/Ptr.h": "#include <memory>\n",
+    "include/Vorn/Impl/Block.h": "#include <memory>\n",
     "include/Ldp/LdpIdentifier.h": "#include <Vorn/Ptr.h>\n",
     "decode/LdpIdentifier.cpp": '#include "Ldp/LdpIdentifier.h"\n',
     "include/Ldp/LdpMsgParser.h": '#include "LdpIdentifier.h"\n',
@@ -18,7 +19,7 @@ SOUND = {
     "model/LdpAdj.cpp": "#include <Ldp/LdpAdj.h>\n",
     "decode/LdpMsgParser.cpp": '#include <Ldp/LdpMsgParser.h>\n#include "Walk.h"\n#include <algorithm>\n',
     "decode/Walk.h": "#include <Ldp/LdpIdentifier.h>\n",
-    "framework/vorn/Ptr.cpp": "#include <Vorn/Ptr.h>\n#include <sys/mman.h>\n",
+    "framework/vorn/Ptr.cpp": "#include <Vorn/Ptr.h>\n#include <Vorn/Impl/Block.h>\n#include <sys/mman.h>\n",
     "tools/ldptool/main.cpp": "#include <Ldp/LdpMsgParser.h>\n#include <Ldp/LdpAdj.h>\n#include <tins/tins.h>\n",
 }
 
@@ -34,6 +35,7 @@ WRONG = [
     ("library on JSON", "include/Vorn/Ptr.h", "#include <nlohmann/json.hpp>"),
     ("library on a header that is nowhere", "decode/Walk.h", '#include "Gone.h"'),
     ("example on a private header", "examples/one.cpp", '#include "../decode/Walk.h"'),
+    ("machine room", "include/Ldp/LdpAdj.h", "#include <Vorn/Impl/Block.h>"),
     ("header of neither layer", "include/Ldp/LdpNew.h", ""),
 ]
 

@@ -4,7 +4,7 @@
 #include "Ldp/LdpCommon.h"
 #include "Ldp/LdpMsgParser.h"
 #include "Lumo/UdpPam.h"
-#include "Vorn/AttributeOps.h"
+#include "Vorn/Impl/AttrTable.h"
 #include "Vorn/Entity.h"
 
 #include <gtest/gtest.h>

@@ -3,9 +3,10 @@
 /// for each kind of attribute.
 #pragma once
 
-#include "Vorn/AttributeOps.h"
 #include "Vorn/HashMap.h"
 #include "Vorn/HashMap2018.h"
+#include "Vorn/Impl/AttrTable.h"
+#include "Vorn/Impl/ScalarReflection.h"
 #include "Vorn/LinkQueue.h"
 
 #include <algorithm>

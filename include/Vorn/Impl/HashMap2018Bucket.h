@@ -4,7 +4,7 @@
 /// layout.
 #pragma once
 
-#include "Vorn/HashHelper.h"
+#include "Vorn/Impl/HashHelper.h"
 
 #include <algorithm>
 #include <bit>

@@ -18,7 +18,7 @@
 /// date exactly while the directory still leads to its bucket.
 #pragma once
 
-#include "Vorn/HashMap2018Bucket.h"
+#include "Vorn/Impl/HashMap2018Bucket.h"
 
 namespace Vorn {
 

@@ -5,9 +5,9 @@
 /// for all types: what to carry, and how, it takes from the type's record.
 #pragma once
 
-#include "Vorn/NboAttrLogFlow.h"
-#include "Vorn/NboAttrLogList.h"
-#include "Vorn/NboAttrLogOut.h"
+#include "Vorn/Impl/NboAttrLogFlow.h"
+#include "Vorn/Impl/NboAttrLogList.h"
+#include "Vorn/Impl/NboAttrLogOut.h"
 
 namespace Vorn {
 

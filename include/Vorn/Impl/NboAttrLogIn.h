@@ -12,7 +12,7 @@
 /// brings the copy up to date.
 #pragma once
 
-#include "Vorn/StreamAdapter.h"
+#include "Vorn/Impl/StreamAdapter.h"
 
 namespace Vorn::NboAttrLog {
 
