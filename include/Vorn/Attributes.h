@@ -515,7 +515,6 @@ using LastLine = LineRank< 0x82 >;
 /// Stands behind the attributes of a type whose entities are members of a collection: the collection's link,
 /// which the collection alone writes.
 #define VORN_NEXT_LINK                                                                                       \
-   VORN_BEFORE_OBSERVERS_                                                                                    \
  private:                                                                                                    \
    friend struct ::Vorn::NextLink;                                                                           \
    [[maybe_unused]] ::Vorn::Entity * next_ = nullptr /* counted, like every link of a chain */
@@ -576,7 +575,7 @@ using LastLine = LineRank< 0x82 >;
 /// The free factory of an entity type: an exported function, `factory( key )`, that takes what the type's
 /// constructor does. It stands in the library by the type's record.
 #define VORN_FACTORY( Type, factory )                                                                        \
-   VORN_API inline ::Vorn::EntityFactory< Type >::Fn factory;                                                \
+   VORN_API ::Vorn::EntityFactory< Type >::Fn factory;                                                       \
    template< class... Args >                                                                                 \
    struct factory##_ {                                                                                       \
       [[gnu::used]] friend ::Vorn::Ptr< Type > factory( ::Vorn::FactoryArg< Args >... args ) {               \

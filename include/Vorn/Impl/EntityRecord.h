@@ -149,10 +149,7 @@ Ptr< T > factoryMade( Args const &... args ) {
 /// Whether the type's table agrees with `keyIndex`.
 template< class T >
 consteval bool keyIsWhereItsTypeIs() {
-   if constexpr ( requires {
-                     keyIndex< T >;
-                     requires !AttrTable< T >::named;
-                  } ) {
+   if constexpr ( !AttrTable< T >::named && requires( T const & entity ) { entity.vornKey(); } ) {
       std::size_t index = 0;
       for ( VornAttr const & attr : AttrTable< T >::table ) {
          if ( attr.isKey() ) return index == keyIndex< T >;

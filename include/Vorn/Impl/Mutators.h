@@ -167,11 +167,11 @@ Ptr< Type > childDel( Owner< Self > const & owner, Child< Type > & field, Notifi
 /// would say so too, and cost each file that includes the header the table; the record compares the two.)
 template< class Type, class Types = CtorTypes< Type > >
 inline constexpr std::size_t keyIndex = 0;
-template< class Type, class... Args >
-inline constexpr std::size_t keyIndex< Type, std::tuple< Args... > > = [] {
+template< class Type, class First, class... More >
+inline constexpr std::size_t keyIndex< Type, std::tuple< First, More... > > = [] {
    using Key = std::remove_cvref_t< decltype( std::declval< Type const & >().vornKey() ) >;
-   bool const isKey[] = { std::is_same_v< Args, Key >... };
-   return std::size_t( std::find( isKey, isKey + sizeof...( Args ), true ) - isKey );
+   bool const isKey[] = { std::is_same_v< First, Key >, std::is_same_v< More, Key >... };
+   return std::size_t( std::ranges::find( isKey, true ) - isKey );
 }();
 
 /// See VORN_ENTITY_COLL. `given` are the members' constructor arguments in their order.
