@@ -43,6 +43,17 @@ class Thing : public Vorn::Entity {
 };
 VORN_RECORD( Test, Thing )
 
+class Below : public Thing {
+   VORN_ENTITY( Below, Thing )
+
+ public:
+   explicit Below( Vorn::Name const & name ) : Thing( name ) {}
+
+   VORN_BASE_OBSERVERS;
+};
+VORN_RECORD_BUT_DESTRUCTOR( Test, Below )
+Below::~Below() {}
+
 class View : public Vorn::NrcPtrInterface {
    VORN_REFLECTED( View, void )
 
@@ -69,8 +80,11 @@ MISTAKES = [
     ("   bool operator<( Key const & ) const { return false; }\n", "", KEY, "VORN_SET"),
     ("VORN_OUTSIDE_VALUE( Key )\n", "", KEY, "VORN_SET"),
     ("Number, local", "Number, remote", "the last word of an attribute line is replicated or local", "VORN_MUTABLE"),
-    ("   VORN_OBSERVERS;\n", "", "the type lacks its last line: VORN_OBSERVERS", "VORN_RECORD"),
-    ("VORN_OBSERVERS", "VORN_BASE_OBSERVERS", "the base has no list of observers: VORN_OBSERVERS", "VORN_BASE_"),
+    ("   VORN_OBSERVERS;\n};", "};", "the type lacks its last line: VORN_OBSERVERS", "VORN_RECORD(", 2),
+    ("   VORN_BASE_OBSERVERS;\n", "", "the type lacks its last line: VORN_OBSERVERS", "VORN_RECORD_BUT"),
+    ("VORN_BASE_OBSERVERS", "VORN_OBSERVERS", "the base has the list of observers already", "VORN_OBSERVERS"),
+    ("VORN_OBSERVERS;\n};\nVORN_RECORD(", "VORN_BASE_OBSERVERS;\n};\nVORN_RECORD(", "the base has no list of observers: VORN_OBSERVERS",
+     "VORN_BASE_", 2),
     ("   VORN_COUNTER( 0x104, U16, count, Count, replicated ) = 1;\n   VORN_OBSERVERS;\n",
      "   VORN_OBSERVERS;\n   VORN_COUNTER( 0x104, U16, count, Count, replicated ) = 1;\n", ORDER, "VORN_COUNTER"),
     ("0x102, U32", "0x101, U32", WINDOW, "VORN_MUTABLE", 2),
