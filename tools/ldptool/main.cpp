@@ -1,5 +1,5 @@
 // ldptool: the commands and the exit status.
-#include "Commands.h"
+#include "commands/Commands.h"
 
 #include "Ldp/Version.h"
 

@@ -1,0 +1,198 @@
+// TCP conversations, put together.
+#include "capture/Streams.h"
+
+#include <algorithm>
+
+namespace LdpTool {
+
+namespace {
+
+// Bounds on what one capture can make the tool hold. A direction holds at most a PDU and a segment beside
+// what waits behind a hole; only so many directions may have holes at once.
+constexpr std::size_t mostDirections = 4096;
+constexpr std::size_t mostWaitingDirections = 64;
+constexpr std::size_t mostWaitingOctets = 1 << 20;
+constexpr std::size_t mostWaitingPieces = 1024;
+constexpr std::int64_t silentSeconds = 600; // several keep alive times, as they are in use
+
+// A hole whose octets the other side has acknowledged is the capture's own loss. It gets this much grace,
+// since a capture of several interfaces may show the acknowledgement before the data.
+constexpr std::int64_t graceSeconds = 1;
+constexpr std::size_t gracePieces = 16;
+// One that nobody acknowledged may yet be filled by a retransmission.
+constexpr std::int64_t patienceSeconds = 60;
+
+// Sequence numbers further apart than any window belong to different connections.
+constexpr std::int32_t farAway = 1 << 24;
+
+std::int32_t distance( std::uint32_t from, std::uint32_t to ) { return std::int32_t( to - from ); }
+
+} // namespace
+
+void Streams::take( Segment const & segment, Arrival const & arrival ) {
+   if ( waitingDirections_ && segment.ack ) acknowledge( segment, arrival );
+   Direction & here = direction( segment, arrival );
+   here.last = arrival;
+   std::uint32_t const sequence = segment.sequence + segment.syn; // a SYN takes a number before the payload
+   if ( !segment.payload.empty() || segment.missing ) takePayload( here, sequence, segment );
+   if ( here.waiting && holeIsLost( here ) ) passHole( here );
+   if ( segment.rst || ( segment.fin && !here.waiting ) ) {
+      close( here );
+      sink_.onClose( { here.last, &here.flow } );
+   }
+   if ( segment.rst ) {
+      if ( auto const back = byFlow_.find( segment.flow.reversed() ); back != byFlow_.end() )
+         close( *back->second );
+   }
+}
+
+void Streams::finish() {
+   while ( !directions_.empty() )
+      forgetOldest();
+}
+
+// The direction that a segment belongs to; a new one if its flow is new, or if another connection has begun
+// in it.
+Streams::Direction & Streams::direction( Segment const & segment, Arrival const & arrival ) {
+   std::uint32_t const sequence = segment.sequence + segment.syn;
+   auto const [place, isNew] = byFlow_.try_emplace( segment.flow );
+   if ( isNew ) {
+      directions_.emplace_back( segment.flow, sequence, segment.syn );
+      place->second = std::prev( directions_.end() );
+      Direction & added = directions_.back();
+      while ( directions_.size() > mostDirections ||
+              secondsBetween( directions_.front().last, arrival ) > silentSeconds ) {
+         if ( &directions_.front() == &added ) break;
+         forgetOldest();
+      }
+      return added;
+   }
+   directions_.splice( directions_.end(), directions_, place->second );
+   Direction & known = directions_.back();
+   std::int32_t const ahead = distance( known.next, sequence );
+   // A SYN that repeats the one the connection began with changes nothing.
+   bool const another = segment.syn ? sequence != known.first : ahead > farAway || ahead < -farAway;
+   if ( another && !segment.rst ) {
+      close( known );
+      sink_.onClose( { known.last, &known.flow } );
+      known.first = known.next = known.acknowledged = sequence;
+      known.framer = Framer( segment.syn );
+   }
+   return known;
+}
+
+void Streams::acknowledge( Segment const & segment, Arrival const & arrival ) {
+   auto const place = byFlow_.find( segment.flow.reversed() );
+   if ( place == byFlow_.end() ) return;
+   Direction & other = *place->second;
+   if ( !other.waiting ) return;
+   other.acknowledged = segment.acknowledged;
+   other.last = arrival;
+   if ( holeIsLost( other ) ) passHole( other );
+}
+
+void Streams::takePayload( Direction & direction, std::uint32_t sequence, Segment const & segment ) {
+   Octets payload = segment.payload;
+   std::int32_t const ahead = distance( direction.next, sequence );
+   if ( ahead < 0 ) {
+      // Begins with what was delivered already.
+      std::size_t const known = std::min( std::size_t( -std::int64_t( ahead ) ), payload.size() );
+      repeatedOctets_ += known;
+      payload = payload.subspan( known );
+      sequence += std::uint32_t( known );
+      if ( payload.empty() ) return;
+   }
+   if ( direction.waiting || ahead > 0 ) {
+      wait( direction, sequence, payload );
+      return;
+   }
+   Origin const origin{ direction.last, &direction.flow };
+   direction.next += std::uint32_t( payload.size() + segment.missing );
+   direction.framer.take( payload, origin, sink_ );
+   if ( segment.missing ) direction.framer.lose( segment.missing, origin, sink_ );
+}
+
+void Streams::wait( Direction & direction, std::uint32_t sequence, Octets payload ) {
+   if ( payload.empty() ) return;
+   if ( !direction.waiting ) {
+      if ( waitingDirections_ >= mostWaitingDirections ) {
+         auto const oldest =
+              std::find_if( directions_.begin(), directions_.end(),
+                            []( Direction const & other ) { return other.waiting != nullptr; } );
+         while ( oldest->waiting )
+            passHole( *oldest );
+      }
+      direction.waiting = std::make_unique< Waiting >( direction.next, direction.last );
+      direction.acknowledged = direction.next;
+      ++waitingDirections_;
+   }
+   Waiting & waiting = *direction.waiting;
+   waiting.pieces.push_back( { sequence, sequence + std::uint32_t( payload.size() ), direction.last } );
+   if ( waiting.tracker.process_payload( sequence, { payload.begin(), payload.end() } ) )
+      deliverWaiting( direction );
+}
+
+bool Streams::holeIsLost( Direction const & direction ) const {
+   Waiting const & waiting = *direction.waiting;
+   std::int64_t const seconds = secondsBetween( waiting.since, direction.last );
+   bool const acknowledged = distance( direction.next, direction.acknowledged ) > 0;
+   return waiting.tracker.total_buffered_bytes() > mostWaitingOctets ||
+          waiting.pieces.size() > mostWaitingPieces || seconds >= patienceSeconds ||
+          ( acknowledged && ( seconds >= graceSeconds || waiting.pieces.size() >= gracePieces ) );
+}
+
+// Goes on behind the hole, up to the next one.
+void Streams::passHole( Direction & direction ) {
+   Waiting & waiting = *direction.waiting;
+   std::uint32_t first = direction.next + ( 1U << 31 ) - 1;
+   for ( auto const & [sequence, payload] : waiting.tracker.buffered_payload() ) {
+      if ( distance( direction.next, sequence ) < distance( direction.next, first ) ) first = sequence;
+   }
+   direction.framer.lose( first - direction.next, { direction.last, &direction.flow }, sink_ );
+   direction.next = first;
+   waiting.tracker.sequence_number( first );
+   waiting.tracker.process_payload( first, {} ); // the tracker looks for what it holds from there on
+   waiting.since = direction.last;
+   deliverWaiting( direction );
+}
+
+// Hands to the framer what the tracker has put in order, piece by piece: each with the packet that brought
+// it.
+void Streams::deliverWaiting( Direction & direction ) {
+   Waiting & waiting = *direction.waiting;
+   auto & payload = waiting.tracker.payload();
+   for ( Octets octets( payload ); !octets.empty(); ) {
+      auto const piece = std::find_if( waiting.pieces.begin(), waiting.pieces.end(), [&]( Piece const & p ) {
+         return distance( p.begin, direction.next ) >= 0 && distance( direction.next, p.end ) > 0;
+      } );
+      bool const found = piece != waiting.pieces.end(); // always: the tracker holds nothing else
+      std::size_t const size =
+           found ? std::min( octets.size(), std::size_t( piece->end - direction.next ) ) : octets.size();
+      Origin const origin{ found ? piece->arrival : direction.last, &direction.flow };
+      direction.next += std::uint32_t( size );
+      direction.framer.take( octets.first( size ), origin, sink_ );
+      octets = octets.subspan( size );
+   }
+   payload.clear();
+   std::erase_if( waiting.pieces, [&]( Piece const & p ) { return distance( direction.next, p.end ) <= 0; } );
+   if ( waiting.tracker.buffered_payload().empty() ) {
+      direction.waiting.reset();
+      --waitingDirections_;
+   }
+}
+
+// The connection has ended. The direction stays for a while, so that a late repetition is known for what it
+// is.
+void Streams::close( Direction & direction ) {
+   while ( direction.waiting )
+      passHole( direction );
+   direction.framer.finish( { direction.last, &direction.flow }, sink_ );
+}
+
+void Streams::forgetOldest() {
+   close( directions_.front() );
+   byFlow_.erase( directions_.front().flow );
+   directions_.pop_front();
+}
+
+} // namespace LdpTool

@@ -1,0 +1,13 @@
+// Records of the monitor's own types.
+#include "monitor/speaker/Network.h"
+
+namespace LdpTool {
+
+VORN_RECORD( LdpTool, Speaker )
+VORN_RECORD( LdpTool, Network )
+VORN_MODULE( &Speaker::_vornType, &Network::_vornType )
+
+Speaker::~Speaker() = default;
+Network::~Network() = default;
+
+} // namespace LdpTool
