@@ -5,6 +5,7 @@
 // or frames of a link type, each behind the seconds since the one before (1 octet) and its length (2), so
 // that a mutation cannot lose all frames behind it.
 #include "capture/Capture.h"
+#include "findings/Account.h"
 #include "messages/Decoder.h"
 #include "monitor/Monitor.h"
 #include "reporters/Full.h"
@@ -84,10 +85,13 @@ void monitor( Run const & run, Output & out, unsigned view ) {
          out << change.path << change.attribute << change.value;
       } );
    }
-   run( monitor );
+   Evidence evidence( monitor );
+   run( evidence );
    switch ( view ) {
    case 0:
-      printNeighbors( out, *network, monitor.now() );
+      printAccounts( out, evidence, *network, monitor.journal(), {} );
+      printHistory( out, monitor.journal(), {} );
+      printNeighbors( out, *network, monitor.journal() );
       printBindings( out, *network, {} );
       printPseudowires( out, *network );
       printDot( out, *network );

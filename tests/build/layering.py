@@ -37,7 +37,8 @@ ROOMS = {
     "monitor/session": {"capture", "monitor/speaker", "monitor/labels"},
     "monitor": {"capture", "messages", "monitor/speaker", "monitor/discovery", "monitor/labels", "monitor/session"},
     "views": {"capture", "text", "monitor", "monitor/speaker"},
-    "commands": {"capture", "ring", "text", "messages", "reporters", "monitor", "monitor/speaker", "views"},
+    "findings": {"capture", "text", "messages", "monitor", "monitor/speaker"},
+    "commands": {"capture", "ring", "text", "messages", "reporters", "monitor", "monitor/speaker", "views", "findings"},
 }
 TOOL = pathlib.Path("tools/ldptool")
 

@@ -5,7 +5,10 @@
 #include <tins/exceptions.h>
 #include <tins/ip.h>
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
+#include <net/if.h>
 #include <sys/stat.h>
 
 namespace LdpTool {
@@ -13,8 +16,13 @@ namespace LdpTool {
 namespace {
 
 constexpr int packetsAtOnce = 4096;
-constexpr std::size_t mostFragmentOctets = 8 << 20;
+constexpr std::size_t mostInterfaces = 65536;
 constexpr std::size_t pduHeader = 10;
+
+std::string unsupported( int linkType ) {
+   char const * const name = pcap_datalink_val_to_name( linkType );
+   return "link type " + ( name ? std::string( name ) : std::to_string( linkType ) ) + " is not supported";
+}
 
 /// The size of a regular file; 0 of anything else.
 std::int64_t sizeOf( std::FILE * file ) {
@@ -26,27 +34,32 @@ std::int64_t sizeOf( std::FILE * file ) {
 
 void Capture::PcapCloser::operator()( pcap * handle ) const { pcap_close( handle ); }
 
-Capture::Capture( Handle handle, std::string name, bool live )
-     : handle_( std::move( handle ) ), name_( std::move( name ) ), live_( live ),
-       linkType_( pcap_datalink( handle_.get() ) ) {
-   if ( linkTypeKnown( linkType_ ) ) return;
-   char const * linkName = pcap_datalink_val_to_name( linkType_ );
-   throw InputError( name_ + ": link type " + ( linkName ? linkName : std::to_string( linkType_ ) ) +
-                     " is not supported" );
+void Capture::handleIs( Handle handle ) {
+   handle_ = std::move( handle );
+   linkType_ = pcap_datalink( handle_.get() );
+   if ( !linkTypeKnown( linkType_ ) ) throw InputError( name_ + ": " + unsupported( linkType_ ) );
 }
 
-Capture Capture::file( std::string const & name ) {
+Capture Capture::file( std::string const & name, CaptureLimits const & limits ) {
+   Capture capture( name, limits );
+   capture.file_.reset( name == "-" ? stdin : std::fopen( name.c_str(), "rb" ) );
+   if ( !capture.file_ ) throw InputError( name + ": " + std::strerror( errno ) );
+   int const first = std::getc( capture.file_.get() );
+   if ( first != EOF ) std::ungetc( first, capture.file_.get() );
+   if ( first == PcapngReader::firstOctet ) {
+      capture.pcapng_ = std::make_unique< PcapngReader >( capture.file_.get() );
+      return capture;
+   }
    char error[PCAP_ERRBUF_SIZE] = "";
    Handle handle(
-        pcap_open_offline_with_tstamp_precision( name.c_str(), PCAP_TSTAMP_PRECISION_NANO, error ) );
-   if ( !handle ) {
-      std::string const text = error; // some of libpcap's texts name the file, others do not
-      throw InputError( text.find( name ) == std::string::npos ? name + ": " + text : text );
-   }
-   return Capture( std::move( handle ), name, false );
+        pcap_fopen_offline_with_tstamp_precision( capture.file_.get(), PCAP_TSTAMP_PRECISION_NANO, error ) );
+   if ( !handle ) throw InputError( name + ": " + error );
+   capture.file_.release(); // the handle closes it
+   capture.handleIs( std::move( handle ) );
+   return capture;
 }
 
-Capture Capture::interface( std::string const & name ) {
+Capture Capture::interface( std::string const & name, CaptureLimits const & limits ) {
    constexpr int wholePackets = 262144;
    constexpr int waitMilliseconds = 100;
    char error[PCAP_ERRBUF_SIZE] = "";
@@ -60,6 +73,8 @@ Capture Capture::interface( std::string const & name ) {
       std::string const detail = pcap_geterr( handle.get() );
       throw InputError( name + ": " + ( detail.empty() ? pcap_statustostr( status ) : detail ) );
    }
+   // All interfaces at once: this link type says which one each packet was on.
+   if ( pcap_datalink( handle.get() ) == DLT_LINUX_SLL ) pcap_set_datalink( handle.get(), DLT_LINUX_SLL2 );
    // `vlan` shifts all that follows it, so each depth of tags needs its own test. Some link types know no
    // tags.
    bpf_program program;
@@ -73,54 +88,138 @@ Capture Capture::interface( std::string const & name ) {
    int const status = pcap_setfilter( handle.get(), &program );
    pcap_freecode( &program );
    if ( status != 0 ) throw InputError( name + ": " + pcap_geterr( handle.get() ) );
-   return Capture( std::move( handle ), name, true );
+   Capture capture( name, limits );
+   capture.live_ = true;
+   capture.interface_ = name;
+   capture.handleIs( std::move( handle ) );
+   return capture;
 }
 
-void Capture::stop() { pcap_breakloop( handle_.get() ); }
+void Capture::stop() {
+   stopped_ = 1;
+   if ( handle_ ) pcap_breakloop( handle_.get() );
+}
 
-void Capture::run( PduSink & sink ) {
+// Whether the packet lies behind the end that was set.
+bool Capture::isOver( Arrival const & arrival ) {
+   constexpr std::int64_t secondsOfDay = 86400;
+   double const at = double( arrival.seconds ) + double( arrival.nanoseconds ) * 1e-9;
+   if ( !started_ ) {
+      started_ = true;
+      double const midnight = double( arrival.seconds - arrival.seconds % secondsOfDay );
+      end_.time = std::min( end_.time, midnight + end_.timeOfDay );
+   }
+   if ( arrival.frame <= end_.frame && at <= end_.time ) return false;
+   stop();
+   return true;
+}
+
+void Capture::run( PduSink & sink, CaptureEnd const & end ) {
    sink_ = &sink;
-   streams_ = std::make_unique< Streams >( sink );
-   std::FILE * const stream = live_ ? nullptr : pcap_file( handle_.get() );
+   end_ = end;
+   streams_ = std::make_unique< Streams >( sink, limits_.flows );
+   std::FILE * const stream = live_ ? nullptr : file_ ? file_.get() : pcap_file( handle_.get() );
    std::int64_t const size = sizeOf( stream );
-   auto const each = []( u_char * self, pcap_pkthdr const * header, u_char const * octets ) {
-      reinterpret_cast< Capture * >( self )->onPacket( *header, octets );
-   };
-   int status;
-   do {
-      status = pcap_dispatch( handle_.get(), packetsAtOnce, each, reinterpret_cast< u_char * >( this ) );
+   std::string failure;
+   bool more = true;
+   while ( more && !stopped_ ) {
+      more = file_ ? readPcapng( failure ) : readPcap( failure );
       if ( live_ ) sink.onIdle();
       if ( size ) sink.onProgress( ftello( stream ), size );
-   } while ( status > 0 || ( status == 0 && live_ ) );
+   }
    if ( size ) sink.onProgress( size, size );
    streams_->finish();
    counters_.repeatedOctets = streams_->repeatedOctets();
-   if ( status == PCAP_ERROR ) throw InputError( name_ + ": " + pcap_geterr( handle_.get() ) );
+   counters_.straySegments = streams_->straySegments();
+   counters_.forgottenFlows = streams_->forgotten();
+   if ( failure.empty() && otherLinkTypes_ && otherLinkTypes_ == counters_.packets )
+      failure = unsupported( linkType_ );
+   if ( !failure.empty() ) throw InputError( name_ + ": " + failure );
 }
 
-void Capture::onPacket( pcap_pkthdr const & header, std::uint8_t const * octets ) {
-   ++counters_.packets;
-   // With nanosecond precision, tv_usec holds nanoseconds.
-   Arrival const arrival{ counters_.packets, header.ts.tv_sec, std::uint32_t( header.ts.tv_usec ) };
+// Some packets of anything but pcapng; false when there are no more.
+bool Capture::readPcap( std::string & failure ) {
+   auto const each = []( u_char * self, pcap_pkthdr const * header, u_char const * octets ) {
+      auto & capture = *reinterpret_cast< Capture * >( self );
+      ++capture.counters_.packets;
+      // With nanosecond precision, tv_usec holds nanoseconds.
+      Arrival const arrival{ capture.counters_.packets, header->ts.tv_sec,
+                             std::uint32_t( header->ts.tv_usec ) };
+      if ( capture.isOver( arrival ) ) return;
+      try {
+         capture.onPacket( { octets, header->caplen }, arrival, capture.linkType_,
+                           capture.live_ ? &capture.interface_ : nullptr );
+      } catch ( ... ) { // not through libpcap, which is C
+         if ( !capture.thrown_ ) capture.thrown_ = std::current_exception();
+         capture.stop();
+      }
+   };
+   int const status =
+        pcap_dispatch( handle_.get(), packetsAtOnce, each, reinterpret_cast< u_char * >( this ) );
+   if ( thrown_ ) std::rethrow_exception( std::exchange( thrown_, nullptr ) );
+   if ( status == PCAP_ERROR ) failure = pcap_geterr( handle_.get() );
+   return status > 0 || ( status == 0 && live_ );
+}
+
+bool Capture::readPcapng( std::string & failure ) {
+   PcapngReader::Packet packet;
+   for ( int i = 0; i < packetsAtOnce; ++i ) {
+      try {
+         if ( !pcapng_->next( packet ) ) return false;
+      } catch ( InputError const & error ) {
+         failure = error.what();
+         return false;
+      }
+      ++counters_.packets;
+      Arrival const arrival{ counters_.packets, packet.seconds, packet.nanoseconds };
+      if ( isOver( arrival ) ) return false;
+      if ( linkTypeKnown( packet.linkType ) ) {
+         onPacket( packet.octets, arrival, packet.linkType, packet.interface );
+      } else {
+         linkType_ = packet.linkType;
+         ++otherLinkTypes_;
+      }
+   }
+   return true;
+}
+
+// The name of an interface that only its index is known of.
+std::string const * Capture::interfaceOf( std::uint32_t index ) {
+   auto const known = interfaces_.find( index );
+   if ( known != interfaces_.end() ) return &known->second;
+   if ( interfaces_.size() >= mostInterfaces ) return nullptr;
+   char name[IF_NAMESIZE];
+   bool const named = live_ && if_indextoname( index, name );
+   return &interfaces_.emplace( index, named ? name : "if" + std::to_string( index ) ).first->second;
+}
+
+void Capture::onPacket( Octets octets, Arrival const & arrival, int linkType,
+                        std::string const * interface ) {
    Segment segment;
    Octets ipPacket;
-   switch ( parseLink( linkType_, { octets, header.caplen }, segment, ipPacket ) ) {
-   case LinkResult::segment: onSegment( segment, arrival ); break;
-   case LinkResult::fragment: onFragment( ipPacket, arrival ); break;
+   switch ( parseLink( linkType, octets, segment, ipPacket ) ) {
+   case LinkResult::segment:
+      segment.place.interface = segment.interfaceIndex ? interfaceOf( segment.interfaceIndex ) : interface;
+      onSegment( segment, arrival );
+      break;
+   case LinkResult::fragment: onFragment( ipPacket, arrival, segment.place ); break;
    case LinkResult::truncated: ++counters_.truncated; break;
    case LinkResult::other: break;
    }
 }
 
-void Capture::onFragment( Octets ipPacket, Arrival const & arrival ) {
+void Capture::onFragment( Octets ipPacket, Arrival const & arrival, Place const & place ) {
    ++counters_.fragments;
    bool const ipv4 = ipPacket[0] >> 4 == 4;
    if ( !ipv4 ) return; // libtins puts only IPv4 together
    // Fragments whose fellows never come would stay for ever.
    fragmentOctets_ += ipPacket.size();
-   if ( fragmentOctets_ > mostFragmentOctets ) {
+   ++waitingFragments_;
+   if ( fragmentOctets_ > limits_.fragmentOctets ) {
+      counters_.lostFragments += waitingFragments_ - 1;
       reassembler_.clear_streams();
       fragmentOctets_ = ipPacket.size();
+      waitingFragments_ = 1;
    }
    try {
       Tins::IP packet( ipPacket.data(), std::uint32_t( ipPacket.size() ) );
@@ -128,6 +227,7 @@ void Capture::onFragment( Octets ipPacket, Arrival const & arrival ) {
       ++counters_.reassembled;
       auto const whole = packet.serialize();
       Segment segment;
+      segment.place = place;
       if ( parseIp( whole, segment ) == LinkResult::segment ) onSegment( segment, arrival );
    } catch ( Tins::exception_base const & ) {
       ++counters_.truncated; // what libtins does not take for an IP packet
@@ -145,7 +245,7 @@ void Capture::onSegment( Segment const & segment, Arrival const & arrival ) {
 
 // A datagram holds one PDU; if octets are left that look like another, they are taken for one.
 void Capture::onDatagram( Segment const & segment, Arrival const & arrival ) {
-   Origin const origin{ arrival, &segment.flow };
+   Origin const origin{ arrival, &segment.flow, &segment.place };
    Octets rest = segment.payload;
    if ( segment.missing ) {
       ++counters_.truncated;

@@ -8,6 +8,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <type_traits>
 
 namespace LdpTool {
@@ -37,6 +38,13 @@ struct FlowHash {
       static_assert( std::has_unique_object_representations_v< Flow > );
       return Vorn::hashBytes( &flow, sizeof flow );
    }
+};
+
+/// Where a packet was taken, as far as the capture tells.
+struct Place {
+   std::string const * interface = nullptr; ///< its name, which the capture keeps; null where none is known
+   std::uint64_t vlans = 0;                 ///< ids of the tags, 12 bits each, the innermost lowest
+   std::uint64_t sender = 0;                ///< link-layer address of who sent the frame
 };
 
 /// A packet of the capture: its number, counted from 1, and its time since the epoch.

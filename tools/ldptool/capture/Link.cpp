@@ -138,13 +138,22 @@ LinkResult parseIp( Octets packet, Segment & segment ) {
    }
 }
 
+namespace {
+
+std::uint64_t linkAddress( Octets octets ) {
+   return std::uint64_t( read32( octets, 0 ) ) << 16 | read16( octets, 4 );
+}
+
+} // namespace
+
 LinkResult parseLink( int linkType, Octets packet, Segment & segment, Octets & ipPacket ) {
    std::size_t header = 0;
-   std::size_t typeAt = 0; // where the link header keeps the Ethernet type
+   std::size_t typeAt = 0;   // where the link header keeps the Ethernet type,
+   std::size_t senderAt = 0; // and its sender
    switch ( linkType ) {
-   case DLT_EN10MB: header = 14, typeAt = 12; break;
-   case DLT_LINUX_SLL: header = 16, typeAt = 14; break;
-   case DLT_LINUX_SLL2: header = 20, typeAt = 0; break;
+   case DLT_EN10MB: header = 14, typeAt = 12, senderAt = 6; break;
+   case DLT_LINUX_SLL: header = 16, typeAt = 14, senderAt = 6; break;
+   case DLT_LINUX_SLL2: header = 20, typeAt = 0, senderAt = 12; break;
    case DLT_NULL:
    case DLT_LOOP:
       header = 4;
@@ -152,10 +161,14 @@ LinkResult parseLink( int linkType, Octets packet, Segment & segment, Octets & i
    default: break; // raw IP
    }
    if ( packet.size() < header ) return LinkResult::truncated;
+   segment.place = {};
+   segment.interfaceIndex = linkType == DLT_LINUX_SLL2 ? read32( packet, 4 ) : 0;
    if ( header > 4 ) {
+      segment.place.sender = linkAddress( packet.subspan( senderAt ) );
       std::uint16_t type = read16( packet, typeAt );
       for ( ; vlanTag( type ); header += 4 ) {
          if ( packet.size() < header + 4 ) return LinkResult::truncated;
+         segment.place.vlans = segment.place.vlans << 12 | ( read16( packet, header ) & 0xfff );
          type = read16( packet, header + 2 );
       }
       if ( type != etherIpv4 && type != etherIpv6 ) return LinkResult::other;

@@ -13,8 +13,10 @@ namespace LdpTool {
 /// A UDP datagram or TCP segment to or from the LDP port.
 struct Segment {
    Flow flow;
-   Octets payload;          ///< the octets that were captured
-   std::size_t missing = 0; ///< octets of payload behind them that the capture cut off
+   Octets payload;                   ///< the octets that were captured
+   std::size_t missing = 0;          ///< octets of payload behind them that the capture cut off
+   Place place;                      ///< without the name of the interface
+   std::uint32_t interfaceIndex = 0; ///< where the link header has one; from 1
    // TCP only.
    std::uint32_t sequence = 0;
    std::uint32_t acknowledged = 0;

@@ -18,7 +18,18 @@ using Octets = std::span< std::uint8_t const >;
 /// Where a PDU comes from: a flow of a capture, or a line of text.
 struct Origin {
    Arrival arrival; ///< the packet in which the PDU ends; `frame` is the line's number without a flow
-   Flow const * flow = nullptr; ///< null for a line of text
+   Flow const * flow = nullptr;   ///< null for a line of text
+   Place const * place = nullptr; ///< of a datagram; null for everything else
+   /// Nothing proves that the octets are of the conversation: they stand far from where it is.
+   bool stray = false;
+};
+
+/// What TCP did on its way to a connection, or against it.
+enum class TcpStep {
+   syn,         ///< a connection is asked for, once more for each SYN that is repeated
+   synAck,      ///< the answer to it
+   established, ///< who has asked takes the answer
+   refused,     ///< a reset is the answer
 };
 
 /// What of a conversation could not be read.
@@ -54,6 +65,12 @@ class PduSink {
    /// The connection of this flow has ended, by FIN or RST or because another one has begun between its
    /// ports.
    virtual void onClose( Origin const & ) {}
+
+   /// A packet with that step; its flow is that of the packet.
+   virtual void onTcpStep( Origin const &, TcpStep ) {}
+
+   /// So many octets of a conversation were sent once more, which the other side has not acknowledged.
+   virtual void onRepeated( Origin const &, std::size_t /* octets */ ) {}
 
    /// Anything else about the input that the user should be told.
    virtual void onWarning( Origin const & origin, std::string const & text ) = 0;

@@ -9,7 +9,6 @@ namespace {
 
 // Bounds on what one capture can make the tool hold. A direction holds at most a PDU and a segment beside
 // what waits behind a hole; only so many directions may have holes at once.
-constexpr std::size_t mostDirections = 4096;
 constexpr std::size_t mostWaitingDirections = 64;
 constexpr std::size_t mostWaitingOctets = 1 << 20;
 constexpr std::size_t mostWaitingPieces = 1024;
@@ -24,15 +23,24 @@ constexpr std::int64_t patienceSeconds = 60;
 
 // Sequence numbers further apart than any window belong to different connections.
 constexpr std::int32_t farAway = 1 << 24;
+// No LDP speaker lets more than this be under way.
+constexpr std::int32_t largestWindow = 1 << 20;
 
 std::int32_t distance( std::uint32_t from, std::uint32_t to ) { return std::int32_t( to - from ); }
 
 } // namespace
 
 void Streams::take( Segment const & segment, Arrival const & arrival ) {
-   if ( waitingDirections_ && segment.ack ) acknowledge( segment, arrival );
-   Direction & here = direction( segment, arrival );
+   Direction * const known = direction( segment, arrival );
+   if ( !known ) return;
+   Direction & here = *known;
    here.last = arrival;
+   tellStep( here, segment );
+   if ( segment.ack ) {
+      here.acking = segment.acknowledged;
+      here.acks = true;
+   }
+   if ( here.back && segment.ack ) acknowledge( *here.back, segment, arrival );
    std::uint32_t const sequence = segment.sequence + segment.syn; // a SYN takes a number before the payload
    if ( !segment.payload.empty() || segment.missing ) takePayload( here, sequence, segment );
    if ( here.waiting && holeIsLost( here ) ) passHole( here );
@@ -40,10 +48,7 @@ void Streams::take( Segment const & segment, Arrival const & arrival ) {
       close( here );
       sink_.onClose( { here.last, &here.flow } );
    }
-   if ( segment.rst ) {
-      if ( auto const back = byFlow_.find( segment.flow.reversed() ); back != byFlow_.end() )
-         close( *back->second );
-   }
+   if ( segment.rst && here.back ) close( *here.back );
 }
 
 void Streams::finish() {
@@ -51,42 +56,122 @@ void Streams::finish() {
       forgetOldest();
 }
 
-// The direction that a segment belongs to; a new one if its flow is new, or if another connection has begun
-// in it.
-Streams::Direction & Streams::direction( Segment const & segment, Arrival const & arrival ) {
-   std::uint32_t const sequence = segment.sequence + segment.syn;
-   auto const [place, isNew] = byFlow_.try_emplace( segment.flow );
-   if ( isNew ) {
-      directions_.emplace_back( segment.flow, sequence, segment.syn );
-      place->second = std::prev( directions_.end() );
-      Direction & added = directions_.back();
-      while ( directions_.size() > mostDirections ||
-              secondsBetween( directions_.front().last, arrival ) > silentSeconds ) {
-         if ( &directions_.front() == &added ) break;
-         forgetOldest();
+// The direction that a segment belongs to; null for one that belongs to no connection under way.
+Streams::Direction * Streams::direction( Segment const & segment, Arrival const & arrival ) {
+   auto const place = byFlow_.find( segment.flow );
+   if ( place == byFlow_.end() ) {
+      if ( segment.rst && !answers( segment ) ) {
+         ++straySegments_;
+         return nullptr;
       }
-      return added;
+      return &added( segment, arrival );
    }
    directions_.splice( directions_.end(), directions_, place->second );
    Direction & known = directions_.back();
-   std::int32_t const ahead = distance( known.next, sequence );
-   // A SYN that repeats the one the connection began with changes nothing.
-   bool const another = segment.syn ? sequence != known.first : ahead > farAway || ahead < -farAway;
-   if ( another && !segment.rst ) {
-      close( known );
-      sink_.onClose( { known.last, &known.flow } );
-      known.first = known.next = known.acknowledged = sequence;
-      known.framer = Framer( segment.syn );
-   }
-   return known;
+   if ( !segment.rst ) return inDoubt( known, segment, arrival ) ? nullptr : &known;
+   if ( accepted( known, segment ) ) return &known;
+   ++straySegments_;
+   return nullptr;
 }
 
-void Streams::acknowledge( Segment const & segment, Arrival const & arrival ) {
+// Whether a reset, the first segment of its direction, is where the other direction expects one.
+bool Streams::answers( Segment const & segment ) const {
    auto const place = byFlow_.find( segment.flow.reversed() );
-   if ( place == byFlow_.end() ) return;
-   Direction & other = *place->second;
+   if ( place == byFlow_.end() ) return true; // nothing is known that it could contradict
+   Direction const & back = *place->second;
+   if ( back.begun && segment.ack && segment.acknowledged == back.first ) return true;
+   return !back.acks || std::abs( distance( back.acking, segment.sequence ) ) <= largestWindow;
+}
+
+Streams::Direction & Streams::added( Segment const & segment, Arrival const & arrival ) {
+   directions_.emplace_back( segment.flow, segment.sequence + segment.syn, segment.syn );
+   byFlow_.emplace( segment.flow, std::prev( directions_.end() ) );
+   Direction & added = directions_.back();
+   while ( directions_.size() > mostDirections_ ||
+           secondsBetween( directions_.front().last, arrival ) > silentSeconds ) {
+      if ( &directions_.front() == &added ) break;
+      forgotten_ += directions_.size() > mostDirections_;
+      forgetOldest();
+   }
+   if ( auto const back = byFlow_.find( segment.flow.reversed() ); back != byFlow_.end() ) {
+      added.back = &*back->second;
+      added.back->back = &added;
+   }
+   return added;
+}
+
+// Whether the segment is in doubt: too far from the conversation, and the first of its kind. A SYN begins
+// another connection between the ports, and so do two segments in line, the first of which has waited.
+bool Streams::inDoubt( Direction & known, Segment const & segment, Arrival const & arrival ) {
+   std::uint32_t const sequence = segment.sequence + segment.syn;
+   if ( segment.syn ) {
+      if ( sequence != known.first ) restart( known, sequence, true );
+      known.begun = true;
+      return false;
+   }
+   std::int32_t const ahead = distance( known.next, sequence );
+   if ( ahead <= farAway && ahead >= -farAway ) {
+      if ( known.far && !segment.payload.empty() ) {
+         known.far.reset();
+         ++straySegments_;
+      }
+      return false;
+   }
+   if ( known.far && known.far->end() == sequence ) {
+      Far const first = std::move( *known.far );
+      restart( known, first.begin, false );
+      known.last = first.arrival;
+      known.next = first.end();
+      known.framer.take( first.payload, { first.arrival, &known.flow }, sink_ );
+      return false;
+   }
+   straySegments_ += segment.payload.empty() || known.far;
+   if ( !segment.payload.empty() ) {
+      known.far = std::make_unique< Far >(
+           Far{ sequence, { segment.payload.begin(), segment.payload.end() }, arrival } );
+   }
+   return true;
+}
+
+void Streams::restart( Direction & known, std::uint32_t sequence, bool syn ) {
+   known.far.reset();
+   close( known );
+   sink_.onClose( { known.last, &known.flow } );
+   known.first = known.next = known.acknowledged = sequence;
+   known.begun = syn;
+   known.established = false;
+   known.framer = Framer( syn );
+}
+
+// Whether who gets the reset obeys it: it stands where the next octet would, or answers the SYN (RFC 9293,
+// 3.5.2 and 3.10.7.4). How far the receiver is lies between what it has acknowledged and what was sent.
+bool Streams::accepted( Direction const & known, Segment const & segment ) const {
+   if ( known.back && known.back->begun && segment.ack && segment.acknowledged == known.back->first )
+      return true;
+   return distance( known.acknowledged, segment.sequence ) >= -1 &&
+          distance( known.next, segment.sequence ) <= largestWindow;
+}
+
+void Streams::tellStep( Direction & direction, Segment const & segment ) {
+   Origin const origin{ direction.last, &direction.flow };
+   if ( segment.syn ) {
+      sink_.onTcpStep( origin, segment.ack ? TcpStep::synAck : TcpStep::syn );
+   } else if ( segment.rst && direction.back && direction.back->begun && segment.ack &&
+               segment.acknowledged == direction.back->first ) {
+      sink_.onTcpStep( origin, TcpStep::refused );
+   } else if ( segment.ack && direction.begun && !direction.established && direction.back &&
+               direction.back->begun && distance( direction.back->first, segment.acknowledged ) >= 0 ) {
+      direction.established = direction.back->established = true;
+      sink_.onTcpStep( origin, TcpStep::established );
+   }
+}
+
+// `other` is the direction that the segment acknowledges.
+void Streams::acknowledge( Direction & other, Segment const & segment, Arrival const & arrival ) {
+   bool const sent = distance( other.next, segment.acknowledged ) <= largestWindow;
+   if ( sent && distance( other.acknowledged, segment.acknowledged ) > 0 )
+      other.acknowledged = segment.acknowledged;
    if ( !other.waiting ) return;
-   other.acknowledged = segment.acknowledged;
    other.last = arrival;
    if ( holeIsLost( other ) ) passHole( other );
 }
@@ -98,6 +183,8 @@ void Streams::takePayload( Direction & direction, std::uint32_t sequence, Segmen
       // Begins with what was delivered already.
       std::size_t const known = std::min( std::size_t( -std::int64_t( ahead ) ), payload.size() );
       repeatedOctets_ += known;
+      if ( known && distance( direction.acknowledged, sequence + std::uint32_t( known ) ) > 0 )
+         sink_.onRepeated( { direction.last, &direction.flow }, known );
       payload = payload.subspan( known );
       sequence += std::uint32_t( known );
       if ( payload.empty() ) return;
@@ -123,7 +210,6 @@ void Streams::wait( Direction & direction, std::uint32_t sequence, Octets payloa
             passHole( *oldest );
       }
       direction.waiting = std::make_unique< Waiting >( direction.next, direction.last );
-      direction.acknowledged = direction.next;
       ++waitingDirections_;
    }
    Waiting & waiting = *direction.waiting;
@@ -190,8 +276,16 @@ void Streams::close( Direction & direction ) {
 }
 
 void Streams::forgetOldest() {
-   close( directions_.front() );
-   byFlow_.erase( directions_.front().flow );
+   Direction & oldest = directions_.front();
+   close( oldest );
+   if ( oldest.far ) { // nothing has confirmed it, but nothing has contradicted it either
+      Origin const origin{ oldest.far->arrival, &oldest.flow, nullptr, true };
+      Framer framer( false );
+      framer.take( oldest.far->payload, origin, sink_ );
+      framer.finish( origin, sink_ );
+   }
+   if ( oldest.back ) oldest.back->back = nullptr;
+   byFlow_.erase( oldest.flow );
    directions_.pop_front();
 }
 

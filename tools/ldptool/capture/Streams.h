@@ -22,7 +22,8 @@ namespace LdpTool {
 
 class Streams {
  public:
-   explicit Streams( PduSink & sink ) : sink_( sink ) {}
+   /// `mostDirections` are kept at a time.
+   Streams( PduSink & sink, std::size_t mostDirections ) : sink_( sink ), mostDirections_( mostDirections ) {}
 
    void take( Segment const & segment, Arrival const & arrival );
 
@@ -31,6 +32,11 @@ class Streams {
 
    /// Octets that came more than once.
    std::uint64_t repeatedOctets() const { return repeatedOctets_; }
+   /// Segments that belong to no connection that is under way: resets outside of the window, octets far from
+   /// where the conversation is.
+   std::uint64_t straySegments() const { return straySegments_; }
+   /// Directions given up because there were too many.
+   std::uint64_t forgotten() const { return forgotten_; }
 
  private:
    /// The octets [begin, end) of a conversation, and the packet that brought them.
@@ -48,22 +54,43 @@ class Streams {
       Arrival since;               ///< when the hole was seen
    };
 
+   /// A segment far from where its conversation is: a stray one, or the first that the capture has of another
+   /// connection between the same ports.
+   struct Far {
+      std::uint32_t begin;
+      std::vector< std::uint8_t > payload;
+      Arrival arrival;
+      std::uint32_t end() const { return begin + std::uint32_t( payload.size() ); }
+   };
+
    /// One direction of a conversation.
    struct Direction {
-      Direction( Flow const & f, std::uint32_t n, bool synchronised )
-           : flow( f ), first( n ), next( n ), acknowledged( n ), framer( synchronised ) {}
+      Direction( Flow const & f, std::uint32_t n, bool syn )
+           : flow( f ), first( n ), next( n ), acknowledged( n ), begun( syn ), framer( syn ) {}
       Flow flow;
       std::uint32_t first;        ///< where the connection, or what the capture has of it, began
       std::uint32_t next;         ///< sequence number of the first octet that was not delivered
-      std::uint32_t acknowledged; ///< what the other side has; looked at only while there is a hole
+      std::uint32_t acknowledged; ///< what the other side has
+      std::uint32_t acking = 0;   ///< what it acknowledges of the other direction,
+      bool acks = false;          ///< if it ever did
+      bool begun;                 ///< its SYN was seen
+      bool established = false;   ///< and answered, and the answer taken
+      Direction * back = nullptr; ///< null while the other direction is not known
       Arrival last;
       Framer framer;
       std::unique_ptr< Waiting > waiting; ///< null while there is no hole
+      std::unique_ptr< Far > far;         ///< null while there is none in doubt
    };
    using Directions = std::list< Direction >;
 
-   Direction & direction( Segment const & segment, Arrival const & arrival );
-   void acknowledge( Segment const & segment, Arrival const & arrival );
+   Direction * direction( Segment const & segment, Arrival const & arrival );
+   Direction & added( Segment const & segment, Arrival const & arrival );
+   bool answers( Segment const & segment ) const;
+   bool inDoubt( Direction & direction, Segment const & segment, Arrival const & arrival );
+   void restart( Direction & direction, std::uint32_t sequence, bool syn );
+   bool accepted( Direction const & direction, Segment const & segment ) const;
+   void tellStep( Direction & direction, Segment const & segment );
+   void acknowledge( Direction & direction, Segment const & segment, Arrival const & arrival );
    void takePayload( Direction & direction, std::uint32_t sequence, Segment const & segment );
    void wait( Direction & direction, std::uint32_t sequence, Octets payload );
    bool holeIsLost( Direction const & direction ) const;
@@ -76,7 +103,10 @@ class Streams {
    Directions directions_; ///< the one that has been silent for longest stands first
    std::unordered_map< Flow, Directions::iterator, FlowHash > byFlow_;
    std::size_t waitingDirections_ = 0;
+   std::size_t mostDirections_;
    std::uint64_t repeatedOctets_ = 0;
+   std::uint64_t straySegments_ = 0;
+   std::uint64_t forgotten_ = 0;
 };
 
 } // namespace LdpTool

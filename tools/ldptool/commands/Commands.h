@@ -11,10 +11,11 @@ namespace LdpTool {
 
 // What the program's exit status means.
 constexpr int exitGood = 0;
-constexpr int exitBadMessage = 1; ///< the input held a message or PDU that is not valid
+constexpr int exitBadMessage = 1; ///< the input held something that is not as it should be
 constexpr int exitUsage = 2;      ///< wrong arguments, unreadable input, unwritable output
 
 void addDecodeCommand( CLI::App & app );
+void addExplainCommand( CLI::App & app );
 void addRingCommand( CLI::App & app );
 void addTypesCommand( CLI::App & app );
 void addWatchCommand( CLI::App & app );

@@ -23,6 +23,10 @@ class Decoder : public PduSink {
 
    void onPdu( Origin const & origin, Ldp::LdpPdu const & taken ) override;
    void onGap( Origin const & origin, Gap const & gap ) override;
+   void onTcpStep( Origin const & origin, TcpStep step ) override { reporter_.onTcpStep( origin, step ); }
+   void onRepeated( Origin const & origin, std::size_t octets ) override {
+      reporter_.onRepeated( origin, octets );
+   }
    void onClose( Origin const & origin ) override { reporter_.onClose( origin ); }
    void onWarning( Origin const & origin, std::string const & text ) override;
    void onIdle() override;

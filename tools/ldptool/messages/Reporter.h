@@ -50,6 +50,10 @@ class Reporter {
    virtual void onBadPdu( Pdu const & ) = 0;
    /// A PDU that must not be parsed.
    virtual void onFatalPdu( Pdu const &, Ldp::LdpPduGuardResult const & ) = 0;
+   /// A packet with that step of TCP.
+   virtual void onTcpStep( Origin const &, TcpStep ) {}
+   /// Octets of TCP were sent once more.
+   virtual void onRepeated( Origin const &, std::size_t /* octets */ ) {}
    /// The TCP connection has ended.
    virtual void onClose( Origin const & ) {}
 };

@@ -2,56 +2,91 @@
 #include "monitor/Monitor.h"
 
 #include "monitor/labels/LabelMessages.h"
-#include "monitor/session/Sessions.h"
+#include "monitor/labels/TypedWildcard.h"
 
 namespace LdpTool {
 
 using namespace Ldp;
 
 void Monitor::arrive( Origin const & origin ) {
-   flow_ = origin.flow;
+   origin_ = origin;
    sent_ = received_ = nullptr;
-   arrival_ = origin.arrival;
-   now_ = double( arrival_.seconds ) + double( arrival_.nanoseconds ) * 1e-9;
-   // Hold times run out by the capture's clock. A second's grain is enough for times in seconds, and keeps a
-   // walk over all adjacencies away from every PDU.
-   if ( now_ - expiredAt_ < 1.0 && now_ >= expiredAt_ ) return;
-   expiredAt_ = now_;
-   discovery_.expire( now_ );
-   expireSessions( agents_, now_ );
+   connection_ = nullptr;
+   agents_.journal().arrivalIs( origin.arrival );
+   if ( origin.flow && origin.flow->protocol == protocolTcp && !origin.stray ) {
+      connection_ = &connections_.of( *origin.flow );
+      from_ = connection_->endOf( *origin.flow );
+   }
+   // Hold times run out by the capture's clock. A second's grain is enough for times in seconds.
+   double const now = agents_.journal().now();
+   if ( now - expiredAt_ < 1.0 && now >= expiredAt_ ) return;
+   expiredAt_ = now;
+   discovery_.expire();
+   sessions_.expire();
+}
+
+void Monitor::timeIs( double now ) {
+   if ( now <= agents_.journal().now() ) return;
+   Arrival arrival = agents_.journal().arrival();
+   arrival.seconds = std::int64_t( now );
+   arrival.nanoseconds = std::uint32_t( ( now - double( arrival.seconds ) ) * 1e9 );
+   agents_.journal().arrivalIs( arrival );
+   discovery_.expire();
+   sessions_.expire();
 }
 
 void Monitor::onPdu( Pdu const & pdu ) {
    arrive( pdu.origin );
    sender_ = pdu.pdu.ldpIdentifier();
-   if ( !flow_ || flow_->protocol != protocolTcp ) return;
-   agents_.seen( addressOf( flow_->source, flow_->addressSize ), sender_ );
-   receiverIs( agents_.at( addressOf( flow_->destination, flow_->addressSize ) ) );
+   if ( !connection_ ) return;
+   agents_.seen( addressOf( origin_.flow->source, origin_.flow->addressSize ), sender_ );
+   LdpIdentifier & speaker = connection_->ends[from_].speaker;
+   if ( connection_->ends[from_].spoke && speaker != sender_ ) {
+      // Of another LDP identifier than the session's, which its receiver refuses (RFC 5036, 3.5.1.2.1).
+      std::swap( sender_, speaker );
+      receiverIs( connection_->ends[1 - from_].speaker );
+      std::swap( sender_, speaker );
+      if ( received_ ) received_->statistics->ldpPduRxErrorCountInc( 1 );
+      sent_ = received_ = nullptr;
+      connection_ = nullptr;
+      return;
+   }
+   speaker = sender_;
+   connection_->ends[from_].spoke = true;
+   LdpIdentifier const & other = connection_->ends[1 - from_].speaker;
+   receiverIs( !!other ? other
+                       : agents_.at( addressOf( origin_.flow->destination, origin_.flow->addressSize ) ) );
+   sessions_.settle( *connection_ );
 }
 
 void Monitor::receiverIs( LdpIdentifier const & receiver ) {
-   if ( !receiver || receiver == sender_ || ( received_ && received_->agent.id() == receiver ) ) return;
+   // A router has no session with itself, also if it has several label spaces.
+   if ( !receiver || receiver.lsrId() == sender_.lsrId() ) return;
+   if ( received_ && received_->agent.id() == receiver ) return;
    Agent * const sender = agents_.agentIs( sender_ );
    Agent * const heard = agents_.agentIs( receiver );
    if ( !sender || !heard ) return;
+   for ( auto const & [agent, peer] : { std::pair( sender, receiver ), std::pair( heard, sender_ ) } ) {
+      if ( agent->hasSession( peer ) || agent->sessionNum() < agents_.limits().adjacencies ) continue;
+      ++agents_.turnedAway().adjacencies;
+      return;
+   }
    sent_ = &sender->sessionEnd( receiver );
    received_ = &heard->sessionEnd( sender_ );
-   connectionIs( *sent_, *flow_, true, now_ );
-   connectionIs( *received_, *flow_, false, now_ );
    sent_->statistics->ldpPduTxCountInc( 1 );
    received_->statistics->ldpPduRxCountInc( 1 );
 }
 
 void Monitor::onMessage( Message const & message ) {
-   if ( !flow_ ) return;
+   if ( !origin_.flow ) return;
    LdpMsgParser const & parser = message.parser;
    if ( parser.type() != LdpHello ) {
-      if ( flow_->protocol == protocolTcp ) onSessionMessage( message );
+      if ( connection_ ) onSessionMessage( message );
    } else if ( Agent * const sender = agents_.agentIs( sender_ ) ) {
       if ( parser.validMsg() ) {
-         discovery_.onHello( *sender, *flow_, message.as< LdpHelloMsgParser >(), now_ );
+         discovery_.onHello( *sender, origin_, message.as< LdpHelloMsgParser >() );
       } else {
-         discovery_.onBadHello( *sender, *flow_ );
+         discovery_.onBadHello( *sender, origin_ );
       }
    }
 }
@@ -60,64 +95,73 @@ void Monitor::onSessionMessage( Message const & message ) {
    LdpMsgParser const & parser = message.parser;
    LdpMsgType const type = parser.type();
    // Who the message goes to: an Initialization says so, else whoever was seen at that address.
-   if ( type == LdpInit && parser.validMsg() )
-      receiverIs( message.as< LdpInitMsgParser >().msgSessionParamTlv()->recvLdpIdentifier() );
+   bool const init = type == LdpInit && parser.validMsg();
+   if ( init ) {
+      LdpIdentifier const & named =
+           message.as< LdpInitMsgParser >().msgSessionParamTlv()->recvLdpIdentifier();
+      LdpIdentifier & other = connection_->ends[1 - from_].speaker;
+      if ( !other && !!named && named.lsrId() != sender_.lsrId() ) other = named;
+      receiverIs( other );
+      sessions_.settle( *connection_ );
+   }
    if ( !received_ ) return;
-   Exchange const exchange{ *sent_, *received_, parser, now_ };
+   Exchange const exchange{ *sent_, *received_, parser, agents_.journal().now() };
    sent_->agent.status().statistics()->messageIdIs( parser.msgId() );
    sent_->statistics->ldpMsgTxCountInc( type, 1 );
    received_->statistics->ldpMsgRxCountInc( type, 1 );
-   if ( message.bad() ) {
-      received_->status->sessionStateReasonIs( parser.reason() );
-      return;
+   bool const bad = message.bad();
+   if ( bad ) received_->status->sessionStateReasonIs( parser.reason() );
+   if ( !bad && !parser.validMsg() ) return; // of unknown type, to be ignored
+   bool const typed = ( type == LdpLabelWithdraw || type == LdpLabelRelease ) && isTypedWildcard( parser );
+   if ( bad && !typed ) return;
+   bool const concerns = sessions_.concerns( *connection_, from_, *sent_, *received_, type );
+   if ( init ) {
+      auto facts = std::make_unique< InitFacts >( message.as< LdpInitMsgParser >() );
+      if ( concerns ) sessions_.onInit( *sent_, *received_, *facts );
+      connection_->ends[from_].init = std::move( facts );
    }
-   if ( !parser.validMsg() ) return; // of unknown type, to be ignored
    // What was still under way when the session ended is not heard any more.
-   bool const ended = received_->status->sessionState() == stateNonExist;
-   if ( ended && type != LdpInit && type != LdpNotification ) return;
-   if ( type != LdpNotification ) onSignOfLife( exchange );
+   if ( !concerns ) return;
+   if ( type != LdpNotification ) sessions_.onSignOfLife( exchange );
    switch ( type ) {
-   case LdpInit: return onInit( exchange );
-   case LdpKeepAlive: return onKeepAlive( exchange );
-   case LdpCapability: return onCapability( exchange, *message.capability );
+   case LdpInit: return;
+   case LdpKeepAlive: return sessions_.onKeepAlive( exchange, *connection_, from_ );
+   case LdpCapability: return sessions_.onCapability( exchange, *message.capability );
    case LdpAddress:
-   case LdpAddressWithdraw: return onAddresses( exchange );
-   case LdpNotification: return onNotification( exchange );
-   default: return onLabelMessage( exchange );
+   case LdpAddressWithdraw: return sessions_.onAddresses( exchange );
+   case LdpNotification: return sessions_.onNotification( exchange );
+   default: return typed ? onTypedWildcard( exchange ) : onLabelMessage( exchange );
    }
 }
 
-// Its header may be what is bad, so its sender is whoever was seen at its source.
+// Its header may be what is bad, so its sender is whoever speaks on the connection.
 void Monitor::onBadPdu( Pdu const & pdu ) {
    arrive( pdu.origin );
-   if ( !flow_ || flow_->protocol != protocolTcp ) return;
-   sender_ = agents_.at( addressOf( flow_->source, flow_->addressSize ) );
-   if ( !sender_ ) return;
-   receiverIs( agents_.at( addressOf( flow_->destination, flow_->addressSize ) ) );
+   if ( !connection_ ) return;
+   auto const who = [&]( int end, auto const & octets ) {
+      LdpIdentifier const & known = connection_->ends[end].speaker;
+      return !!known ? known : agents_.at( addressOf( octets, origin_.flow->addressSize ) );
+   };
+   sender_ = who( from_, origin_.flow->source );
+   if ( !!sender_ ) receiverIs( who( 1 - from_, origin_.flow->destination ) );
    if ( received_ ) received_->statistics->ldpPduRxErrorCountInc( 1 );
+   sent_ = received_ = nullptr;
 }
 
 void Monitor::onFatalPdu( Pdu const & pdu, LdpPduGuardResult const & ) { onBadPdu( pdu ); }
 
-// LDP does not use connections that are half closed: with the first sign of an end the session is over.
+void Monitor::onTcpStep( Origin const & origin, TcpStep step ) {
+   arrive( origin );
+   if ( step == TcpStep::syn && connection_->closed ) {
+      connection_ = &connections_.anew( *origin.flow );
+      from_ = connection_->endOf( *origin.flow );
+   }
+   sessions_.onTcpStep( *connection_, *origin.flow, step );
+}
+
 void Monitor::onClose( Origin const & origin ) {
    arrive( origin );
-   LdpIdentifier const a = agents_.at( addressOf( flow_->source, flow_->addressSize ) );
-   LdpIdentifier const b = agents_.at( addressOf( flow_->destination, flow_->addressSize ) );
-   if ( !a || !b || a == b ) return;
-   auto const close = [&]( LdpIdentifier const & own, LdpIdentifier const & peer, U16 localPort,
-                           U16 peerPort ) {
-      Agent * const agent = agents_.agentIs( own );
-      if ( !agent ) return;
-      SessionEnd & end = agent->sessionEnd( peer );
-      SessionState const state = end.status->sessionState();
-      bool const live = state == stateOpenSent || state == stateOpenRecv || state == stateOperational;
-      if ( !live || end.status->localPort() != localPort || end.status->peerPort() != peerPort ) return;
-      endSession( end, LdpSessionState( stateNonExist, tcpConnectionClosed ),
-                  sessionStateStrForStatusCode( tcpConnectionClosed ), now_ );
-   };
-   close( a, b, flow_->sourcePort, flow_->destinationPort );
-   close( b, a, flow_->destinationPort, flow_->sourcePort );
+   sessions_.onClose( *connection_ );
 }
 
 } // namespace LdpTool

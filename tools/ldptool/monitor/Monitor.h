@@ -5,25 +5,30 @@
 
 #include "messages/Reporter.h"
 #include "monitor/discovery/Discovery.h"
+#include "monitor/session/Sessions.h"
 
 namespace LdpTool {
 
 class Monitor : public Reporter {
  public:
-   explicit Monitor( Network & network ) : agents_( network ), discovery_( agents_ ) {}
+   explicit Monitor( Network & network, MonitorLimits const & limits = {}, std::size_t mostFlows = 32768 )
+        : agents_( network, limits ), discovery_( agents_ ), sessions_( agents_ ), connections_( mostFlows ) {
+   }
 
    void onPdu( Pdu const & pdu ) override;
    void onMessage( Message const & message ) override;
    void onBadPdu( Pdu const & pdu ) override;
    void onFatalPdu( Pdu const & pdu, Ldp::LdpPduGuardResult const & fatal ) override;
+   void onTcpStep( Origin const & origin, TcpStep step ) override;
    void onClose( Origin const & origin ) override;
 
-   /// The packet that the monitor has come to.
-   Arrival const & arrival() const { return arrival_; }
-   /// Its time, in seconds since the epoch.
-   double now() const { return now_; }
-   /// How often something was not kept, because there are too many speakers or adjacencies.
-   std::uint64_t refused() const { return agents_.refused() + discovery_.refused(); }
+   /// Nothing has come until that time, in seconds since the epoch.
+   void timeIs( double now );
+
+   /// The packet that the monitor has come to, and all that it has seen change.
+   Journal const & journal() const { return agents_.journal(); }
+   /// What was not kept, because there is too much of it.
+   TurnedAway const & turnedAway() const { return agents_.turnedAway(); }
 
  private:
    void arrive( Origin const & origin );
@@ -32,13 +37,15 @@ class Monitor : public Reporter {
 
    Agents agents_;
    Discovery discovery_;
-   Arrival arrival_;
-   double now_ = 0;
+   Sessions sessions_;
+   Connections connections_;
    double expiredAt_ = 0;
-   // Of the PDU in hand: its flow, its sender, and the ends of the session that it belongs to. They are null
-   // while the receiver is not known.
-   Flow const * flow_ = nullptr;
+   // Of the PDU in hand: where it comes from, its sender, its connection and which end of that the sender is,
+   // and the ends of the session that it belongs to. They are null while the receiver is not known.
+   Origin origin_;
    Ldp::LdpIdentifier sender_;
+   Connection * connection_ = nullptr;
+   int from_ = 0;
    SessionEnd * sent_ = nullptr;
    SessionEnd * received_ = nullptr;
 };

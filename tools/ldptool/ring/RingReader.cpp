@@ -79,7 +79,11 @@ bool readOctets( std::string_view & octets, std::string * text, bool hex ) {
 
 } // namespace
 
-RingReader::RingReader( std::string octets ) : octets_( std::move( octets ) ) {
+RingReader::RingReader( std::string octets ) : held_( std::move( octets ) ), octets_( held_ ) { readAll(); }
+
+RingReader::RingReader( Mapped mapped ) : octets_( mapped.octets ) { readAll(); }
+
+void RingReader::readAll() {
    readHeader();
    readDescriptions();
    readBlocks();
@@ -105,8 +109,7 @@ void RingReader::readHeader() {
 }
 
 void RingReader::readDescriptions() {
-   std::string_view all =
-        std::string_view( octets_ ).substr( header_.descriptionsOffset, header_.descriptionsBytes );
+   std::string_view all = octets_.substr( header_.descriptionsOffset, header_.descriptionsBytes );
    while ( !all.empty() ) {
       U16 size;
       std::string_view entry = all;
@@ -142,8 +145,8 @@ void RingReader::readDescriptions() {
 
 void RingReader::readBlocks() {
    for ( U64 i = 0; i < header_.blockNum; ++i ) {
-      std::string_view octets = std::string_view( octets_ ).substr(
-           header_.blocksOffset + i * header_.blockBytes, header_.blockBytes );
+      std::string_view octets =
+           octets_.substr( header_.blocksOffset + i * header_.blockBytes, header_.blockBytes );
       BlockAt block{};
       std::string_view rest = octets;
       take( rest, block.head );
@@ -201,9 +204,12 @@ bool RingReader::readRecord( std::string_view & octets, BlockAt const & block, W
       // What the ring has lost may leave opens without a close, and the other way round.
       auto & open = writer.open;
       auto const match = std::find_if( open.rbegin(), open.rend(),
-                                       [&]( RingRecord const & o ) { return o.site == record.site; } );
+                                       [&]( Open const & o ) { return o.site == record.site; } );
       if ( match != open.rend() ) {
-         record.text = match->text;
+         record.text.clear();
+         std::string_view items = match->site->items;
+         std::string_view arguments = match->arguments;
+         readItems( items, arguments, &record.text, 0 ); // it could be read before
          record.exact = match->timed;
          if ( record.nanoseconds > match->nanoseconds ) record.took = record.nanoseconds - match->nanoseconds;
          open.erase( match.base() - 1, open.end() );
@@ -214,11 +220,13 @@ bool RingReader::readRecord( std::string_view & octets, BlockAt const & block, W
    }
 
    std::string_view items = record.site->items;
+   std::string_view const arguments = octets;
    if ( !readItems( items, octets, &record.text, 0 ) ) return false;
    record.depth = U32( writer.open.size() );
    if ( record.site->block ) {
       record.kind = RingRecord::open;
-      if ( writer.open.size() < maxDepth ) writer.open.push_back( record );
+      if ( writer.open.size() < maxDepth )
+         writer.open.push_back( { record.site, arguments, record.nanoseconds, record.timed } );
    }
    visit( record );
    return true;

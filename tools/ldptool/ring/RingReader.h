@@ -49,6 +49,11 @@ class RingReader {
  public:
    // The whole file. Throws RingError.
    explicit RingReader( std::string octets );
+   // The same, of octets that outlive the reader: a file that is mapped.
+   struct Mapped {
+      std::string_view octets;
+   };
+   explicit RingReader( Mapped mapped );
 
    U32 processId() const { return header_.processId; }
    // Whether more than one thread wrote.
@@ -66,12 +71,21 @@ class RingReader {
       std::string_view records;
    };
    using Enumeration = std::map< U32, std::string >;
+   // A block that is open. Its text is read once more when it closes: a file of a few megabytes can have a
+   // million blocks open, each with a long text.
+   struct Open {
+      RingSite const * site;
+      std::string_view arguments;
+      U64 nanoseconds;
+      bool timed;
+   };
    // What is known of a thread while its records go by.
    struct Writer {
-      std::vector< RingRecord > open;
+      std::vector< Open > open;
       U64 nanoseconds = 0;
    };
 
+   void readAll();
    void readHeader();
    void readDescriptions();
    void readBlocks();
@@ -83,7 +97,8 @@ class RingReader {
                     unsigned nesting ) const;
    U64 toNanoseconds( U64 ticks, Skein::Block const & head ) const;
 
-   std::string octets_;
+   std::string held_; // unless the file is mapped
+   std::string_view octets_;
    Skein::FileHeader header_{};
    std::map< U16, RingSite > sites_;
    std::map< U16, Enumeration > enumerations_;

@@ -35,6 +35,7 @@ class Output {
       end_ += text.size();
       return *this;
    }
+   Output & operator<<( char const * text ) { return *this << std::string_view( text ); }
    Output & operator<<( char c ) {
       if ( room() == 0 ) flush();
       *end_++ = c;

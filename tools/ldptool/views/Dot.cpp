@@ -1,6 +1,7 @@
 // The network as a graph for Graphviz: a node for each speaker, dashed edges for adjacencies, solid ones for
 // sessions.
 
+#include "monitor/speaker/Agent.h"
 #include "views/Views.h"
 
 #include <set>
@@ -35,6 +36,16 @@ std::string quoted( std::string const & text ) {
    return out + '"';
 }
 
+/// The link, as either end calls it. Where nothing names it, each calls it by its own address.
+std::string linkText( LdpAdjStatus const & adj ) {
+   std::string own = textOf( adj.ldpAdjId().intfId() );
+   std::string peer = textOf( adj.peerSrcIpAddr() );
+   bool const named = own.find_first_not_of( "0123456789abcdef.:" ) != own.npos;
+   if ( named ) return own;
+   if ( peer < own ) std::swap( own, peer );
+   return own + " " + peer;
+}
+
 void printEdge( Output & out, Pair const & pair, std::string const & attributes ) {
    out << "   " << quoted( textOf( pair.first ) ) << " -- " << quoted( textOf( pair.second ) ) << " ["
        << attributes << "];\n";
@@ -51,7 +62,7 @@ void printDot( Output & out, Network const & network ) {
       for ( auto & adj : status.ldpAdjStatusColl()->adjStatusColl() ) {
          LdpAdjId const & id = adj.ldpAdjId();
          Pair const pair = pairOf( speaker, id.ldpIdentifier() );
-         std::string const link = id.adjType() == LdpLinkAdj ? textOf( id.intfId() ) : "targeted";
+         std::string const link = id.adjType() == LdpLinkAdj ? linkText( adj ) : "targeted";
          adjacencies[{ pair, link }].end( pair, speaker ) = "hears";
       }
       for ( auto & session : status.ldpSessionStatusColl()->sessionStatusColl() ) {

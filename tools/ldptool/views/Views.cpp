@@ -1,6 +1,7 @@
 // The tables that an operator knows from a router.
 #include "views/Views.h"
 
+#include "monitor/speaker/Agent.h"
 #include "text/Table.h"
 #include "text/Words.h"
 
@@ -57,9 +58,18 @@ std::string both( std::string const & local, std::string const & remote ) {
    return local == remote ? local : local + "/" + remote;
 }
 
-void printTable( Output & out, LdpIdentifier const & speaker, Table const & table ) {
+/// `empty` says what it means that the table has no rows.
+void printTable( Output & out, LdpIdentifier const & speaker, Table const & table, char const * empty ) {
    out << "speaker " << textOf( speaker ) << '\n';
-   if ( !table.empty() ) table.print( out, 2 );
+   if ( table.empty() ) {
+      out << "  " << empty << '\n';
+   } else {
+      table.print( out, 2 );
+   }
+}
+
+void tellIfNobody( Output & out, Network const & network ) {
+   if ( network.speakers() == 0 ) out << "no speaker: no good hello or session message was seen\n";
 }
 
 std::string adjacencyText( LdpAdjId const & id ) {
@@ -70,25 +80,34 @@ char const * roleName( LdpSessionRole role ) {
    return role == roleActive ? "active" : role == rolePassive ? "passive" : "-";
 }
 
-void addNeighbor( Table & table, Status const & status, LdpIdentifier const & peer,
-                  std::vector< LdpAdjStatus const * > const & adjacencies, double now ) {
+/// How long a session has been what it is, and how it ended last.
+void addSession( Table::Row & row, LdpSessionStatus const & session, LdpIdentifier const & speaker,
+                 Journal const & journal ) {
+   LdpIdentifier const peer = session.ldpSessionId().peerLdpId();
+   row[4] = stateName( session.sessionState() );
+   if ( session.sessionUptime() != 0.0 && journal.oneSided( speaker, peer ) ) row[4] += ", one side seen";
+   if ( session.sessionStateLastChange() != 0.0 )
+      row[5] = durationText( journal.now() - session.sessionStateLastChange() );
+   if ( auto const down = journal.lastDown( speaker, peer ) )
+      row[7] = timeText( down->at ).substr( 0, sizeof "hh:mm:ss" - 1 ) + " " + down->cause;
+}
+
+void addNeighbor( Table & table, Status const & status, LdpIdentifier const & speaker,
+                  LdpIdentifier const & peer, std::vector< LdpAdjStatus const * > const & adjacencies,
+                  Journal const & journal ) {
    auto const session = status.ldpSessionStatusColl()->sessionStatus( LdpSessionId( peer ) );
    auto const config = status.ldpSessionConfigColl()->sessionConfig( LdpSessionId( peer ) );
-   auto const hello = status.ldpPeerConfigColl()->peerConfig( peer );
-   Addr const transport = hello ? hello->peerIpAddr() : session->peerIpAddr();
-   bool const up = session && session->sessionUptime() != 0.0;
-   Table::Row row{ textOf( peer ),
-                   textOf( transport ),
-                   "-",
-                   "-",
-                   session ? stateName( session->sessionState() ) : "-",
-                   up ? durationText( now - session->sessionUptime() ) : "-",
-                   config ? roleName( config->ldpSessionRole() ) : "-" };
+   Table::Row row{
+      textOf( peer ), "-", "-", "-", "-", "-", config ? roleName( config->ldpSessionRole() ) : "-", "-"
+   };
+   if ( session ) addSession( row, *session, speaker, journal );
    for ( auto const * adj : adjacencies ) {
-      row[2] = adjacencyText( adj->ldpAdjId() );
-      row[3] = adj->adjExpireTime() == 0.0
-                    ? "infinite"
-                    : std::to_string( std::int64_t( std::ceil( adj->adjExpireTime() - now ) ) ) + " s";
+      row[1] = adjacencyText( adj->ldpAdjId() );
+      row[2] = textOf( adj->peerSrcIpAddr() );
+      row[3] =
+           adj->adjExpireTime() == 0.0
+                ? "infinite"
+                : std::to_string( std::int64_t( std::ceil( adj->adjExpireTime() - journal.now() ) ) ) + " s";
       table.add( row );
       row.assign( row.size(), "" );
    }
@@ -225,32 +244,44 @@ void addPseudowire( Table & table, PseudowireKey const & key, Pseudowire const &
 
 } // namespace
 
-std::string stateName( SessionState state ) {
-   constexpr std::string_view prefix = "state";
-   std::string name( valueToStrep( state ).view() );
-   return name.starts_with( prefix ) ? name.substr( prefix.size() ) : name;
-}
-
-void printNeighbors( Output & out, Network const & network, double now ) {
+void printNeighbors( Output & out, Network const & network, Journal const & journal ) {
+   tellIfNobody( out, network );
    eachVrf( network, [&]( LdpIdentifier const & speaker, Status const & status ) {
       std::map< LdpIdentifier, std::map< LdpAdjId, LdpAdjStatus const * > > adjacencies;
       for ( auto & session : status.ldpSessionStatusColl()->sessionStatusColl() )
          adjacencies[session.ldpSessionId().peerLdpId()];
       for ( auto & adj : status.ldpAdjStatusColl()->adjStatusColl() )
          adjacencies[adj.ldpAdjId().ldpIdentifier()][adj.ldpAdjId()] = &adj;
-      Table table( { "peer", "transport", "adjacency", "hold left", "session", "uptime", "role" } );
+      Table table(
+           { "peer", "adjacency", "hello from", "hold left", "session", "since", "role", "last down" } );
       for ( auto const & [peer, byId] : adjacencies ) {
          std::vector< LdpAdjStatus const * > ofPeer;
          for ( auto const & [id, adj] : byId )
             ofPeer.push_back( adj );
-         addNeighbor( table, status, peer, ofPeer, now );
+         addNeighbor( table, status, speaker, peer, ofPeer, journal );
       }
-      printTable( out, speaker, table );
+      printTable( out, speaker, table,
+                  "no neighbour: nobody else was heard on its links, and it has no session" );
    } );
+}
+
+void printHistory( Output & out, Journal const & journal, std::optional< LdpIdentifier > const & about ) {
+   Table table( { "time", "frame", "speaker", "peer", "what", "from", "to", "cause" } );
+   for ( Change const & change : journal.changes() ) {
+      if ( about && change.speaker != *about && change.peer != *about ) continue;
+      table.add( { timeText( change.at ), std::to_string( change.at.frame ), textOf( change.speaker ),
+                   textOf( change.peer ), change.subject, change.from, change.to, change.cause } );
+   }
+   if ( table.empty() ) {
+      out << "no changes: no adjacency and no session came or went\n";
+   } else {
+      table.print( out, 0 );
+   }
 }
 
 void printBindings( Output & out, Network const & network,
                     std::optional< Lumo::IpGenPrefix > const & within ) {
+   tellIfNobody( out, network );
    eachVrf( network, [&]( LdpIdentifier const & speaker, Status const & status ) {
       Table table( { "FEC", "local", "peer", "advertised", "its label", "in use" } );
       for ( auto const & fec : fecsWithin( status, within ) )
@@ -262,16 +293,19 @@ void printBindings( Output & out, Network const & network,
          for ( auto const & [fec, state] : p2mp )
             addP2mpBinding( table, status, *state );
       }
-      printTable( out, speaker, table );
+      printTable( out, speaker, table,
+                  within ? "no label bindings within the prefix"
+                         : "no label bindings: no label was mapped on a session that is up" );
    } );
 }
 
 void printPseudowires( Output & out, Network const & network ) {
+   tellIfNobody( out, network );
    eachVrf( network, [&]( LdpIdentifier const & speaker, Status const & status ) {
       Table table( { "peer", "PW ID", "type", "local", "remote", "C bit", "MTU", "status" } );
       for ( auto const & [key, pseudowire] : pseudowiresOf( status ) )
          addPseudowire( table, key, pseudowire );
-      printTable( out, speaker, table );
+      printTable( out, speaker, table, "no pseudowires" );
    } );
 }
 

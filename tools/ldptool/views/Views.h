@@ -3,6 +3,7 @@
 // The tables that an operator knows from a router, of every speaker in the network. They read the model
 // alone.
 
+#include "monitor/speaker/Journal.h"
 #include "monitor/speaker/Network.h"
 #include "text/Output.h"
 
@@ -12,9 +13,11 @@
 
 namespace LdpTool {
 
-/// The neighbours: adjacencies with what is left of their hold times at `now` (seconds since the epoch), and
-/// sessions.
-void printNeighbors( Output & out, Network const & network, double now );
+/// The neighbours: adjacencies with what is left of their hold times at the journal's time, and sessions.
+void printNeighbors( Output & out, Network const & network, Journal const & journal );
+
+/// What has changed between speakers, in order; of all, or of those pairs that the identifier is one of.
+void printHistory( Output & out, Journal const & journal, std::optional< Ldp::LdpIdentifier > const & about );
 
 /// The label bindings of each FEC, of all or of those within a prefix.
 void printBindings( Output & out, Network const & network,
@@ -36,9 +39,6 @@ void eachVrf( Network const & network, Call const & call ) {
       for ( auto & status : speaker->ldpStatusColl()->statusColl() )
          call( id, status );
 }
-
-/// A session's state as a word: "Operational".
-std::string stateName( Ldp::SessionState state );
 
 /// A value's text as a string of the standard library.
 template< class Value >

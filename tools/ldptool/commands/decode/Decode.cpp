@@ -4,6 +4,7 @@
 #include "capture/HexInput.h"
 #include "commands/Commands.h"
 #include "commands/Interruptible.h"
+#include "commands/LimitOptions.h"
 #include "messages/Decoder.h"
 #include "reporters/Full.h"
 #include "reporters/Json.h"
@@ -47,6 +48,7 @@ struct Options {
    bool count = false;
    bool stats = false;
    Selection selection;
+   LimitOptions limits;
 };
 
 /// Prints nothing: the messages are only counted.
@@ -108,8 +110,8 @@ int decode( Options const & options ) {
          if ( !options.hexFile.empty() ) {
             decodeHex( options.hexFile, decoder );
          } else {
-            capture = options.file.empty() ? Capture::interface( options.interface )
-                                           : Capture::file( options.file );
+            capture = options.file.empty() ? Capture::interface( options.interface, options.limits.capture )
+                                           : Capture::file( options.file, options.limits.capture );
             std::optional< Interruptible > ending;
             if ( options.file.empty() ) ending.emplace( *capture );
             capture->run( decoder );
@@ -123,6 +125,10 @@ int decode( Options const & options ) {
       if ( capture && capture->counters().fragments ) {
          std::cerr << "ldptool: " << capture->counters().fragments << " IP fragments, "
                    << capture->counters().reassembled << " packets put together\n";
+      }
+      if ( capture ) {
+         std::string const text = turnedAwayText( {}, capture->counters() );
+         if ( !text.empty() ) std::cerr << "ldptool: " << text << '\n';
       }
       if ( !failure.empty() ) {
          std::cerr << "ldptool: " << failure << '\n';
@@ -160,6 +166,7 @@ void addDecodeCommand( CLI::App & app ) {
         ->delimiter( ',' )
         ->allow_extra_args( false );
    command.add_flag( "--bad", options->selection.badOnly, "print only what is bad" );
+   addLimitOption( command, options->limits );
    command.footer( examples );
    command.callback( [options, types] {
       int const inputs = !options->file.empty() + !options->interface.empty() + !options->hexFile.empty();

@@ -8,9 +8,12 @@
 #include <cstring>
 #include <ctime>
 #include <deque>
-#include <fstream>
+#include <fcntl.h>
 #include <iostream>
 #include <nlohmann/json.hpp>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace LdpTool {
 
@@ -22,17 +25,32 @@ struct RingOptions {
    bool json = false;
 };
 
-std::string readFile( std::string const & path ) {
-   constexpr std::streamoff most = std::streamoff( 1 ) << 32; // no ring is made larger
-   std::ifstream in( path, std::ios::binary | std::ios::ate );
-   if ( !in ) throw RingError( std::strerror( errno ) );
-   std::streamoff const size = in.tellg();
-   if ( size < 0 || size > most ) throw RingError( "no ring trace" );
-   std::string octets( std::size_t( size ), '\0' );
-   in.seekg( 0 );
-   if ( !in.read( octets.data(), size ) ) throw RingError( "cannot be read" );
-   return octets;
-}
+/// A file in memory, page by page as it is read.
+class MappedFile {
+ public:
+   explicit MappedFile( std::string const & path ) {
+      constexpr off_t most = off_t( 1 ) << 32; // no ring is made larger
+      int const file = ::open( path.c_str(), O_RDONLY | O_CLOEXEC );
+      if ( file < 0 ) throw RingError( std::strerror( errno ) );
+      struct stat status;
+      bool const fits = ::fstat( file, &status ) == 0 && S_ISREG( status.st_mode ) && status.st_size <= most;
+      size_ = fits ? std::size_t( status.st_size ) : 0;
+      if ( size_ ) at_ = ::mmap( nullptr, size_, PROT_READ, MAP_PRIVATE, file, 0 );
+      int const error = errno;
+      ::close( file );
+      if ( !size_ ) throw RingError( "no ring trace" );
+      if ( at_ == MAP_FAILED ) throw RingError( std::strerror( error ) );
+   }
+   ~MappedFile() { ::munmap( at_, size_ ); }
+   MappedFile( MappedFile const & ) = delete;
+   MappedFile & operator=( MappedFile const & ) = delete;
+
+   std::string_view octets() const { return { static_cast< char const * >( at_ ), size_ }; }
+
+ private:
+   void * at_ = MAP_FAILED;
+   std::size_t size_ = 0;
+};
 
 std::string timeText( U64 nanoseconds ) {
    std::time_t const second = std::time_t( nanoseconds / 1000000000 );
@@ -83,7 +101,8 @@ std::string jsonOf( RingRecord const & record ) {
 }
 
 void printRing( RingOptions const & options ) {
-   RingReader reader( readFile( options.file ) );
+   MappedFile const file( options.file );
+   RingReader reader( RingReader::Mapped{ file.octets() } );
    auto const out = std::make_unique< Output >( stdout );
    auto const text = [&]( RingRecord const & record ) {
       return options.json ? jsonOf( record ) : lineOf( record, reader.threaded() );

@@ -1,6 +1,7 @@
 // ldptool types: the library's type table.
 
 #include "commands/Commands.h"
+#include "text/Output.h"
 
 #include "Vorn/Entity.h"
 #include "Vorn/GenericIf.h"
@@ -93,19 +94,22 @@ nlohmann::ordered_json typeJson( VornType const & type ) {
    return json;
 }
 
-void printType( VornType const & type ) {
-   std::printf( "%s  %s", type.name, kindOf( type ) );
-   if ( type.base ) std::printf( " : %s", type.base->name );
-   std::printf( "\n" );
+void printType( Output & out, VornType const & type ) {
+   out << type.name << "  " << kindOf( type );
+   if ( type.base ) out << " : " << type.base->name;
+   out << '\n';
+   char line[256];
    for ( VornAttr const * attr = type.attributes; attr && attr->name; ++attr ) {
       if ( attr->kind() == VornKind::enumerator ) {
-         std::printf( "   %-10u %s\n", attr->id(), attr->name );
+         std::snprintf( line, sizeof line, "   %-10u %s\n", attr->id(), attr->name );
+         out << line;
          continue;
       }
-      std::printf( "   0x%-5x %-36s %-16s %-28s", attr->id(), attr->name, kindText( attr->kind() ),
-                   attr->type->name );
-      if ( attr->keyType ) std::printf( " by %s", attr->keyType->name );
-      std::printf( "%s\n", attr->logged() ? "  replicated" : "" );
+      std::snprintf( line, sizeof line, "   0x%-5x %-36s %-16s %-28s", attr->id(), attr->name,
+                     kindText( attr->kind() ), attr->type->name );
+      out << line;
+      if ( attr->keyType ) out << " by " << attr->keyType->name;
+      out << ( attr->logged() ? "  replicated\n" : "\n" );
    }
 }
 
@@ -118,17 +122,20 @@ bool matches( VornType const & type, std::string const & pattern ) {
 }
 
 int typesCommand( TypesOptions const & options ) {
+   auto const output = std::make_unique< Output >( stdout );
+   Output & out = *output;
    bool found = false;
    for ( VornType const * type : Vorn::typeNodes() ) {
       if ( !matches( *type, options.pattern ) ) continue;
       if ( options.json ) {
-         std::cout << typeJson( *type ).dump() << '\n';
+         out << typeJson( *type ).dump() << '\n';
       } else {
-         if ( found ) std::printf( "\n" );
-         printType( *type );
+         if ( found ) out << '\n';
+         printType( out, *type );
       }
       found = true;
    }
+   out.flush();
    if ( found ) return exitGood;
    std::cerr << "ldptool: no type matches " << options.pattern << '\n';
    return exitUsage;

@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -120,6 +121,9 @@ std::string Replica::finish( bool json ) {
 }
 
 void Replica::run( int socket ) {
+   // The terminal's Ctrl-C is for the other process; this one ends with the log.
+   std::signal( SIGINT, SIG_IGN );
+   std::signal( SIGTERM, SIG_IGN );
    int status = 1;
    try {
       auto const demuxer = Vorn::newObject< NboAttrLog::Demuxer >( Vorn::newObject< NboAttrLog::Out >() );

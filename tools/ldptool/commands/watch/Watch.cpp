@@ -3,6 +3,8 @@
 #include "capture/Capture.h"
 #include "commands/Commands.h"
 #include "commands/Interruptible.h"
+#include "commands/LimitOptions.h"
+#include "commands/SpeakerOption.h"
 #include "commands/watch/Replica.h"
 #include "messages/Decoder.h"
 #include "monitor/Monitor.h"
@@ -27,6 +29,8 @@ Examples:
   ldptool watch --json session.pcap | jq .speaker   the same for programs
   ldptool watch --neighbors session.pcap            the neighbours of each speaker, as a router shows them
   ldptool watch --bindings=10.0.0.0/8 session.pcap  the labels of the FECs within a prefix
+  ldptool watch --history=10.0.0.2 session.pcap     when its sessions came and went, and why
+  ldptool watch --neighbors --at 12:30:00 s.pcap    the neighbours as they were then
   ldptool watch --dot session.pcap | dot -Tsvg      a picture of the network
   ldptool watch --follow -i eth0                    each change as it comes
   ldptool watch --replicate --check session.pcap    a second process agrees on all that is replicated
@@ -42,10 +46,13 @@ struct WatchOptions {
    bool neighbors = false;
    std::optional< std::string > bindings; // a prefix, or "all"
    bool pseudowires = false;
+   std::optional< std::string > history; // a peer, or "all"
+   CaptureEnd end;
    bool dot = false;
    bool follow = false;
    bool replicate = false;
    bool check = false;
+   LimitOptions limits;
 };
 
 /// A PDU's worth of messages at a time: what the monitor wrote is taken along before the next PDU.
@@ -82,12 +89,35 @@ std::optional< Lumo::IpGenPrefix > prefixOf( std::string const & text ) {
    }
 }
 
+std::optional< Ldp::LdpIdentifier > peerOf( std::string const & text ) {
+   if ( text == "all" ) return {};
+   return speakerOf( "--history", text );
+}
+
+/// Seconds since the epoch, or hh:mm:ss on the day of the first packet.
+void timeIs( CaptureEnd & end, std::string const & text ) {
+   unsigned hour, minute;
+   double seconds;
+   int read = 0;
+   char const * const whole = text.c_str();
+   if ( std::sscanf( whole, "%2u:%2u:%lf%n", &hour, &minute, &seconds, &read ) == 3 && !whole[read] &&
+        hour < 24 && minute < 60 && seconds >= 0 && seconds < 60 ) {
+      end.timeOfDay = hour * 3600.0 + minute * 60.0 + seconds;
+   } else if ( std::sscanf( whole, "%lf%n", &seconds, &read ) == 1 && !whole[read] && seconds >= 0 ) {
+      end.time = seconds;
+   } else {
+      throw CLI::ValidationError( "--at", text + " is neither hh:mm:ss nor seconds since 1970" );
+   }
+}
+
 /// The views that were asked for; the tree if nothing was.
-void printViews( Output & out, Network const & network, WatchOptions const & options, double now ) {
+void printViews( Output & out, Network const & network, WatchOptions const & options,
+                 Journal const & journal ) {
    bool const others = options.follow || options.check || options.neighbors || options.bindings ||
-                       options.pseudowires || options.dot;
+                       options.pseudowires || options.dot || options.history;
    if ( !others || options.tree || options.json ) printTree( out, network, options );
-   if ( options.neighbors ) printNeighbors( out, network, now );
+   if ( options.neighbors ) printNeighbors( out, network, journal );
+   if ( options.history ) printHistory( out, journal, peerOf( *options.history ) );
    if ( options.bindings ) printBindings( out, network, prefixOf( *options.bindings ) );
    if ( options.pseudowires ) printPseudowires( out, network );
    if ( options.dot ) printDot( out, network );
@@ -97,34 +127,35 @@ int watch( WatchOptions const & options ) {
    try {
       Output out( stdout );
       auto const network = networkFactory( Vorn::Name( "network" ) );
-      Monitor monitor( *network );
+      Monitor monitor( *network, options.limits.monitor, options.limits.capture.flows );
       std::unique_ptr< Replica > replica;
       if ( options.replicate ) replica = std::make_unique< Replica >( *network );
       std::optional< TreeWatcher > watcher;
       if ( options.follow ) {
          watcher.emplace( *network, [&]( TreeChange const & change ) {
-            out << timeText( monitor.arrival() ) << ' ' << change.path << ' ' << change.attribute << " = "
-                << change.value << '\n';
+            out << timeText( monitor.journal().arrival() ) << ' ' << change.path << ' ' << change.attribute
+                << " = " << change.value << '\n';
          } );
       }
       WatchSink sink( monitor, out, replica.get() );
       std::string failure;
+      CaptureCounters counters;
       try {
-         Capture capture =
-              options.file.empty() ? Capture::interface( options.interface ) : Capture::file( options.file );
+         CaptureLimits const & limits = options.limits.capture;
+         Capture capture = options.file.empty() ? Capture::interface( options.interface, limits )
+                                                : Capture::file( options.file, limits );
          std::optional< Interruptible > ending;
          if ( options.file.empty() ) ending.emplace( capture );
-         capture.run( sink );
+         capture.run( sink, options.end );
+         counters = capture.counters();
+         if ( capture.endTime() != CaptureEnd::never ) monitor.timeIs( capture.endTime() );
       } catch ( InputError const & error ) {
          failure = error.what();
       }
       watcher.reset();
-      if ( monitor.refused() ) {
-         std::cerr << "ldptool: more than " << Agents::mostAgents << " speakers, or "
-                   << Discovery::mostOfSpeaker << " adjacencies of one, or " << Discovery::mostInAll
-                   << " of all: " << monitor.refused() << " times something was not kept\n";
-      }
-      printViews( out, *network, options, monitor.now() );
+      if ( std::string const text = turnedAwayText( monitor.turnedAway(), counters ); !text.empty() )
+         std::cerr << "ldptool: " << text << '\n';
+      printViews( out, *network, options, monitor.journal() );
       int result = exitGood;
       if ( replica ) {
          std::string const copy = replica->finish( options.json );
@@ -145,6 +176,8 @@ int watch( WatchOptions const & options ) {
       std::cerr << "ldptool: " << failure << '\n';
    } catch ( OutputError const & error ) {
       std::cerr << "ldptool: " << error.what() << '\n';
+   } catch ( InputError const & error ) { // of the replica
+      std::cerr << "ldptool: " << error.what() << '\n';
    }
    return exitUsage;
 }
@@ -164,17 +197,28 @@ void addWatchCommand( CLI::App & app ) {
    command.add_flag( "--bindings{all}", options->bindings,
                      "print a table of label bindings; =PREFIX limits it" );
    command.add_flag( "--pseudowires", options->pseudowires, "print a table of pseudowires" );
+   command.add_flag( "--history{all}", options->history,
+                     "print each change of an adjacency or session; =PEER limits it to a speaker" );
+   command
+        .add_option_function< std::string >(
+             "--at", [options]( std::string const & text ) { timeIs( options->end, text ); },
+             "show all as it was at that time: hh:mm:ss (UTC, of the first day), or seconds since 1970" )
+        ->type_name( "TIME" );
+   command.add_option( "--until", options->end.frame, "show all as it was with that frame" )
+        ->type_name( "FRAME" );
    command.add_flag( "--dot", options->dot, "print speakers, adjacencies and sessions as a graph for dot" );
    command.add_flag( "--follow", options->follow, "print each change as it comes" );
    auto * const replicate = command.add_flag( "--replicate", options->replicate,
                                               "keep a copy in a second process, fed by the attribute log" );
    command.add_flag( "--check", options->check, "compare the copy instead of printing it" )
         ->needs( replicate );
+   addLimitOption( command, options->limits );
    command.footer( examples );
    command.callback( [options] {
       if ( options->file.empty() == options->interface.empty() )
          throw CLI::ValidationError( "watch", "needs one of FILE and -i IFACE" );
       if ( options->bindings ) prefixOf( *options->bindings ); // wrong ones are told at once
+      if ( options->history ) peerOf( *options->history );
       throw CLI::RuntimeError( watch( *options ) );
    } );
 }

@@ -1,40 +1,51 @@
 #pragma once
 
-// What hellos show: links and targets, adjacencies, peers (RFC 5036, 2.4).
+// What hellos show: links and targets, adjacencies, peers (RFC 5036, 2.4). A capture shows what was sent.
+// That somebody heard it is taken for true where he speaks on the same link himself, or answers.
 
-#include "monitor/speaker/Agent.h"
+#include "capture/PduSink.h"
+#include "monitor/discovery/Links.h"
+#include "monitor/speaker/Deadlines.h"
 
 namespace LdpTool {
 
 class Discovery {
  public:
-   explicit Discovery( Agents & agents ) : agents_( agents ) {}
+   explicit Discovery( Agents & agents ) : agents_( agents ), links_( agents.limits() ) {}
 
    /// A good hello of that speaker.
-   void onHello( Agent & sender, Flow const & flow, Ldp::LdpHelloMsgParser const & hello, double now );
+   void onHello( Agent & sender, Origin const & origin, Ldp::LdpHelloMsgParser const & hello );
    /// A bad one, which is only counted.
-   void onBadHello( Agent & sender, Flow const & flow );
+   void onBadHello( Agent & sender, Origin const & origin );
    /// Adjacencies whose hold time is over go.
-   void expire( double now );
-
-   /// Most adjacencies that are kept, of one speaker and of all. Many can have one hash: targeted hellos of
-   /// one identifier from many addresses, which anybody can invent.
-   static constexpr U32 mostOfSpeaker = 4096;
-   static constexpr std::size_t mostInAll = 65536;
-   /// How often one was too many.
-   std::uint64_t refused() const { return refused_; }
+   void expire();
 
  private:
+   struct Adjacency {
+      Agent * agent;
+      Ldp::LdpAdjId id;
+   };
+   /// The last hello to a target.
+   struct Target {
+      Agent * sender;
+      HelloFacts last;
+   };
+
    bool hasRoom( Ldp::Status & status, Ldp::LdpAdjId const & id );
-   void hear( Agent & agent, Ldp::LdpAdjId const & id, Addr const & source,
-              Ldp::LdpHelloMsgParser const & hello, U16 ownHoldTime, double now );
-   void onLinkHello( Agent & sender, Addr const & source, Ldp::LdpHelloMsgParser const & hello, double now );
+   void hear( Agent & agent, Ldp::LdpAdjId const & id, Addr const & source, HelloFacts const & hello,
+              U16 ownHoldTime );
+   void hearOnLink( Links::Domain const & domain, Port & hearer, Port const & other );
+   void onLinkHello( Agent & sender, Addr const & source, Place const & place, HelloFacts const & facts );
    void onTargetedHello( Agent & sender, Addr const & source, Addr const & destination,
-                         Ldp::LdpHelloMsgParser const & hello, double now );
+                         HelloFacts const & facts );
+   void hearTarget( Agent & hearer, Agent & other, Addr const & source, HelloFacts const & hello,
+                    U16 ownHoldTime );
 
    Agents & agents_;
+   Links links_;
+   std::map< std::pair< Addr, Addr >, Target > targets_; ///< by source and destination
+   Deadlines< Adjacency > expiries_;
    std::size_t adjacencies_ = 0;
-   std::uint64_t refused_ = 0;
 };
 
 } // namespace LdpTool

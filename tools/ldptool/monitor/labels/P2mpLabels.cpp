@@ -71,17 +71,45 @@ void localStateIs( LdpP2mpFecSessionLocalState & local, LdpLocalLabelState to ) 
    local.localLabelSessionStateIs( word );
 }
 
+/// The label that the speaker has sent on this session is in force no longer. What it has sent to another
+/// upstream stays: while the upstream changes there are two (RFC 6388, 2.4).
+void localLabelGone( SessionEnd & end, Fec const & fec, MplsLabel label ) {
+   Status & status = end.agent.status();
+   auto const bindings = status.p2mpLocalLabelBindingTable();
+   bindings->labelBindingDel( fec );
+   auto const state = status.p2mpFecStateColl()->p2mpFecState( fec );
+   if ( !state ) return;
+   state->advertisedTo()->ldpIdentifierDel( end.peer() );
+   if ( state->upstreamLsr() == end.peer() ) state->upstreamLsrIs( LdpIdentifier() );
+   bool kept = false;
+   for ( LdpSessionId const & id : sortedKeys( state->localSessionMemberColl() ) ) {
+      auto const session = status.p2mpFecSessionLocalStateColl()->p2mpFecSessionLocalStateColl( id );
+      auto const other = session ? session->p2mpFecSessionLocalState( LdpFecSessionId( fec, id ) ) : nullptr;
+      if ( !other || other->ephemeralState()->activeLabelState() != mappingSent ) continue;
+      MplsLabel const theirs = other->ephemeralState()->activeLabel();
+      kept = kept || theirs == label;
+      bindings->labelBindingIs( fec, theirs );
+      if ( !state->upstreamLsr() ) state->upstreamLsrIs( id.peerLdpId() );
+   }
+   if ( !kept ) state->mplsLabelSet()->mplsLabelDel( label );
+}
+
 void mapSent( SessionEnd & end, LdpP2mpFecElement const & element, MplsLabel label ) {
    Status & status = end.agent.status();
    auto const state = fecStateIs( end, element );
    Fec const fec = state->p2mpFecId();
+   if ( auto const known = localState( end, fec ) ) {
+      MplsLabel const before = known->ephemeralState()->activeLabel();
+      bool const mapped = known->ephemeralState()->activeLabelState() == mappingSent;
+      localStateIs( *known, noneSent );
+      if ( mapped && before != label ) localLabelGone( end, fec, before );
+   }
    state->localSessionMemberIs( end.id, true );
    state->upstreamLsrIs( end.peer() );
    state->advertisedTo()->ldpIdentifierIs( end.peer() );
    auto const local = status.p2mpFecSessionLocalStateColl()
                            ->p2mpFecSessionLocalStateCollIs( end.id )
                            ->p2mpFecSessionLocalStateIs( LdpFecSessionId( fec, end.id ) );
-   state->mplsLabelSet()->mplsLabelDel( local->ephemeralState()->activeLabel() );
    state->mplsLabelSet()->mplsLabelIs( label, true );
    local->ephemeralState()->activeLabelIs( label );
    localStateIs( *local, mappingSent );
@@ -107,24 +135,14 @@ void mapRcvd( SessionEnd & end, LdpP2mpFecElement const & element, MplsLabel lab
    membersChanged( end, *state );
 }
 
-/// The label that the speaker has sent is in force no longer.
-void localLabelGone( SessionEnd & end, Fec const & fec, MplsLabel label ) {
-   Status & status = end.agent.status();
-   status.p2mpLocalLabelBindingTable()->labelBindingDel( fec );
-   auto const state = status.p2mpFecStateColl()->p2mpFecState( fec );
-   if ( !state ) return;
-   state->mplsLabelSet()->mplsLabelDel( label );
-   state->advertisedTo()->ldpIdentifierDel( end.peer() );
-   if ( state->upstreamLsr() == end.peer() ) state->upstreamLsrIs( LdpIdentifier() );
-}
-
 void peerLabelGone( SessionEnd & end, Fec const & fec ) {
    auto const bindings =
         end.agent.status().p2mpPeerLabelBindingTableColl()->labelBindingTable( routerOf( end.peer() ) );
    if ( bindings ) bindings->labelBindingDel( fec );
 }
 
-void dropLocal( SessionEnd & end, Fec const & fec, LdpP2mpFecSessionLocalState const & local ) {
+void dropLocal( SessionEnd & end, Fec const & fec, LdpP2mpFecSessionLocalState & local ) {
+   localStateIs( local, noneSent );
    localLabelGone( end, fec, local.ephemeralState()->activeLabel() );
    auto const coll = end.agent.status().p2mpFecSessionLocalStateColl();
    auto const session = coll->p2mpFecSessionLocalStateColl( end.id );
@@ -160,7 +178,8 @@ void apply( Exchange const & exchange, Fec const & senderFec, Fec const & receiv
    if ( auto const local = localState( owner, ownerFec ) ) {
       release ? local->ldpMsgRxInc( type, 1 ) : local->ldpMsgTxInc( type, 1 );
       MplsLabel const active = local->ephemeralState()->activeLabel();
-      if ( type == LdpLabelWithdraw && names( label, active ) ) {
+      bool const mapped = local->ephemeralState()->activeLabelState() == mappingSent;
+      if ( type == LdpLabelWithdraw && mapped && names( label, active ) ) {
          localStateIs( *local, withdrawSent );
          localLabelGone( owner, ownerFec, active );
       } else if ( release && names( label, active ) ) {
@@ -177,6 +196,13 @@ void apply( Exchange const & exchange, Fec const & senderFec, Fec const & receiv
          dropRemote( user, userFec );
       }
    }
+}
+
+bool hasRoom( SessionEnd & end, LdpP2mpFecElement const & element ) {
+   auto const session =
+        end.agent.status().p2mpFecSessionLocalStateColl()->p2mpFecSessionLocalStateColl( end.id );
+   return !session || session->p2mpFecSessionLocalStates() < end.agent.limits().fecs ||
+          localState( end, knownFec( end, element ) );
 }
 
 std::vector< Fec > localFecs( SessionEnd & end ) {
@@ -199,6 +225,10 @@ std::vector< Fec > remoteFecs( SessionEnd & end ) {
 
 void onMessage( Exchange const & exchange, LdpP2mpFecElement const & element, AnyLabel label ) {
    if ( exchange.message.type() == LdpLabelMapping ) {
+      if ( !hasRoom( exchange.sender, element ) ) {
+         ++exchange.sender.agent.turnedAway().fecs;
+         return;
+      }
       mapSent( exchange.sender, element, *label );
       mapRcvd( exchange.receiver, element, *label );
    }

@@ -1,242 +1,16 @@
 // What label messages say of prefixes.
 #include "monitor/labels/PrefixLabels.h"
 
-#include <vector>
+#include "monitor/labels/FecEnd.h"
+
+#include <algorithm>
 
 namespace LdpTool::PrefixLabels {
 
 using namespace Ldp;
-using Fec = Mpls::FwdEqvClass;
 using Lumo::MplsLabel;
 
 namespace {
-
-/// One end of a session with its state of one FEC. The state is null where nothing was ever said.
-struct FecEnd {
-   FecEnd( SessionEnd & e, Fec const & f ) : end( e ), fec( f ), model( e.agent.status() ) {
-      state = model.ldpFecSessionStatusColl()->fecSessionStatus( id() );
-   }
-
-   /// Looked up only where something changes: most messages repeat what is known.
-   LdpFecConfig & config() {
-      if ( !config_ ) config_ = model.ldpFecConfigColl()->fecConfigIs( fec );
-      return *config_;
-   }
-
-   LdpFecSessionId id() const { return LdpFecSessionId( fec, end.id ); }
-
-   /// Makes the state if there is none.
-   void create() {
-      if ( state ) return;
-      config().membershipIs( fecMemberSessionSm, true );
-      config().sessionMemberIs( end.id, true );
-      auto const coll = model.ldpFecSessionStatusColl();
-      state = coll->fecSessionStatusIs( id() );
-      coll->fecSessionStatusBySessionCollIs( end.id )->fecSessionStatusIs( id(), state );
-   }
-
-   void drop();
-   void dropIfIdle() {
-      if ( state && state->localLabelStates() == 0 && state->peerLabelStates() == 0 &&
-           state->msgIdReqMsgs() == 0 && !state->localLabelSessionState().peerReqMsgOutstanding() )
-         drop();
-   }
-
-   void mapSent( MplsLabel label );
-   void mapRcvd( MplsLabel label );
-   void withdrawSent( MplsLabel label, double now );
-   void withdrawRcvd( MplsLabel label );
-   void releaseSent( MplsLabel label );
-   void releaseRcvd( MplsLabel label );
-   void localLabelGone( MplsLabel label );
-   void peerLabelGone( MplsLabel label );
-   void rebind( Mpls::LabelBindingTable & bindings, MplsLabel gone, AnyLabel left );
-   void requestAnswered( U32 msgId );
-
-   /// The labels in either collection of states that the message names.
-   template< class Labels >
-   static std::vector< MplsLabel > named( Labels const & labels, AnyLabel label ) {
-      std::vector< MplsLabel > found;
-      for ( MplsLabel each : sortedKeys( labels ) )
-         if ( names( label, each ) ) found.push_back( each );
-      return found;
-   }
-   /// A FEC has one label, or two while one takes the other's place. Each change goes through all of them, so
-   /// a peer that never stops is not followed.
-   bool hasTooManyLabels() const {
-      constexpr U32 most = 1024;
-      return state && state->localLabelStates() >= most;
-   }
-   bool anyLocal( LdpLocalLabelState which ) const {
-      for ( auto const & node : state->localLabelStateColl() )
-         if ( node.value() == which ) return true;
-      return false;
-   }
-   bool anyPeer( LdpPeerLabelState which ) const {
-      for ( auto const & node : state->peerLabelStateColl() )
-         if ( node.value() == which ) return true;
-      return false;
-   }
-
-   /// Changes some bits of a state word.
-   template< class Change >
-   void localWord( Change const & change ) {
-      auto word = state->localLabelSessionState();
-      word.localLabelSessionMembershipIs( true );
-      change( word );
-      state->localLabelSessionStateIs( word );
-   }
-   template< class Change >
-   void peerWord( Change const & change ) {
-      auto word = state->peerLabelSessionState();
-      word.peerLabelSessionMembershipIs( true );
-      change( word );
-      state->peerLabelSessionStateIs( word );
-   }
-
-   SessionEnd & end;
-   Fec const fec;
-   Status & model;
-   Vorn::Ptr< LdpFecSessionStatus > state;
-
- private:
-   Vorn::Ptr< LdpFecConfig > config_;
-};
-
-void FecEnd::mapSent( MplsLabel label ) {
-   create();
-   if ( state->localLabelState( label ) == mappingSent ) return;
-   state->localLabelStateIs( label, mappingSent );
-   state->withdrawLabelDel( label );
-   config().mplsLabelSet()->mplsLabelIs( label, true );
-   config().advertisedTo()->ldpIdentifierIs( end.peer() );
-   model.localLabelBindingTable()->labelBindingIs( fec, label );
-   model.index()->labelToFecIs( label )->fecIs( fec );
-   localWord( []( auto & word ) { word.localMappingSentIs( true ); } );
-}
-
-void FecEnd::mapRcvd( MplsLabel label ) {
-   create();
-   if ( state->peerLabelState( label ) == mappingRcvd ) return;
-   state->peerLabelStateIs( label, mappingRcvd );
-   config().mappedLsrIs( end.peer(), true );
-   if ( config().downstreamLsr( end.peer() ) ) config().downstreamLsrMappingAvailIs( true );
-   model.peerLabelBindingTableColl()
-        ->labelBindingTableIs( routerOf( end.peer() ) )
-        ->labelBindingIs( fec, label );
-   peerWord( []( auto & word ) {
-      word.peerLabelMappingCachedIs( true );
-      word.peerNoLabelResourceIs( false );
-   } );
-}
-
-void FecEnd::withdrawSent( MplsLabel label, double now ) {
-   state->localLabelStateIs( label, LdpLocalLabelState::withdrawSent );
-   state->withdrawLabelIs( label, now );
-   localLabelGone( label );
-   localWord( []( auto & word ) { word.peerReleaseOutstandingIs( true ); } );
-}
-
-void FecEnd::withdrawRcvd( MplsLabel label ) {
-   state->peerLabelStateIs( label, LdpPeerLabelState::withdrawRcvd );
-   peerLabelGone( label );
-   peerWord( []( auto & word ) {
-      word.peerLabelWithdrawMsgRcvdIs( true );
-      word.peerLabelReleaseMsgOutstandingIs( true );
-   } );
-}
-
-void FecEnd::releaseSent( MplsLabel label ) {
-   state->localLabelActivelyReleasedIs( state->peerLabelState( label ) == mappingRcvd );
-   state->peerLabelStateDel( label );
-   peerLabelGone( label );
-   bool const more = anyPeer( LdpPeerLabelState::withdrawRcvd );
-   peerWord( [&]( auto & word ) {
-      word.localRelMsgSentIs( true );
-      word.peerLabelReleaseMsgOutstandingIs( more );
-   } );
-}
-
-void FecEnd::releaseRcvd( MplsLabel label ) {
-   bool const active = state->localLabelState( label ) == mappingSent;
-   state->localLabelStateDel( label );
-   state->withdrawLabelDel( label );
-   localLabelGone( label );
-   bool const more = anyLocal( LdpLocalLabelState::withdrawSent );
-   localWord( [&]( auto & word ) {
-      if ( active ) word.peerEverSentActiveReleaseIs( true );
-      word.peerReleaseOutstandingIs( more );
-   } );
-}
-
-// The session has the label no longer; the FEC keeps it for as long as another session has it.
-void FecEnd::localLabelGone( MplsLabel label ) {
-   bool const sent = anyLocal( mappingSent );
-   localWord( [&]( auto & word ) { word.localMappingSentIs( sent ); } );
-   if ( !sent ) config().advertisedTo()->ldpIdentifierDel( end.peer() );
-   for ( auto const & member : config().sessionMemberColl() ) {
-      auto const other =
-           model.ldpFecSessionStatusColl()->fecSessionStatus( LdpFecSessionId( fec, member.key() ) );
-      if ( other && other->localLabelState( label ) == mappingSent ) return;
-   }
-   config().mplsLabelSet()->mplsLabelDel( label );
-   if ( auto const users = model.index()->labelToFec( label ) ) {
-      users->fecDel( fec );
-      if ( users->fecs() == 0 ) model.index()->labelToFecDel( label );
-   }
-   auto const left = sortedKeys( config().mplsLabelSet()->mplsLabelColl() );
-   rebind( *model.localLabelBindingTable(), label, left.empty() ? AnyLabel() : AnyLabel( left.front() ) );
-}
-
-void FecEnd::peerLabelGone( MplsLabel label ) {
-   bool const cached = anyPeer( mappingRcvd );
-   peerWord( [&]( auto & word ) { word.peerLabelMappingCachedIs( cached ); } );
-   if ( !cached ) {
-      config().mappedLsrDel( end.peer() );
-      if ( config().downstreamLsr( end.peer() ) ) config().downstreamLsrMappingAvailIs( false );
-   }
-   AnyLabel left;
-   for ( auto const & node : state->peerLabelStateColl() )
-      if ( node.value() == mappingRcvd && ( !left || node.key() < *left ) ) left = node.key();
-   auto const bindings = model.peerLabelBindingTableColl()->labelBindingTable( routerOf( end.peer() ) );
-   if ( bindings ) rebind( *bindings, label, left );
-}
-
-// A table has room for one label of each FEC, though several can be in force for a while.
-void FecEnd::rebind( Mpls::LabelBindingTable & bindings, MplsLabel gone, AnyLabel left ) {
-   if ( !bindings.labelBindingHas( fec ) || bindings.labelBinding( fec ) != gone ) return;
-   if ( left ) {
-      bindings.labelBindingIs( fec, *left );
-   } else {
-      bindings.labelBindingDel( fec );
-   }
-}
-
-// Nothing is left to be said about the FEC on this session: it goes from the session's view first, then from
-// its owner, and the FEC itself goes with its last session.
-void FecEnd::drop() {
-   auto const coll = model.ldpFecSessionStatusColl();
-   if ( auto const view = coll->fecSessionStatusBySessionColl( end.id ) ) view->fecSessionStatusDel( id() );
-   coll->fecSessionStatusDel( id() );
-   state = nullptr;
-   config().sessionMemberDel( end.id );
-   config().sessionRxReqTimeDel( end.id );
-   config().downstreamLsrDel( end.peer() );
-   if ( config().sessionMembers() == 0 ) {
-      config().membershipDel( fecMemberSessionSm );
-      model.ldpFecConfigColl()->fecConfigDel( fec );
-      config_ = nullptr;
-   }
-}
-
-// The speaker's Label Request has its answer.
-void FecEnd::requestAnswered( U32 msgId ) {
-   state->localLabelRequestMsgIdAckedIs( msgId );
-   state->msgIdReqMsgDel( msgId );
-   bool const more = state->msgIdReqMsgs() != 0;
-   peerWord( [&]( auto & word ) { word.localReqMsgOutstandingIs( more ); } );
-   end.statistics->ldpMsgIdFecMappingInfoDel( msgId );
-}
 
 void answered( FecEnd & requested, FecEnd & requester, U32 msgId ) {
    if ( requester.state ) requester.requestAnswered( msgId );
@@ -246,9 +20,13 @@ void answered( FecEnd & requested, FecEnd & requester, U32 msgId ) {
 }
 
 void onMapping( Exchange const & exchange, FecEnd & sender, FecEnd & receiver, MplsLabel label ) {
+   auto const & mapping = static_cast< LdpLabelMappingMsgParser const & >( exchange.message );
+   if ( !mapping.msgReqMsgIdTlv() ) {
+      sender.replaceSent( label );
+      receiver.replaceRcvd( label );
+   }
    sender.mapSent( label );
    receiver.mapRcvd( label );
-   auto const & mapping = static_cast< LdpLabelMappingMsgParser const & >( exchange.message );
    if ( mapping.msgReqMsgIdTlv() ) answered( sender, receiver, mapping.msgReqMsgIdTlv()->reqMsgId() );
 }
 
@@ -272,11 +50,12 @@ void onRequest( Exchange const & exchange, FecEnd & sender, FecEnd & receiver ) 
 void onWithdraw( Exchange const & exchange, FecEnd & sender, FecEnd & receiver, AnyLabel label ) {
    if ( sender.state ) {
       for ( MplsLabel each : FecEnd::named( sender.state->localLabelStateColl(), label ) )
-         sender.withdrawSent( each, exchange.now );
+         if ( sender.state->localLabelState( each ) == mappingSent )
+            sender.withdrawSent( each, exchange.now );
    }
    if ( receiver.state ) {
       for ( MplsLabel each : FecEnd::named( receiver.state->peerLabelStateColl(), label ) )
-         receiver.withdrawRcvd( each );
+         if ( receiver.state->peerLabelState( each ) == mappingRcvd ) receiver.withdrawRcvd( each );
    }
 }
 
@@ -290,6 +69,12 @@ void onRelease( Exchange const & exchange, FecEnd & sender, FecEnd & receiver, A
       for ( MplsLabel each : FecEnd::named( receiver.state->localLabelStateColl(), label ) )
          receiver.releaseRcvd( each );
    }
+}
+
+bool hasRoom( FecEnd const & end ) {
+   if ( end.state ) return true;
+   auto const view = end.model.ldpFecSessionStatusColl()->fecSessionStatusBySessionColl( end.end.id );
+   return !view || view->fecSessionStatuss() < end.end.agent.limits().fecs;
 }
 
 // The FECs of the session at that end.
@@ -306,6 +91,11 @@ void onMessage( Exchange const & exchange, Fec const & fec, AnyLabel label ) {
    FecEnd sender( exchange.sender, fec );
    FecEnd receiver( exchange.receiver, fec );
    LdpMsgType const type = exchange.message.type();
+   if ( ( type == LdpLabelMapping || type == LdpLabelRequest ) &&
+        !( hasRoom( sender ) && hasRoom( receiver ) ) ) {
+      ++exchange.sender.agent.turnedAway().fecs;
+      return;
+   }
    switch ( type ) {
    case LdpLabelMapping:
       if ( !sender.hasTooManyLabels() ) onMapping( exchange, sender, receiver, *label );
@@ -321,8 +111,30 @@ void onMessage( Exchange const & exchange, Fec const & fec, AnyLabel label ) {
    receiver.dropIfIdle();
 }
 
-void onWildcard( Exchange const & exchange, AnyLabel label ) {
-   for ( Fec const & fec : fecsOf( exchange.sender ) )
+// A withdraw is about what its sender has mapped, a release about what its sender has got. What the last
+// wildcard took is not looked at again. One with a label goes by the label, whose owner has an index of them.
+void onWildcard( Exchange const & exchange, AnyLabel label, Lumo::AddressFamily family ) {
+   bool const release = exchange.message.type() == LdpLabelRelease;
+   auto const meant = [&]( Fec const & fec ) {
+      return family == Lumo::noFamily || fec.prefix().address().family() == family;
+   };
+   std::vector< Fec > fecs;
+   if ( label ) {
+      SessionEnd & owner = release ? exchange.receiver : exchange.sender;
+      if ( auto const users = owner.agent.status().index()->labelToFec( *label ) )
+         fecs = sortedKeys( users->fecColl() );
+      // Withdrawn labels are not in the index, but are still to be released.
+      if ( release ) fecs.insert( fecs.end(), exchange.sender.held.begin(), exchange.sender.held.end() );
+      std::erase_if( fecs, [&]( Fec const & fec ) { return !meant( fec ); } );
+   } else {
+      auto & list = release ? exchange.sender.held : exchange.sender.mapped;
+      auto const others = std::stable_partition( list.begin(), list.end(), meant );
+      fecs.assign( list.begin(), others );
+      list.erase( list.begin(), others );
+   }
+   std::sort( fecs.begin(), fecs.end() );
+   fecs.erase( std::unique( fecs.begin(), fecs.end() ), fecs.end() );
+   for ( Fec const & fec : fecs )
       onMessage( exchange, fec, label );
 }
 
@@ -348,7 +160,7 @@ void onNotification( Exchange const & exchange, LdpStatusTlv const & status ) {
    requester.dropIfIdle();
 }
 
-void forget( SessionEnd & end ) {
+void forget( SessionEnd & end, bool keepsPeerLabels ) {
    for ( Fec const & fec : fecsOf( end ) ) {
       FecEnd state( end, fec );
       for ( MplsLabel label : FecEnd::named( state.state->localLabelStateColl(), {} ) ) {
@@ -356,12 +168,31 @@ void forget( SessionEnd & end ) {
          state.localLabelGone( label );
       }
       for ( MplsLabel label : FecEnd::named( state.state->peerLabelStateColl(), {} ) ) {
+         if ( keepsPeerLabels && state.state->peerLabelState( label ) == mappingRcvd ) continue;
          state.state->peerLabelStateDel( label );
          state.peerLabelGone( label );
       }
-      state.drop();
+      if ( state.state->peerLabelStates() == 0 ) {
+         state.drop();
+         continue;
+      }
+      end.stale.insert( fec );
+      state.config().membershipIs( fecMemberSessionGr, true );
    }
-   end.agent.status().ldpFecSessionStatusColl()->fecSessionStatusBySessionCollDel( end.id );
+   end.mapped.clear();
+   end.held.clear();
+   if ( end.stale.empty() )
+      end.agent.status().ldpFecSessionStatusColl()->fecSessionStatusBySessionCollDel( end.id );
+}
+
+void forgetStale( SessionEnd & end ) {
+   for ( Fec const & fec : std::exchange( end.stale, {} ) ) {
+      FecEnd state( end, fec );
+      if ( !state.state ) continue;
+      state.config().membershipDel( fecMemberSessionGr );
+      state.dropPeerLabels( {} );
+      state.dropIfIdle();
+   }
 }
 
 } // namespace LdpTool::PrefixLabels

@@ -136,6 +136,18 @@ auto mapped( SessionEnd & end, PwFwdEqvClassInfo const & fec, MplsLabel label, L
    return status;
 }
 
+Pseudowire::PseudowireConnectorStatus connectorOf( Pseudowire::PseudowireLdpStatusFlags const & flags ) {
+   return flags.value() == 0 ? Pseudowire::pwConnectorUp : Pseudowire::pwConnectorDown;
+}
+
+/// The speaker's own status has changed.
+void statusIs( SessionEnd & end, Id const & id, Pseudowire::PseudowireLdpStatusFlags const & flags ) {
+   Status & model = end.agent.status();
+   Local::configs( model )->fecSessionConfig( id )->pwStatusFlagsIs( flags );
+   auto const request = model.pwConfigColl()->config( keyOf( end, id.pwFwdEqvClass().pwId() ) );
+   if ( request ) request->statusIs( connectorOf( flags ) );
+}
+
 /// The request that must stand behind what the speaker signals.
 void requestIs( SessionEnd & end, PwFwdEqvClassInfo const & fec, MplsLabel label,
                 LdpPwStatusTlv const * tlv ) {
@@ -161,15 +173,16 @@ void onMapping( Exchange const & exchange, PwFwdEqvClassInfo const & fec, MplsLa
    auto const * tlv = static_cast< LdpLabelMappingMsgParser const & >( exchange.message ).msgPwStatusTlv();
    auto const local = mapped< Local >( exchange.sender, fec, label, tlv );
    requestIs( exchange.sender, fec, label, tlv );
+   // A label that was withdrawn before is still to be released, if it is not this one.
+   if ( local->labelWithdrawOutstanding() == label ) local->labelWithdrawOutstandingIs( MplsLabel() );
    local->mappingActiveIs( true );
    local->fecSessionStateIs( pwFecSessionActive );
    local->labelMappingSentIs( label );
-   local->labelWithdrawOutstandingIs( MplsLabel() );
    auto localWord = local->labelSessionState();
    localWord.localLabelSessionMembershipIs( true );
    localWord.localMappingSentIs( true );
    localWord.peerReqMsgOutstandingIs( false );
-   localWord.peerReleaseOutstandingIs( false );
+   localWord.peerReleaseOutstandingIs( local->labelWithdrawOutstanding() != MplsLabel() );
    local->labelSessionStateIs( localWord );
 
    auto const remote = mapped< Remote >( exchange.receiver, fec, label, tlv );
@@ -177,12 +190,15 @@ void onMapping( Exchange const & exchange, PwFwdEqvClassInfo const & fec, MplsLa
    for ( MplsLabel each : sortedKeys( remote->mplsLabelSet()->mplsLabelColl() ) )
       remote->mplsLabelSet()->mplsLabelDel( each );
    remote->mplsLabelSet()->mplsLabelIs( label, true );
+   remote->mplsReleaseLabelSet()->mplsLabelDel( label );
    remote->peerPwStatusMethodIs( tlv ? pwStatusMethodTlv : pwStatusMethodWithdraw );
    remote->pwStatusFlagsIs( tlv ? tlv->pwStatusField().flags() : Pseudowire::PseudowireLdpStatusFlags() );
    remote->lastMsgTypeWithdrawIs( false );
    auto remoteWord = remote->labelSessionState();
    remoteWord.peerLabelSessionMembershipIs( true );
    remoteWord.peerLabelMappingCachedIs( true );
+   remoteWord.peerLabelWithdrawMsgRcvdIs( false );
+   remoteWord.peerLabelReleaseMsgOutstandingIs( remote->mplsReleaseLabelSet()->mplsLabels() != 0 );
    remote->labelSessionStateIs( remoteWord );
    negotiate( exchange.sender, keyOf( exchange.sender, fec.pwId() ) );
    negotiate( exchange.receiver, keyOf( exchange.receiver, fec.pwId() ) );
@@ -191,7 +207,7 @@ void onMapping( Exchange const & exchange, PwFwdEqvClassInfo const & fec, MplsLa
 /// The speaker takes its label back; the pseudowire stays until the peer has released it.
 void withdrawSent( SessionEnd & end, Id const & id, AnyLabel label ) {
    auto const local = Local::statuses( end.agent.status() )->fecSessionStatus( id );
-   if ( !names( label, local->labelMappingSent() ) ) return;
+   if ( !local->mappingActive() || !names( label, local->labelMappingSent() ) ) return;
    local->mappingActiveIs( false );
    local->labelWithdrawOutstandingIs( local->labelMappingSent() );
    auto word = local->labelSessionState();
@@ -203,7 +219,7 @@ void withdrawSent( SessionEnd & end, Id const & id, AnyLabel label ) {
 void withdrawRcvd( SessionEnd & end, Id const & id, AnyLabel label, U32 msgId ) {
    auto const remote = Remote::statuses( end.agent.status() )->fecSessionStatus( id );
    MplsLabel const mapped = Remote::configs( end.agent.status() )->fecSessionConfig( id )->label();
-   if ( !names( label, mapped ) ) return;
+   if ( !remote->labelSessionState().peerLabelMappingCached() || !names( label, mapped ) ) return;
    remote->labelWithdrawMsgIdIs( msgId );
    remote->labelWithdrawLabelIs( mapped );
    remote->lastMsgTypeWithdrawIs( true );
@@ -216,10 +232,37 @@ void withdrawRcvd( SessionEnd & end, Id const & id, AnyLabel label, U32 msgId ) 
    remote->labelSessionStateIs( word );
 }
 
-template< class Direction >
-void dropNamed( SessionEnd & end, Id const & id, AnyLabel label ) {
-   if ( names( label, Direction::configs( end.agent.status() )->fecSessionConfig( id )->label() ) )
-      drop< Direction >( end, id );
+/// A release ends the pseudowire at that end, if it is about the label in force; one of a label before it
+/// ends what was outstanding.
+void releaseRcvd( SessionEnd & end, Id const & id, AnyLabel label ) {
+   auto const local = Local::statuses( end.agent.status() )->fecSessionStatus( id );
+   MplsLabel const before = local->labelWithdrawOutstanding();
+   bool const ofBefore = before != MplsLabel() && names( label, before );
+   if ( names( label, local->labelMappingSent() ) && !( local->mappingActive() && ofBefore && !label ) ) {
+      drop< Local >( end, id );
+   } else if ( ofBefore ) {
+      local->labelWithdrawOutstandingIs( MplsLabel() );
+      auto word = local->labelSessionState();
+      word.peerReleaseOutstandingIs( false );
+      local->labelSessionStateIs( word );
+   }
+}
+
+void releaseSent( SessionEnd & end, Id const & id, AnyLabel label ) {
+   auto const remote = Remote::statuses( end.agent.status() )->fecSessionStatus( id );
+   auto const before = remote->mplsReleaseLabelSet();
+   bool const ofBefore = label ? before->mplsLabel( *label ) : before->mplsLabels() != 0;
+   bool const inForce = remote->labelSessionState().peerLabelMappingCached();
+   MplsLabel const present = Remote::configs( end.agent.status() )->fecSessionConfig( id )->label();
+   if ( inForce ? names( label, present ) && ( label || !ofBefore ) : ofBefore || names( label, present ) ) {
+      drop< Remote >( end, id );
+   } else if ( ofBefore ) {
+      for ( MplsLabel each : sortedKeys( before->mplsLabelColl() ) )
+         if ( names( label, each ) ) before->mplsLabelDel( each );
+      auto word = remote->labelSessionState();
+      word.peerLabelReleaseMsgOutstandingIs( before->mplsLabels() != 0 );
+      remote->labelSessionStateIs( word );
+   }
 }
 
 template< class Direction >
@@ -241,9 +284,9 @@ void onWithdraw( Exchange const & exchange, std::vector< Id > const & local, std
 void onRelease( Exchange const & exchange, std::vector< Id > const & local, std::vector< Id > const & remote,
                 AnyLabel label ) {
    for ( Id const & id : local )
-      dropNamed< Local >( exchange.receiver, id, label );
+      releaseRcvd( exchange.receiver, id, label );
    for ( Id const & id : remote )
-      dropNamed< Remote >( exchange.sender, id, label );
+      releaseSent( exchange.sender, id, label );
 }
 
 } // namespace
@@ -285,7 +328,7 @@ void onNotification( Exchange const & exchange, LdpNotificationMsgParser const &
       if ( element->type() != pwIdElement ) continue;
       auto const & fec = element->pwFwdEqvCls();
       for ( Id const & id : named< Local >( exchange.sender, fec ) )
-         Local::configs( exchange.sender.agent.status() )->fecSessionConfig( id )->pwStatusFlagsIs( flags );
+         statusIs( exchange.sender, id, flags );
       for ( Id const & id : named< Remote >( exchange.receiver, fec ) ) {
          Status & model = exchange.receiver.agent.status();
          Remote::configs( model )->fecSessionConfig( id )->pwStatusFlagsIs( flags );

@@ -16,143 +16,121 @@ using namespace Ldp;
 
 namespace {
 
-constexpr U16 smallestMaxPdu = 256; // a smaller proposal stands for the default (RFC 5036, 3.5.3)
-constexpr U32 connectionClient = 1; // there is one client in the model of a speaker
-
-void stateIs( SessionEnd & end, LdpSessionState const & state, Vorn::String const & reason, double now ) {
-   LdpSessionStatus & status = *end.status;
-   if ( status.ldpSessionState() == state ) return;
-   status.ldpSessionStateIs( state );
-   status.sessionStateLastChangeIs( now );
-   status.sessionStateCountInc( state.sessionState(), 1 );
-   status.sessionStateReasonIs( reason );
-   status.sessionStateLogEntryColl()->addSessionStateLogEntry(
-        LdpSessionStateLogEntry( now, state.sessionState(), state.code(), reason ) );
-}
-
-void operational( SessionEnd & end, Vorn::String const & reason, double now ) {
-   stateIs( end, LdpSessionState( stateOperational, success ), reason, now );
-   end.status->sessionUptimeIs( now );
-   end.status->sessionOpStateIs( opStateAddrExchange );
-}
-
-LdpLabelAdvDspl disciplineOf( Agent & agent ) {
-   return agent.status().ldpSessionConfigColl()->ldpSessionCommonConfig()->ldpLabelAdvDspl();
-}
-
-/// What both ends' proposals come to, once both have spoken.
-void negotiate( SessionEnd & end, Agent & peer ) {
-   Agent & own = end.agent;
-   if ( !own.keepAliveTime || !peer.keepAliveTime ) return;
-   end.status->operKeepAliveTimeIs( std::min( own.keepAliveTime, peer.keepAliveTime ) );
-   end.status->operMaxPduLengthIs( std::min( own.maxPduLength, peer.maxPduLength ) );
-   bool const asked = disciplineOf( own ) == onDemand && disciplineOf( peer ) == onDemand;
-   end.status->operLabelAdvDsplIs( asked ? onDemand : unSolicited );
-}
-
 template< class Parser >
 Parser const & as( Exchange const & exchange ) {
    return static_cast< Parser const & >( exchange.message );
 }
 
+LdpLabelAdvDspl disciplineOf( Proposal const & proposal ) {
+   return proposal.onDemand ? onDemand : unSolicited;
+}
+
 } // namespace
 
-void connectionIs( SessionEnd & end, Flow const & flow, bool isSource, double now ) {
-   LdpSessionStatus & session = *end.status;
-   Addr const source = addressOf( flow.source, flow.addressSize );
-   Addr const destination = addressOf( flow.destination, flow.addressSize );
-   Addr const & local = isSource ? source : destination;
-   Addr const & peer = isSource ? destination : source;
-   U16 const localPort = isSource ? flow.sourcePort : flow.destinationPort;
-   U16 const peerPort = isSource ? flow.destinationPort : flow.sourcePort;
-   if ( session.localIpAddr() == local && session.localPort() == localPort && session.peerIpAddr() == peer &&
-        session.peerPort() == peerPort )
-      return;
-   if ( session.sessionState() == stateOperational )
-      endSession( end, LdpSessionState( stateNonExist, tcpConnectionClosed ), "another connection", now );
-   Status & status = end.agent.status();
-   if ( auto const known = status.index()->peerToSession( session.peerIpAddr() ) ) {
-      known->sessionIdDel( end.id );
-      if ( known->sessionIds() == 0 ) status.index()->peerToSessionDel( session.peerIpAddr() );
-   }
-   session.localIpAddrIs( local );
-   session.localPortIs( localPort );
-   session.peerIpAddrIs( peer );
-   session.peerPortIs( peerPort );
-   status.index()->peerToSessionIs( peer )->sessionIdIs( end.id, true );
-   stateIs( end, LdpSessionState( stateInitialized, success ), "connected", now );
-
-   // The passive end is the one at the protocol's port (RFC 5036, 2.5.2).
-   bool const active = localPort != ldpPort;
-   auto const config = status.ldpSessionConfigColl()->sessionConfigIs( end.id );
-   status.ldpSessionConfigColl()->ldpSessionCommonConfig()->ipTransportAddrIs( local );
-   config->localLdpIdentifierIs( end.agent.id() );
-   config->peerIpAddrIs( peer );
-   config->ldpSessionRoleIs( active ? roleActive : rolePassive );
-   session.tcpClientConnEnabledIs( active );
-   if ( active ) {
-      status.ldpTcpConnConfigColl()->connConfigDel( end.peer() ); // its server may be another
-      status.ldpTcpConnConfigColl()
-           ->connConfigIs( peer, Lumo::Port( peerPort ), local, end.peer() )
-           ->enabledIs( true );
-      auto const connection = status.ldpTcpConnStatusColl()->connStatusIs( end.peer(), connectionClient );
-      connection->connectionAttemptCountIs( connection->connectionAttemptCount() + 1 );
-      connection->connectionSuccessCountIs( connection->connectionSuccessCount() + 1 );
-      connection->connectionStatusIs( Lumo::tcpConnected );
-   } else {
-      status.ldpTcpServerStatus()->listeningIs( true );
-      if ( peer.family() == Lumo::ipv4 ) status.ldpTcpServerStatus()->clientCountInc( peer.ipAddr(), 1 );
-   }
+void Sessions::changed( SessionEnd & end, LdpSessionState const & state, Vorn::String const & reason ) {
+   LdpSessionStatus & status = *end.status;
+   LdpSessionState const before = status.ldpSessionState();
+   if ( before == state ) return;
+   double const at = now();
+   status.ldpSessionStateIs( state );
+   status.sessionStateLastChangeIs( at );
+   status.sessionStateCountInc( state.sessionState(), 1 );
+   status.sessionStateReasonIs( reason );
+   status.sessionStateLogEntryColl()->addSessionStateLogEntry(
+        LdpSessionStateLogEntry( at, state.sessionState(), state.code(), reason ) );
+   std::string const from = before.sessionState() == stateUnknown ? "-" : stateName( before.sessionState() );
+   agents_.journal().add( { {},
+                            end.agent.id(),
+                            end.peer(),
+                            "session",
+                            from,
+                            stateName( state.sessionState() ),
+                            std::string( reason.view() ) } );
 }
 
-void onInit( Exchange const & exchange ) {
-   auto & [sender, receiver, message, now] = exchange;
-   auto const & init = as< LdpInitMsgParser >( exchange );
-   for ( SessionEnd * end : { &sender, &receiver } ) {
-      if ( end->status->sessionState() == stateOperational )
-         endSession( *end, LdpSessionState( stateNonExist, success ), "another Initialization", now );
+void Sessions::operational( SessionEnd & end, SessionEnd & peer, Vorn::String const & reason ) {
+   negotiate( end, peer );
+   changed( end, LdpSessionState( stateOperational, success ), reason );
+   end.status->sessionUptimeIs( now() );
+   end.status->sessionOpStateIs( opStateAddrExchange );
+}
+
+/// What both ends' proposals come to, once both have spoken. Until then nobody knows when the session
+/// expires.
+void Sessions::negotiate( SessionEnd & end, SessionEnd & peer ) {
+   Proposal const & own = end.proposed;
+   Proposal const & others = peer.proposed;
+   bool const known = own.made && others.made;
+   LdpSessionStatus & status = *end.status;
+   status.operKeepAliveTimeIs( known ? std::min( own.keepAliveTime, others.keepAliveTime ) : U16( 0 ) );
+   if ( !known ) return;
+   status.operMaxPduLengthIs( std::min( own.maxPduLength, others.maxPduLength ) );
+   status.operLabelAdvDsplIs( own.onDemand && others.onDemand ? onDemand : unSolicited );
+}
+
+void Sessions::onInit( SessionEnd & sender, SessionEnd & receiver, InitFacts const & init ) {
+   for ( SessionEnd * each : { &sender, &receiver } ) {
+      if ( each->status->sessionState() == stateOperational )
+         end( *each, LdpSessionState( stateNonExist, success ), "another Initialization", true );
    }
-   auto const & params = *init.msgSessionParamTlv();
-   sender.agent.keepAliveTime = params.keepAliveTime();
-   sender.agent.maxPduLength =
-        params.maxPduLength() < smallestMaxPdu ? LdpProtoParam::defaultMaxPduLength() : params.maxPduLength();
+   sender.proposed = init.proposal;
    auto const configs = sender.agent.status().ldpSessionConfigColl();
    auto const config = configs->sessionConfigIs( sender.id );
-   config->keepAliveTimeIs( params.keepAliveTime() );
-   config->maxPduLengthIs( sender.agent.maxPduLength );
-   configs->ldpSessionCommonConfig()->ldpLabelAdvDsplIs( params.advDiscipline() ? onDemand : unSolicited );
-   configs->ldpSessionCommonConfig()->mLdpEnabledIs( init.capabilitiesHas( p2mpCapabilityTlv ) );
+   config->keepAliveTimeIs( init.proposal.keepAliveTime );
+   config->maxPduLengthIs( init.proposal.maxPduLength );
+   configs->ldpSessionCommonConfig()->ldpLabelAdvDsplIs( disciplineOf( init.proposal ) );
+   configs->ldpSessionCommonConfig()->mLdpEnabledIs( init.mLdp );
 
    LdpSessionStatus & received = *receiver.status;
-   received.peerKeepAliveTimeIs( params.keepAliveTime() );
-   received.peerMaxPduLengthIs( sender.agent.maxPduLength );
-   received.peerLabelAdvDsplIs( params.advDiscipline() ? onDemand : unSolicited );
-   received.peerCapabilityDelAll();
-   for ( auto const & capability : init.capabilities() )
-      received.peerCapabilityIs( capability.key(), capability.value()->state() );
-   if ( auto const * ft = init.msgFtSessionTlv() ) {
-      received.operGrSupportedIs( ft->learnFromNetwork() );
-      received.peerGrReconnectTimeoutIs( ft->ftReconnectTimeout() );
-      received.peerGrRecoveryTimeoutIs( ft->ftRecoveryTime() );
+   received.peerKeepAliveTimeIs( init.proposal.keepAliveTime );
+   received.peerMaxPduLengthIs( init.proposal.maxPduLength );
+   received.peerLabelAdvDsplIs( disciplineOf( init.proposal ) );
+   for ( LdpTlvType type : sortedKeys( received.peerCapabilityColl() ) )
+      received.peerCapabilityDel( type );
+   for ( auto const & [type, state] : init.capabilities )
+      received.peerCapabilityIs( type, state );
+   received.operGrSupportedIs( init.restarts && init.learnFromNetwork );
+   received.peerGrReconnectTimeoutIs( init.reconnectTimeout );
+   received.peerGrRecoveryTimeoutIs( init.recoveryTime );
+   // What was kept of the session before has the recovery time of the peer to come back (RFC 3478, 3.3); one
+   // that has not kept its forwarding state says 0.
+   if ( !receiver.stale.empty() ) {
+      constexpr double milliseconds = 1e-3;
+      receiver.staleUntil = now() + init.recoveryTime * milliseconds;
+      if ( init.recoveryTime == 0 ) {
+         staleOver( receiver );
+      } else {
+         deadlines_.add( receiver.staleUntil, &receiver );
+      }
    }
-   negotiate( receiver, sender.agent );
-   negotiate( sender, receiver.agent );
+   negotiate( receiver, sender );
+   negotiate( sender, receiver );
    if ( sender.status->sessionState() != stateOpenRecv )
-      stateIs( sender, LdpSessionState( stateOpenSent, success ), "sent Initialization", now );
-   stateIs( receiver, LdpSessionState( stateOpenRecv, success ), "received Initialization", now );
+      changed( sender, LdpSessionState( stateOpenSent, success ), "sent Initialization" );
+   changed( receiver, LdpSessionState( stateOpenRecv, success ), "received Initialization" );
 }
 
-void onKeepAlive( Exchange const & exchange ) {
-   if ( exchange.receiver.status->sessionState() == stateOpenRecv )
-      operational( exchange.receiver, "received KeepAlive", exchange.now );
+void Sessions::onKeepAlive( Exchange const & exchange, Connection & connection, int from ) {
+   auto & [sender, receiver, message, at] = exchange;
+   connection.ends[from].keptAlive = true;
+   SessionState const state = receiver.status->sessionState();
+   if ( state == stateOpenRecv ) {
+      operational( receiver, sender, "received KeepAlive" );
+   } else if ( state == stateExpired ) {
+      operational( receiver, sender, "both sides are at work again" );
+   } else if ( connection.ends[1 - from].keptAlive && !sender.proposed.made && !receiver.proposed.made ) {
+      // KeepAlives both ways: the session was up before the capture began.
+      for ( auto [own, peer] : { std::pair( &sender, &receiver ), std::pair( &receiver, &sender ) } )
+         if ( own->status->sessionState() != stateOperational ) operational( *own, *peer, "seen at work" );
+   }
 }
 
-void onCapability( Exchange const & exchange, LdpCapabilityMsgParser const & capability ) {
+void Sessions::onCapability( Exchange const & exchange, LdpCapabilityMsgParser const & capability ) {
    for ( auto const & sent : capability.capabilities() )
       exchange.receiver.status->peerCapabilityIs( sent.key(), sent.value()->state() );
 }
 
-void onAddresses( Exchange const & exchange ) {
+void Sessions::onAddresses( Exchange const & exchange ) {
    bool const withdraw = exchange.message.type() == LdpAddressWithdraw;
    auto const & list = withdraw ? *as< LdpAddressWithdrawMsgParser >( exchange ).addressListTlv()
                                 : *as< LdpAddressMsgParser >( exchange ).addressListTlv();
@@ -163,9 +141,11 @@ void onAddresses( Exchange const & exchange ) {
       if ( withdraw ) {
          received.peerIntfIpDel( address );
          if ( address.family() == Lumo::ipv4 ) own->localIntfIpDel( address.ipAddr() );
-      } else {
+      } else if ( received.peerIntfIps() < exchange.receiver.agent.limits().fecs ) {
          received.peerIntfIpIs( address, true );
          if ( address.family() == Lumo::ipv4 ) own->localIntfIpIs( address.ipAddr(), true );
+      } else {
+         ++exchange.receiver.agent.turnedAway().fecs;
       }
    }
    if ( withdraw ) return;
@@ -173,16 +153,16 @@ void onAddresses( Exchange const & exchange ) {
    exchange.sender.status->addressMsgTsmtIs( true );
 }
 
-void onNotification( Exchange const & exchange ) {
-   auto & [sender, receiver, message, now] = exchange;
+void Sessions::onNotification( Exchange const & exchange ) {
+   auto & [sender, receiver, message, at] = exchange;
    LdpStatusTlv const & tlv = *message.msgStatusTlv();
    LdpStatusCode const code = tlv.statusData();
    sender.statistics->ldpMsgNotificationTxCountInc( code, 1 );
    receiver.statistics->ldpMsgNotificationRxCountInc( code, 1 );
    if ( tlv.statusError() ) {
       Vorn::String const reason = sessionStateStrForStatusCode( code );
-      endSession( receiver, LdpSessionState( stateNonExist, code ), "peer: " + reason, now );
-      endSession( sender, LdpSessionState( stateNonExist, code ), reason, now );
+      end( receiver, LdpSessionState( stateNonExist, code ), "peer: " + reason, false );
+      end( sender, LdpSessionState( stateNonExist, code ), reason, false );
       return;
    }
    if ( code == labelResourcesAvailable ) receiver.status->peerLabelRescAvailableCountInc( 1 );
@@ -191,29 +171,61 @@ void onNotification( Exchange const & exchange ) {
    if ( notification.msgPwStatusTlv() ) Pseudowires::onNotification( exchange, notification );
 }
 
-void onSignOfLife( Exchange const & exchange ) {
-   auto & [sender, receiver, message, now] = exchange;
+void Sessions::onSignOfLife( Exchange const & exchange ) {
+   auto & [sender, receiver, message, at] = exchange;
    // Every message of the peer keeps the session alive (RFC 5036, 2.5.6).
-   receiver.status->sessionExpireTimeIs( now + receiver.status->operKeepAliveTime() );
+   U16 const keepAlive = receiver.status->operKeepAliveTime();
+   bool const known = sender.proposed.made && receiver.proposed.made && keepAlive;
+   receiver.status->sessionExpireTimeIs( known ? at + keepAlive : 0.0 );
+   if ( known && !receiver.watched ) {
+      receiver.watched = true;
+      deadlines_.add( at + keepAlive, &receiver );
+   }
    LdpMsgType const type = message.type();
    if ( type == LdpInit || type == LdpKeepAlive || type == LdpCapability ) return;
    // Addresses and labels flow on operational sessions alone: the capture has not seen this one begin, or the
    // silence that seemed to end it was the capture's own.
-   for ( SessionEnd * end : { &sender, &receiver } ) {
-      if ( end->status->sessionState() != stateOperational ) operational( *end, "seen at work", now );
+   for ( auto [own, peer] : { std::pair( &sender, &receiver ), std::pair( &receiver, &sender ) } ) {
+      if ( own->status->sessionState() != stateOperational ) operational( *own, *peer, "seen at work" );
       if ( type != LdpAddress && type != LdpAddressWithdraw )
-         end->status->sessionOpStateIs( opStateLabelExchange );
+         own->status->sessionOpStateIs( opStateLabelExchange );
    }
 }
 
-void endSession( SessionEnd & end, LdpSessionState const & state, Vorn::String const & reason, double now ) {
-   stateIs( end, state, reason, now );
+/// What was learnt from the peer about the session itself is of no session any more.
+void Sessions::startOver( SessionEnd & end ) {
    LdpSessionStatus & session = *end.status;
    for ( Addr const & address : sortedKeys( session.peerIntfIpColl() ) )
       session.peerIntfIpDel( address );
+   for ( LdpTlvType type : sortedKeys( session.peerCapabilityColl() ) )
+      session.peerCapabilityDel( type );
+   session.addressMsgRcvdIs( false );
+   session.addressMsgTsmtIs( false );
    session.sessionUptimeIs( 0.0 );
+   session.sessionExpireTimeIs( 0.0 );
    session.sessionOpStateIs( opStateUnknown );
-   PrefixLabels::forget( end );
+   end.proposed = {};
+   end.spoke = false;
+}
+
+/// The session has ended. If the peer restarts gracefully, its labels are kept for as long as it has asked
+/// for (RFC 3478, 3.3), unless the session was ended on purpose.
+void Sessions::end( SessionEnd & end, LdpSessionState const & state, Vorn::String const & reason,
+                    bool restarts ) {
+   constexpr double milliseconds = 1e-3;
+   bool const was = end.live();
+   changed( end, state, reason );
+   if ( was ) agents_.journal().downIs( end.agent.id(), end.peer(), std::string( reason.view() ) );
+   end.since = agents_.journal().arrival().frame;
+   U32 const reconnect = end.status->peerGrReconnectTimeout();
+   bool const keeps = restarts && was && end.proposed.made && reconnect != 0;
+   startOver( end );
+   if ( keeps ) {
+      end.staleUntil = now() + reconnect * milliseconds;
+      deadlines_.add( end.staleUntil, &end );
+   }
+   end.status->operGrStateIs( keeps ? grStateActive : grStateUnknown );
+   PrefixLabels::forget( end, keeps );
    P2mpLabels::forget( end );
    Pseudowires::forget( end );
    end.statistics->ldpMsgIdFecMappingInfoDelAll();
@@ -223,15 +235,27 @@ void endSession( SessionEnd & end, LdpSessionState const & state, Vorn::String c
    }
 }
 
-void expireSessions( Agents & agents, double now ) {
-   for ( auto const & [identifier, agent] : agents.all() ) {
-      for ( auto & [peer, end] : agent->sessionEnds() ) {
-         if ( end.status->sessionState() != stateOperational || end.status->sessionExpireTime() > now )
-            continue;
-         endSession( end, LdpSessionState( stateExpired, keepAliveExpired ),
-                     "no message within the keep-alive time", now );
-      }
-   }
+void Sessions::staleOver( SessionEnd & end ) {
+   end.staleUntil = 0.0;
+   end.status->operGrStateIs( grStateInactive );
+   PrefixLabels::forgetStale( end );
+}
+
+/// When to look at the session again; 0 for not before it says so.
+double Sessions::lookAt( SessionEnd & session ) {
+   double const at = now();
+   if ( session.staleUntil != 0.0 && session.staleUntil <= at ) staleOver( session );
+   double const expires = session.status->sessionExpireTime();
+   if ( session.status->sessionState() == stateOperational && expires != 0.0 && expires <= at )
+      end( session, LdpSessionState( stateExpired, keepAliveExpired ),
+           "no message within the keep-alive time", true );
+   double const next = session.status->sessionExpireTime();
+   session.watched = next > at;
+   return session.watched ? next : 0.0;
+}
+
+void Sessions::expire() {
+   deadlines_.pass( now(), [this]( SessionEnd * session ) { return lookAt( *session ); } );
 }
 
 } // namespace LdpTool

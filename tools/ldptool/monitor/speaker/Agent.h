@@ -4,6 +4,7 @@
 // what the messages show. A message is two facts: what its sender has said and what its receiver has heard.
 
 #include "capture/Flow.h"
+#include "monitor/speaker/Journal.h"
 #include "monitor/speaker/Network.h"
 
 #include "Ldp/LdpMsgParser.h"
@@ -36,6 +37,9 @@ auto sortedKeys( Collection const & members ) {
    return sorted( members, []( auto const & member ) { return member.key(); } );
 }
 
+/// A session's state as a word: "Operational".
+std::string stateName( Ldp::SessionState state );
+
 /// The router that a speaker's identifier names.
 inline Mpls::RouterId routerOf( Ldp::LdpIdentifier const & id ) {
    return Mpls::RouterId( Lumo::IpAddr( id.lsrId() ) );
@@ -43,14 +47,47 @@ inline Mpls::RouterId routerOf( Ldp::LdpIdentifier const & id ) {
 
 class Agent;
 
+/// What one end proposed in its Initialization (RFC 5036, 3.5.3).
+struct Proposal {
+   bool made = false;
+   U16 keepAliveTime = 0;
+   U16 maxPduLength = 0;
+   bool onDemand = false;
+};
+
 /// What a speaker has of its session with one peer.
 struct SessionEnd {
+   SessionEnd( Agent & a, Ldp::LdpSessionId const & sessionId, Vorn::Ptr< Ldp::LdpSessionStatus > s,
+               Vorn::Ptr< Ldp::LdpSessionStatistics > counts )
+        : agent( a ), id( sessionId ), status( std::move( s ) ), statistics( std::move( counts ) ) {}
+
    Agent & agent; ///< of the speaker
    Ldp::LdpSessionId id;
    Vorn::Ptr< Ldp::LdpSessionStatus > status;
    Vorn::Ptr< Ldp::LdpSessionStatistics > statistics;
 
+   // All below is of the connection that the session runs on.
+   Flow flow{};          ///< with the speaker as its source; without addresses before there was one
+   Proposal proposed;    ///< by the speaker
+   bool spoke = false;   ///< whether the capture has anything that the speaker sent
+   bool watched = false; ///< its deadlines are waited for
+   /// The frame at which the connection became the session's, or the session ended.
+   std::uint64_t since = 0;
+
+   // Labels that the speaker has from the peer and keeps though the session on which it got them is over,
+   // because the peer restarts gracefully (RFC 3478, 3.3): until when, in seconds since the epoch; 0 for
+   // none.
+   double staleUntil = 0.0;
+   std::set< Mpls::FwdEqvClass > stale;
+
+   /// Prefixes that the speaker has mapped for the peer, or has got mappings of, since a wildcard took them
+   /// all away: what the next one is about, each at least once.
+   std::vector< Mpls::FwdEqvClass > mapped;
+   std::vector< Mpls::FwdEqvClass > held;
+
    Ldp::LdpIdentifier peer() const { return id.peerLdpId(); }
+   /// Whether the session is on its way or up.
+   bool live() const;
 };
 
 /// A message of a session on its way, good or bad.
@@ -61,29 +98,35 @@ struct Exchange {
    double now; ///< the capture's time, in seconds since the epoch
 };
 
+/// What all agents share.
+struct Surroundings {
+   MonitorLimits limits;
+   TurnedAway turnedAway;
+   Journal journal{ limits, turnedAway };
+};
+
 /// One speaker's agent.
 class Agent {
  public:
    /// Makes the speaker's state, empty.
-   explicit Agent( Speaker & speaker );
+   Agent( Speaker & speaker, Surroundings & around );
    Agent( Agent const & ) = delete;
    Agent & operator=( Agent const & ) = delete;
 
    Ldp::LdpIdentifier id() const { return speaker_.ldpIdentifier(); }
    Ldp::Status & status() { return *status_; }
+   Journal & journal() { return around_.journal; }
+   MonitorLimits const & limits() const { return around_.limits; }
+   TurnedAway & turnedAway() { return around_.turnedAway; }
 
    /// The speaker's end of the session with that peer, a new one if there is none.
    SessionEnd & sessionEnd( Ldp::LdpIdentifier const & peer );
-   std::map< Ldp::LdpIdentifier, SessionEnd > & sessionEnds() { return sessionEnds_; }
-
-   /// What the speaker proposed last, for negotiation with its neighbours. 0 is nothing yet.
-   U16 keepAliveTime = 0;
-   U16 maxPduLength = 0;
-   /// Source addresses of its link hellos.
-   std::set< Addr > linkAddresses;
+   bool hasSession( Ldp::LdpIdentifier const & peer ) const { return sessionEnds_.contains( peer ); }
+   std::size_t sessionNum() const { return sessionEnds_.size(); }
 
  private:
    Speaker & speaker_;
+   Surroundings & around_;
    Vorn::Ptr< Ldp::Status > status_;
    std::map< Ldp::LdpIdentifier, SessionEnd > sessionEnds_;
 };
@@ -91,28 +134,33 @@ class Agent {
 /// The agents, and who was seen at which address.
 class Agents {
  public:
-   explicit Agents( Network & network ) : network_( network ) {}
-
-   /// Most speakers whose state is kept. Who floods a link with invented ones chooses their identifiers,
-   /// whose hash has no secret, so this is far below the 16383 of one hash that a map bears.
-   static constexpr std::size_t mostAgents = 4096;
+   Agents( Network & network, MonitorLimits const & limits ) : network_( network ), around_{ limits, {} } {}
 
    /// The agent of that speaker, a new one if there is none; null for one too many.
    Agent * agentIs( Ldp::LdpIdentifier const & id );
-   auto const & all() const { return agents_; }
-   /// How often one was too many.
-   std::uint64_t refused() const { return refused_; }
+
+   Journal & journal() { return around_.journal; }
+   Journal const & journal() const { return around_.journal; }
+   MonitorLimits const & limits() const { return around_.limits; }
+   TurnedAway & turnedAway() { return around_.turnedAway; }
+   TurnedAway const & turnedAway() const { return around_.turnedAway; }
 
    /// The speaker at that transport or source address was seen to be this one.
-   void seen( Addr const & address, Ldp::LdpIdentifier const & id ) { at_[address] = id; }
-   /// Who was seen there; the zero identifier for nobody.
+   void seen( Addr const & address, Ldp::LdpIdentifier const & id );
+   /// Who was seen there; the zero identifier for nobody, and for a router with several label spaces.
    Ldp::LdpIdentifier at( Addr const & address ) const;
 
  private:
+   struct Seen {
+      Ldp::LdpIdentifier id;
+      Ldp::LdpIdentifier other; ///< another of the same router, seen there not long before
+      double otherUntil = 0.0;
+   };
+
    Network & network_;
+   Surroundings around_;
    std::map< Ldp::LdpIdentifier, std::unique_ptr< Agent > > agents_;
-   std::map< Addr, Ldp::LdpIdentifier > at_;
-   std::uint64_t refused_ = 0;
+   std::map< Addr, Seen > at_;
 };
 
 } // namespace LdpTool
