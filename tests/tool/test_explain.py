@@ -18,6 +18,15 @@ SYN_ = ether(tcp(seq=1000, flags=SYN, **TO))
 PREFIX = struct.pack("!HHBBH", 1, 30, 0, 0, 4096)
 
 
+def with_md5(packet):
+    """The same with an option of TCP MD5 behind its header."""
+    option = b"\1\1\x13\x12" + b"\0" * 16
+    packet = bytearray(packet + option)
+    packet[2:4] = struct.pack("!H", len(packet))
+    packet[20 + 12] = 0xA0
+    return bytes(packet)
+
+
 def talk(*steps):
     """A session, and what is said on it then: (who, type, TLVs...)."""
     made = Talk()
@@ -58,6 +67,8 @@ CAUSES = {
     "the connection of 10.0.0.2:0 to 10.0.0.1:0 is refused": HELLOS + [SYN_, ether(tcp(seq=0, ack=1001, flags=RST | ACK, **BACK))],
     "the answer to the SYN of 10.0.0.2:0 to 10.0.0.1:0 is not taken":
         HELLOS + [(f, None, second) for second in (1, 2, 4) for f in (SYN_, ether(tcp(seq=7, ack=1001, flags=SYN | ACK, **BACK)))],
+    "TCP authentication on one side: the segments of 10.0.0.2:0 have":
+        HELLOS + [(ether(with_md5(tcp(seq=1000, flags=SYN, **TO))), None, second) for second in (1, 2, 4)],
     "role clash: 10.0.0.1:0 connects": HELLOS + [ether(tcp(seq=1, flags=SYN, src="10.0.0.1", dst="10.0.0.2", sport=40000, dport=646))],
     "10.0.0.1:0 refuses the Initialization of 10.0.0.2:0: session rejected: no hello (0x00000010)":
         opening(answer=(0x0001, status_tlv(0x80000010))),

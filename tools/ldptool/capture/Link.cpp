@@ -24,6 +24,18 @@ bool vlanTag( std::uint16_t etherType ) {
    return etherType == 0x8100 || etherType == 0x88a8 || etherType == 0x9100;
 }
 
+// Whether TCP options have one that authenticates the segment.
+bool isAuthenticated( Octets options ) {
+   constexpr std::uint8_t end = 0, nothing = 1, md5 = 19, ao = 29;
+   while ( !options.empty() && options[0] != end ) {
+      if ( options[0] == md5 || options[0] == ao ) return true;
+      std::size_t const size = options[0] == nothing ? 1 : options.size() > 1 ? options[1] : 0;
+      if ( size == 0 || size > options.size() || ( size == 1 && options[0] != nothing ) ) return false;
+      options = options.subspan( size );
+   }
+   return false;
+}
+
 // UDP or TCP header and payload. `total` is what the IP header says, `packet` what of it was captured.
 LinkResult parseTransport( Octets packet, std::size_t total, Segment & segment ) {
    bool const tcp = segment.flow.protocol == protocolTcp;
@@ -45,6 +57,8 @@ LinkResult parseTransport( Octets packet, std::size_t total, Segment & segment )
       segment.syn = flags & 0x02;
       segment.rst = flags & 0x04;
       segment.ack = flags & 0x10;
+      segment.authenticated = segment.syn && header <= packet.size() && header > 20 &&
+                              isAuthenticated( packet.subspan( 20, header - 20 ) );
    } else if ( std::size_t const length = read16( packet, 4 ); length != 0 ) {
       total = std::min( total, length );
    }

@@ -24,6 +24,7 @@ struct Segment {
    bool ack = false;
    bool fin = false;
    bool rst = false;
+   bool authenticated = false; ///< with an option of TCP MD5 or TCP-AO (RFC 2385, RFC 5925); seen in a SYN
 };
 
 enum class LinkResult {

@@ -22,6 +22,8 @@ struct Origin {
    Place const * place = nullptr; ///< of a datagram; null for everything else
    /// Nothing proves that the octets are of the conversation: they stand far from where it is.
    bool stray = false;
+   /// A SYN, or its answer, with a TCP option that authenticates it.
+   bool authenticated = false;
 };
 
 /// What TCP did on its way to a connection, or against it.

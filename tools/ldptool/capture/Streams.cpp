@@ -153,7 +153,8 @@ bool Streams::accepted( Direction const & known, Segment const & segment ) const
 }
 
 void Streams::tellStep( Direction & direction, Segment const & segment ) {
-   Origin const origin{ direction.last, &direction.flow };
+   Origin origin{ direction.last, &direction.flow };
+   origin.authenticated = segment.authenticated;
    if ( segment.syn ) {
       sink_.onTcpStep( origin, segment.ack ? TcpStep::synAck : TcpStep::syn );
    } else if ( segment.rst && direction.back && direction.back->begun && segment.ack &&

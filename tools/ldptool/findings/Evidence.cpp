@@ -123,6 +123,12 @@ void Evidence::onTcpStep( Origin const & origin, TcpStep step ) {
    Sent * const sent = sentOn( origin );
    if ( !sent ) return;
    std::uint64_t const frame = origin.arrival.frame;
+   constexpr double copies = 0.1;
+   double const now = monitor_.journal().now();
+   auto const [before, isFirst] = sent->lastStep.try_emplace( step, now );
+   if ( !isFirst && now - before->second < copies && now >= before->second ) return;
+   before->second = now;
+   if ( origin.authenticated ) sent->authenticated.at( frame );
    switch ( step ) {
    case TcpStep::syn: return sent->syns.at( frame );
    case TcpStep::synAck: return sent->synAcks.at( frame );

@@ -38,10 +38,13 @@ struct HelloSource {
 /// What a speaker has sent to a peer, or about it.
 struct Sent {
    Seen targetedHellos;
-   Seen syns; ///< each that is repeated too
+   Seen syns;          ///< each that is repeated too
+   Seen authenticated; ///< SYNs and answers with an option of TCP MD5 or TCP-AO
    Seen synAcks;
    Seen refusals;
    Seen established; ///< it was the active end
+   /// When each step was last; what follows at once is a copy, captured on another interface.
+   std::map< TcpStep, double > lastStep;
    Seen inits;
    Proposal proposal;
    Ldp::LdpIdentifier named; ///< whom its Initialization was for

@@ -3,6 +3,7 @@
 
 #include "monitor/speaker/Network.h"
 
+#include <iterator>
 #include <map>
 #include <set>
 
@@ -34,7 +35,7 @@ void prefixes( std::vector< Finding > & found, Status const & status, std::strin
    auto const view = status.ldpFecSessionStatusColl()->fecSessionStatusBySessionColl( id );
    if ( !view ) return;
    Several withdrawn, replaced, shared;
-   std::map< U32, std::string > users;
+   std::map< U32, std::set< std::string > > users;
    for ( auto const & node : view->fecSessionStatusColl() ) {
       LdpFecSessionStatus const & fec = *node.value();
       std::string const name = textOf( node.key().fwdEqvClass() );
@@ -44,10 +45,13 @@ void prefixes( std::vector< Finding > & found, Status const & status, std::strin
          if ( label.value() == noneSent ) replaced.add( text );
          constexpr U32 firstFree = 16; // those below mean the same for every FEC (RFC 3032, 2.1)
          if ( label.value() != mappingSent || label.key().value() < firstFree ) continue;
-         auto const [at, isNew] = users.emplace( label.key().value(), name );
-         if ( !isNew ) shared.add( text + ", which " + at->second + " has too" );
+         users[label.key().value()].insert( name );
       }
    }
+   for ( auto const & [label, names] : users )
+      if ( names.size() > 1 )
+         shared.add( *std::next( names.begin() ) + " label " + std::to_string( label ) + ", which " +
+                     *names.begin() + " has too" );
    withdrawn.tell( found, pair + ": withdrawn and never released",
                    "why the peer has not answered the withdraw" );
    replaced.tell( found, pair + ": mapped twice, the first label never released",

@@ -71,6 +71,13 @@ void connecting( Found & found, Evidence const & evidence, LdpIdentifier const &
              { out.syns.first, out.syns.last },
              "the route to the transport address, filters of port 646, and TCP MD5: who has a key drops "
              "segments without one" } );
+   if ( !later && bool( out.authenticated ) != bool( back.authenticated ) &&
+        ( out.authenticated || back.syns || back.synAcks ) )
+      found.push_back( { "TCP authentication on one side: the segments of " +
+                              textOf( out.authenticated ? active : passive ) +
+                              " have an option of TCP MD5 or TCP-AO, no segment of the other has",
+                         { out.syns.first, out.syns.last },
+                         "the keys of both for each other's transport address" } );
    Addr const mine = transportOf( evidence, active );
    Addr const theirs = transportOf( evidence, passive );
    if ( mine.family() == theirs.family() && !!mine && mine < theirs && out.syns )

@@ -85,6 +85,10 @@ struct SessionEnd {
    std::vector< Mpls::FwdEqvClass > mapped;
    std::vector< Mpls::FwdEqvClass > held;
 
+   // The same of P2MP FECs and pseudowires, which are few: whether there are any.
+   bool mappedOthers = false;
+   bool heldOthers = false;
+
    Ldp::LdpIdentifier peer() const { return id.peerLdpId(); }
    /// Whether the session is on its way or up.
    bool live() const;
