@@ -4,7 +4,7 @@ PREFIX ?= /usr/local
 FUZZ_SECONDS ?= 60
 JOBS ?= $(shell nproc)
 
-.PHONY: help build dist dist-clang demo test sanitize thread memory bench fuzz fuzz-fast fuzz-keep format format-check docs model-doc forward install
+.PHONY: help build dist dist-clang demo test sanitize thread memory bench fuzz fuzz-fast fuzz-keep format format-check docs model-doc ring-doc forward install
 
 help:
 	@echo "make demo       decode captures of real routers, show what each router knows"
@@ -17,6 +17,7 @@ help:
 	@echo "make fuzz-keep  take into fuzz/corpus what the runs have found that covers more"
 	@echo "make docs       reference documentation, into build/dist/docs/html"
 	@echo "make model-doc  write docs/model.md anew from the type table"
+	@echo "make ring-doc   write the sample of docs/ring-trace.md anew from a ring trace"
 	@echo "make forward    write include/Ldp/Fwd.h anew from the other headers"
 	@echo "make format     put all sources into the project's format; format-check only looks"
 	@echo "make dist       what is installed: libraries and ldptool; dist-clang: the same with clang++"
@@ -86,6 +87,9 @@ docs: build/dist/build.ninja
 
 model-doc: dist
 	build/dist/bin/ldptool types --json | scripts/model_doc.py docs/model.md
+
+ring-doc: build
+	scripts/ring_doc.py build/release/bin docs/ring-trace.md
 
 forward:
 	scripts/forward.py include/Ldp/Fwd.h

@@ -42,7 +42,6 @@ Key keyOf( U32 number ) {
 /// The entities with the two keys.
 class Numbered : public Vorn::Entity {
    VORN_ENTITY( Numbered, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Value ); )
 
  public:
    explicit Numbered( U32 number ) : number_( number ) {}
@@ -57,7 +56,6 @@ VORN_RECORD( Bench, Numbered )
 
 class Identified : public Vorn::Entity {
    VORN_ENTITY( Identified, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Value ); )
 
  public:
    explicit Identified( LdpIdentifier const & id ) : id_( id ) {}

@@ -10,8 +10,6 @@ VORN_ENUM_RECORD( Ldp, LdpTlvType, VORN_LDP_TLV_TYPES )
 VORN_ENUM_RECORD( Ldp, LdpStatusCode, VORN_LDP_STATUS_CODES )
 VORN_ENUM_RECORD( Ldp, LdpFecElementType, VORN_LDP_FEC_ELEMENT_TYPES )
 VORN_ENUM_RECORD( Ldp, LdpPwIntfParamSubTlvType, VORN_LDP_PW_INTF_PARAM_SUB_TLV_TYPES )
-VORN_MODULE( &LdpMsgType_vornType, &LdpTlvType_vornType, &LdpStatusCode_vornType, &LdpFecElementType_vornType,
-             &LdpPwIntfParamSubTlvType_vornType )
 
 bool ldpIsKnownMsgType( LdpMsgType type ) noexcept {
    switch ( type ) {

@@ -8,15 +8,38 @@
 
 namespace Ldp {
 
-VORN_REFLECTED_VALUE_RECORD( Ldp, LdpFecTlvP2mpOpaqueLength, part( totalOpaqueLen ) )
-VORN_REFLECTED_VALUE_RECORD( Ldp, LdpMPBasicOpaqueValueElementHdr, part( type ), part( opaqueLenNbo ) )
-VORN_REFLECTED_VALUE_RECORD( Ldp, LdpGenericLSPId, part( type ), part( opaqueLenNbo ), part( opaqueId ) )
-VORN_REFLECTED_VALUE_RECORD( Ldp, LdpP2mpFecElement, part( rootIp ), part( opaqueStr ), read( stringValue ) )
-VORN_REFLECTED_VALUE_RECORD( Ldp, LdpP2mpFecGenericOpaqueId, ctor( rootIp ), ctor( gOpaqueId ),
-                             write( stringValue ), read( hash ), constant( defaultAttribute ) )
-VORN_MODULE( &LdpFecTlvP2mpOpaqueLength::_vornType, &LdpMPBasicOpaqueValueElementHdr::_vornType,
-             &LdpGenericLSPId::_vornType, &LdpP2mpFecElement::_vornType,
-             &LdpP2mpFecGenericOpaqueId::_vornType )
+using namespace Vorn::Rows;
+
+constexpr Vorn::VornAttr LdpFecTlvP2mpOpaqueLength::vornRows[] = {
+   part< &Self::totalOpaqueLen, &Self::totalOpaqueLenIs >( "totalOpaqueLen" )
+};
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpFecTlvP2mpOpaqueLength )
+
+constexpr Vorn::VornAttr LdpMPBasicOpaqueValueElementHdr::vornRows[] = {
+   part< &Self::type, &Self::typeIs >( "type" ),
+   part< &Self::opaqueLenNbo, &Self::opaqueLenNboIs >( "opaqueLenNbo" )
+};
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpMPBasicOpaqueValueElementHdr )
+
+constexpr Vorn::VornAttr LdpGenericLSPId::vornRows[] = {
+   part< &Self::type, &Self::typeIs >( "type" ),
+   part< &Self::opaqueLenNbo, &Self::opaqueLenNboIs >( "opaqueLenNbo" ),
+   part< &Self::opaqueId, &Self::opaqueIdIs >( "opaqueId" )
+};
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpGenericLSPId )
+
+constexpr Vorn::VornAttr LdpP2mpFecElement::vornRows[] = {
+   part< &Self::rootIp, &Self::rootIpIs >( "rootIp" ),
+   part< &Self::opaqueStr, &Self::opaqueStrIs >( "opaqueStr" ), read< &Self::stringValue >( "stringValue" )
+};
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpP2mpFecElement )
+
+constexpr Vorn::VornAttr LdpP2mpFecGenericOpaqueId::vornRows[] = {
+   ctor< &Self::rootIp >( "rootIp" ), ctor< &Self::gOpaqueId >( "gOpaqueId" ),
+   write< &Self::stringValue, &Self::stringValueIs >( "stringValue" ), read< &Self::hash >( "hash" ),
+   constant< &Self::defaultAttribute >( "defaultAttribute" )
+};
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpP2mpFecGenericOpaqueId )
 
 VORN_TEXT_OF_RECORD( LdpMPBasicOpaqueValueElementHdr )
 VORN_TEXT_OF_RECORD( LdpGenericLSPId )

@@ -8,140 +8,362 @@
 
 namespace Ldp {
 
-// What asserts on a view over another type; who goes by the record alone cannot know what the view lies over.
-#define VORN_ROW_ofItsType( row ) VORN_ROW_where( liesOverItsType, row )
+using namespace Vorn::Rows;
+
+// What asserts on a view over another type applies where that lies over its own; who goes by the record alone
+// cannot know.
 
 // The words: their octets, of which the text form is made, then the parts that they are divided into.
-
-VORN_REFLECTED_VALUE_RECORD( Ldp, LdpHdrMsgUbitAndTypeField, part( v0 ), part( v1 ), write( unknown ),
-                             write( type ) )
+constexpr Vorn::VornAttr LdpHdrMsgUbitAndTypeField::vornRows[] = {
+   part< &Self::v0, &Self::v0Is >( "v0" ), part< &Self::v1, &Self::v1Is >( "v1" ),
+   write< &Self::unknown, &Self::unknownIs >( "unknown" ), write< &Self::type, &Self::typeIs >( "type" )
+};
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpHdrMsgUbitAndTypeField )
 VORN_TEXT_OF_RECORD( LdpHdrMsgUbitAndTypeField )
-VORN_REFLECTED_VALUE_RECORD( Ldp, LdpTlvTypeField, part( v0 ), part( v1 ), write( unknown ),
-                             write( forwardUnknown ), write( type ) )
+
+constexpr Vorn::VornAttr LdpTlvTypeField::vornRows[] = {
+   part< &Self::v0, &Self::v0Is >( "v0" ), part< &Self::v1, &Self::v1Is >( "v1" ),
+   write< &Self::unknown, &Self::unknownIs >( "unknown" ),
+   write< &Self::forwardUnknown, &Self::forwardUnknownIs >( "forwardUnknown" ),
+   write< &Self::type, &Self::typeIs >( "type" )
+};
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpTlvTypeField )
 VORN_TEXT_OF_RECORD( LdpTlvTypeField )
-VORN_REFLECTED_VALUE_RECORD( Ldp, LdpCommonHelloTargetField, part( v0 ), part( v1 ), write( targetedHello ),
-                             write( requestSendTargetedHello ), write( reserved ) )
+
+constexpr Vorn::VornAttr LdpCommonHelloTargetField::vornRows[] = {
+   part< &Self::v0, &Self::v0Is >( "v0" ), part< &Self::v1, &Self::v1Is >( "v1" ),
+   write< &Self::targetedHello, &Self::targetedHelloIs >( "targetedHello" ),
+   write< &Self::requestSendTargetedHello, &Self::requestSendTargetedHelloIs >( "requestSendTargetedHello" ),
+   write< &Self::reserved, &Self::reservedIs >( "reserved" )
+};
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpCommonHelloTargetField )
 VORN_TEXT_OF_RECORD( LdpCommonHelloTargetField )
-VORN_REFLECTED_VALUE_RECORD( Ldp, LdpFtSessionFlags, part( v0 ), part( v1 ), write( learnFromNetwork ),
-                             write( checkPoint ), write( allLabelProt ), write( saveState ),
-                             write( reserved ), write( reconnect ) )
+
+constexpr Vorn::VornAttr LdpFtSessionFlags::vornRows[] = {
+   part< &Self::v0, &Self::v0Is >( "v0" ),
+   part< &Self::v1, &Self::v1Is >( "v1" ),
+   write< &Self::learnFromNetwork, &Self::learnFromNetworkIs >( "learnFromNetwork" ),
+   write< &Self::checkPoint, &Self::checkPointIs >( "checkPoint" ),
+   write< &Self::allLabelProt, &Self::allLabelProtIs >( "allLabelProt" ),
+   write< &Self::saveState, &Self::saveStateIs >( "saveState" ),
+   write< &Self::reserved, &Self::reservedIs >( "reserved" ),
+   write< &Self::reconnect, &Self::reconnectIs >( "reconnect" )
+};
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpFtSessionFlags )
 VORN_TEXT_OF_RECORD( LdpFtSessionFlags )
-VORN_REFLECTED_VALUE_RECORD( Ldp, LdpGenLabelTlvLabel, part( v0 ), part( v1 ), part( v2 ), part( v3 ),
-                             write( labelNbo ), write( reserved ) )
+
+constexpr Vorn::VornAttr LdpGenLabelTlvLabel::vornRows[] = {
+   part< &Self::v0, &Self::v0Is >( "v0" ),
+   part< &Self::v1, &Self::v1Is >( "v1" ),
+   part< &Self::v2, &Self::v2Is >( "v2" ),
+   part< &Self::v3, &Self::v3Is >( "v3" ),
+   write< &Self::labelNbo, &Self::labelNboIs >( "labelNbo" ),
+   write< &Self::reserved, &Self::reservedIs >( "reserved" )
+};
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpGenLabelTlvLabel )
 VORN_TEXT_OF_RECORD( LdpGenLabelTlvLabel )
-VORN_REFLECTED_VALUE_RECORD( Ldp, LdpStatusTlvStatusCode, part( v0 ), part( v1 ), part( v2 ), part( v3 ),
-                             write( statusDataNbo ), write( forwardUnknown ), write( error ) )
+
+constexpr Vorn::VornAttr LdpStatusTlvStatusCode::vornRows[] = {
+   part< &Self::v0, &Self::v0Is >( "v0" ),
+   part< &Self::v1, &Self::v1Is >( "v1" ),
+   part< &Self::v2, &Self::v2Is >( "v2" ),
+   part< &Self::v3, &Self::v3Is >( "v3" ),
+   write< &Self::statusDataNbo, &Self::statusDataNboIs >( "statusDataNbo" ),
+   write< &Self::forwardUnknown, &Self::forwardUnknownIs >( "forwardUnknown" ),
+   write< &Self::error, &Self::errorIs >( "error" )
+};
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpStatusTlvStatusCode )
 VORN_TEXT_OF_RECORD( LdpStatusTlvStatusCode )
-VORN_REFLECTED_VALUE_RECORD( Ldp, LdpFecTlvPwIdElementHdrTypeField, part( v0 ), part( v1 ),
-                             write( controlWordBit ), write( pwType ) )
+
+constexpr Vorn::VornAttr LdpFecTlvPwIdElementHdrTypeField::vornRows[] = {
+   part< &Self::v0, &Self::v0Is >( "v0" ), part< &Self::v1, &Self::v1Is >( "v1" ),
+   write< &Self::controlWordBit, &Self::controlWordBitIs >( "controlWordBit" ),
+   write< &Self::pwType, &Self::pwTypeIs >( "pwType" )
+};
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpFecTlvPwIdElementHdrTypeField )
 VORN_TEXT_OF_RECORD( LdpFecTlvPwIdElementHdrTypeField )
-VORN_REFLECTED_VALUE_RECORD( Ldp, LdpPwVccvParamField, part( v0 ), part( v1 ), write( ccTypes ),
-                             write( cvTypes ) )
+
+constexpr Vorn::VornAttr LdpPwVccvParamField::vornRows[] = {
+   part< &Self::v0, &Self::v0Is >( "v0" ), part< &Self::v1, &Self::v1Is >( "v1" ),
+   write< &Self::ccTypes, &Self::ccTypesIs >( "ccTypes" ),
+   write< &Self::cvTypes, &Self::cvTypesIs >( "cvTypes" )
+};
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpPwVccvParamField )
 VORN_TEXT_OF_RECORD( LdpPwVccvParamField )
-VORN_REFLECTED_VALUE_RECORD( Ldp, LdpPwStatusField, part( v0 ), part( v1 ), part( v2 ), part( v3 ),
-                             write( pwNotForwarding ), write( localACIngrRecvFault ),
-                             write( localACEgrTransFault ), write( localPsnPwIngrRecvFault ),
-                             write( localPsnPwEgrTransFault ), read( pwForwarding ), write( flags ) )
+
+constexpr Vorn::VornAttr LdpPwStatusField::vornRows[] = {
+   part< &Self::v0, &Self::v0Is >( "v0" ),
+   part< &Self::v1, &Self::v1Is >( "v1" ),
+   part< &Self::v2, &Self::v2Is >( "v2" ),
+   part< &Self::v3, &Self::v3Is >( "v3" ),
+   write< &Self::pwNotForwarding, &Self::pwNotForwardingIs >( "pwNotForwarding" ),
+   write< &Self::localACIngrRecvFault, &Self::localACIngrRecvFaultIs >( "localACIngrRecvFault" ),
+   write< &Self::localACEgrTransFault, &Self::localACEgrTransFaultIs >( "localACEgrTransFault" ),
+   write< &Self::localPsnPwIngrRecvFault, &Self::localPsnPwIngrRecvFaultIs >( "localPsnPwIngrRecvFault" ),
+   write< &Self::localPsnPwEgrTransFault, &Self::localPsnPwEgrTransFaultIs >( "localPsnPwEgrTransFault" ),
+   read< &Self::pwForwarding >( "pwForwarding" ),
+   write< &Self::flags, &Self::flagsIs >( "flags" )
+};
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpPwStatusField )
 VORN_TEXT_OF_RECORD( LdpPwStatusField )
 
 // Single octets, whose text form is the number.
+constexpr Vorn::VornAttr LdpCommonSessionParamTlvAdField::vornRows[] = {
+   part< &Self::value, &Self::valueIs >( "value" ),
+   write< &Self::advDiscipline, &Self::advDisciplineIs >( "advDiscipline" ),
+   write< &Self::loopDetect, &Self::loopDetectIs >( "loopDetect" ),
+   write< &Self::reserved, &Self::reservedIs >( "reserved" )
+};
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpCommonSessionParamTlvAdField )
 
-VORN_REFLECTED_VALUE_RECORD( Ldp, LdpCommonSessionParamTlvAdField, part( value ), write( advDiscipline ),
-                             write( loopDetect ), write( reserved ) )
-VORN_REFLECTED_VALUE_RECORD( Ldp, LdpStateBit, part( value ), write( state ), write( reserved ) )
-VORN_REFLECTED_VALUE_RECORD( Ldp, LdpFecTlvElementHdrTypeField, part( type ) )
+constexpr Vorn::VornAttr LdpStateBit::vornRows[] = {
+   part< &Self::value, &Self::valueIs >( "value" ), write< &Self::state, &Self::stateIs >( "state" ),
+   write< &Self::reserved, &Self::reservedIs >( "reserved" )
+};
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpStateBit )
+
+constexpr Vorn::VornAttr LdpFecTlvElementHdrTypeField::vornRows[] = { part< &Self::type, &Self::typeIs >(
+     "type" ) };
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpFecTlvElementHdrTypeField )
 
 // The headers.
+constexpr Vorn::VornAttr LdpPduHdr::vornRows[] = { field< &Self::version_ >( "versionNbo" ),
+                                                   field< &Self::length_ >( "lengthNbo" ),
+                                                   field< &Self::ldpIdentifier_ >( "ldpIdentifier" ),
+                                                   constant< &Self::pduHdrSizeExclude >(
+                                                        "pduHdrSizeExclude" ),
+                                                   read< &Self::version >( "version" ),
+                                                   read< &Self::length >( "length" ),
+                                                   read< &Self::totalLength >( "totalLength" ),
+                                                   read< &Self::stringValue >( "stringValue" ) };
+VORN_VIEW_RECORD( Ldp, LdpPduHdr )
 
-VORN_VIEW_RECORD( Ldp, LdpPduHdr, field( versionNbo, version_ ), field( lengthNbo, length_ ),
-                  state( ldpIdentifier ), constant( pduHdrSizeExclude ), read( version ), read( length ),
-                  read( totalLength ), read( stringValue ) )
-VORN_VIEW_RECORD( Ldp, LdpMsgHdr, state( msgUbitAndTypeField ), field( lengthNbo, length_ ),
-                  field( msgIdNbo, msgId_ ), constant( msgHdrSizeExclude ), constant( ldpMsgHdrSize ),
-                  write( unknown ), write( type ), read( length ), read( msgId ), read( totalLength ) )
-VORN_VIEW_RECORD( Ldp, LdpTlvHdr, state( tlvTypeField ), field( lengthNbo, length_ ), write( type ),
-                  write( unknown ), write( forwardUnknown ), read( length ), constant( tlvHdrSizeExclude ),
-                  read( totalLength ), function( validateTlvHdr ) )
+constexpr Vorn::VornAttr LdpMsgHdr::vornRows[] = {
+   field< &Self::msgUbitAndTypeField_ >( "msgUbitAndTypeField" ),
+   field< &Self::length_ >( "lengthNbo" ),
+   field< &Self::msgId_ >( "msgIdNbo" ),
+   constant< &Self::msgHdrSizeExclude >( "msgHdrSizeExclude" ),
+   constant< &Self::ldpMsgHdrSize >( "ldpMsgHdrSize" ),
+   write< &Self::unknown, &Self::unknownIs >( "unknown" ),
+   write< &Self::type, &Self::typeIs >( "type" ),
+   read< &Self::length >( "length" ),
+   read< &Self::msgId >( "msgId" ),
+   read< &Self::totalLength >( "totalLength" )
+};
+VORN_VIEW_RECORD( Ldp, LdpMsgHdr )
+
+constexpr Vorn::VornAttr LdpTlvHdr::vornRows[] = {
+   field< &Self::tlvTypeField_ >( "tlvTypeField" ),
+   field< &Self::length_ >( "lengthNbo" ),
+   write< &Self::type, &Self::typeIs >( "type" ),
+   write< &Self::unknown, &Self::unknownIs >( "unknown" ),
+   write< &Self::forwardUnknown, &Self::forwardUnknownIs >( "forwardUnknown" ),
+   read< &Self::length >( "length" ),
+   constant< &Self::tlvHdrSizeExclude >( "tlvHdrSizeExclude" ),
+   read< &Self::totalLength >( "totalLength" ),
+   function< &Self::validateTlvHdr >( "validateTlvHdr" )
+};
+VORN_VIEW_RECORD( Ldp, LdpTlvHdr )
 
 // What Hello, Initialization and Capability messages carry.
+constexpr Vorn::VornAttr LdpCommonHelloTlv::vornRows[] = {
+   field< &Self::holdTime_ >( "holdTimeNbo" ),
+   field< &Self::targetHelloField_ >( "targetHelloField" ),
+   write< &Self::holdTime, &Self::holdTimeIs >( "holdTime" ),
+   write< &Self::targetedHello, &Self::targetedHelloIs >( "targetedHello" ),
+   write< &Self::requestSendTargetedHello, &Self::requestSendTargetedHelloIs >( "requestSendTargetedHello" ),
+   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) ),
+   where< &Self::liesOverItsType >( read< &Self::stringValue >( "stringValue" ) )
+};
+VORN_VIEW_RECORD( Ldp, LdpCommonHelloTlv )
 
-VORN_VIEW_RECORD( Ldp, LdpCommonHelloTlv, field( holdTimeNbo, holdTime_ ), state( targetHelloField ),
-                  write( holdTime ), write( targetedHello ), write( requestSendTargetedHello ),
-                  ofItsType( function( validate ) ), ofItsType( read( stringValue ) ) )
-VORN_VIEW_RECORD( Ldp, LdpIpTransportAddrTlv, state( ipAddr ), ofItsType( function( validate ) ),
-                  ofItsType( read( stringValue ) ) )
-VORN_VIEW_RECORD( Ldp, LdpConfigSeqNumTlv, field( configSeqNumNbo, configSeqNum_ ), write( configSeqNum ),
-                  ofItsType( function( validate ) ), ofItsType( read( stringValue ) ) )
-VORN_VIEW_RECORD( Ldp, LdpIp6TransportAddrTlv, state( ip6Addr ), ofItsType( function( validate ) ),
-                  ofItsType( read( stringValue ) ) )
-VORN_VIEW_RECORD( Ldp, LdpCommonSessionParamTlv, field( protocolVersionNbo, protocolVersion_ ),
-                  field( keepAliveTimeNbo, keepAliveTime_ ), state( adField ), state( pathVecLim ),
-                  field( maxPduLengthNbo, maxPduLength_ ), state( recvLdpIdentifier ),
-                  write( protocolVersion ), write( keepAliveTime ), write( maxPduLength ),
-                  write( advDiscipline ), write( loopDetect ), function( validate ), read( stringValue ) )
-VORN_VIEW_RECORD( Ldp, LdpFtSessionTlv, state( ftFlags ), state( reserved ), write( ftReconnectTimeout ),
-                  write( ftRecoveryTime ), write( learnFromNetwork ), function( validate ),
-                  read( stringValue ) )
-VORN_VIEW_RECORD( Ldp, LdpCapabilityParameterTlv, state( stateBit ), write( state ) )
+constexpr Vorn::VornAttr LdpIpTransportAddrTlv::vornRows[] = {
+   field< &Self::ipAddr_ >( "ipAddr" ),
+   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) ),
+   where< &Self::liesOverItsType >( read< &Self::stringValue >( "stringValue" ) )
+};
+VORN_VIEW_RECORD( Ldp, LdpIpTransportAddrTlv )
+
+constexpr Vorn::VornAttr LdpConfigSeqNumTlv::vornRows[] = {
+   field< &Self::configSeqNum_ >( "configSeqNumNbo" ),
+   write< &Self::configSeqNum, &Self::configSeqNumIs >( "configSeqNum" ),
+   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) ),
+   where< &Self::liesOverItsType >( read< &Self::stringValue >( "stringValue" ) )
+};
+VORN_VIEW_RECORD( Ldp, LdpConfigSeqNumTlv )
+
+constexpr Vorn::VornAttr LdpIp6TransportAddrTlv::vornRows[] = {
+   field< &Self::ip6Addr_ >( "ip6Addr" ),
+   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) ),
+   where< &Self::liesOverItsType >( read< &Self::stringValue >( "stringValue" ) )
+};
+VORN_VIEW_RECORD( Ldp, LdpIp6TransportAddrTlv )
+
+constexpr Vorn::VornAttr LdpCommonSessionParamTlv::vornRows[] = {
+   field< &Self::protocolVersion_ >( "protocolVersionNbo" ),
+   field< &Self::keepAliveTime_ >( "keepAliveTimeNbo" ),
+   field< &Self::adField_ >( "adField" ),
+   field< &Self::pathVecLim_ >( "pathVecLim" ),
+   field< &Self::maxPduLength_ >( "maxPduLengthNbo" ),
+   field< &Self::recvLdpIdentifier_ >( "recvLdpIdentifier" ),
+   write< &Self::protocolVersion, &Self::protocolVersionIs >( "protocolVersion" ),
+   write< &Self::keepAliveTime, &Self::keepAliveTimeIs >( "keepAliveTime" ),
+   write< &Self::maxPduLength, &Self::maxPduLengthIs >( "maxPduLength" ),
+   write< &Self::advDiscipline, &Self::advDisciplineIs >( "advDiscipline" ),
+   write< &Self::loopDetect, &Self::loopDetectIs >( "loopDetect" ),
+   function< &Self::validate >( "validate" ),
+   read< &Self::stringValue >( "stringValue" )
+};
+VORN_VIEW_RECORD( Ldp, LdpCommonSessionParamTlv )
+
+constexpr Vorn::VornAttr LdpFtSessionTlv::vornRows[] = {
+   field< &Self::ftFlags_ >( "ftFlags" ),
+   field< &Self::reserved_ >( "reserved" ),
+   write< &Self::ftReconnectTimeout, &Self::ftReconnectTimeoutIs >( "ftReconnectTimeout" ),
+   write< &Self::ftRecoveryTime, &Self::ftRecoveryTimeIs >( "ftRecoveryTime" ),
+   write< &Self::learnFromNetwork, &Self::learnFromNetworkIs >( "learnFromNetwork" ),
+   function< &Self::validate >( "validate" ),
+   read< &Self::stringValue >( "stringValue" )
+};
+VORN_VIEW_RECORD( Ldp, LdpFtSessionTlv )
+
+constexpr Vorn::VornAttr LdpCapabilityParameterTlv::vornRows[] = {
+   field< &Self::stateBit_ >( "stateBit" ), write< &Self::state, &Self::stateIs >( "state" )
+};
+VORN_VIEW_RECORD( Ldp, LdpCapabilityParameterTlv )
 
 // What Notification, Address and label messages carry.
+constexpr Vorn::VornAttr LdpGenLabelTlv::vornRows[] = {
+   field< &Self::labelField_ >( "labelField" ), write< &Self::label, &Self::labelIs >( "label" ),
+   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) ),
+   where< &Self::liesOverItsType >( read< &Self::stringValue >( "stringValue" ) )
+};
+VORN_VIEW_RECORD( Ldp, LdpGenLabelTlv )
 
-VORN_VIEW_RECORD( Ldp, LdpGenLabelTlv, state( labelField ), write( label ), ofItsType( function( validate ) ),
-                  ofItsType( read( stringValue ) ) )
-VORN_VIEW_RECORD( Ldp, LdpLabelReqMsgIdTlv, field( reqMsgIdNbo, reqMsgId_ ), write( reqMsgId ),
-                  ofItsType( function( validate ) ), ofItsType( read( stringValue ) ) )
-VORN_VIEW_RECORD( Ldp, LdpHopCountTlv, state( hopCount ), ofItsType( function( validate ) ),
-                  ofItsType( read( stringValue ) ) )
-VORN_VIEW_RECORD( Ldp, LdpPathVectorTlv, read( lsrIdNum ), indexed( lsrId, lsrIdNum ), keyed( lsrIdPosition ),
-                  ofItsType( function( validate ) ), ofItsType( read( stringValue ) ) )
-VORN_VIEW_RECORD( Ldp, LdpStatusTlv, state( statusCode ), field( msgIdNbo, msgId_ ),
-                  field( msgTypeNbo, msgType_ ), write( statusData ), write( statusForwardUnknown ),
-                  write( statusError ), write( msgId ), write( msgType ), ofItsType( function( validate ) ),
-                  ofItsType( read( stringValue ) ) )
-VORN_VIEW_RECORD( Ldp, LdpAddressListTlv, read( addressFamilyNbo ), read( family ), read( numAddress ),
-                  indexed( address, numAddress ), function( validate ), read( stringValue ) )
-VORN_VIEW_RECORD( Ldp, LdpPwStatusTlv, state( pwStatusField ), function( validate ), read( stringValue ) )
+constexpr Vorn::VornAttr LdpLabelReqMsgIdTlv::vornRows[] = {
+   field< &Self::reqMsgId_ >( "reqMsgIdNbo" ), write< &Self::reqMsgId, &Self::reqMsgIdIs >( "reqMsgId" ),
+   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) ),
+   where< &Self::liesOverItsType >( read< &Self::stringValue >( "stringValue" ) )
+};
+VORN_VIEW_RECORD( Ldp, LdpLabelReqMsgIdTlv )
+
+constexpr Vorn::VornAttr LdpHopCountTlv::vornRows[] = {
+   field< &Self::hopCount_ >( "hopCount" ),
+   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) ),
+   where< &Self::liesOverItsType >( read< &Self::stringValue >( "stringValue" ) )
+};
+VORN_VIEW_RECORD( Ldp, LdpHopCountTlv )
+
+constexpr Vorn::VornAttr LdpPathVectorTlv::vornRows[] = {
+   read< &Self::lsrIdNum >( "lsrIdNum" ), indexed< &Self::lsrId, &Self::lsrIdNum >( "lsrId" ),
+   keyed< &Self::lsrIdPosition >( "lsrIdPosition" ),
+   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) ),
+   where< &Self::liesOverItsType >( read< &Self::stringValue >( "stringValue" ) )
+};
+VORN_VIEW_RECORD( Ldp, LdpPathVectorTlv )
+
+constexpr Vorn::VornAttr LdpStatusTlv::vornRows[] = {
+   field< &Self::statusCode_ >( "statusCode" ),
+   field< &Self::msgId_ >( "msgIdNbo" ),
+   field< &Self::msgType_ >( "msgTypeNbo" ),
+   write< &Self::statusData, &Self::statusDataIs >( "statusData" ),
+   write< &Self::statusForwardUnknown, &Self::statusForwardUnknownIs >( "statusForwardUnknown" ),
+   write< &Self::statusError, &Self::statusErrorIs >( "statusError" ),
+   write< &Self::msgId, &Self::msgIdIs >( "msgId" ),
+   write< &Self::msgType, &Self::msgTypeIs >( "msgType" ),
+   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) ),
+   where< &Self::liesOverItsType >( read< &Self::stringValue >( "stringValue" ) )
+};
+VORN_VIEW_RECORD( Ldp, LdpStatusTlv )
+
+constexpr Vorn::VornAttr LdpAddressListTlv::vornRows[] = {
+   read< &Self::addressFamilyNbo >( "addressFamilyNbo" ),
+   read< &Self::family >( "family" ),
+   read< &Self::numAddress >( "numAddress" ),
+   indexed< &Self::address, &Self::numAddress >( "address" ),
+   function< &Self::validate >( "validate" ),
+   read< &Self::stringValue >( "stringValue" )
+};
+VORN_VIEW_RECORD( Ldp, LdpAddressListTlv )
+
+constexpr Vorn::VornAttr LdpPwStatusTlv::vornRows[] = { field< &Self::pwStatusField_ >( "pwStatusField" ),
+                                                        function< &Self::validate >( "validate" ),
+                                                        read< &Self::stringValue >( "stringValue" ) };
+VORN_VIEW_RECORD( Ldp, LdpPwStatusTlv )
 
 // FEC elements, and the interface parameters of a pseudowire.
+constexpr Vorn::VornAttr LdpFecTlvElementHdr::vornRows[] = { field< &Self::typeField_ >( "typeField" ),
+                                                             write< &Self::type, &Self::typeIs >( "type" ) };
+VORN_VIEW_RECORD( Ldp, LdpFecTlvElementHdr )
 
-VORN_VIEW_RECORD( Ldp, LdpFecTlvElementHdr, state( typeField ), write( type ) )
+constexpr Vorn::VornAttr LdpFecTlvWildcardElementHdr::vornRows[] = { none };
 VORN_VIEW_RECORD( Ldp, LdpFecTlvWildcardElementHdr )
-VORN_VIEW_RECORD( Ldp, LdpFecTlvPrefixElementHdr, field( familyNbo, family_ ), state( prefixBits ),
-                  read( family ) )
-VORN_VIEW_RECORD( Ldp, LdpFecTlvHostAddressElementHdr, field( familyNbo, family_ ), state( hostAddrLen ),
-                  read( family ) )
-VORN_VIEW_RECORD( Ldp, LdpFecTlvP2mpElementHdr, field( familyNbo, family_ ), state( rootIpLenOctets ),
-                  read( family ) )
-VORN_VIEW_RECORD( Ldp, LdpFecTlvPwIdElementHdr, state( pwTypeField ), state( pwInfoLen ),
-                  field( groupIdNbo, groupId_ ), write( groupId ), write( controlWord ), write( pwType ),
-                  writtenWhere( hasPwId, write( pwId ) ) )
-VORN_VIEW_RECORD( Ldp, LdpPwIntfParamSubTlv, state( typeField ), state( length ), read( totalLength ),
-                  constant( tlvHdrSizeExclude ), read( type ) )
-VORN_VIEW_RECORD( Ldp, LdpPwIntfMtuSubTlv, state( mtu ), ofItsType( function( validate ) ) )
-VORN_VIEW_RECORD( Ldp, LdpPwIntfDescSubTlv, read( description ), constant( maxLength ),
-                  ofItsType( function( validate ) ) )
-VORN_VIEW_RECORD( Ldp, LdpPwRequestedVlanIdSubTlv, state( vlanId ), ofItsType( function( validate ) ) )
-VORN_VIEW_RECORD( Ldp, LdpPwFragIndicatorSubTlv, state( fragIndicator ), ofItsType( function( validate ) ) )
-VORN_VIEW_RECORD( Ldp, LdpPwVccvParamSubTlv, state( vccvParam ), read( ccTypes ), read( cvTypes ),
-                  ofItsType( function( validate ) ) )
 
-VORN_MODULE( &LdpHdrMsgUbitAndTypeField::_vornType, &LdpTlvTypeField::_vornType,
-             &LdpCommonHelloTargetField::_vornType, &LdpFtSessionFlags::_vornType,
-             &LdpGenLabelTlvLabel::_vornType, &LdpStatusTlvStatusCode::_vornType,
-             &LdpFecTlvPwIdElementHdrTypeField::_vornType, &LdpPwVccvParamField::_vornType,
-             &LdpPwStatusField::_vornType, &LdpCommonSessionParamTlvAdField::_vornType,
-             &LdpStateBit::_vornType, &LdpFecTlvElementHdrTypeField::_vornType, &LdpPduHdr::_vornType,
-             &LdpMsgHdr::_vornType, &LdpTlvHdr::_vornType, &LdpCommonHelloTlv::_vornType,
-             &LdpIpTransportAddrTlv::_vornType, &LdpConfigSeqNumTlv::_vornType,
-             &LdpIp6TransportAddrTlv::_vornType, &LdpCommonSessionParamTlv::_vornType,
-             &LdpFtSessionTlv::_vornType, &LdpCapabilityParameterTlv::_vornType, &LdpGenLabelTlv::_vornType,
-             &LdpLabelReqMsgIdTlv::_vornType, &LdpHopCountTlv::_vornType, &LdpPathVectorTlv::_vornType,
-             &LdpStatusTlv::_vornType, &LdpAddressListTlv::_vornType, &LdpPwStatusTlv::_vornType,
-             &LdpFecTlvElementHdr::_vornType, &LdpFecTlvWildcardElementHdr::_vornType,
-             &LdpFecTlvPrefixElementHdr::_vornType, &LdpFecTlvHostAddressElementHdr::_vornType,
-             &LdpFecTlvP2mpElementHdr::_vornType, &LdpFecTlvPwIdElementHdr::_vornType,
-             &LdpPwIntfParamSubTlv::_vornType, &LdpPwIntfMtuSubTlv::_vornType,
-             &LdpPwIntfDescSubTlv::_vornType, &LdpPwRequestedVlanIdSubTlv::_vornType,
-             &LdpPwFragIndicatorSubTlv::_vornType, &LdpPwVccvParamSubTlv::_vornType )
+constexpr Vorn::VornAttr LdpFecTlvPrefixElementHdr::vornRows[] = {
+   field< &Self::family_ >( "familyNbo" ), field< &Self::prefixBits_ >( "prefixBits" ),
+   read< &Self::family >( "family" )
+};
+VORN_VIEW_RECORD( Ldp, LdpFecTlvPrefixElementHdr )
+
+constexpr Vorn::VornAttr LdpFecTlvHostAddressElementHdr::vornRows[] = {
+   field< &Self::family_ >( "familyNbo" ), field< &Self::hostAddrLen_ >( "hostAddrLen" ),
+   read< &Self::family >( "family" )
+};
+VORN_VIEW_RECORD( Ldp, LdpFecTlvHostAddressElementHdr )
+
+constexpr Vorn::VornAttr LdpFecTlvP2mpElementHdr::vornRows[] = {
+   field< &Self::family_ >( "familyNbo" ), field< &Self::rootIpLenOctets_ >( "rootIpLenOctets" ),
+   read< &Self::family >( "family" )
+};
+VORN_VIEW_RECORD( Ldp, LdpFecTlvP2mpElementHdr )
+
+constexpr Vorn::VornAttr LdpFecTlvPwIdElementHdr::vornRows[] = {
+   field< &Self::pwTypeField_ >( "pwTypeField" ),
+   field< &Self::pwInfoLen_ >( "pwInfoLen" ),
+   field< &Self::groupId_ >( "groupIdNbo" ),
+   write< &Self::groupId, &Self::groupIdIs >( "groupId" ),
+   write< &Self::controlWord, &Self::controlWordIs >( "controlWord" ),
+   write< &Self::pwType, &Self::pwTypeIs >( "pwType" ),
+   writtenWhere< &Self::hasPwId >( write< &Self::pwId, &Self::pwIdIs >( "pwId" ) )
+};
+VORN_VIEW_RECORD( Ldp, LdpFecTlvPwIdElementHdr )
+
+constexpr Vorn::VornAttr LdpPwIntfParamSubTlv::vornRows[] = {
+   field< &Self::typeField_ >( "typeField" ), field< &Self::length_ >( "length" ),
+   read< &Self::totalLength >( "totalLength" ), constant< &Self::tlvHdrSizeExclude >( "tlvHdrSizeExclude" ),
+   read< &Self::type >( "type" )
+};
+VORN_VIEW_RECORD( Ldp, LdpPwIntfParamSubTlv )
+
+constexpr Vorn::VornAttr LdpPwIntfMtuSubTlv::vornRows[] = {
+   field< &Self::mtu_ >( "mtu" ),
+   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) )
+};
+VORN_VIEW_RECORD( Ldp, LdpPwIntfMtuSubTlv )
+
+constexpr Vorn::VornAttr LdpPwIntfDescSubTlv::vornRows[] = {
+   read< &Self::description >( "description" ), constant< &Self::maxLength >( "maxLength" ),
+   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) )
+};
+VORN_VIEW_RECORD( Ldp, LdpPwIntfDescSubTlv )
+
+constexpr Vorn::VornAttr LdpPwRequestedVlanIdSubTlv::vornRows[] = {
+   field< &Self::vlanId_ >( "vlanId" ),
+   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) )
+};
+VORN_VIEW_RECORD( Ldp, LdpPwRequestedVlanIdSubTlv )
+
+constexpr Vorn::VornAttr LdpPwFragIndicatorSubTlv::vornRows[] = {
+   field< &Self::fragIndicator_ >( "fragIndicator" ),
+   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) )
+};
+VORN_VIEW_RECORD( Ldp, LdpPwFragIndicatorSubTlv )
+
+constexpr Vorn::VornAttr LdpPwVccvParamSubTlv::vornRows[] = {
+   field< &Self::vccvParam_ >( "vccvParam" ), read< &Self::ccTypes >( "ccTypes" ),
+   read< &Self::cvTypes >( "cvTypes" ),
+   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) )
+};
+VORN_VIEW_RECORD( Ldp, LdpPwVccvParamSubTlv )
 
 } // namespace Ldp

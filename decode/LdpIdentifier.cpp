@@ -7,9 +7,13 @@
 
 namespace Ldp {
 
-VORN_REFLECTED_VALUE_RECORD( Ldp, LdpIdentifier, ctor( lsrId ), ctor( lblSpace ), read( stringValue ),
-                             read( hash ) )
-VORN_MODULE( &LdpIdentifier::_vornType )
+using namespace Vorn::Rows;
+
+constexpr Vorn::VornAttr LdpIdentifier::vornRows[] = { ctor< &Self::lsrId >( "lsrId" ),
+                                                       ctor< &Self::lblSpace >( "lblSpace" ),
+                                                       read< &Self::stringValue >( "stringValue" ),
+                                                       read< &Self::hash >( "hash" ) };
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpIdentifier )
 
 Vorn::String LdpIdentifier::stringValue() const {
    return Lumo::IpAddr( lsrId() ).stringValue() + ":" + Vorn::valueToStrep( lblSpace() );

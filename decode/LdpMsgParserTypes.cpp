@@ -6,60 +6,143 @@
 
 namespace Ldp {
 
+using namespace Vorn::Rows;
+
+constexpr Vorn::VornAttr LdpTlvGroupParser::vornRows[] = {
+   part< &Self::pkt, &Self::pktIs >( "pkt" ),
+   part< &Self::offset, &Self::offsetIs >( "offset" ),
+   part< &Self::size, &Self::sizeIs >( "size" ),
+   read< &Self::valid >( "valid" ),
+   field< &Self::reason_ >( "reason" ),
+   field< &Self::statusCode_ >( "statusCode" ),
+   values< &Self::tlvOffset_, &Self::tlvOffsetIs, &Self::tlvOffsetDel >( "tlvOffset" ),
+   read< &Self::tlvNum >( "tlvNum" ),
+   function< &Self::parseTlvGroup >( "parseTlvGroup" )
+};
 VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpTlvGroupParser,
-                              (&Vorn::newObject< LdpTlvGroupParser, Vorn::Name const & >), part( pkt ),
-                              part( offset ), part( size ), read( valid ), state( reason ),
-                              state( statusCode ), values( tlvOffset ), read( tlvNum ),
-                              function( parseTlvGroup ) )
-VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpPduParser, &ldpPduParserFactory, ctor( pkt ), ctor( offset ),
-                              viewBy( header, wholeHeader ), read( version ), read( length ),
-                              read( totalLength ), read( ldpIdentifier ),
-                              where( hasText, read( stringValue ) ), state( statusCode ), state( reason ),
-                              read( validLdpPdu ), child( tlvGroupParser ), read( messageNum ),
-                              indexed( messageOffset, messageNum ), state( initialized ),
-                              function( handleInitialized ) )
-VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpMsgParser, &ldpMsgParserFactory, ctor( pkt ), ctor( offset ),
-                              viewBy( msgHdr, wholeMsgHdr ), read( unknown ), read( type ), read( msgId ),
-                              read( length ), read( totalLength ), where( hasText, read( stringValue ) ),
-                              child( tlvGroupParser ), read( tlvNum ), indexed( tlvOffset, tlvNum ),
-                              read( validMsg ), state( reason ), state( statusCode ), view( msgFecTlv ),
-                              child( ldpFecTlvParser ), view( msgStatusTlv ) )
+                              (&Vorn::newObject< LdpTlvGroupParser, Vorn::Name const & >))
 
-VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpHelloMsgParser, &ldpHelloMsgParserFactory, view( msgCommonHelloTlv ),
-                              view( msgIpTransportTlv ), view( msgIp6TransportTlv ), view( msgConfigSeqTlv ),
-                              state( initialized ), function( handleInitialized ) )
-VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpCapabilityParser, nullptr, views( capabilities ),
-                              function( parseCapabilityTlvs ) )
-VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpInitMsgParser, &ldpInitMsgParserFactory, view( msgSessionParamTlv ),
-                              view( msgFtSessionTlv ), state( initialized ), function( handleInitialized ) )
-VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpCapabilityMsgParser, &ldpCapabilityMsgParserFactory,
-                              state( initialized ), function( handleInitialized ) )
-VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpNotificationMsgParser, &ldpNotificationMsgParserFactory,
-                              view( msgPwStatusTlv ), state( initialized ), function( handleInitialized ) )
-VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpAddressMsgParser, &ldpAddressMsgParserFactory, view( addressListTlv ),
-                              state( initialized ), function( handleInitialized ) )
-VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpAddressWithdrawMsgParser, &ldpAddressWithdrawMsgParserFactory,
-                              view( addressListTlv ), state( initialized ), function( handleInitialized ) )
-VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpLabelMappingMsgParser, &ldpLabelMappingMsgParserFactory,
-                              view( msgGenLabelTlv ), view( msgReqMsgIdTlv ), view( msgHopCountTlv ),
-                              view( msgPathVectorTlv ), view( msgPwStatusTlv ), state( initialized ),
-                              function( handleInitialized ) )
-VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpLabelRequestMsgParser, &ldpLabelRequestMsgParserFactory,
-                              view( msgHopCountTlv ), view( msgPathVectorTlv ), state( initialized ),
-                              function( handleInitialized ) )
-VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpLabelWithdrawMsgParser, &ldpLabelWithdrawMsgParserFactory,
-                              view( msgGenLabelTlv ), state( initialized ), function( handleInitialized ) )
-VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpLabelReleaseMsgParser, &ldpLabelReleaseMsgParserFactory,
-                              view( msgGenLabelTlv ), state( initialized ), function( handleInitialized ) )
-VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpLabelAbortReqMsgParser, &ldpLabelAbortReqMsgParserFactory,
-                              view( msgReqMsgIdTlv ), state( initialized ), function( handleInitialized ) )
+constexpr Vorn::VornAttr LdpPduParser::vornRows[] = {
+   ctor< &Self::pkt >( "pkt" ),
+   ctor< &Self::offset >( "offset" ),
+   view< &Self::wholeHeader >( "header" ),
+   read< &Self::version >( "version" ),
+   read< &Self::length >( "length" ),
+   read< &Self::totalLength >( "totalLength" ),
+   read< &Self::ldpIdentifier >( "ldpIdentifier" ),
+   where< &Self::hasText >( read< &Self::stringValue >( "stringValue" ) ),
+   field< &Self::statusCode_ >( "statusCode" ),
+   field< &Self::reason_ >( "reason" ),
+   read< &Self::validLdpPdu >( "validLdpPdu" ),
+   child< &Self::tlvGroupParser, &Self::tlvGroupParserIs, &Self::tlvGroupParserDel >( "tlvGroupParser" ),
+   read< &Self::messageNum >( "messageNum" ),
+   indexed< &Self::messageOffset, &Self::messageNum >( "messageOffset" ),
+   field< &Self::initialized_ >( "initialized" ),
+   function< &Self::handleInitialized >( "handleInitialized" )
+};
+VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpPduParser, &ldpPduParserFactory )
 
-VORN_MODULE( &LdpTlvGroupParser::_vornType, &LdpPduParser::_vornType, &LdpMsgParser::_vornType,
-             &LdpHelloMsgParser::_vornType, &LdpCapabilityParser::_vornType, &LdpInitMsgParser::_vornType,
-             &LdpCapabilityMsgParser::_vornType, &LdpNotificationMsgParser::_vornType,
-             &LdpAddressMsgParser::_vornType, &LdpAddressWithdrawMsgParser::_vornType,
-             &LdpLabelMappingMsgParser::_vornType, &LdpLabelRequestMsgParser::_vornType,
-             &LdpLabelWithdrawMsgParser::_vornType, &LdpLabelReleaseMsgParser::_vornType,
-             &LdpLabelAbortReqMsgParser::_vornType )
+constexpr Vorn::VornAttr LdpMsgParser::vornRows[] = {
+   ctor< &Self::pkt >( "pkt" ),
+   ctor< &Self::offset >( "offset" ),
+   view< &Self::wholeMsgHdr >( "msgHdr" ),
+   read< &Self::unknown >( "unknown" ),
+   read< &Self::type >( "type" ),
+   read< &Self::msgId >( "msgId" ),
+   read< &Self::length >( "length" ),
+   read< &Self::totalLength >( "totalLength" ),
+   where< &Self::hasText >( read< &Self::stringValue >( "stringValue" ) ),
+   child< &Self::tlvGroupParser, &Self::tlvGroupParserIs, &Self::tlvGroupParserDel >( "tlvGroupParser" ),
+   read< &Self::tlvNum >( "tlvNum" ),
+   indexed< &Self::tlvOffset, &Self::tlvNum >( "tlvOffset" ),
+   read< &Self::validMsg >( "validMsg" ),
+   field< &Self::reason_ >( "reason" ),
+   field< &Self::statusCode_ >( "statusCode" ),
+   view< &Self::msgFecTlv >( "msgFecTlv" ),
+   child< &Self::ldpFecTlvParser, &Self::ldpFecTlvParserIs, &Self::ldpFecTlvParserDel >( "ldpFecTlvParser" ),
+   view< &Self::msgStatusTlv >( "msgStatusTlv" )
+};
+VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpMsgParser, &ldpMsgParserFactory )
+
+constexpr Vorn::VornAttr LdpHelloMsgParser::vornRows[] = {
+   view< &Self::msgCommonHelloTlv >( "msgCommonHelloTlv" ),
+   view< &Self::msgIpTransportTlv >( "msgIpTransportTlv" ),
+   view< &Self::msgIp6TransportTlv >( "msgIp6TransportTlv" ),
+   view< &Self::msgConfigSeqTlv >( "msgConfigSeqTlv" ),
+   field< &Self::initialized_ >( "initialized" ),
+   function< &Self::handleInitialized >( "handleInitialized" )
+};
+VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpHelloMsgParser, &ldpHelloMsgParserFactory )
+
+constexpr Vorn::VornAttr LdpCapabilityParser::vornRows[] = {
+   values< &Self::capabilities_, &Self::capabilitiesIs, &Self::capabilitiesDel >( "capabilities" ),
+   function< &Self::parseCapabilityTlvs >( "parseCapabilityTlvs" )
+};
+VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpCapabilityParser, nullptr )
+
+constexpr Vorn::VornAttr LdpInitMsgParser::vornRows[] = {
+   view< &Self::msgSessionParamTlv >( "msgSessionParamTlv" ),
+   view< &Self::msgFtSessionTlv >( "msgFtSessionTlv" ), field< &Self::initialized_ >( "initialized" ),
+   function< &Self::handleInitialized >( "handleInitialized" )
+};
+VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpInitMsgParser, &ldpInitMsgParserFactory )
+
+constexpr Vorn::VornAttr LdpCapabilityMsgParser::vornRows[] = { field< &Self::initialized_ >( "initialized" ),
+                                                                function< &Self::handleInitialized >(
+                                                                     "handleInitialized" ) };
+VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpCapabilityMsgParser, &ldpCapabilityMsgParserFactory )
+
+constexpr Vorn::VornAttr LdpNotificationMsgParser::vornRows[] = {
+   view< &Self::msgPwStatusTlv >( "msgPwStatusTlv" ), field< &Self::initialized_ >( "initialized" ),
+   function< &Self::handleInitialized >( "handleInitialized" )
+};
+VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpNotificationMsgParser, &ldpNotificationMsgParserFactory )
+
+constexpr Vorn::VornAttr LdpAddressMsgParser::vornRows[] = {
+   view< &Self::addressListTlv >( "addressListTlv" ), field< &Self::initialized_ >( "initialized" ),
+   function< &Self::handleInitialized >( "handleInitialized" )
+};
+VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpAddressMsgParser, &ldpAddressMsgParserFactory )
+
+constexpr Vorn::VornAttr LdpAddressWithdrawMsgParser::vornRows[] = {
+   view< &Self::addressListTlv >( "addressListTlv" ), field< &Self::initialized_ >( "initialized" ),
+   function< &Self::handleInitialized >( "handleInitialized" )
+};
+VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpAddressWithdrawMsgParser, &ldpAddressWithdrawMsgParserFactory )
+
+constexpr Vorn::VornAttr LdpLabelMappingMsgParser::vornRows[] = {
+   view< &Self::msgGenLabelTlv >( "msgGenLabelTlv" ),
+   view< &Self::msgReqMsgIdTlv >( "msgReqMsgIdTlv" ),
+   view< &Self::msgHopCountTlv >( "msgHopCountTlv" ),
+   view< &Self::msgPathVectorTlv >( "msgPathVectorTlv" ),
+   view< &Self::msgPwStatusTlv >( "msgPwStatusTlv" ),
+   field< &Self::initialized_ >( "initialized" ),
+   function< &Self::handleInitialized >( "handleInitialized" )
+};
+VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpLabelMappingMsgParser, &ldpLabelMappingMsgParserFactory )
+
+constexpr Vorn::VornAttr LdpLabelRequestMsgParser::vornRows[] = {
+   view< &Self::msgHopCountTlv >( "msgHopCountTlv" ), view< &Self::msgPathVectorTlv >( "msgPathVectorTlv" ),
+   field< &Self::initialized_ >( "initialized" ), function< &Self::handleInitialized >( "handleInitialized" )
+};
+VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpLabelRequestMsgParser, &ldpLabelRequestMsgParserFactory )
+
+constexpr Vorn::VornAttr LdpLabelWithdrawMsgParser::vornRows[] = {
+   view< &Self::msgGenLabelTlv >( "msgGenLabelTlv" ), field< &Self::initialized_ >( "initialized" ),
+   function< &Self::handleInitialized >( "handleInitialized" )
+};
+VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpLabelWithdrawMsgParser, &ldpLabelWithdrawMsgParserFactory )
+
+constexpr Vorn::VornAttr LdpLabelReleaseMsgParser::vornRows[] = {
+   view< &Self::msgGenLabelTlv >( "msgGenLabelTlv" ), field< &Self::initialized_ >( "initialized" ),
+   function< &Self::handleInitialized >( "handleInitialized" )
+};
+VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpLabelReleaseMsgParser, &ldpLabelReleaseMsgParserFactory )
+
+constexpr Vorn::VornAttr LdpLabelAbortReqMsgParser::vornRows[] = {
+   view< &Self::msgReqMsgIdTlv >( "msgReqMsgIdTlv" ), field< &Self::initialized_ >( "initialized" ),
+   function< &Self::handleInitialized >( "handleInitialized" )
+};
+VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpLabelAbortReqMsgParser, &ldpLabelAbortReqMsgParserFactory )
 
 } // namespace Ldp

@@ -5,9 +5,6 @@ namespace Ldp {
 
 VORN_RECORD( Ldp, LdpProtoParam )
 VORN_VALUE_RECORD( Ldp, LdpProtoParamSetting )
-VORN_MODULE( &LdpProtoParam::_vornType, &LdpProtoParamSetting::_vornType )
-
-LdpProtoParam::~LdpProtoParam() = default;
 
 Vorn::String valueToStrep( LdpProtoParamSetting const & value ) {
    return Vorn::valueToStrep( value.value() );

@@ -7,12 +7,23 @@
 
 namespace Ldp {
 
-VORN_REFLECTED_VALUE_RECORD( Ldp, LdpPwIntfParamFlags, part( value ), constant( intfMtu_ ),
-                             constant( intfDesc_ ), constant( requestedVlanId_ ), constant( fragIndicator_ ),
-                             constant( vccvParam_ ), write( intfMtu ), write( intfDesc ),
-                             write( requestedVlanId ), write( fragIndicator ), write( vccvParam ) )
+using namespace Vorn::Rows;
+
+constexpr Vorn::VornAttr LdpPwIntfParamFlags::vornRows[] = {
+   part< &Self::value, &Self::valueIs >( "value" ),
+   constant< &Self::intfMtu_ >( "intfMtu_" ),
+   constant< &Self::intfDesc_ >( "intfDesc_" ),
+   constant< &Self::requestedVlanId_ >( "requestedVlanId_" ),
+   constant< &Self::fragIndicator_ >( "fragIndicator_" ),
+   constant< &Self::vccvParam_ >( "vccvParam_" ),
+   write< &Self::intfMtu, &Self::intfMtuIs >( "intfMtu" ),
+   write< &Self::intfDesc, &Self::intfDescIs >( "intfDesc" ),
+   write< &Self::requestedVlanId, &Self::requestedVlanIdIs >( "requestedVlanId" ),
+   write< &Self::fragIndicator, &Self::fragIndicatorIs >( "fragIndicator" ),
+   write< &Self::vccvParam, &Self::vccvParamIs >( "vccvParam" )
+};
+VORN_REFLECTED_VALUE_RECORD( Ldp, LdpPwIntfParamFlags )
 VORN_TEXT_OF_FLAGS( LdpPwIntfParamFlags )
-VORN_MODULE( &LdpPwIntfParamFlags::_vornType )
 
 namespace {
 

@@ -8,18 +8,44 @@
 
 namespace Ldp {
 
+using namespace Vorn::Rows;
+
 using Vorn::String;
 
-VORN_REFLECTED_VALUE_RECORD( Ldp, PwFwdEqvClass, ctor( pwId ), ctor( pwType ), ctor( controlWord ),
-                             constant( defaultAttribute ), write( stringValue ), read( pwTypeValue ),
-                             read( hash ) )
-VORN_REFLECTED_VALUE_RECORD( Ldp, PwFwdEqvClassParams, part( groupId ), part( mtu ), part( intfDescription ),
-                             part( requestedVlanId ), part( fragCapable ), part( vccvCcTypes ),
-                             part( vccvCvTypes ), constant( unspecifiedMtu ), read( stringValue ) )
-VORN_REFLECTED_VALUE_RECORD( Ldp, PwFwdEqvClassInfo, part( fwdEqvClass ), part( params ), read( pwId ),
-                             write( groupId ), write( intfDescription ), write( requestedVlanId ),
-                             read( stringValue ) )
-VORN_MODULE( &PwFwdEqvClass::_vornType, &PwFwdEqvClassParams::_vornType, &PwFwdEqvClassInfo::_vornType )
+constexpr Vorn::VornAttr PwFwdEqvClass::vornRows[] = {
+   ctor< &Self::pwId >( "pwId" ),
+   ctor< &Self::pwType >( "pwType" ),
+   ctor< &Self::controlWord >( "controlWord" ),
+   constant< &Self::defaultAttribute >( "defaultAttribute" ),
+   write< &Self::stringValue, &Self::stringValueIs >( "stringValue" ),
+   read< &Self::pwTypeValue >( "pwTypeValue" ),
+   read< &Self::hash >( "hash" )
+};
+VORN_REFLECTED_VALUE_RECORD( Ldp, PwFwdEqvClass )
+
+constexpr Vorn::VornAttr PwFwdEqvClassParams::vornRows[] = {
+   part< &Self::groupId, &Self::groupIdIs >( "groupId" ),
+   part< &Self::mtu, &Self::mtuIs >( "mtu" ),
+   part< &Self::intfDescription, &Self::intfDescriptionIs >( "intfDescription" ),
+   part< &Self::requestedVlanId, &Self::requestedVlanIdIs >( "requestedVlanId" ),
+   part< &Self::fragCapable, &Self::fragCapableIs >( "fragCapable" ),
+   part< &Self::vccvCcTypes, &Self::vccvCcTypesIs >( "vccvCcTypes" ),
+   part< &Self::vccvCvTypes, &Self::vccvCvTypesIs >( "vccvCvTypes" ),
+   constant< &Self::unspecifiedMtu >( "unspecifiedMtu" ),
+   read< &Self::stringValue >( "stringValue" )
+};
+VORN_REFLECTED_VALUE_RECORD( Ldp, PwFwdEqvClassParams )
+
+constexpr Vorn::VornAttr PwFwdEqvClassInfo::vornRows[] = {
+   part< &Self::fwdEqvClass, &Self::fwdEqvClassIs >( "fwdEqvClass" ),
+   part< &Self::params, &Self::paramsIs >( "params" ),
+   read< &Self::pwId >( "pwId" ),
+   write< &Self::groupId, &Self::groupIdIs >( "groupId" ),
+   write< &Self::intfDescription, &Self::intfDescriptionIs >( "intfDescription" ),
+   write< &Self::requestedVlanId, &Self::requestedVlanIdIs >( "requestedVlanId" ),
+   read< &Self::stringValue >( "stringValue" )
+};
+VORN_REFLECTED_VALUE_RECORD( Ldp, PwFwdEqvClassInfo )
 
 VORN_TEXT_OF_RECORD( PwFwdEqvClassParams )
 VORN_TEXT_OF_RECORD( PwFwdEqvClassInfo )

@@ -1,8 +1,8 @@
 // A FEC TLV, read by the default rules and with the wildcard rule on and off. The first octet of the input
 // says where in the packet the TLV begins, and whether its length is made to fit.
-#include "FatalOracle.h"
-#include "ReadAll.h"
 #include "UnitMutator.h"
+#include "support/FatalOracle.h"
+#include "support/ReadAll.h"
 
 #include <vector>
 

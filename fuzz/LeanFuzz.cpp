@@ -3,8 +3,8 @@
 // hundred times the executions; the library's own assertions and the oracle then are what can fail.
 //
 // The first octet of the input says where in the packet the PDU begins.
-#include "FatalOracle.h"
 #include "UnitMutator.h"
+#include "support/FatalOracle.h"
 
 #include "Ldp/LdpUtils.h"
 

@@ -1,8 +1,8 @@
 // One message given to one parser class, without a PDU around it. The first octet of the input chooses the
 // class, the second where the message begins; the message gets the type of its class.
-#include "FatalOracle.h"
-#include "ReadAll.h"
 #include "UnitMutator.h"
+#include "support/FatalOracle.h"
+#include "support/ReadAll.h"
 
 #include <vector>
 

@@ -1,8 +1,8 @@
 // Octets from a peer into the attribute log. The first octet of the input says what they meet: whether this
 // end writes, whether the other may, what is there already, and whether the rest is a whole stream or records
 // for that, whose heads are put together here. What is refused must leave the model as it was.
-#include "framework/LogKinds.h"
-#include "framework/LogText.h"
+#include "support/LogKinds.h"
+#include "support/LogText.h"
 
 #include "Acl/PrefixList.h"
 #include "Ldp/LdpFec.h"

@@ -3,9 +3,9 @@
 //
 // The first octet of the input says where in the packet the PDU begins, and whether so many octets follow the
 // packet that even a wrapped length stays inside.
-#include "FatalOracle.h"
-#include "ReadAll.h"
 #include "UnitMutator.h"
+#include "support/FatalOracle.h"
+#include "support/ReadAll.h"
 
 #include <vector>
 

@@ -1,5 +1,5 @@
 // The choices of the re-entrant scheduler, an octet each.
-#include "model/Reentry.h"
+#include "support/Reentry.h"
 
 extern "C" int LLVMFuzzerTestOneInput( U8 const * data, std::size_t size ) {
    Test::Choices choices( data, size );

@@ -14,15 +14,6 @@ VORN_RECORD( Ldp, LdpAdjConfigColl )
 VORN_RECORD( Ldp, LdpAdjStatus )
 VORN_RECORD( Ldp, LdpAdjStatusColl )
 VORN_RECORD( Ldp, LdpAdjPerLink )
-VORN_MODULE( &LdpAdjType_vornType, &LdpAdjId::_vornType, &LdpAdjConfig::_vornType,
-             &LdpAdjConfigColl::_vornType, &LdpAdjStatus::_vornType, &LdpAdjStatusColl::_vornType,
-             &LdpAdjPerLink::_vornType )
-
-LdpAdjConfig::~LdpAdjConfig() = default;
-LdpAdjConfigColl::~LdpAdjConfigColl() = default;
-LdpAdjStatus::~LdpAdjStatus() = default;
-LdpAdjStatusColl::~LdpAdjStatusColl() = default;
-LdpAdjPerLink::~LdpAdjPerLink() = default;
 
 LdpAdjType LdpAdjId::adjType() const { return intfId_.stringValue().empty() ? LdpTargetAdj : LdpLinkAdj; }
 

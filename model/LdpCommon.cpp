@@ -5,8 +5,13 @@
 
 namespace Ldp {
 
-VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpMsg, &ldpMsgFactory, ctor( ldpIdentifier ), state( srcIpAddr ),
-                              ctor( pkt ), ctor( offset ), state( priority ) )
+using namespace Vorn::Rows;
+
+constexpr Vorn::VornAttr LdpMsg::vornRows[] = {
+   ctor< &Self::ldpIdentifier >( "ldpIdentifier" ), field< &Self::srcIpAddr_ >( "srcIpAddr" ),
+   ctor< &Self::pkt >( "pkt" ), ctor< &Self::offset >( "offset" ), field< &Self::priority_ >( "priority" )
+};
+VORN_REFLECTED_OBJECT_RECORD( Ldp, LdpMsg, &ldpMsgFactory )
 VORN_RECORD( Ldp, LdpMsgPipe )
 VORN_RECORD( Ldp, LdpFecSessionMsgPipe )
 VORN_RECORD( Ldp, LdpP2mpSessionLocalLabelMsgPipe )
@@ -18,24 +23,6 @@ VORN_RECORD( Ldp, LdpSessionMsgPipeColl )
 VORN_RECORD( Ldp, LdpFecSessionMsgPipeColl )
 VORN_RECORD( Ldp, LdpP2mpSessionLocalLabelMsgPipeColl )
 VORN_RECORD( Ldp, LdpP2mpSessionRemoteLabelMsgPipeColl )
-VORN_MODULE( &LdpMsg::_vornType, &LdpMsgPipe::_vornType, &LdpFecSessionMsgPipe::_vornType,
-             &LdpP2mpSessionLocalLabelMsgPipe::_vornType, &LdpP2mpSessionRemoteLabelMsgPipe::_vornType,
-             &LdpTargetMsgPipeCollection::_vornType, &LdpLinkMsgPipeCollection::_vornType,
-             &LdpAdjMsgPipeCollection::_vornType, &LdpSessionMsgPipeColl::_vornType,
-             &LdpFecSessionMsgPipeColl::_vornType, &LdpP2mpSessionLocalLabelMsgPipeColl::_vornType,
-             &LdpP2mpSessionRemoteLabelMsgPipeColl::_vornType )
-
-LdpMsgPipe::~LdpMsgPipe() = default;
-LdpFecSessionMsgPipe::~LdpFecSessionMsgPipe() = default;
-LdpP2mpSessionLocalLabelMsgPipe::~LdpP2mpSessionLocalLabelMsgPipe() = default;
-LdpP2mpSessionRemoteLabelMsgPipe::~LdpP2mpSessionRemoteLabelMsgPipe() = default;
-LdpTargetMsgPipeCollection::~LdpTargetMsgPipeCollection() = default;
-LdpLinkMsgPipeCollection::~LdpLinkMsgPipeCollection() = default;
-LdpAdjMsgPipeCollection::~LdpAdjMsgPipeCollection() = default;
-LdpSessionMsgPipeColl::~LdpSessionMsgPipeColl() = default;
-LdpFecSessionMsgPipeColl::~LdpFecSessionMsgPipeColl() = default;
-LdpP2mpSessionLocalLabelMsgPipeColl::~LdpP2mpSessionLocalLabelMsgPipeColl() = default;
-LdpP2mpSessionRemoteLabelMsgPipeColl::~LdpP2mpSessionRemoteLabelMsgPipeColl() = default;
 
 LdpMsg::~LdpMsg() = default;
 

@@ -21,22 +21,6 @@ VORN_RECORD( Ldp, ProtoConfig )
 VORN_RECORD( Ldp, LdpProtoConfigColl )
 VORN_RECORD( Ldp, LdpEnabledVrfColl )
 VORN_RECORD( Ldp, PwTargetConfigColl )
-VORN_MODULE( &LdpLabelDistCtrl_vornType, &LdpLabelRetention_vornType, &LdpRunningState_vornType,
-             &LdpGrOperationalMode_vornType, &LdpIgpSyncMode_vornType, &LdpFecBindingInfo::_vornType,
-             &LdpGrOperationalFlag::_vornType, &LdpIntfConfig::_vornType,
-             &LdpStaticFecBindingEntry::_vornType, &LdpStaticP2mpFecBindingEntry::_vornType,
-             &Config::_vornType, &LdpConfigColl::_vornType, &ProtoConfig::_vornType,
-             &LdpProtoConfigColl::_vornType, &LdpEnabledVrfColl::_vornType, &PwTargetConfigColl::_vornType )
-
-LdpIntfConfig::~LdpIntfConfig() = default;
-LdpStaticFecBindingEntry::~LdpStaticFecBindingEntry() = default;
-LdpStaticP2mpFecBindingEntry::~LdpStaticP2mpFecBindingEntry() = default;
-Config::~Config() = default;
-LdpConfigColl::~LdpConfigColl() = default;
-ProtoConfig::~ProtoConfig() = default;
-LdpProtoConfigColl::~LdpProtoConfigColl() = default;
-LdpEnabledVrfColl::~LdpEnabledVrfColl() = default;
-PwTargetConfigColl::~PwTargetConfigColl() = default;
 
 VORN_TEXT_OF_RECORD( LdpFecBindingInfo )
 VORN_TEXT_OF_FLAGS( LdpGrOperationalFlag )

@@ -25,27 +25,6 @@ VORN_RECORD( Ldp, LdpFecStatusColl )
 VORN_RECORD( Ldp, LdpFecNexthop )
 VORN_RECORD( Ldp, LdpFecNexthopColl )
 VORN_RECORD( Ldp, LdpFecCounters )
-VORN_MODULE( &LdpFecConfigMembership_vornType, &LdpFecLspRole_vornType, &FecConfigChange_vornType,
-             &LdpLabelUnassignedReason_vornType,
-             &LdpXsessionNotification_LdpXsessionNotificationType_vornType, &Via::_vornType,
-             &IntfIpViaMapping::_vornType, &LdpIdViaMapping::_vornType, &LdpFecConfig::_vornType,
-             &LdpFecConfigNotifier::_vornType, &LdpFecConfigColl::_vornType,
-             &LdpXsessionNotification::_vornType, &LdpFecStatus::_vornType, &LdpFecStatusNotifier::_vornType,
-             &LdpFecStatusColl::_vornType, &LdpFecNexthop::_vornType, &LdpFecNexthopColl::_vornType,
-             &LdpFecCounters::_vornType )
-
-IntfIpViaMapping::~IntfIpViaMapping() = default;
-LdpIdViaMapping::~LdpIdViaMapping() = default;
-LdpFecConfig::~LdpFecConfig() = default;
-LdpFecConfigNotifier::~LdpFecConfigNotifier() = default;
-LdpFecConfigColl::~LdpFecConfigColl() = default;
-LdpXsessionNotification::~LdpXsessionNotification() = default;
-LdpFecStatus::~LdpFecStatus() = default;
-LdpFecStatusNotifier::~LdpFecStatusNotifier() = default;
-LdpFecStatusColl::~LdpFecStatusColl() = default;
-LdpFecNexthop::~LdpFecNexthop() = default;
-LdpFecNexthopColl::~LdpFecNexthopColl() = default;
-LdpFecCounters::~LdpFecCounters() = default;
 
 namespace {
 

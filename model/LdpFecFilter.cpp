@@ -30,9 +30,6 @@ bool matches( Acl::PrefixEntry const & entry, Lumo::IpGenPrefix const & prefix )
 } // namespace
 
 VORN_RECORD( Ldp, LdpFecFilter )
-VORN_MODULE( &LdpFecFilter::_vornType )
-
-LdpFecFilter::~LdpFecFilter() = default;
 
 bool LdpFecFilter::isPermittedFec( Mpls::FwdEqvClass const & fec ) const {
    TWAIN_FUNCTION( "LdpFecFilter::isPermittedFec", fec );

@@ -14,15 +14,6 @@ VORN_RECORD( Ldp, LdpFecSessionStatus )
 VORN_RECORD( Ldp, LdpFecSessionStatusBySession )
 VORN_RECORD( Ldp, LdpFecSessionStatusColl )
 VORN_RECORD( Ldp, LdpFecSessionNotifier )
-VORN_MODULE( &LdpLocalLabelState_vornType, &LdpPeerLabelState_vornType, &LdpFecSessionId::_vornType,
-             &LdpLocalLabelSessionState::_vornType, &LdpPeerLabelSessionState::_vornType,
-             &LdpFecSessionStatus::_vornType, &LdpFecSessionStatusBySession::_vornType,
-             &LdpFecSessionStatusColl::_vornType, &LdpFecSessionNotifier::_vornType )
-
-LdpFecSessionStatus::~LdpFecSessionStatus() = default;
-LdpFecSessionStatusBySession::~LdpFecSessionStatusBySession() = default;
-LdpFecSessionStatusColl::~LdpFecSessionStatusColl() = default;
-LdpFecSessionNotifier::~LdpFecSessionNotifier() = default;
 
 U32 LdpFecSessionId::hash() const { return fwdEqvClass_.hash() + ldpSessionId_.hash(); }
 

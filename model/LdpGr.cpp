@@ -10,10 +10,6 @@ namespace Ldp {
 VORN_ENUM_RECORD( Ldp, GrMembership, VORN_LDP_GR_MEMBERSHIPS )
 VORN_RECORD( Ldp, LocalGrStatus )
 VORN_RECORD( Ldp, LdpGrStatus )
-VORN_MODULE( &GrMembership_vornType, &LocalGrStatus::_vornType, &LdpGrStatus::_vornType )
-
-LocalGrStatus::~LocalGrStatus() = default;
-LdpGrStatus::~LdpGrStatus() = default;
 
 double LocalGrStatus::remainingHoldingTime() const {
    if ( holdingTimerExpirationTime_ > std::numeric_limits< double >::max() ) return 0.0;

@@ -8,13 +8,5 @@ VORN_RECORD( Ldp, LabelAllocRequest )
 VORN_RECORD( Ldp, LabelAllocRequestTable )
 VORN_RECORD( Ldp, LabelAllocGlobalStatus )
 VORN_RECORD( Ldp, MplsLabelSet )
-VORN_MODULE( &LabelAllocStatusEnum_vornType, &LabelAllocRequest::_vornType,
-             &LabelAllocRequestTable::_vornType, &LabelAllocGlobalStatus::_vornType,
-             &MplsLabelSet::_vornType )
-
-LabelAllocRequest::~LabelAllocRequest() = default;
-LabelAllocRequestTable::~LabelAllocRequestTable() = default;
-LabelAllocGlobalStatus::~LabelAllocGlobalStatus() = default;
-MplsLabelSet::~MplsLabelSet() = default;
 
 } // namespace Ldp

@@ -14,21 +14,6 @@ VORN_RECORD( Ldp, LdpLinkStatusColl )
 VORN_RECORD( Ldp, LdpLinkUdpPamStatus )
 VORN_RECORD( Ldp, IpIntfMember )
 VORN_RECORD( Ldp, LocalIntfIpColl )
-VORN_MODULE( &ConfigState_vornType, &LdpLinkBaseConfig::_vornType, &LdpLinkCommonConfig::_vornType,
-             &LdpLinkConfig::_vornType, &LdpLinkConfigColl::_vornType, &LdpLinkStatus::_vornType,
-             &LdpLinkCommonStatus::_vornType, &LdpLinkStatusColl::_vornType, &LdpLinkUdpPamStatus::_vornType,
-             &IpIntfMember::_vornType, &LocalIntfIpColl::_vornType )
-
-LdpLinkBaseConfig::~LdpLinkBaseConfig() = default;
-LdpLinkCommonConfig::~LdpLinkCommonConfig() = default;
-LdpLinkConfig::~LdpLinkConfig() = default;
-LdpLinkConfigColl::~LdpLinkConfigColl() = default;
-LdpLinkStatus::~LdpLinkStatus() = default;
-LdpLinkCommonStatus::~LdpLinkCommonStatus() = default;
-LdpLinkStatusColl::~LdpLinkStatusColl() = default;
-LdpLinkUdpPamStatus::~LdpLinkUdpPamStatus() = default;
-IpIntfMember::~IpIntfMember() = default;
-LocalIntfIpColl::~LocalIntfIpColl() = default;
 
 LdpLinkStatusColl::LdpLinkStatusColl( Vorn::Name const & name ) : name_( name ) {
    ldpLinkCommonStatusIs( Vorn::Name( "llcs" ) );

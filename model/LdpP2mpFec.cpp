@@ -10,15 +10,6 @@ VORN_RECORD( Ldp, LdpP2mpFecStateColl )
 VORN_RECORD( Ldp, LdpP2mpLabelTerminatingInfo )
 VORN_RECORD( Ldp, LdpP2mpLabelTerminatingInfoColl )
 VORN_RECORD( Ldp, LdpP2mpFecCounters )
-VORN_MODULE( &LdpP2mpFecStateMembership_vornType, &LdpP2mpFecRole_vornType, &LdpP2mpFecState::_vornType,
-             &LdpP2mpFecStateColl::_vornType, &LdpP2mpLabelTerminatingInfo::_vornType,
-             &LdpP2mpLabelTerminatingInfoColl::_vornType, &LdpP2mpFecCounters::_vornType )
-
-LdpP2mpFecState::~LdpP2mpFecState() = default;
-LdpP2mpFecStateColl::~LdpP2mpFecStateColl() = default;
-LdpP2mpLabelTerminatingInfo::~LdpP2mpLabelTerminatingInfo() = default;
-LdpP2mpLabelTerminatingInfoColl::~LdpP2mpLabelTerminatingInfoColl() = default;
-LdpP2mpFecCounters::~LdpP2mpFecCounters() = default;
 
 LdpP2mpFecState::LdpP2mpFecState( Mpls::FwdEqvClass const & p2mpFecId ) : p2mpFecId_( p2mpFecId ) {
    mplsLabelSetIs( Vorn::Name( "labelSet" ), p2mpFecId );

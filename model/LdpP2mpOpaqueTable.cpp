@@ -7,9 +7,6 @@
 namespace Ldp {
 
 VORN_RECORD( Ldp, LdpP2mpOpaqueTable )
-VORN_MODULE( &LdpP2mpOpaqueTable::_vornType )
-
-LdpP2mpOpaqueTable::~LdpP2mpOpaqueTable() = default;
 
 namespace {
 

@@ -14,16 +14,6 @@ VORN_RECORD( Ldp, LdpSessionConfig )
 VORN_RECORD( Ldp, LdpSessionConfigColl )
 VORN_RECORD( Ldp, LdpSessionStatus )
 VORN_RECORD( Ldp, LdpSessionStatusColl )
-VORN_MODULE( &SessionOpState_vornType, &LdpSessionRole_vornType, &GrState_vornType, &LdpSessionId::_vornType,
-             &LdpSessionState::_vornType, &LdpSessionCommonConfig::_vornType, &LdpSessionConfig::_vornType,
-             &LdpSessionConfigColl::_vornType, &LdpSessionStatus::_vornType,
-             &LdpSessionStatusColl::_vornType )
-
-LdpSessionCommonConfig::~LdpSessionCommonConfig() = default;
-LdpSessionConfig::~LdpSessionConfig() = default;
-LdpSessionConfigColl::~LdpSessionConfigColl() = default;
-LdpSessionStatus::~LdpSessionStatus() = default;
-LdpSessionStatusColl::~LdpSessionStatusColl() = default;
 
 U32 LdpSessionId::hash() const { return peerLdpId_.hash(); }
 

@@ -7,10 +7,6 @@ VORN_ENUM_RECORD( Ldp, SessionState, VORN_LDP_SESSION_STATES )
 VORN_VALUE_RECORD( Ldp, LdpSessionStateLogEntry )
 VORN_TEXT_OF_RECORD( LdpSessionStateLogEntry )
 VORN_RECORD( Ldp, LdpSessionStateLogEntryColl )
-VORN_MODULE( &SessionState_vornType, &LdpSessionStateLogEntry::_vornType,
-             &LdpSessionStateLogEntryColl::_vornType )
-
-LdpSessionStateLogEntryColl::~LdpSessionStateLogEntryColl() = default;
 
 void LdpSessionStateLogEntryColl::addSessionStateLogEntry( LdpSessionStateLogEntry const & entry ) {
    if ( shouldAddSessionStateLogEntry( entry ) ) internalAddLogEntry_( entry );

@@ -7,11 +7,6 @@ VORN_VALUE_RECORD( Ldp, LdpMsgIdFecMappingInfo )
 VORN_VALUE_RECORD( Ldp, PwMsgIdFecMappingInfo )
 VORN_RECORD( Ldp, LdpSessionStatistics )
 VORN_RECORD( Ldp, LdpSessionStatisticsColl )
-VORN_MODULE( &LdpMsgIdFecMappingInfo::_vornType, &PwMsgIdFecMappingInfo::_vornType,
-             &LdpSessionStatistics::_vornType, &LdpSessionStatisticsColl::_vornType )
-
-LdpSessionStatistics::~LdpSessionStatistics() = default;
-LdpSessionStatisticsColl::~LdpSessionStatisticsColl() = default;
 
 VORN_TEXT_OF_RECORD( LdpMsgIdFecMappingInfo )
 VORN_TEXT_OF_RECORD( PwMsgIdFecMappingInfo )

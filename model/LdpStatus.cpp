@@ -9,13 +9,6 @@ VORN_RECORD( Ldp, LdpAgentStatus )
 VORN_RECORD( Ldp, Statistics )
 VORN_RECORD( Ldp, Status )
 VORN_RECORD( Ldp, LdpStatusColl )
-VORN_MODULE( &LdpAgentStatus::_vornType, &Statistics::_vornType, &Status::_vornType,
-             &LdpStatusColl::_vornType )
-
-LdpAgentStatus::~LdpAgentStatus() = default;
-Statistics::~Statistics() = default;
-Status::~Status() = default;
-LdpStatusColl::~LdpStatusColl() = default;
 
 Lumo::NamespaceName Status::defaultNsName() const { return Lumo::NamespaceName::defaultNamespace(); }
 

@@ -9,13 +9,6 @@ VORN_RECORD( Ldp, LdpTcpConnConfig )
 VORN_RECORD( Ldp, LdpTcpConnConfigColl )
 VORN_RECORD( Ldp, LdpTcpConnStatus )
 VORN_RECORD( Ldp, LdpTcpConnStatusColl )
-VORN_MODULE( &LdpTcpConnConfig::_vornType, &LdpTcpConnConfigColl::_vornType, &LdpTcpConnStatus::_vornType,
-             &LdpTcpConnStatusColl::_vornType )
-
-LdpTcpConnConfig::~LdpTcpConnConfig() = default;
-LdpTcpConnConfigColl::~LdpTcpConnConfigColl() = default;
-LdpTcpConnStatus::~LdpTcpConnStatus() = default;
-LdpTcpConnStatusColl::~LdpTcpConnStatusColl() = default;
 
 LdpTcpConnConfig::LdpTcpConnConfig( Lumo::IpGenAddr const & serverIpAddr, Lumo::Port serverPort,
                                     Lumo::IpGenAddr const & clientIpAddr,

@@ -5,9 +5,5 @@ namespace Ldp {
 
 VORN_RECORD( Ldp, LdpTcpServerConfig )
 VORN_RECORD( Ldp, LdpTcpServerStatus )
-VORN_MODULE( &LdpTcpServerConfig::_vornType, &LdpTcpServerStatus::_vornType )
-
-LdpTcpServerConfig::~LdpTcpServerConfig() = default;
-LdpTcpServerStatus::~LdpTcpServerStatus() = default;
 
 } // namespace Ldp

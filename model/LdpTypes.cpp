@@ -7,6 +7,5 @@ namespace Ldp {
 
 VORN_ENUM_RECORD( Ldp, LdpLabelAdvDspl, VORN_LDP_LABEL_ADV_DSPLS )
 VORN_ENUM_RECORD( Ldp, LdpFecDeliveryType, VORN_LDP_FEC_DELIVERY_TYPES )
-VORN_MODULE( &LdpLabelAdvDspl_vornType, &LdpFecDeliveryType_vornType )
 
 } // namespace Ldp

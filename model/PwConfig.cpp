@@ -8,12 +8,5 @@ VORN_RECORD( Ldp, PwConfig )
 VORN_RECORD( Ldp, PwConfigColl )
 VORN_RECORD( Ldp, PwStatus )
 VORN_RECORD( Ldp, PwStatusColl )
-VORN_MODULE( &PwStatusMethod_vornType, &PwConfig::_vornType, &PwConfigColl::_vornType, &PwStatus::_vornType,
-             &PwStatusColl::_vornType )
-
-PwConfig::~PwConfig() = default;
-PwConfigColl::~PwConfigColl() = default;
-PwStatus::~PwStatus() = default;
-PwStatusColl::~PwStatusColl() = default;
 
 } // namespace Ldp

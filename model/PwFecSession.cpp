@@ -15,19 +15,6 @@ VORN_RECORD( Ldp, LocalPwFecSessionStatusColl )
 VORN_RECORD( Ldp, RemotePwFecSessionStatus )
 VORN_RECORD( Ldp, RemotePwFecSessionStatusColl )
 VORN_RECORD( Ldp, PwFecSessionMsgPipeColl )
-VORN_MODULE( &PwFecSessionMember_vornType, &PwFecSessionStatusState_vornType, &PwFecSessionId::_vornType,
-             &PwFecSessionConfig::_vornType, &PwFecSessionConfigColl::_vornType,
-             &LocalPwFecSessionStatus::_vornType, &LocalPwFecSessionStatusColl::_vornType,
-             &RemotePwFecSessionStatus::_vornType, &RemotePwFecSessionStatusColl::_vornType,
-             &PwFecSessionMsgPipeColl::_vornType )
-
-PwFecSessionConfig::~PwFecSessionConfig() = default;
-PwFecSessionConfigColl::~PwFecSessionConfigColl() = default;
-LocalPwFecSessionStatus::~LocalPwFecSessionStatus() = default;
-LocalPwFecSessionStatusColl::~LocalPwFecSessionStatusColl() = default;
-RemotePwFecSessionStatus::~RemotePwFecSessionStatus() = default;
-RemotePwFecSessionStatusColl::~RemotePwFecSessionStatusColl() = default;
-PwFecSessionMsgPipeColl::~PwFecSessionMsgPipeColl() = default;
 
 bool PwFecSessionId::isValid() const { return pwFwdEqvClass_.pwId().value() != 0; }
 

@@ -31,4 +31,3 @@ void logIn( Vorn::NboAttrLog::In & in, VlanIdOrNone * value ) {
 } // namespace Bridging
 
 VORN_OUTSIDE_RECORD( Bridging, VlanIdOrNone )
-VORN_MODULE( ::Vorn::recordOf< Bridging::VlanIdOrNone >() )

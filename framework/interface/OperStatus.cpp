@@ -8,4 +8,3 @@ namespace Interface {
 VORN_ENUM_RECORD( Interface, IntfOperStatus, VORN_INTERFACE_OPER_STATUSES )
 
 } // namespace Interface
-VORN_MODULE( ::Vorn::recordOf< Interface::IntfOperStatus >() )

@@ -32,4 +32,3 @@ void logIn( Vorn::NboAttrLog::In & in, VrfName * value ) {
 } // namespace L3
 
 VORN_OUTSIDE_RECORD( L3, VrfName )
-VORN_MODULE( ::Vorn::recordOf< L3::VrfName >() )

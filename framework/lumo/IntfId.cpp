@@ -60,4 +60,3 @@ void logIn( Vorn::NboAttrLog::In & in, IntfId * value ) {
 } // namespace Lumo
 
 VORN_OUTSIDE_RECORD( Lumo, IntfId )
-VORN_MODULE( ::Vorn::recordOf< Lumo::IntfId >() )

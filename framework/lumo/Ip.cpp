@@ -291,6 +291,3 @@ VORN_OUTSIDE_RECORD( Lumo, IpAddr )
 VORN_OUTSIDE_RECORD( Lumo, Ip6Addr )
 VORN_OUTSIDE_RECORD( Lumo, IpGenAddr )
 VORN_OUTSIDE_RECORD( Lumo, IpGenPrefix )
-VORN_MODULE( ::Vorn::recordOf< Lumo::AddressFamily >(), ::Vorn::recordOf< Lumo::IpAddr >(),
-             ::Vorn::recordOf< Lumo::Ip6Addr >(), ::Vorn::recordOf< Lumo::IpGenAddr >(),
-             ::Vorn::recordOf< Lumo::IpGenPrefix >() )

@@ -27,4 +27,3 @@ void logIn( Vorn::NboAttrLog::In & in, IpDscp * value ) {
 } // namespace Lumo
 
 VORN_OUTSIDE_RECORD( Lumo, IpDscp )
-VORN_MODULE( ::Vorn::recordOf< Lumo::IpDscp >() )

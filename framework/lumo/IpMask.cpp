@@ -77,4 +77,3 @@ void logIn( Vorn::NboAttrLog::In & in, IpGenAddrWithMask * value ) {
 
 VORN_OUTSIDE_RECORD( Lumo, IpAddrWithMask )
 VORN_OUTSIDE_RECORD( Lumo, IpGenAddrWithMask )
-VORN_MODULE( ::Vorn::recordOf< Lumo::IpAddrWithMask >(), ::Vorn::recordOf< Lumo::IpGenAddrWithMask >() )

@@ -33,4 +33,3 @@ void logIn( Vorn::NboAttrLog::In & in, MplsLabel * value ) {
 } // namespace Lumo
 
 VORN_OUTSIDE_RECORD( Lumo, MplsLabel )
-VORN_MODULE( ::Vorn::recordOf< Lumo::MplsLabel >() )

@@ -33,4 +33,3 @@ void logIn( Vorn::NboAttrLog::In & in, NamespaceName * value ) {
 } // namespace Lumo
 
 VORN_OUTSIDE_RECORD( Lumo, NamespaceName )
-VORN_MODULE( ::Vorn::recordOf< Lumo::NamespaceName >() )

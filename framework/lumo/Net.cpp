@@ -34,5 +34,3 @@ void logIn( Vorn::NboAttrLog::In & in, NetU32 * value ) {
 VORN_OUTSIDE_RECORD( Lumo, NetU8 )
 VORN_OUTSIDE_RECORD( Lumo, NetU16 )
 VORN_OUTSIDE_RECORD( Lumo, NetU32 )
-VORN_MODULE( ::Vorn::recordOf< Lumo::NetU8 >(), ::Vorn::recordOf< Lumo::NetU16 >(),
-             ::Vorn::recordOf< Lumo::NetU32 >() )

@@ -42,4 +42,3 @@ Vorn::Ptr< Pkt > pktFactory( void const * data, std::size_t bytes ) {
 }
 
 } // namespace Lumo
-VORN_MODULE( &Lumo::Pkt::_vornType )

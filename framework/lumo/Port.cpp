@@ -5,4 +5,3 @@
 
 VORN_OUTSIDE_RECORD( Lumo, Port )
 VORN_OUTSIDE_RECORD( Lumo, IpTtl )
-VORN_MODULE( ::Vorn::recordOf< Lumo::Port >(), ::Vorn::recordOf< Lumo::IpTtl >() )

@@ -8,14 +8,7 @@ VORN_RECORD( Lumo, TcpConfigBase )
 VORN_RECORD( Lumo, TcpClientConfig )
 VORN_RECORD( Lumo, TcpClientStatus )
 
-TcpConfigBase::~TcpConfigBase() = default;
-TcpClientConfig::~TcpClientConfig() = default;
-TcpClientStatus::~TcpClientStatus() = default;
-
 } // namespace Lumo
 
 VORN_OUTSIDE_RECORD( Lumo, TcpSocketOptions )
 VORN_OUTSIDE_RECORD( Lumo, TcpConnSocket )
-VORN_MODULE( &Lumo::TcpClientStatus_ConnectionStatus_vornType, &Lumo::TcpConfigBase::_vornType,
-             &Lumo::TcpClientConfig::_vornType, &Lumo::TcpClientStatus::_vornType,
-             ::Vorn::recordOf< Lumo::TcpSocketOptions >(), ::Vorn::recordOf< Lumo::TcpConnSocket >() )

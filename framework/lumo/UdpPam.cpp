@@ -10,4 +10,3 @@ VORN_OBJECT_RECORD( Lumo, UdpPam, nullptr )
 UdpPam::~UdpPam() = default;
 
 } // namespace Lumo
-VORN_MODULE( &Lumo::UdpPam::_vornType )

@@ -92,4 +92,3 @@ void logIn( Vorn::NboAttrLog::In & in, FwdEqvClass * value ) {
 } // namespace Mpls
 
 VORN_OUTSIDE_RECORD( Mpls, FwdEqvClass )
-VORN_MODULE( ::Vorn::recordOf< Mpls::FwdEqvClass >() )

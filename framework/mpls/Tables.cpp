@@ -15,24 +15,5 @@ VORN_RECORD( Mpls, MplsIntfColl )
 VORN_RECORD( Mpls, RouterIpAddrInfoColl )
 VORN_RECORD( Mpls, RouterIpNexthopInfoColl )
 VORN_RECORD( Mpls, RouterNexthopInfoColl )
-VORN_MODULE( &LabelBindingTable::_vornType, &LabelBindingTableColl::_vornType,
-             &FecRouterLabelInfoColl::_vornType, &FecRouterNexthopInfoColl::_vornType,
-             &IntfRouterNexthopInfoColl::_vornType, &IpAddrRouterIdInfoColl::_vornType,
-             &IpNexthopInfoColl::_vornType, &LabelForwardingInfoColl::_vornType, &MplsIntfColl::_vornType,
-             &RouterIpAddrInfoColl::_vornType, &RouterIpNexthopInfoColl::_vornType,
-             &RouterNexthopInfoColl::_vornType )
-
-LabelBindingTable::~LabelBindingTable() = default;
-LabelBindingTableColl::~LabelBindingTableColl() = default;
-FecRouterLabelInfoColl::~FecRouterLabelInfoColl() = default;
-FecRouterNexthopInfoColl::~FecRouterNexthopInfoColl() = default;
-IntfRouterNexthopInfoColl::~IntfRouterNexthopInfoColl() = default;
-IpAddrRouterIdInfoColl::~IpAddrRouterIdInfoColl() = default;
-IpNexthopInfoColl::~IpNexthopInfoColl() = default;
-LabelForwardingInfoColl::~LabelForwardingInfoColl() = default;
-MplsIntfColl::~MplsIntfColl() = default;
-RouterIpAddrInfoColl::~RouterIpAddrInfoColl() = default;
-RouterIpNexthopInfoColl::~RouterIpNexthopInfoColl() = default;
-RouterNexthopInfoColl::~RouterNexthopInfoColl() = default;
 
 } // namespace Mpls

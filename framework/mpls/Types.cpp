@@ -30,5 +30,3 @@ void logIn( Vorn::NboAttrLog::In & in, RouterId * value ) {
 } // namespace Mpls
 
 VORN_OUTSIDE_RECORD( Mpls, RouterId )
-VORN_MODULE( ::Vorn::recordOf< Mpls::LabelSource >(), ::Vorn::recordOf< Mpls::FecFilteredState >(),
-             ::Vorn::recordOf< Mpls::RouterId >() )

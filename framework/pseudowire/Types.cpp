@@ -50,9 +50,3 @@ VORN_OUTSIDE_RECORD( Pseudowire, GroupId )
 VORN_OUTSIDE_RECORD( Pseudowire, VccvCvTypes )
 VORN_OUTSIDE_RECORD( Pseudowire, PseudowireLdpStatusFlags )
 VORN_OUTSIDE_RECORD( Pseudowire, PseudowireLdpRequestKey )
-VORN_MODULE( ::Vorn::recordOf< Pseudowire::PseudowireType >(),
-             ::Vorn::recordOf< Pseudowire::PseudowireConnectorStatus >(),
-             ::Vorn::recordOf< Pseudowire::PseudowireId >(), ::Vorn::recordOf< Pseudowire::GroupId >(),
-             ::Vorn::recordOf< Pseudowire::VccvCvTypes >(),
-             ::Vorn::recordOf< Pseudowire::PseudowireLdpStatusFlags >(),
-             ::Vorn::recordOf< Pseudowire::PseudowireLdpRequestKey >() )

@@ -1,7 +1,7 @@
 // What all entities share: names, parents, going down, being asked for again.
 #include "Vorn/Entity.h"
 
-#include "Vorn/ReflectOps.h"
+#include "Vorn/Impl/EntityRecord.h"
 
 #include <string>
 

@@ -21,7 +21,6 @@ bool nameBefore( VornType const * a, VornType const * b ) { return std::strcmp( 
 } // namespace
 
 #define BUILTIN_RECORD( Type, name )                                                                         \
-   template<>                                                                                                \
    constinit VornType const BuiltinType< Type >::record = valueRecord< Type >( name, nullptr, 0, nullptr );
 BUILTIN_RECORD( bool, "bool" )
 BUILTIN_RECORD( U8, "U8" )
@@ -32,7 +31,6 @@ BUILTIN_RECORD( double, "double" )
 BUILTIN_RECORD( String, "Vorn::String" )
 BUILTIN_RECORD( Name, "Vorn::Name" )
 #undef BUILTIN_RECORD
-template<>
 constinit VornType const BuiltinType< void >::record = [] {
    VornType type{};
    type.name = "void";

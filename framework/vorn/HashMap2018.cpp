@@ -1,5 +1,5 @@
 // The map of values: counted buckets over the reversed hash.
-#include "Vorn/HashMap2018Generic.h"
+#include "Vorn/Impl/HashMap2018Generic.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,5 +1,5 @@
 // Sets of keys that wait.
-#include "Vorn/KeySet.h"
+#include "Vorn/Impl/KeySet.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 /// Scope objects of the attribute log: what they set is put back on every path, also by an exception.
 #pragma once
 
-#include "Vorn/StreamAdapter.h"
+#include "Vorn/Impl/StreamAdapter.h"
 
 namespace Vorn::NboAttrLog {
 

@@ -1,6 +1,6 @@
 // What an adapter could not write at once, and the walk over its entity that brings it out.
 
-#include "Vorn/NboAttrLogFlow.h"
+#include "Vorn/Impl/NboAttrLogFlow.h"
 
 #include "NboAttrLogAnchors.h"
 #include "NboAttrLogState.h"

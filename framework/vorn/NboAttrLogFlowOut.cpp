@@ -1,5 +1,5 @@
 // What an adapter still has to send: marks on attributes and keys.
-#include "Vorn/NboAttrLogFlow.h"
+#include "Vorn/Impl/NboAttrLogFlow.h"
 
 #include <algorithm>
 

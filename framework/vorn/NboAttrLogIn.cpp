@@ -1,10 +1,10 @@
 // An incoming stream: values from octets, and the demultiplexer of records.
-#include "Vorn/NboAttrLogIn.h"
+#include "Vorn/Impl/NboAttrLogIn.h"
 
 #include "NboAttrLogAnchors.h"
 #include "NboAttrLogRoots.h"
 #include "NboAttrLogState.h"
-#include "Vorn/CollectionOps.h"
+#include "Vorn/Impl/Mutators.h"
 #include "Vorn/Strep.h"
 
 #include <algorithm>

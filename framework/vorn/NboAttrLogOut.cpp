@@ -1,5 +1,5 @@
 // An outgoing stream: who sends next, roots, withdrawals, what a copy may write back.
-#include "Vorn/NboAttrLogOut.h"
+#include "Vorn/Impl/NboAttrLogOut.h"
 
 #include "NboAttrLogAnchors.h"
 #include "NboAttrLogState.h"

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "Vorn/HashMap2018.h"
-#include "Vorn/StreamAdapter.h"
+#include "Vorn/Impl/StreamAdapter.h"
 
 #include <map>
 

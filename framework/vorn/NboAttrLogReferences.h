@@ -4,7 +4,7 @@
 /// costs the same.
 #pragma once
 
-#include "Vorn/StreamAdapter.h"
+#include "Vorn/Impl/StreamAdapter.h"
 
 #include <unordered_map>
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Vorn/HashMap2018.h"
-#include "Vorn/NboAttrLogOut.h"
+#include "Vorn/Impl/NboAttrLogOut.h"
 
 #include <map>
 #include <string>

@@ -2,8 +2,8 @@
 // and how it leaves.
 
 #include "NboAttrLogState.h"
-#include "Vorn/ReflectOps.h"
-#include "Vorn/StreamAdapter.h"
+#include "Vorn/Impl/EntityRecord.h"
+#include "Vorn/Impl/StreamAdapter.h"
 
 namespace Vorn {
 

@@ -1,6 +1,6 @@
 // The incoming half of an adapter: records become calls of its entity's mutators.
 
-#include "Vorn/NboAttrLogIn.h"
+#include "Vorn/Impl/NboAttrLogIn.h"
 
 #include "NboAttrLogAnchors.h"
 #include "NboAttrLogState.h"

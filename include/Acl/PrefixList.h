@@ -32,7 +32,6 @@ struct PrefixEntry {
 /// A named list of entries, asked in ascending order of their sequence numbers.
 class VORN_API PrefixList : public Vorn::Entity {
    VORN_ENTITY( PrefixList, Vorn::Entity )
-   VORN_NOTIFIEE()
 
  public:
    /// The log carries the list, to which a filter refers, and nothing of it.
@@ -41,7 +40,6 @@ class VORN_API PrefixList : public Vorn::Entity {
    using Entries = Vorn::RbTreeMap< PrefixList, U32, PrefixEntry >;
 
    explicit PrefixList( Vorn::Name const & name ) : name_( name ) {}
-   ~PrefixList() override;
 
    /// The entries by sequence number. Whoever changes them tells nobody by that; see
    /// `LdpFecFilter::filterVersion`.

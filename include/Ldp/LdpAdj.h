@@ -56,11 +56,9 @@ VORN_TEXT( LdpAdjId )
 /// What is wanted of one adjacency.
 class VORN_API LdpAdjConfig : public Vorn::Entity {
    VORN_ENTITY( LdpAdjConfig, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( HoldTime ); )
 
  public:
    explicit LdpAdjConfig( LdpAdjId const & ldpAdjId ) : ldpAdjId_( ldpAdjId ) {}
-   ~LdpAdjConfig() override;
 
    VORN_KEY( 0x102, LdpAdjId, ldpAdjId );
    /// Hold time proposed on this adjacency, in seconds.
@@ -74,11 +72,9 @@ VORN_FACTORY( LdpAdjConfig, ldpAdjConfigFactory )
 /// The adjacencies' configurations.
 class VORN_API LdpAdjConfigColl : public Vorn::Entity {
    VORN_ENTITY( LdpAdjConfigColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpAdjId, AdjConfig ); )
 
  public:
    explicit LdpAdjConfigColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpAdjConfigColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpAdjConfig, LdpAdjId, adjConfig, AdjConfig, replicated );
@@ -90,14 +86,9 @@ VORN_FACTORY( LdpAdjConfigColl, ldpAdjConfigCollFactory )
 /// Run-time state of one hello adjacency.
 class VORN_API LdpAdjStatus : public Vorn::Entity {
    VORN_ENTITY( LdpAdjStatus, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( AdjStatusCode ); VORN_ON( MsgId ); VORN_ON( PeerHoldTime );
-                  VORN_ON( OperHoldTime ); VORN_ON( AdjExpireTime ); VORN_ON( PeerIpAddr );
-                  VORN_ON( PeerSrcIpAddr ); VORN_ON( PeerConfigSeqNum ); VORN_ON( RxPktCount );
-                  VORN_ON( ErrPktCount ); )
 
  public:
    explicit LdpAdjStatus( LdpAdjId const & ldpAdjId ) : ldpAdjId_( ldpAdjId ) {}
-   ~LdpAdjStatus() override;
 
    VORN_KEY( 0x102, LdpAdjId, ldpAdjId );
    /// Last status of the adjacency.
@@ -128,11 +119,9 @@ VORN_FACTORY( LdpAdjStatus, ldpAdjStatusFactory )
 /// The adjacencies of a VRF.
 class VORN_API LdpAdjStatusColl : public Vorn::Entity {
    VORN_ENTITY( LdpAdjStatusColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpAdjId, AdjStatus ); )
 
  public:
    explicit LdpAdjStatusColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpAdjStatusColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpAdjStatus, LdpAdjId, adjStatus, AdjStatus, replicated );
@@ -144,11 +133,9 @@ VORN_FACTORY( LdpAdjStatusColl, ldpAdjStatusCollFactory )
 /// The adjacencies on one interface.
 class VORN_API LdpAdjPerLink : public Vorn::Entity {
    VORN_ENTITY( LdpAdjPerLink, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpAdjId, LdpAdj ); )
 
  public:
    explicit LdpAdjPerLink( Lumo::IntfId const & intfId ) : intfId_( intfId ) {}
-   ~LdpAdjPerLink() override;
 
    VORN_KEY( 0x102, Lumo::IntfId, intfId );
    VORN_VALUE_COLL( 0x103, bool, LdpAdjId, ldpAdj, LdpAdj, local );

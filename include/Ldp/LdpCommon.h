@@ -46,11 +46,9 @@ VORN_API Vorn::Ptr< LdpMsg > ldpMsgFactory( LdpIdentifier const & ldpIdentifier,
 /// A pipe for one message. It has no state beside the slot and a running count.
 class VORN_API LdpMsgPipe : public Vorn::Entity {
    VORN_ENTITY( LdpMsgPipe, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( ReadableCount ); )
 
  public:
    explicit LdpMsgPipe( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpMsgPipe() override;
 
    VORN_NAME;
    /// Messages put in so far, with wrap. A reader observes it and takes the message when it moves.
@@ -70,58 +68,56 @@ VORN_FACTORY( LdpMsgPipe, ldpMsgPipeFactory )
 /// The pipe of a session's label messages, with the FEC session that the present one is for.
 class VORN_API LdpFecSessionMsgPipe : public LdpMsgPipe {
    VORN_ENTITY( LdpFecSessionMsgPipe, LdpMsgPipe )
-   VORN_NOTIFIEE( VORN_ON( LdpFecSessionId ); )
 
  public:
    explicit LdpFecSessionMsgPipe( Vorn::Name const & name ) : LdpMsgPipe( name ) {}
-   ~LdpFecSessionMsgPipe() override;
 
    VORN_MUTABLE( 0x182, LdpFecSessionId, ldpFecSessionId, LdpFecSessionId, local );
+
+   VORN_BASE_OBSERVERS;
 };
 VORN_FACTORY( LdpFecSessionMsgPipe, ldpFecSessionMsgPipeFactory )
 
 /// The pipe for the messages of one session that concern local labels of P2MP FECs.
 class VORN_API LdpP2mpSessionLocalLabelMsgPipe : public LdpMsgPipe {
    VORN_ENTITY( LdpP2mpSessionLocalLabelMsgPipe, LdpMsgPipe )
-   VORN_NOTIFIEE( VORN_ON( P2mpFecSessionId ); )
 
  public:
    explicit LdpP2mpSessionLocalLabelMsgPipe( LdpSessionId const & ldpSessionId )
         : LdpMsgPipe( Vorn::Name() ), ldpSessionId_( ldpSessionId ) {}
-   ~LdpP2mpSessionLocalLabelMsgPipe() override;
 
    VORN_KEY( 0x182, LdpSessionId, ldpSessionId );
    VORN_MUTABLE( 0x183, LdpFecSessionId, p2mpFecSessionId, P2mpFecSessionId, local );
 
    VORN_NEXT_LINK;
+
+   VORN_BASE_OBSERVERS;
 };
 VORN_FACTORY( LdpP2mpSessionLocalLabelMsgPipe, ldpP2mpSessionLocalLabelMsgPipeFactory )
 
 /// The same for the peer's labels.
 class VORN_API LdpP2mpSessionRemoteLabelMsgPipe : public LdpMsgPipe {
    VORN_ENTITY( LdpP2mpSessionRemoteLabelMsgPipe, LdpMsgPipe )
-   VORN_NOTIFIEE( VORN_ON( P2mpFecSessionId ); )
 
  public:
    explicit LdpP2mpSessionRemoteLabelMsgPipe( LdpSessionId const & ldpSessionId )
         : LdpMsgPipe( Vorn::Name() ), ldpSessionId_( ldpSessionId ) {}
-   ~LdpP2mpSessionRemoteLabelMsgPipe() override;
 
    VORN_KEY( 0x182, LdpSessionId, ldpSessionId );
    VORN_MUTABLE( 0x183, LdpFecSessionId, p2mpFecSessionId, P2mpFecSessionId, local );
 
    VORN_NEXT_LINK;
+
+   VORN_BASE_OBSERVERS;
 };
 VORN_FACTORY( LdpP2mpSessionRemoteLabelMsgPipe, ldpP2mpSessionRemoteLabelMsgPipeFactory )
 
 /// Pipes by the target that they serve. Like the next four it refers to pipes that their readers own.
 class VORN_API LdpTargetMsgPipeCollection : public Vorn::Entity {
    VORN_ENTITY( LdpTargetMsgPipeCollection, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Lumo::IpAddr, MsgPipe ); )
 
  public:
    explicit LdpTargetMsgPipeCollection( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpTargetMsgPipeCollection() override;
 
    VORN_NAME;
    VORN_REFERENCE_COLL( 0x102, LdpMsgPipe, Lumo::IpAddr, msgPipe, MsgPipe, local );
@@ -132,11 +128,9 @@ VORN_FACTORY( LdpTargetMsgPipeCollection, ldpTargetMsgPipeCollectionFactory )
 /// Pipes by interface.
 class VORN_API LdpLinkMsgPipeCollection : public Vorn::Entity {
    VORN_ENTITY( LdpLinkMsgPipeCollection, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Lumo::IntfId, MsgPipe ); )
 
  public:
    explicit LdpLinkMsgPipeCollection( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpLinkMsgPipeCollection() override;
 
    VORN_NAME;
    VORN_REFERENCE_COLL( 0x102, LdpMsgPipe, Lumo::IntfId, msgPipe, MsgPipe, local );
@@ -147,11 +141,9 @@ VORN_FACTORY( LdpLinkMsgPipeCollection, ldpLinkMsgPipeCollectionFactory )
 /// Pipes by adjacency.
 class VORN_API LdpAdjMsgPipeCollection : public Vorn::Entity {
    VORN_ENTITY( LdpAdjMsgPipeCollection, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpAdjId, MsgPipe ); )
 
  public:
    explicit LdpAdjMsgPipeCollection( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpAdjMsgPipeCollection() override;
 
    VORN_NAME;
    VORN_REFERENCE_COLL( 0x102, LdpMsgPipe, LdpAdjId, msgPipe, MsgPipe, local );
@@ -162,11 +154,9 @@ VORN_FACTORY( LdpAdjMsgPipeCollection, ldpAdjMsgPipeCollectionFactory )
 /// Pipes by session.
 class VORN_API LdpSessionMsgPipeColl : public Vorn::Entity {
    VORN_ENTITY( LdpSessionMsgPipeColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpSessionId, MsgPipe ); )
 
  public:
    explicit LdpSessionMsgPipeColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpSessionMsgPipeColl() override;
 
    VORN_NAME;
    VORN_REFERENCE_COLL( 0x102, LdpMsgPipe, LdpSessionId, msgPipe, MsgPipe, local );
@@ -177,11 +167,9 @@ VORN_FACTORY( LdpSessionMsgPipeColl, ldpSessionMsgPipeCollFactory )
 /// Pipes for label messages, by session.
 class VORN_API LdpFecSessionMsgPipeColl : public Vorn::Entity {
    VORN_ENTITY( LdpFecSessionMsgPipeColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpSessionId, MsgPipe ); )
 
  public:
    explicit LdpFecSessionMsgPipeColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpFecSessionMsgPipeColl() override;
 
    VORN_NAME;
    VORN_REFERENCE_COLL( 0x102, LdpFecSessionMsgPipe, LdpSessionId, msgPipe, MsgPipe, local );
@@ -193,27 +181,27 @@ VORN_FACTORY( LdpFecSessionMsgPipeColl, ldpFecSessionMsgPipeCollFactory )
 /// The P2MP pipes of all sessions. A collection of this kind owns its pipes, and is itself a pipe.
 class VORN_API LdpP2mpSessionLocalLabelMsgPipeColl : public LdpMsgPipe {
    VORN_ENTITY( LdpP2mpSessionLocalLabelMsgPipeColl, LdpMsgPipe )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpSessionId, P2mpFecSessionLocalLabelMsgPipe ); )
 
  public:
    explicit LdpP2mpSessionLocalLabelMsgPipeColl( Vorn::Name const & name ) : LdpMsgPipe( name ) {}
-   ~LdpP2mpSessionLocalLabelMsgPipeColl() override;
 
    VORN_ENTITY_COLL( 0x182, LdpP2mpSessionLocalLabelMsgPipe, LdpSessionId, p2mpFecSessionLocalLabelMsgPipe,
                      P2mpFecSessionLocalLabelMsgPipe, local );
+
+   VORN_BASE_OBSERVERS;
 };
 VORN_FACTORY( LdpP2mpSessionLocalLabelMsgPipeColl, ldpP2mpSessionLocalLabelMsgPipeCollFactory )
 /// The same for the peers' labels.
 class VORN_API LdpP2mpSessionRemoteLabelMsgPipeColl : public LdpMsgPipe {
    VORN_ENTITY( LdpP2mpSessionRemoteLabelMsgPipeColl, LdpMsgPipe )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpSessionId, P2mpFecSessionRemoteLabelMsgPipe ); )
 
  public:
    explicit LdpP2mpSessionRemoteLabelMsgPipeColl( Vorn::Name const & name ) : LdpMsgPipe( name ) {}
-   ~LdpP2mpSessionRemoteLabelMsgPipeColl() override;
 
    VORN_ENTITY_COLL( 0x182, LdpP2mpSessionRemoteLabelMsgPipe, LdpSessionId, p2mpFecSessionRemoteLabelMsgPipe,
                      P2mpFecSessionRemoteLabelMsgPipe, local );
+
+   VORN_BASE_OBSERVERS;
 };
 VORN_FACTORY( LdpP2mpSessionRemoteLabelMsgPipeColl, ldpP2mpSessionRemoteLabelMsgPipeCollFactory )
 

@@ -97,11 +97,9 @@ VORN_TEXT( LdpGrOperationalFlag )
 /// What is set on one interface, by whose name it goes.
 class VORN_API LdpIntfConfig : public Vorn::Entity {
    VORN_ENTITY( LdpIntfConfig, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( IgpSync ); )
 
  public:
    explicit LdpIntfConfig( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpIntfConfig() override;
 
    VORN_NAME;
    /// Synchronisation with the IGP.
@@ -115,11 +113,9 @@ VORN_FACTORY( LdpIntfConfig, ldpIntfConfigFactory )
 /// A label binding that the operator set.
 class VORN_API LdpStaticFecBindingEntry : public Vorn::Entity {
    VORN_ENTITY( LdpStaticFecBindingEntry, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( FecBindingInfo ); )
 
  public:
    explicit LdpStaticFecBindingEntry( Mpls::FwdEqvClass const & fwdEqvClass ) : fwdEqvClass_( fwdEqvClass ) {}
-   ~LdpStaticFecBindingEntry() override;
 
    VORN_KEY( 0x102, Mpls::FwdEqvClass, fwdEqvClass );
    /// Labels and next hop.
@@ -133,7 +129,6 @@ VORN_FACTORY( LdpStaticFecBindingEntry, ldpStaticFecBindingEntryFactory )
 /// A P2MP FEC for which the operator asked for a label (RFC 6388).
 class VORN_API LdpStaticP2mpFecBindingEntry : public Vorn::Entity {
    VORN_ENTITY( LdpStaticP2mpFecBindingEntry, Vorn::Entity )
-   VORN_NOTIFIEE()
 
  public:
    /// The log knows it, and carries nothing of it at present.
@@ -141,7 +136,6 @@ class VORN_API LdpStaticP2mpFecBindingEntry : public Vorn::Entity {
 
    explicit LdpStaticP2mpFecBindingEntry( LdpP2mpFecGenericOpaqueId const & p2mpGenericOpaqueId )
         : p2mpGenericOpaqueId_( p2mpGenericOpaqueId ) {}
-   ~LdpStaticP2mpFecBindingEntry() override;
 
    VORN_KEY( 0x102, LdpP2mpFecGenericOpaqueId, p2mpGenericOpaqueId );
 
@@ -153,26 +147,9 @@ VORN_FACTORY( LdpStaticP2mpFecBindingEntry, ldpStaticP2mpFecBindingEntryFactory 
 /// The operator's settings in one VRF.
 class VORN_API Config : public Vorn::Entity {
    VORN_ENTITY( Config, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Enabled ); VORN_ON( IpTransportAddrIntfId ); VORN_ON( LdpLabelDistCtrl );
-                  VORN_ON( LdpLabelAdvDspl ); VORN_ON( LdpLabelRetention ); VORN_ON( LdpLoopDetection );
-                  VORN_ON_KEYED( Mpls::FwdEqvClass, StaticFecBindingColl );
-                  VORN_ON_KEYED( LdpP2mpFecGenericOpaqueId, StaticP2mpFecBindingColl );
-                  VORN_ON( LdpProtoParamSetting ); VORN_ON( RouterId ); VORN_ON( RouterIdIntfId );
-                  VORN_ON( ForceRouterId ); VORN_ON( Md5Password );
-                  VORN_ON_KEYED( LdpIdentifier, LdpNeighborClearRequest );
-                  VORN_ON_KEYED( Lumo::IpGenAddr, StaticTarget ); VORN_ON( FecFilterPrefixListName );
-                  VORN_ON( LinkReadyTimeout ); VORN_ON( LinkReadyDelay ); VORN_ON( HelloHoldTime );
-                  VORN_ON( HelloInterval ); VORN_ON( TargetedHelloHoldTime );
-                  VORN_ON( TargetedHelloInterval ); VORN_ON_KEYED( Vorn::Name, IntfConfigColl );
-                  VORN_ON( MLdpEnabled ); VORN_ON( OnlyLdpEnabledIntfs );
-                  VORN_ON_KEYED( Lumo::IntfId, LdpEnabledIntf ); VORN_ON( GrOperFlag );
-                  VORN_ON( GrHoldingTimeout ); VORN_ON( GrReconnectTimeout );
-                  VORN_ON( GrNeighborLivenessTimeout ); VORN_ON( GrMaxRecoveryTimeout );
-                  VORN_ON( HelloRedundancy ); VORN_ON( HelloRedundancyTimeout ); )
 
  public:
    explicit Config( L3::VrfName const & vrfName ) : vrfName_( vrfName ) {}
-   ~Config() override;
 
    VORN_KEY( 0x102, L3::VrfName, vrfName );
    /// Whether LDP is to run in the VRF.
@@ -248,11 +225,9 @@ VORN_FACTORY( Config, configFactory )
 /// The operator's settings in all VRFs. The VRF named "default" is there from the start.
 class VORN_API LdpConfigColl : public Vorn::Entity {
    VORN_ENTITY( LdpConfigColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( L3::VrfName, Config ); VORN_ON( Initialized ); )
 
  public:
    explicit LdpConfigColl( Vorn::Name const & name );
-   ~LdpConfigColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, Config, L3::VrfName, config, Config, replicated );
@@ -270,23 +245,10 @@ VORN_FACTORY( LdpConfigColl, ldpConfigCollFactory )
 /// something only once it is derived from a `Config`: the timeouts of graceful restart are 0 until then.
 class VORN_API ProtoConfig : public Vorn::Entity {
    VORN_ENTITY( ProtoConfig, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( RunningState ); VORN_ON( Reason ); VORN_ON( RouterId ); VORN_ON( IntfId );
-                  VORN_ON( LdpProtoParam ); VORN_ON( IpTransportAddr ); VORN_ON( ConfigCodefDelay );
-                  VORN_ON( LdpIdentifier ); VORN_ON( LdpLabelDistCtrl ); VORN_ON( LdpLabelAdvDspl );
-                  VORN_ON( LdpLabelRetention ); VORN_ON( LdpMultiLabelSupport ); VORN_ON( LdpLoopDetection );
-                  VORN_ON( LdpHopCountMax ); VORN_ON( Md5Password );
-                  VORN_ON_KEYED( Lumo::IpGenAddr, StaticTarget ); VORN_ON( FecFilter );
-                  VORN_ON( LinkReadyTimeout ); VORN_ON( LinkReadyDelay ); VORN_ON( LdpProtoParamSetting );
-                  VORN_ON( GrOperMode ); VORN_ON( GrHoldingTimeout ); VORN_ON( GrReconnectTimeout );
-                  VORN_ON( GrNeighborLivenessTimeout ); VORN_ON( GrMaxRecoveryTimeout );
-                  VORN_ON( MLdpEnabled ); VORN_ON( OnlyLdpEnabledIntfs );
-                  VORN_ON_KEYED( Lumo::IntfId, LdpEnabledIntf ); VORN_ON( HelloRedundancy );
-                  VORN_ON( HelloRedundancyTimeout ); )
 
  public:
    /// Makes `ldpProtoParam` as well, under the VRF's name.
    explicit ProtoConfig( L3::VrfName const & vrfName );
-   ~ProtoConfig() override;
 
    VORN_KEY( 0x102, L3::VrfName, vrfName );
    /// Whether the instance runs, and why not if not.
@@ -348,11 +310,9 @@ VORN_FACTORY( ProtoConfig, protoConfigFactory )
 /// What the protocol works from in all VRFs.
 class VORN_API LdpProtoConfigColl : public Vorn::Entity {
    VORN_ENTITY( LdpProtoConfigColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( L3::VrfName, ProtoConfig ); )
 
  public:
    explicit LdpProtoConfigColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpProtoConfigColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, ProtoConfig, L3::VrfName, protoConfig, ProtoConfig, replicated );
@@ -364,11 +324,9 @@ VORN_FACTORY( LdpProtoConfigColl, ldpProtoConfigCollFactory )
 /// The VRFs in which LDP is enabled.
 class VORN_API LdpEnabledVrfColl : public Vorn::Entity {
    VORN_ENTITY( LdpEnabledVrfColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( L3::VrfName, EnabledVrf ); )
 
  public:
    explicit LdpEnabledVrfColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpEnabledVrfColl() override;
 
    VORN_NAME;
    VORN_VALUE_COLL( 0x102, bool, L3::VrfName, enabledVrf, EnabledVrf, replicated );
@@ -380,11 +338,9 @@ VORN_FACTORY( LdpEnabledVrfColl, ldpEnabledVrfCollFactory )
 /// The peers that pseudowires need, by address: targeted hellos go to them (RFC 8077, 6).
 class VORN_API PwTargetConfigColl : public Vorn::Entity {
    VORN_ENTITY( PwTargetConfigColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Lumo::IpGenAddr, PwTarget ); )
 
  public:
    explicit PwTargetConfigColl( Vorn::Name const & name ) : name_( name ) {}
-   ~PwTargetConfigColl() override;
 
    VORN_NAME;
    VORN_VALUE_COLL( 0x102, bool, Lumo::IpGenAddr, pwTarget, PwTarget, replicated );

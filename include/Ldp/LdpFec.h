@@ -87,11 +87,9 @@ VORN_TEXT( Via )
 /// The next hops of a FEC that use one interface address.
 class VORN_API IntfIpViaMapping : public Vorn::Entity {
    VORN_ENTITY( IntfIpViaMapping, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Via, Via ); )
 
  public:
    explicit IntfIpViaMapping( Lumo::IpGenAddr const & intfIp ) : intfIp_( intfIp ) {}
-   ~IntfIpViaMapping() override;
 
    VORN_KEY( 0x102, Lumo::IpGenAddr, intfIp );
    VORN_VALUE_COLL( 0x103, bool, Via, via, Via, local );
@@ -104,11 +102,9 @@ VORN_FACTORY( IntfIpViaMapping, intfIpViaMappingFactory )
 /// The next hops of a FEC that lead to one peer.
 class VORN_API LdpIdViaMapping : public Vorn::Entity {
    VORN_ENTITY( LdpIdViaMapping, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Via, Via ); )
 
  public:
    explicit LdpIdViaMapping( LdpIdentifier const & ldpIdentifier ) : ldpIdentifier_( ldpIdentifier ) {}
-   ~LdpIdViaMapping() override;
 
    VORN_KEY( 0x102, LdpIdentifier, ldpIdentifier );
    VORN_VALUE_COLL( 0x103, bool, Via, via, Via, local );
@@ -123,20 +119,9 @@ VORN_FACTORY( LdpIdViaMapping, ldpIdViaMappingFactory )
 /// membership left is for the agent to delete.
 class VORN_API LdpFecConfig : public Vorn::Entity {
    VORN_ENTITY( LdpFecConfig, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( LdpFecDeliveryType ); VORN_ON( MplsLabelSet ); VORN_ON( AdvertisedTo );
-                  VORN_ON_KEYED( LdpFecConfigMembership, Membership );
-                  VORN_ON_KEYED( LdpSessionId, SessionMember );
-                  VORN_ON_KEYED( LdpSessionId, GrSessionMember );
-                  VORN_ON_KEYED( LdpSessionId, SessionRxReqTime );
-                  VORN_ON_KEYED( LdpIdentifier, DownstreamLsr ); VORN_ON_KEYED( Via, Via );
-                  VORN_ON_KEYED( LdpIdentifier, MappedLsr ); VORN_ON( DownstreamLsrMappingAvail );
-                  VORN_ON( FecFilteredState ); VORN_ON( LdpFecLspRole );
-                  VORN_ON_KEYED( Lumo::MplsLabel, ProgrammedLabel ); VORN_ON( LdpLabelDistCtrl );
-                  VORN_ON( LdpLabelRetention ); VORN_ON( RouterId ); VORN_ON( LdpLoopDetection ); )
 
  public:
    explicit LdpFecConfig( Mpls::FwdEqvClass const & fwdEqvClass );
-   ~LdpFecConfig() override;
 
    VORN_KEY( 0x102, Mpls::FwdEqvClass, fwdEqvClass );
    VORN_MUTABLE( 0x103, LdpFecDeliveryType, ldpFecDeliveryType, LdpFecDeliveryType, local ) = Unknown;
@@ -189,15 +174,9 @@ VORN_FACTORY( LdpFecConfig, ldpFecConfigFactory )
 /// within an observer clears what the first one says.
 class VORN_API LdpFecConfigNotifier : public Vorn::Entity {
    VORN_ENTITY( LdpFecConfigNotifier, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( LastFecConfig ); VORN_ON( LastMplsLabel ); VORN_ON( LastLdpId );
-                  VORN_ON( DownstreamLsrChangeCnt ); VORN_ON( LoopDetectionChangeCnt );
-                  VORN_ON( DsLsrMappingAvailChangeCnt ); VORN_ON( LabelDistCtrlChangeCnt );
-                  VORN_ON( LabelRetentionChangeCnt ); VORN_ON( ViaChangeCnt ); VORN_ON( LspRoleChangeCnt );
-                  VORN_ON( MplsLabelSetChangeCnt ); VORN_ON( ProgrammedLabelSetChangeCnt ); )
 
  public:
    explicit LdpFecConfigNotifier( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpFecConfigNotifier() override;
 
    VORN_NAME;
    /// The FEC, null between updates. Its mutator and those of the next two tell their observers; the updates
@@ -260,11 +239,9 @@ VORN_FACTORY( LdpFecConfigNotifier, ldpFecConfigNotifierFactory )
 /// The FECs of a VRF.
 class VORN_API LdpFecConfigColl : public Vorn::Entity {
    VORN_ENTITY( LdpFecConfigColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Mpls::FwdEqvClass, FecConfig ); VORN_ON( FecConfigNotifier ); )
 
  public:
    explicit LdpFecConfigColl( Vorn::Name const & name );
-   ~LdpFecConfigColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpFecConfig, Mpls::FwdEqvClass, fecConfig, FecConfig, replicated );
@@ -278,13 +255,9 @@ VORN_FACTORY( LdpFecConfigColl, ldpFecConfigCollFactory )
 /// Carries a message from the session that received it to the FEC's other sessions.
 class VORN_API LdpXsessionNotification : public Vorn::Entity {
    VORN_ENTITY( LdpXsessionNotification, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( LdpXsessionNotificationType ); VORN_ON( SourceSessionId );
-                  VORN_ON( LdpXsessionMapMsgParser ); VORN_ON( LdpXsessionReqMsgParser ); VORN_ON( HopCount );
-                  VORN_ON( PathVectorTlvPkt ); )
 
  public:
    explicit LdpXsessionNotification( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpXsessionNotification() override;
 
    VORN_NAME;
 
@@ -309,16 +282,9 @@ VORN_FACTORY( LdpXsessionNotification, ldpXsessionNotificationFactory )
 /// What the label state machines share about one FEC.
 class VORN_API LdpFecStatus : public Vorn::Entity {
    VORN_ENTITY( LdpFecStatus, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( UpstreamLabelRequest ); VORN_ON( HopCountInclude ); VORN_ON( PathVectorInclude );
-                  VORN_ON( HopCountMappingMsg ); VORN_ON( HopCountMappingLearnt );
-                  VORN_ON( HopCountRequestMsg ); VORN_ON( HopCountRequestLearnt );
-                  VORN_ON( AttributeVersion ); VORN_ON( PathVectorTlvPkt );
-                  VORN_ON( LabelXsessionRequestSmNotiTime ); VORN_ON( LabelXsessionMappingSmNotiTime );
-                  VORN_ON( LdpXsessionNotification ); )
 
  public:
    explicit LdpFecStatus( Mpls::FwdEqvClass const & fwdEqvClass );
-   ~LdpFecStatus() override;
 
    VORN_KEY( 0x102, Mpls::FwdEqvClass, fwdEqvClass );
    /// Label requests from upstream.
@@ -349,12 +315,9 @@ VORN_FACTORY( LdpFecStatus, ldpFecStatusFactory )
 /// Tells one observer of cross-session events of any FEC, in the way of `LdpFecConfigNotifier`.
 class VORN_API LdpFecStatusNotifier : public Vorn::Entity {
    VORN_ENTITY( LdpFecStatusNotifier, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( LastFecStatus ); VORN_ON( LabelXsessionRequestSmNotiTimeChangeCnt );
-                  VORN_ON( LabelXsessionMappingSmNotiTimeChangeCnt ); )
 
  public:
    explicit LdpFecStatusNotifier( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpFecStatusNotifier() override;
 
    VORN_NAME;
    /// The FEC, null between updates.
@@ -379,11 +342,9 @@ VORN_FACTORY( LdpFecStatusNotifier, ldpFecStatusNotifierFactory )
 /// What is shared about the FECs of a VRF.
 class VORN_API LdpFecStatusColl : public Vorn::Entity {
    VORN_ENTITY( LdpFecStatusColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Mpls::FwdEqvClass, FecStatus ); VORN_ON( FecStatusNotifier ); )
 
  public:
    explicit LdpFecStatusColl( Vorn::Name const & name );
-   ~LdpFecStatusColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpFecStatus, Mpls::FwdEqvClass, fecStatus, FecStatus, local );
@@ -397,14 +358,12 @@ VORN_FACTORY( LdpFecStatusColl, ldpFecStatusCollFactory )
 /// How one FEC is reached.
 class VORN_API LdpFecNexthop : public Vorn::Entity {
    VORN_ENTITY( LdpFecNexthop, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Hop ); VORN_ON( LdpFecDeliveryType ); VORN_ON_KEYED( Via, Via ); )
 
  public:
    /// The log knows it, and carries nothing of it at present.
    static constexpr bool vornOnLog = true;
 
    explicit LdpFecNexthop( Mpls::FwdEqvClass const & fwdEqvClass ) : fwdEqvClass_( fwdEqvClass ) {}
-   ~LdpFecNexthop() override;
 
    VORN_KEY( 0x102, Mpls::FwdEqvClass, fwdEqvClass );
    /// The route that leads to it.
@@ -420,14 +379,12 @@ VORN_FACTORY( LdpFecNexthop, ldpFecNexthopFactory )
 /// How the FECs of a VRF are reached.
 class VORN_API LdpFecNexthopColl : public Vorn::Entity {
    VORN_ENTITY( LdpFecNexthopColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Mpls::FwdEqvClass, FecNexthop ); )
 
  public:
    /// The log knows it, and carries nothing of it at present.
    static constexpr bool vornOnLog = true;
 
    explicit LdpFecNexthopColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpFecNexthopColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpFecNexthop, Mpls::FwdEqvClass, fecNexthop, FecNexthop, local );
@@ -439,13 +396,9 @@ VORN_FACTORY( LdpFecNexthopColl, ldpFecNexthopCollFactory )
 /// Counters of label messages.
 class VORN_API LdpFecCounters : public Vorn::Entity {
    VORN_ENTITY( LdpFecCounters, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpTlvType, LabelMappingRxTlv ); VORN_ON( LabelMappingUnknownTlvDrop );
-                  VORN_ON( LabelMappingUnknownTlvNotify ); VORN_ON_KEYED( LdpMsgType, LdpMsgRx );
-                  VORN_ON_KEYED( LdpMsgType, LdpMsgTx ); )
 
  public:
    explicit LdpFecCounters( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpFecCounters() override;
 
    VORN_NAME;
    /// TLVs in received mappings, by type, and those of unknown types that were dropped or answered.

@@ -11,11 +11,9 @@ namespace Ldp {
 /// `filterVersion` that the list's contents have changed.
 class VORN_API LdpFecFilter : public Vorn::Entity {
    VORN_ENTITY( LdpFecFilter, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( PrefixList ); VORN_ON( FilterVersion ); )
 
  public:
    explicit LdpFecFilter( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpFecFilter() override;
 
    VORN_NAME;
    /// The list that is asked; null for none, and then every FEC passes.

@@ -124,22 +124,10 @@ VORN_ENUM( LdpPeerLabelState, VORN_LDP_PEER_LABEL_STATES )
 /// the same name here or in `LdpFecStatus`: unequal values mean work to do.
 class VORN_API LdpFecSessionStatus : public Vorn::Entity {
    VORN_ENTITY( LdpFecSessionStatus, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( IsNexthopLsr ); VORN_ON( PeerLabelRequestMsgId );
-                  VORN_ON( PeerLabelRequestMsgIdAcked ); VORN_ON( PeerNoLabelResourceCount );
-                  VORN_ON_KEYED( Lumo::MplsLabel, LocalLabelState );
-                  VORN_ON_KEYED( Lumo::MplsLabel, PeerLabelState ); VORN_ON( LocalLabelSessionState );
-                  VORN_ON( PeerLabelSessionState ); VORN_ON( LocalLabelRequestMsgId );
-                  VORN_ON( LocalLabelRequestMsgIdAcked ); VORN_ON( LocalLabelReleaseMsgId );
-                  VORN_ON( LocalLabelActivelyReleased ); VORN_ON( LabelXsessionMappingSmNotiTimeAcked );
-                  VORN_ON( LabelXsessionRequestSmNotiTimeAcked ); VORN_ON_KEYED( U32, MsgIdReqMsg );
-                  VORN_ON_KEYED( Lumo::MplsLabel, WithdrawLabel ); VORN_ON( FlagNoRouteNotification );
-                  VORN_ON( AttributeVersionAcked ); VORN_ON_KEYED( LdpMsgType, LdpMsgRx );
-                  VORN_ON_KEYED( LdpMsgType, LdpMsgTx ); )
 
  public:
    explicit LdpFecSessionStatus( LdpFecSessionId const & ldpFecSessionId )
         : ldpFecSessionId_( ldpFecSessionId ) {}
-   ~LdpFecSessionStatus() override;
 
    VORN_KEY( 0x102, LdpFecSessionId, ldpFecSessionId );
    /// Whether the peer is the next hop.
@@ -187,12 +175,10 @@ VORN_FACTORY( LdpFecSessionStatus, ldpFecSessionStatusFactory )
 /// there stays usable here until it is removed here too.
 class VORN_API LdpFecSessionStatusBySession : public Vorn::Entity {
    VORN_ENTITY( LdpFecSessionStatusBySession, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpFecSessionId, FecSessionStatus ); )
 
  public:
    explicit LdpFecSessionStatusBySession( LdpSessionId const & ldpSessionId )
         : ldpSessionId_( ldpSessionId ) {}
-   ~LdpFecSessionStatusBySession() override;
 
    VORN_KEY( 0x102, LdpSessionId, ldpSessionId );
    VORN_REFERENCE_COLL( 0x103, LdpFecSessionStatus, LdpFecSessionId, fecSessionStatus, FecSessionStatus,
@@ -206,12 +192,9 @@ VORN_FACTORY( LdpFecSessionStatusBySession, ldpFecSessionStatusBySessionFactory 
 /// The FEC sessions of a VRF, and the views of them by session.
 class VORN_API LdpFecSessionStatusColl : public Vorn::Entity {
    VORN_ENTITY( LdpFecSessionStatusColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpSessionId, FecSessionStatusBySessionColl );
-                  VORN_ON_KEYED( LdpFecSessionId, FecSessionStatus ); )
 
  public:
    explicit LdpFecSessionStatusColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpFecSessionStatusColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpFecSessionStatusBySession, LdpSessionId, fecSessionStatusBySessionColl,
@@ -226,11 +209,9 @@ VORN_FACTORY( LdpFecSessionStatusColl, ldpFecSessionStatusCollFactory )
 /// stays in place behind that.
 class VORN_API LdpFecSessionNotifier : public Vorn::Entity {
    VORN_ENTITY( LdpFecSessionNotifier, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( LdpFecSessionId ); VORN_ON( ChangeCnt ); )
 
  public:
    explicit LdpFecSessionNotifier( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpFecSessionNotifier() override;
 
    VORN_NAME;
    VORN_MUTABLE( 0x102, LdpFecSessionId, ldpFecSessionId, LdpFecSessionId, local );

@@ -18,12 +18,10 @@ VORN_ENUM( GrMembership, VORN_LDP_GR_MEMBERSHIPS )
 /// The speaker's own restart.
 class VORN_API LocalGrStatus : public Vorn::Entity {
    VORN_ENTITY( LocalGrStatus, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( OperGrState ); VORN_ON( HoldingTimerExpirationTime ); )
    VORN_CTOR_TYPES()
 
  public:
    LocalGrStatus() = default;
-   ~LocalGrStatus() override;
 
    /// Whether it is restarting.
    VORN_MUTABLE( 0x102, GrState, operGrState, OperGrState, replicated ) = grStateUnknown;
@@ -41,11 +39,9 @@ VORN_FACTORY( LocalGrStatus, localGrStatusFactory )
 /// What a VRF keeps of the time before a restart.
 class VORN_API LdpGrStatus : public Vorn::Entity {
    VORN_ENTITY( LdpGrStatus, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( LdpIdIntfIpMappingTable ); VORN_ON( LocalLabelAllocTable ); )
 
  public:
    explicit LdpGrStatus( L3::VrfName const & vrfName ) : vrfName_( vrfName ) {}
-   ~LdpGrStatus() override;
 
    VORN_KEY( 0x102, L3::VrfName, vrfName );
    VORN_CHILD( 0x103, LdpIdIntfIpMappingTable, ldpIdIntfIpMappingTable, LdpIdIntfIpMappingTable, replicated );

@@ -11,11 +11,9 @@ namespace Ldp {
 /// The sessions to one transport address of a peer.
 class VORN_API PeerSession : public Vorn::Entity {
    VORN_ENTITY( PeerSession, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpSessionId, SessionId ); )
 
  public:
    explicit PeerSession( Lumo::IpGenAddr const & peerTransportIp ) : peerTransportIp_( peerTransportIp ) {}
-   ~PeerSession() override;
 
    VORN_KEY( 0x102, Lumo::IpGenAddr, peerTransportIp );
    VORN_VALUE_COLL( 0x103, bool, LdpSessionId, sessionId, SessionId, local );
@@ -28,11 +26,9 @@ VORN_FACTORY( PeerSession, peerSessionFactory )
 /// The identifiers behind one transport address; it can stand for several.
 class VORN_API PeerTransportIpMap : public Vorn::Entity {
    VORN_ENTITY( PeerTransportIpMap, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpIdentifier, LdpIdentifier ); )
 
  public:
    explicit PeerTransportIpMap( Lumo::IpGenAddr const & transportIp ) : transportIp_( transportIp ) {}
-   ~PeerTransportIpMap() override;
 
    VORN_KEY( 0x102, Lumo::IpGenAddr, transportIp );
    VORN_VALUE_COLL( 0x103, bool, LdpIdentifier, ldpIdentifier, LdpIdentifier, local );
@@ -45,11 +41,9 @@ VORN_FACTORY( PeerTransportIpMap, peerTransportIpMapFactory )
 /// The pseudowire requests towards one peer.
 class VORN_API PeerPwRequest : public Vorn::Entity {
    VORN_ENTITY( PeerPwRequest, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Pseudowire::PseudowireLdpRequestKey, Request ); )
 
  public:
    explicit PeerPwRequest( Lumo::IpGenAddr const & peerTransportIp ) : peerTransportIp_( peerTransportIp ) {}
-   ~PeerPwRequest() override;
 
    VORN_KEY( 0x102, Lumo::IpGenAddr, peerTransportIp );
    VORN_VALUE_COLL( 0x103, bool, Pseudowire::PseudowireLdpRequestKey, request, Request, local );
@@ -62,11 +56,9 @@ VORN_FACTORY( PeerPwRequest, peerPwRequestFactory )
 /// The FECs that use one label.
 class VORN_API LabelFecMap : public Vorn::Entity {
    VORN_ENTITY( LabelFecMap, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Mpls::FwdEqvClass, Fec ); )
 
  public:
    explicit LabelFecMap( Lumo::MplsLabel const & label ) : label_( label ) {}
-   ~LabelFecMap() override;
 
    VORN_KEY( 0x102, Lumo::MplsLabel, label );
    VORN_SET( 0x103, Mpls::FwdEqvClass, fec, Fec, local );
@@ -88,14 +80,9 @@ struct PwFecSessionIdOf {
 /// reference keeps one alive that its owner has deleted.
 class VORN_API PwFecSessionInfoMap : public Vorn::Entity {
    VORN_ENTITY( PwFecSessionInfoMap, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Pseudowire::PseudowireLdpRequestKey, LdpRequest );
-                  VORN_ON_KEYED( PwFecSessionId, LocalConfig ); VORN_ON_KEYED( PwFecSessionId, RemoteConfig );
-                  VORN_ON_KEYED( PwFecSessionId, LocalStatus );
-                  VORN_ON_KEYED( PwFecSessionId, RemoteStatus ); )
 
  public:
    explicit PwFecSessionInfoMap( Pseudowire::PseudowireLdpRequestKey const & pwKey ) : pwKey_( pwKey ) {}
-   ~PwFecSessionInfoMap() override;
 
    VORN_KEY( 0x102, Pseudowire::PseudowireLdpRequestKey, pwKey );
    VORN_VALUE_COLL( 0x103, bool, Pseudowire::PseudowireLdpRequestKey, ldpRequest, LdpRequest, local );
@@ -116,17 +103,9 @@ VORN_FACTORY( PwFecSessionInfoMap, pwFecSessionInfoMapFactory )
 /// The reverse maps of a VRF.
 class VORN_API LdpIndex : public Vorn::Entity {
    VORN_ENTITY( LdpIndex, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Lumo::IpGenAddr, PeerToSession );
-                  VORN_ON_KEYED( Lumo::IntfId, LdpAdjPerLinkColl );
-                  VORN_ON_KEYED( Lumo::IpAddr, TargetIpToLdpAdjId );
-                  VORN_ON_KEYED( Lumo::IpGenAddr, TransportIpToPeer );
-                  VORN_ON_KEYED( Pseudowire::PseudowireLdpRequestKey, PwKeyToPwFecSessionInfo );
-                  VORN_ON_KEYED( Lumo::IpGenAddr, PeerToPwRequest );
-                  VORN_ON_KEYED( Lumo::MplsLabel, LabelToFec ); )
 
  public:
    explicit LdpIndex( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpIndex() override;
 
    VORN_NAME;
    /// Sessions of a peer's transport address.

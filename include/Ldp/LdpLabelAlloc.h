@@ -21,11 +21,9 @@ VORN_ENUM( LabelAllocStatusEnum, VORN_LDP_LABEL_ALLOC_STATUSES )
 /// A request for labels of one FEC.
 class VORN_API LabelAllocRequest : public Vorn::Entity {
    VORN_ENTITY( LabelAllocRequest, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( NumLabelsRequested ); VORN_ON( LdpFecDeliveryType ); )
 
  public:
    explicit LabelAllocRequest( Mpls::FwdEqvClass const & fec ) : fec_( fec ) {}
-   ~LabelAllocRequest() override;
 
    VORN_KEY( 0x102, Mpls::FwdEqvClass, fec );
    VORN_MUTABLE( 0x103, U32, numLabelsRequested, NumLabelsRequested, replicated ) = 0;
@@ -39,11 +37,9 @@ VORN_FACTORY( LabelAllocRequest, labelAllocRequestFactory )
 /// The requests.
 class VORN_API LabelAllocRequestTable : public Vorn::Entity {
    VORN_ENTITY( LabelAllocRequestTable, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Mpls::FwdEqvClass, LabelBindingRequest ); )
 
  public:
    explicit LabelAllocRequestTable( Vorn::Name const & name ) : name_( name ) {}
-   ~LabelAllocRequestTable() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LabelAllocRequest, Mpls::FwdEqvClass, labelBindingRequest, LabelBindingRequest,
@@ -56,11 +52,9 @@ VORN_FACTORY( LabelAllocRequestTable, labelAllocRequestTableFactory )
 /// The allocation as a whole.
 class VORN_API LabelAllocGlobalStatus : public Vorn::Entity {
    VORN_ENTITY( LabelAllocGlobalStatus, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( State ); VORN_ON( RangeChanged ); )
 
  public:
    explicit LabelAllocGlobalStatus( Vorn::Name const & name ) : name_( name ) {}
-   ~LabelAllocGlobalStatus() override;
 
    VORN_NAME;
    VORN_MUTABLE( 0x102, LabelAllocStatusEnum, state, State, replicated ) = markAndSweep;
@@ -74,13 +68,11 @@ VORN_FACTORY( LabelAllocGlobalStatus, labelAllocGlobalStatusFactory )
 /// The labels of a FEC or of a pseudowire. It is made as a child, by `mplsLabelSetIs( name, fec )`.
 class VORN_API MplsLabelSet : public Vorn::Entity {
    VORN_ENTITY( MplsLabelSet, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( LabelSource ); VORN_ON_KEYED( Lumo::MplsLabel, MplsLabel ); )
    VORN_CTOR_TYPES( Vorn::Name, Mpls::FwdEqvClass )
 
  public:
    MplsLabelSet( Vorn::Name const & name, Mpls::FwdEqvClass const & fwdEqvClass )
         : name_( name ), fwdEqvClass_( fwdEqvClass ) {}
-   ~MplsLabelSet() override;
 
    VORN_NAME;
    VORN_CTOR_ARG( 0x102, Mpls::FwdEqvClass, fwdEqvClass );

@@ -19,11 +19,9 @@ VORN_ENUM( ConfigState, VORN_LDP_CONFIG_STATES )
 /// Timers of link hellos, in seconds (RFC 5036, 2.5.5).
 class VORN_API LdpLinkBaseConfig : public Vorn::Entity {
    VORN_ENTITY( LdpLinkBaseConfig, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Interval ); VORN_ON( HoldTime ); VORN_ON( RetryInterval ); )
 
  public:
    explicit LdpLinkBaseConfig( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpLinkBaseConfig() override;
 
    VORN_NAME;
    /// Between two hellos.
@@ -40,12 +38,9 @@ VORN_FACTORY( LdpLinkBaseConfig, ldpLinkBaseConfigFactory )
 /// What is common to the hellos of all links of a VRF.
 class VORN_API LdpLinkCommonConfig : public LdpLinkBaseConfig {
    VORN_ENTITY( LdpLinkCommonConfig, LdpLinkBaseConfig )
-   VORN_NOTIFIEE( VORN_ON( Ttl ); VORN_ON( IpTransportAddr ); VORN_ON( LdpId ); VORN_ON( MLdpEnabled );
-                  VORN_ON( ConfigSeqNum ); )
 
  public:
    explicit LdpLinkCommonConfig( Vorn::Name const & name ) : LdpLinkBaseConfig( name ) {}
-   ~LdpLinkCommonConfig() override;
 
    /// Time to live of the packets: a link hello does not leave its link.
    VORN_MUTABLE( 0x182, Lumo::IpTtl, ttl, Ttl, local ) = Lumo::IpTtl( 1 );
@@ -57,18 +52,18 @@ class VORN_API LdpLinkCommonConfig : public LdpLinkBaseConfig {
    VORN_MUTABLE( 0x185, bool, mLdpEnabled, MLdpEnabled, local ) = false;
    /// What the Configuration Sequence Number TLV says (RFC 5036, 3.5.2).
    VORN_MUTABLE( 0x186, U32, configSeqNum, ConfigSeqNum, local ) = 0;
+
+   VORN_BASE_OBSERVERS;
 };
 VORN_FACTORY( LdpLinkCommonConfig, ldpLinkCommonConfigFactory )
 
 /// What is wanted of one link.
 class VORN_API LdpLinkConfig : public LdpLinkBaseConfig {
    VORN_ENTITY( LdpLinkConfig, LdpLinkBaseConfig )
-   VORN_NOTIFIEE( VORN_ON( IpAddr ); VORN_ON( ConfigState ); VORN_ON( OperStatus ); )
 
  public:
    explicit LdpLinkConfig( Lumo::IntfId const & intfId )
         : LdpLinkBaseConfig( Vorn::Name() ), intfId_( intfId ) {}
-   ~LdpLinkConfig() override;
 
    VORN_KEY( 0x182, Lumo::IntfId, intfId );
    /// Address of the interface from which hellos are sent.
@@ -78,17 +73,17 @@ class VORN_API LdpLinkConfig : public LdpLinkBaseConfig {
                  local ) = Interface::IntfOperStatus( 4 );
 
    VORN_NEXT_LINK;
+
+   VORN_BASE_OBSERVERS;
 };
 VORN_FACTORY( LdpLinkConfig, ldpLinkConfigFactory )
 
 /// What is wanted of the links of a VRF.
 class VORN_API LdpLinkConfigColl : public Vorn::Entity {
    VORN_ENTITY( LdpLinkConfigColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( LdpLinkCommonConfig ); VORN_ON_KEYED( Lumo::IntfId, AdjLinkConfig ); )
 
  public:
    explicit LdpLinkConfigColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpLinkConfigColl() override;
 
    VORN_NAME;
    /// What they share; null until somebody makes it.
@@ -102,13 +97,9 @@ VORN_FACTORY( LdpLinkConfigColl, ldpLinkConfigCollFactory )
 /// Run-time state of discovery on one interface.
 class VORN_API LdpLinkStatus : public Vorn::Entity {
    VORN_ENTITY( LdpLinkStatus, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( PktVersion ); VORN_ON( Running ); VORN_ON_KEYED( LdpAdjId, AdjIdSet );
-                  VORN_ON( Interval ); VORN_ON( HoldTime ); VORN_ON( RxPktCount ); VORN_ON( TxPktCount );
-                  VORN_ON( ErrPktCount ); )
 
  public:
    explicit LdpLinkStatus( Lumo::IntfId const & intfId ) : intfId_( intfId ) {}
-   ~LdpLinkStatus() override;
 
    VORN_KEY( 0x102, Lumo::IntfId, intfId );
    /// Version of the packet that is sent, raised whenever its contents change.
@@ -133,11 +124,9 @@ VORN_FACTORY( LdpLinkStatus, ldpLinkStatusFactory )
 /// The place of what the links of a VRF share at run time. It has no state so far.
 class VORN_API LdpLinkCommonStatus : public Vorn::Entity {
    VORN_ENTITY( LdpLinkCommonStatus, Vorn::Entity )
-   VORN_NOTIFIEE()
 
  public:
    explicit LdpLinkCommonStatus( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpLinkCommonStatus() override;
 
    VORN_NAME;
 
@@ -148,11 +137,9 @@ VORN_FACTORY( LdpLinkCommonStatus, ldpLinkCommonStatusFactory )
 /// Run-time state of the links of a VRF.
 class VORN_API LdpLinkStatusColl : public Vorn::Entity {
    VORN_ENTITY( LdpLinkStatusColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( LdpLinkCommonStatus ); VORN_ON_KEYED( Lumo::IntfId, AdjLinkStatus ); )
 
  public:
    explicit LdpLinkStatusColl( Vorn::Name const & name );
-   ~LdpLinkStatusColl() override;
 
    VORN_NAME;
    /// Made by the constructor, under the name llcs.
@@ -166,12 +153,9 @@ VORN_FACTORY( LdpLinkStatusColl, ldpLinkStatusCollFactory )
 /// State of the packet mover that serves the links.
 class VORN_API LdpLinkUdpPamStatus : public Vorn::Entity {
    VORN_ENTITY( LdpLinkUdpPamStatus, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Enabled ); VORN_ON( Reason ); VORN_ON( RxPktCount ); VORN_ON( TxPktCount );
-                  VORN_ON( ErrPktCount ); )
 
  public:
    explicit LdpLinkUdpPamStatus( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpLinkUdpPamStatus() override;
 
    VORN_NAME;
    VORN_MUTABLE( 0x102, bool, enabled, Enabled, local ) = false;
@@ -189,11 +173,9 @@ VORN_FACTORY( LdpLinkUdpPamStatus, ldpLinkUdpPamStatusFactory )
 /// One local address, and the interfaces that carry it: it can stand on several.
 class VORN_API IpIntfMember : public Vorn::Entity {
    VORN_ENTITY( IpIntfMember, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Lumo::IntfId, IntfId ); )
 
  public:
    explicit IpIntfMember( Lumo::IpAddrWithMask const & ipAddrWithMask ) : ipAddrWithMask_( ipAddrWithMask ) {}
-   ~IpIntfMember() override;
 
    VORN_KEY( 0x102, Lumo::IpAddrWithMask, ipAddrWithMask );
    VORN_VALUE_COLL( 0x103, bool, Lumo::IntfId, intfId, IntfId, local );
@@ -206,11 +188,9 @@ VORN_FACTORY( IpIntfMember, ipIntfMemberFactory )
 /// The local addresses of a VRF.
 class VORN_API LocalIntfIpColl : public Vorn::Entity {
    VORN_ENTITY( LocalIntfIpColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Lumo::IpAddrWithMask, IntfIpWithMask ); )
 
  public:
    explicit LocalIntfIpColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LocalIntfIpColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, IpIntfMember, Lumo::IpAddrWithMask, intfIpWithMask, IntfIpWithMask, local );

@@ -27,15 +27,9 @@ VORN_ENUM( LdpP2mpFecRole, VORN_LDP_P2MP_FEC_ROLES )
 /// One P2MP FEC. As with `LdpFecConfig`, `membership` is the writer's to keep in step.
 class VORN_API LdpP2mpFecState : public Vorn::Entity {
    VORN_ENTITY( LdpP2mpFecState, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( MplsLabelSet ); VORN_ON( AdvertisedTo );
-                  VORN_ON_KEYED( LdpP2mpFecStateMembership, Membership );
-                  VORN_ON_KEYED( LdpSessionId, LocalSessionMember );
-                  VORN_ON_KEYED( LdpSessionId, RemoteSessionMember ); VORN_ON( P2mpFecRole );
-                  VORN_ON( UpstreamLsr ); VORN_ON_KEYED( Via, Via ); VORN_ON( IsProtocolOperational ); )
 
  public:
    explicit LdpP2mpFecState( Mpls::FwdEqvClass const & p2mpFecId );
-   ~LdpP2mpFecState() override;
 
    VORN_KEY( 0x102, Mpls::FwdEqvClass, p2mpFecId );
    /// Labels of the FEC. Made by the constructor, under the name labelSet.
@@ -67,11 +61,9 @@ VORN_FACTORY( LdpP2mpFecState, ldpP2mpFecStateFactory )
 /// The P2MP FECs of a VRF.
 class VORN_API LdpP2mpFecStateColl : public Vorn::Entity {
    VORN_ENTITY( LdpP2mpFecStateColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Mpls::FwdEqvClass, P2mpFecState ); VORN_ON( NotifyCounter ); )
 
  public:
    explicit LdpP2mpFecStateColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpP2mpFecStateColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpP2mpFecState, Mpls::FwdEqvClass, p2mpFecState, P2mpFecState, replicated );
@@ -85,11 +77,9 @@ VORN_FACTORY( LdpP2mpFecStateColl, ldpP2mpFecStateCollFactory )
 /// The P2MP FECs that end at one local label.
 class VORN_API LdpP2mpLabelTerminatingInfo : public Vorn::Entity {
    VORN_ENTITY( LdpP2mpLabelTerminatingInfo, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Mpls::FwdEqvClass, P2mpFec ); )
 
  public:
    explicit LdpP2mpLabelTerminatingInfo( Lumo::MplsLabel const & label ) : label_( label ) {}
-   ~LdpP2mpLabelTerminatingInfo() override;
 
    VORN_KEY( 0x102, Lumo::MplsLabel, label );
    VORN_SET( 0x103, Mpls::FwdEqvClass, p2mpFec, P2mpFec, replicated );
@@ -102,11 +92,9 @@ VORN_FACTORY( LdpP2mpLabelTerminatingInfo, ldpP2mpLabelTerminatingInfoFactory )
 /// The local labels at which P2MP FECs end.
 class VORN_API LdpP2mpLabelTerminatingInfoColl : public Vorn::Entity {
    VORN_ENTITY( LdpP2mpLabelTerminatingInfoColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Lumo::MplsLabel, LabelTerminatingInfo ); )
 
  public:
    explicit LdpP2mpLabelTerminatingInfoColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpP2mpLabelTerminatingInfoColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpP2mpLabelTerminatingInfo, Lumo::MplsLabel, labelTerminatingInfo,
@@ -119,12 +107,9 @@ VORN_FACTORY( LdpP2mpLabelTerminatingInfoColl, ldpP2mpLabelTerminatingInfoCollFa
 /// Counters of the TLVs in label mappings for P2MP FECs, by type.
 class VORN_API LdpP2mpFecCounters : public Vorn::Entity {
    VORN_ENTITY( LdpP2mpFecCounters, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpTlvType, LabelMappingRxTlv );
-                  VORN_ON_KEYED( LdpTlvType, LabelMappingTxTlv ); )
 
  public:
    explicit LdpP2mpFecCounters( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpP2mpFecCounters() override;
 
    VORN_NAME;
    VORN_COUNTER_COLL( 0x102, U64, LdpTlvType, labelMappingRxTlv, LabelMappingRxTlv, local );

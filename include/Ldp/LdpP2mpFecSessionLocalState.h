@@ -18,11 +18,9 @@ VORN_ENUM( LdpP2mpFecSessionEvent, VORN_LDP_P2MP_FEC_SESSION_EVENTS )
 /// The label that is active now, with its state; it can be dropped and made anew by itself.
 class VORN_API LdpP2mpFecSessionLocalEphemeralState : public Vorn::Entity {
    VORN_ENTITY( LdpP2mpFecSessionLocalEphemeralState, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( ActiveLabelState ); VORN_ON( ActiveLabel ); )
 
  public:
    explicit LdpP2mpFecSessionLocalEphemeralState( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpP2mpFecSessionLocalEphemeralState() override;
 
    VORN_NAME;
    VORN_MUTABLE( 0x102, LdpLocalLabelState, activeLabelState, ActiveLabelState, local ) = noneSent;
@@ -35,12 +33,9 @@ VORN_FACTORY( LdpP2mpFecSessionLocalEphemeralState, ldpP2mpFecSessionLocalEpheme
 /// One P2MP FEC on one session.
 class VORN_API LdpP2mpFecSessionLocalState : public Vorn::Entity {
    VORN_ENTITY( LdpP2mpFecSessionLocalState, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( LocalLabelSessionState ); VORN_ON( EphemeralState );
-                  VORN_ON_KEYED( LdpMsgType, LdpMsgRx ); VORN_ON_KEYED( LdpMsgType, LdpMsgTx ); )
 
  public:
    explicit LdpP2mpFecSessionLocalState( LdpFecSessionId const & ldpP2mpFecSessionId );
-   ~LdpP2mpFecSessionLocalState() override;
 
    VORN_KEY( 0x102, LdpFecSessionId, ldpP2mpFecSessionId );
    VORN_MUTABLE( 0x103, LdpLocalLabelSessionState, localLabelSessionState, LocalLabelSessionState, local );
@@ -58,12 +53,10 @@ VORN_FACTORY( LdpP2mpFecSessionLocalState, ldpP2mpFecSessionLocalStateFactory )
 /// The P2MP FECs on one session.
 class VORN_API LdpP2mpFecSessionLocalStatePerSessionColl : public Vorn::Entity {
    VORN_ENTITY( LdpP2mpFecSessionLocalStatePerSessionColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpFecSessionId, P2mpFecSessionLocalState ); )
 
  public:
    explicit LdpP2mpFecSessionLocalStatePerSessionColl( LdpSessionId const & ldpSessionId )
         : ldpSessionId_( ldpSessionId ) {}
-   ~LdpP2mpFecSessionLocalStatePerSessionColl() override;
 
    VORN_KEY( 0x102, LdpSessionId, ldpSessionId );
    VORN_ENTITY_COLL( 0x103, LdpP2mpFecSessionLocalState, LdpFecSessionId, p2mpFecSessionLocalState,
@@ -77,11 +70,9 @@ VORN_FACTORY( LdpP2mpFecSessionLocalStatePerSessionColl, ldpP2mpFecSessionLocalS
 /// The sessions of a VRF.
 class VORN_API LdpP2mpFecSessionLocalStateColl : public Vorn::Entity {
    VORN_ENTITY( LdpP2mpFecSessionLocalStateColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpSessionId, P2mpFecSessionLocalStateColl ); )
 
  public:
    explicit LdpP2mpFecSessionLocalStateColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpP2mpFecSessionLocalStateColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpP2mpFecSessionLocalStatePerSessionColl, LdpSessionId,
@@ -95,12 +86,10 @@ VORN_FACTORY( LdpP2mpFecSessionLocalStateColl, ldpP2mpFecSessionLocalStateCollFa
 /// count. The id stays in place behind that.
 class VORN_API LdpP2mpFecSessionLocalStateNotifier : public Vorn::Entity {
    VORN_ENTITY( LdpP2mpFecSessionLocalStateNotifier, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( P2mpFecSessionId ); VORN_ON( NotifyCounter ); )
 
  public:
    explicit LdpP2mpFecSessionLocalStateNotifier( LdpSessionId const & ldpSessionId )
         : ldpSessionId_( ldpSessionId ) {}
-   ~LdpP2mpFecSessionLocalStateNotifier() override;
 
    VORN_KEY( 0x102, LdpSessionId, ldpSessionId );
    VORN_MUTABLE( 0x103, LdpFecSessionId, p2mpFecSessionId, P2mpFecSessionId, local );
@@ -115,11 +104,9 @@ VORN_FACTORY( LdpP2mpFecSessionLocalStateNotifier, ldpP2mpFecSessionLocalStateNo
 /// The notifiers of all sessions.
 class VORN_API LdpP2mpFecSessionLocalStateNotifierColl : public Vorn::Entity {
    VORN_ENTITY( LdpP2mpFecSessionLocalStateNotifierColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( LdpSessionId ); VORN_ON_KEYED( LdpSessionId, P2mpFecSessionLocalStateNotifier ); )
 
  public:
    explicit LdpP2mpFecSessionLocalStateNotifierColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpP2mpFecSessionLocalStateNotifierColl() override;
 
    VORN_NAME;
    /// For the writer, as context; it is tied to no key.

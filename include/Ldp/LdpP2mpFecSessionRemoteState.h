@@ -10,13 +10,10 @@ namespace Ldp {
 /// One P2MP FEC on one session: the one label that the peer has for it.
 class VORN_API LdpP2mpFecSessionRemoteState : public Vorn::Entity {
    VORN_ENTITY( LdpP2mpFecSessionRemoteState, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( PeerLabelState ); VORN_ON( PeerLabel ); VORN_ON( RemoteFecSessionInUse );
-                  VORN_ON_KEYED( LdpMsgType, LdpMsgRx ); VORN_ON_KEYED( LdpMsgType, LdpMsgTx ); )
 
  public:
    explicit LdpP2mpFecSessionRemoteState( LdpFecSessionId const & ldpP2mpFecSessionId )
         : ldpP2mpFecSessionId_( ldpP2mpFecSessionId ) {}
-   ~LdpP2mpFecSessionRemoteState() override;
 
    VORN_MUTABLE( 0x102, LdpPeerLabelState, peerLabelState, PeerLabelState, local ) = noneRcvd;
    VORN_MUTABLE( 0x103, Lumo::MplsLabel, peerLabel, PeerLabel, local );
@@ -34,12 +31,10 @@ VORN_FACTORY( LdpP2mpFecSessionRemoteState, ldpP2mpFecSessionRemoteStateFactory 
 /// The P2MP FECs on one session.
 class VORN_API LdpP2mpFecSessionRemoteStatePerSessionColl : public Vorn::Entity {
    VORN_ENTITY( LdpP2mpFecSessionRemoteStatePerSessionColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpFecSessionId, P2mpFecSessionRemoteState ); )
 
  public:
    explicit LdpP2mpFecSessionRemoteStatePerSessionColl( LdpSessionId const & ldpSessionId )
         : ldpSessionId_( ldpSessionId ) {}
-   ~LdpP2mpFecSessionRemoteStatePerSessionColl() override;
 
    VORN_KEY( 0x102, LdpSessionId, ldpSessionId );
    VORN_ENTITY_COLL( 0x103, LdpP2mpFecSessionRemoteState, LdpFecSessionId, p2mpFecSessionRemoteState,
@@ -53,11 +48,9 @@ VORN_FACTORY( LdpP2mpFecSessionRemoteStatePerSessionColl, ldpP2mpFecSessionRemot
 /// The sessions of a VRF.
 class VORN_API LdpP2mpFecSessionRemoteStateColl : public Vorn::Entity {
    VORN_ENTITY( LdpP2mpFecSessionRemoteStateColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpSessionId, P2mpFecSessionRemoteStateColl ); )
 
  public:
    explicit LdpP2mpFecSessionRemoteStateColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpP2mpFecSessionRemoteStateColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpP2mpFecSessionRemoteStatePerSessionColl, LdpSessionId,
@@ -71,12 +64,10 @@ VORN_FACTORY( LdpP2mpFecSessionRemoteStateColl, ldpP2mpFecSessionRemoteStateColl
 /// moves the count. Both stay in place behind that.
 class VORN_API LdpP2mpFecSessionRemoteStateNotifier : public Vorn::Entity {
    VORN_ENTITY( LdpP2mpFecSessionRemoteStateNotifier, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( P2mpFecSessionId ); VORN_ON( MsgType ); VORN_ON( NotifyCounter ); )
 
  public:
    explicit LdpP2mpFecSessionRemoteStateNotifier( LdpSessionId const & ldpSessionId )
         : ldpSessionId_( ldpSessionId ) {}
-   ~LdpP2mpFecSessionRemoteStateNotifier() override;
 
    VORN_KEY( 0x102, LdpSessionId, ldpSessionId );
    VORN_MUTABLE( 0x103, LdpFecSessionId, p2mpFecSessionId, P2mpFecSessionId, local );
@@ -92,11 +83,9 @@ VORN_FACTORY( LdpP2mpFecSessionRemoteStateNotifier, ldpP2mpFecSessionRemoteState
 /// The notifiers of all sessions.
 class VORN_API LdpP2mpFecSessionRemoteStateNotifierColl : public Vorn::Entity {
    VORN_ENTITY( LdpP2mpFecSessionRemoteStateNotifierColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( LdpSessionId ); VORN_ON_KEYED( LdpSessionId, P2mpFecSessionRemoteStateNotifier ); )
 
  public:
    explicit LdpP2mpFecSessionRemoteStateNotifierColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpP2mpFecSessionRemoteStateNotifierColl() override;
 
    VORN_NAME;
    /// For the writer, as context; it is tied to no key.

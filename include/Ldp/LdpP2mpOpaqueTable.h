@@ -20,11 +20,9 @@ namespace Ldp {
 /// the caller's, and ends the process.
 class VORN_API LdpP2mpOpaqueTable : public Vorn::Entity {
    VORN_ENTITY( LdpP2mpOpaqueTable, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Table ); VORN_ON_KEYED( U32, FreeId ); VORN_ON( LargestAllocatedId ); )
 
  public:
    explicit LdpP2mpOpaqueTable( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpP2mpOpaqueTable() override;
 
    VORN_NAME;
    VORN_REFERENCE( 0x102, Mpls::MldpOpaqueValueTable, table, Table, replicated );

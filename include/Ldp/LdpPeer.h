@@ -9,12 +9,9 @@ namespace Ldp {
 /// One peer: the adjacencies by which it is reached, and the one through which the session runs.
 class VORN_API LdpPeerConfig : public Vorn::Entity {
    VORN_ENTITY( LdpPeerConfig, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpAdjId, LdpAdj ); VORN_ON( ActiveAdj ); VORN_ON( PeerIpAddr );
-                  VORN_ON( PeerConfigSeqNum ); VORN_ON( StatusCode ); VORN_ON( LatestAdjStatusCode ); )
 
  public:
    explicit LdpPeerConfig( LdpIdentifier const & ldpIdentifier ) : ldpIdentifier_( ldpIdentifier ) {}
-   ~LdpPeerConfig() override;
 
    VORN_KEY( 0x102, LdpIdentifier, ldpIdentifier );
    /// The peer's adjacencies.
@@ -38,11 +35,9 @@ VORN_FACTORY( LdpPeerConfig, ldpPeerConfigFactory )
 /// The peers of a VRF.
 class VORN_API LdpPeerConfigColl : public Vorn::Entity {
    VORN_ENTITY( LdpPeerConfigColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpIdentifier, PeerConfig ); )
 
  public:
    explicit LdpPeerConfigColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpPeerConfigColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpPeerConfig, LdpIdentifier, peerConfig, PeerConfig, replicated );
@@ -54,11 +49,9 @@ VORN_FACTORY( LdpPeerConfigColl, ldpPeerConfigCollFactory )
 /// That a peer is known; it has no state besides.
 class VORN_API LdpPeerStatus : public Vorn::Entity {
    VORN_ENTITY( LdpPeerStatus, Vorn::Entity )
-   VORN_NOTIFIEE()
 
  public:
    explicit LdpPeerStatus( LdpIdentifier const & ldpIdentifier ) : ldpIdentifier_( ldpIdentifier ) {}
-   ~LdpPeerStatus() override;
 
    VORN_KEY( 0x102, LdpIdentifier, ldpIdentifier );
 
@@ -70,11 +63,9 @@ VORN_FACTORY( LdpPeerStatus, ldpPeerStatusFactory )
 /// The peers that are known in a VRF.
 class VORN_API LdpPeerStatusColl : public Vorn::Entity {
    VORN_ENTITY( LdpPeerStatusColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpIdentifier, PeerStatus ); )
 
  public:
    explicit LdpPeerStatusColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpPeerStatusColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpPeerStatus, LdpIdentifier, peerStatus, PeerStatus, local );

@@ -12,14 +12,10 @@ namespace Ldp {
 /// A parser that is given one reads it while it parses; later changes concern later parsers only.
 class VORN_API LdpProtoParam : public Vorn::Entity {
    VORN_ENTITY( LdpProtoParam, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( TlvIpTransportAddrIncude ); VORN_ON( TlvIpTransportUnknownBit );
-                  VORN_ON( TlvConfigSeqNumInclude ); VORN_ON( TlvConfigSeqNumUnknownBit );
-                  VORN_ON( FecTlvStrictPrefixWildcardOnlyElement ); )
 
  public:
    /// The parameters of the VRF of that name, with their defaults.
    explicit LdpProtoParam( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpProtoParam() override;
 
    VORN_NAME;
    /// Ports of discovery and of sessions.

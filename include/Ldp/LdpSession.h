@@ -69,12 +69,9 @@ VORN_TEXT( LdpSessionState )
 /// What all sessions of a VRF share.
 class VORN_API LdpSessionCommonConfig : public Vorn::Entity {
    VORN_ENTITY( LdpSessionCommonConfig, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( IpTransportAddr ); VORN_ON( LdpLabelAdvDspl );
-                  VORN_ON_KEYED( Lumo::IpAddr, LocalIntfIp ); VORN_ON( MLdpEnabled ); )
 
  public:
    explicit LdpSessionCommonConfig( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpSessionCommonConfig() override;
 
    VORN_NAME;
    /// Transport address of the speaker.
@@ -93,13 +90,9 @@ VORN_FACTORY( LdpSessionCommonConfig, ldpSessionCommonConfigFactory )
 /// What is wanted of one session.
 class VORN_API LdpSessionConfig : public Vorn::Entity {
    VORN_ENTITY( LdpSessionConfig, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( LocalLdpIdentifier ); VORN_ON( PeerIpAddr ); VORN_ON( LdpSessionRole );
-                  VORN_ON( LdpPeerStatusCode ); VORN_ON( Reason ); VORN_ON( KeepAliveTime );
-                  VORN_ON( KeepAliveTxInterval ); VORN_ON( MaxPduLength ); VORN_ON( PeerConfigSeqNum ); )
 
  public:
    explicit LdpSessionConfig( LdpSessionId const & ldpSessionId ) : ldpSessionId_( ldpSessionId ) {}
-   ~LdpSessionConfig() override;
 
    VORN_KEY( 0x102, LdpSessionId, ldpSessionId );
    /// The speaker's own identifier.
@@ -127,11 +120,9 @@ VORN_FACTORY( LdpSessionConfig, ldpSessionConfigFactory )
 /// What is wanted of the sessions of a VRF.
 class VORN_API LdpSessionConfigColl : public Vorn::Entity {
    VORN_ENTITY( LdpSessionConfigColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( LdpSessionCommonConfig ); VORN_ON_KEYED( LdpSessionId, SessionConfig ); )
 
  public:
    explicit LdpSessionConfigColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpSessionConfigColl() override;
 
    VORN_NAME;
    /// What they share; null until somebody makes it.
@@ -147,24 +138,9 @@ VORN_FACTORY( LdpSessionConfigColl, ldpSessionConfigCollFactory )
 /// Initialization.
 class VORN_API LdpSessionStatus : public Vorn::Entity {
    VORN_ENTITY( LdpSessionStatus, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( LocalLdpIdentifier ); VORN_ON( TcpClientConnEnabled );
-                  VORN_ON( TcpClientConnReqTime ); VORN_ON( PeerKeepAliveTime );
-                  VORN_ON( PeerKeepAliveTxInterval ); VORN_ON( PeerMaxPduLength );
-                  VORN_ON( OperKeepAliveTime ); VORN_ON( OperMaxPduLength );
-                  VORN_ON( OperKeepAliveTxInterval ); VORN_ON( PeerLabelAdvDspl );
-                  VORN_ON( OperLabelAdvDspl ); VORN_ON_KEYED( LdpTlvType, PeerCapability );
-                  VORN_ON( SessionUptime ); VORN_ON( LdpSessionState ); VORN_ON( SessionOpState );
-                  VORN_ON( SessionStateLastChange ); VORN_ON_KEYED( SessionState, SessionStateCount );
-                  VORN_ON( SessionStateReason ); VORN_ON( SessionStateLogEntryColl );
-                  VORN_ON( SessionExpireTime ); VORN_ON( AddressMsgRcvd ); VORN_ON( AddressMsgTsmt );
-                  VORN_ON( LocalIpAddr ); VORN_ON( LocalPort ); VORN_ON( PeerIpAddr ); VORN_ON( PeerPort );
-                  VORN_ON_KEYED( Lumo::IpGenAddr, PeerIntfIp ); VORN_ON( PeerLabelRescAvailableCount );
-                  VORN_ON( FatalRetryCount ); VORN_ON( OperGrSupported ); VORN_ON( PeerGrReconnectTimeout );
-                  VORN_ON( PeerGrRecoveryTimeout ); VORN_ON( OperGrState ); VORN_ON( OperGrStateKick ); )
 
  public:
    explicit LdpSessionStatus( LdpSessionId const & ldpSessionId ) : ldpSessionId_( ldpSessionId ) {}
-   ~LdpSessionStatus() override;
 
    VORN_KEY( 0x102, LdpSessionId, ldpSessionId );
    /// The speaker's own identifier.
@@ -239,11 +215,9 @@ VORN_FACTORY( LdpSessionStatus, ldpSessionStatusFactory )
 /// The sessions of a VRF.
 class VORN_API LdpSessionStatusColl : public Vorn::Entity {
    VORN_ENTITY( LdpSessionStatusColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpSessionId, SessionStatus ); )
 
  public:
    explicit LdpSessionStatusColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpSessionStatusColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpSessionStatus, LdpSessionId, sessionStatus, SessionStatus, replicated );

@@ -47,11 +47,9 @@ VORN_TEXT( LdpSessionStateLogEntry )
 /// with more than ten, the next addition asserts.
 class VORN_API LdpSessionStateLogEntryColl : public Vorn::Entity {
    VORN_ENTITY( LdpSessionStateLogEntryColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( U32, SessionStateLogEntry ); )
 
  public:
    explicit LdpSessionStateLogEntryColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpSessionStateLogEntryColl() override;
 
    VORN_NAME;
    /// Most entries that the log keeps.

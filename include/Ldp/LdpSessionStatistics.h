@@ -47,13 +47,9 @@ VORN_TEXT( PwMsgIdFecMappingInfo )
 /// Counters and message ids of one session. What changes with every PDU is local, so that it costs a store.
 class VORN_API LdpSessionStatistics : public Vorn::Entity {
    VORN_ENTITY( LdpSessionStatistics, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpMsgType, LdpMsgRxCount ); VORN_ON_KEYED( LdpMsgType, LdpMsgTxCount );
-                  VORN_ON_KEYED( LdpStatusCode, LdpMsgNotificationRxCount );
-                  VORN_ON_KEYED( LdpStatusCode, LdpMsgNotificationTxCount ); )
 
  public:
    explicit LdpSessionStatistics( LdpSessionId const & ldpSessionId ) : ldpSessionId_( ldpSessionId ) {}
-   ~LdpSessionStatistics() override;
 
    VORN_KEY( 0x102, LdpSessionId, ldpSessionId );
    /// What the messages were about, by message id.
@@ -82,11 +78,9 @@ VORN_FACTORY( LdpSessionStatistics, ldpSessionStatisticsFactory )
 /// The statistics of the sessions of a VRF. They stand apart from the sessions' status.
 class VORN_API LdpSessionStatisticsColl : public Vorn::Entity {
    VORN_ENTITY( LdpSessionStatisticsColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpSessionId, SessionStatistics ); )
 
  public:
    explicit LdpSessionStatisticsColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpSessionStatisticsColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpSessionStatistics, LdpSessionId, sessionStatistics, SessionStatistics,

@@ -28,11 +28,9 @@ VORN_API extern Vorn::String const ldpStatusNsPrefix;
 /// How often the agent has started.
 class VORN_API LdpAgentStatus : public Vorn::Entity {
    VORN_ENTITY( LdpAgentStatus, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( NumStartups ); )
 
  public:
    explicit LdpAgentStatus( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpAgentStatus() override;
 
    VORN_NAME;
    VORN_MUTABLE( 0x102, U32, numStartups, NumStartups, replicated ) = 0;
@@ -44,12 +42,9 @@ VORN_FACTORY( LdpAgentStatus, ldpAgentStatusFactory )
 /// Counters of a VRF.
 class VORN_API Statistics : public Vorn::Entity {
    VORN_ENTITY( Statistics, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( MessageId ); VORN_ON( SessionStatisticsColl ); VORN_ON( FecCountUnfiltered );
-                  VORN_ON( FecCountFiltered ); )
 
  public:
    explicit Statistics( Vorn::Name const & name ) : name_( name ) {}
-   ~Statistics() override;
 
    VORN_NAME;
    /// Id of the last message sent.
@@ -68,37 +63,9 @@ VORN_FACTORY( Statistics, statisticsFactory )
 /// for it, and a reader expects null. The destructor takes them down in the order of the lines.
 class VORN_API Status : public Vorn::Entity {
    VORN_ENTITY( Status, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( NetNs ); VORN_ON( LdpLinkConfigColl ); VORN_ON( LdpLinkStatusColl );
-                  VORN_ON( LdpLinkUdpPamStatus ); VORN_ON( LdpTargetConfigColl );
-                  VORN_ON( LdpTargetStatusColl ); VORN_ON( LdpAdjConfigColl ); VORN_ON( LdpAdjStatusColl );
-                  VORN_ON( LdpPeerConfigColl ); VORN_ON( LdpPeerStatusColl ); VORN_ON( LdpSessionConfigColl );
-                  VORN_ON( LdpSessionStatusColl ); VORN_ON( LdpFecConfigColl ); VORN_ON( LdpFecStatusColl );
-                  VORN_ON( LdpFecSessionStatusColl ); VORN_ON( LdpTcpConnConfigColl );
-                  VORN_ON( LdpTcpConnStatusColl ); VORN_ON( LdpTcpServerConfig );
-                  VORN_ON( LdpTcpServerStatus ); VORN_ON( LdpTargetServerConfig );
-                  VORN_ON( LdpTargetServerStatus ); VORN_ON( LocalLabelBindingTable );
-                  VORN_ON( PeerLabelBindingTableColl ); VORN_ON( LocalAdvertisement );
-                  VORN_ON( LocalIntfIpColl ); VORN_ON( LdpLabelAllocRequestTable );
-                  VORN_ON( P2mpLabelAllocRequestTable ); VORN_ON( StaticBindingTable ); VORN_ON( Index );
-                  VORN_ON( PwTargetConfigColl ); VORN_ON( PwConfigColl ); VORN_ON( PwStatusColl );
-                  VORN_ON( LocalPwFecSessionConfigColl ); VORN_ON( RemotePwFecSessionConfigColl );
-                  VORN_ON( LocalPwFecSessionStatusColl ); VORN_ON( RemotePwFecSessionStatusColl );
-                  VORN_ON( P2mpOpaqueTable ); VORN_ON( P2mpFecStateColl );
-                  VORN_ON( P2mpFecSessionLocalStateColl ); VORN_ON( P2mpFecSessionRemoteStateColl );
-                  VORN_ON( P2mpLocalLabelAllocTable ); VORN_ON( P2mpLocalAdvertisement );
-                  VORN_ON( P2mpLocalLabelBindingTable ); VORN_ON( P2mpPeerLabelBindingTableColl );
-                  VORN_ON( MldpFecNexthopColl ); VORN_ON( LdpIdIntfIpMappingEntryTable );
-                  VORN_ON( P2mpFecRouterLabelInfoColl ); VORN_ON( P2mpRouterTransportIpAddrInfoColl );
-                  VORN_ON( P2mpIpAddrRouterIdInfoColl ); VORN_ON( P2mpIpNexthopInfoColl );
-                  VORN_ON( P2mpRouterNexthopInfoColl ); VORN_ON( P2mpIntfRouterNexthopInfoColl );
-                  VORN_ON( P2mpMplsIntfColl ); VORN_ON( P2mpRouterIpNexthopInfoColl );
-                  VORN_ON( P2mpRouterIntfIpAddrInfoColl ); VORN_ON( P2mpRouterFilteredNexthopColl );
-                  VORN_ON( P2mpFecRouterNexthopInfoColl ); VORN_ON( P2mpLabelForwardingInfoColl );
-                  VORN_ON( HrTargetConfigColl ); VORN_ON( Statistics ); VORN_ON( LocalGrStatus ); )
 
  public:
    explicit Status( L3::VrfName const & vrfName ) : vrfName_( vrfName ) {}
-   ~Status() override;
 
    VORN_KEY( 0x102, L3::VrfName, vrfName );
    /// The namespace that `netNs` begins with.
@@ -216,11 +183,9 @@ VORN_FACTORY( Status, statusFactory )
 /// deleting one leaves the other.
 class VORN_API LdpStatusColl : public Vorn::Entity {
    VORN_ENTITY( LdpStatusColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( L3::VrfName, GrStatus ); VORN_ON_KEYED( L3::VrfName, Status ); )
 
  public:
    explicit LdpStatusColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpStatusColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpGrStatus, L3::VrfName, grStatus, GrStatus, replicated );

@@ -12,11 +12,9 @@ namespace Ldp {
 /// The peers to which a FEC has been advertised.
 class VORN_API LdpIdentifierSet : public Vorn::Entity {
    VORN_ENTITY( LdpIdentifierSet, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpIdentifier, LdpIdentifier ); )
 
  public:
    explicit LdpIdentifierSet( Mpls::FwdEqvClass const & fwdEqvClass ) : fwdEqvClass_( fwdEqvClass ) {}
-   ~LdpIdentifierSet() override;
 
    VORN_KEY( 0x102, Mpls::FwdEqvClass, fwdEqvClass );
    VORN_SET( 0x103, LdpIdentifier, ldpIdentifier, LdpIdentifier, replicated );
@@ -28,11 +26,9 @@ VORN_FACTORY( LdpIdentifierSet, ldpIdentifierSetFactory )
 /// What has been advertised to whom.
 class VORN_API LabelAdvertisementColl : public Vorn::Entity {
    VORN_ENTITY( LabelAdvertisementColl, Vorn::Entity )
-   VORN_NOTIFIEE()
 
  public:
    explicit LabelAdvertisementColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LabelAdvertisementColl() override;
 
    VORN_NAME;
 
@@ -43,11 +39,9 @@ VORN_FACTORY( LabelAdvertisementColl, labelAdvertisementCollFactory )
 /// Addresses that somebody is interested in.
 class VORN_API LdpIpAddrColl : public Vorn::Entity {
    VORN_ENTITY( LdpIpAddrColl, Vorn::Entity )
-   VORN_NOTIFIEE()
 
  public:
    explicit LdpIpAddrColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpIpAddrColl() override;
 
    VORN_NAME;
 
@@ -58,14 +52,12 @@ VORN_FACTORY( LdpIpAddrColl, ldpIpAddrCollFactory )
 /// Which peer has which interface address, as it was before a restart.
 class VORN_API LdpIdIntfIpMappingTable : public Vorn::Entity {
    VORN_ENTITY( LdpIdIntfIpMappingTable, Vorn::Entity )
-   VORN_NOTIFIEE()
 
  public:
    /// The log knows it, and carries nothing of it at present.
    static constexpr bool vornOnLog = true;
 
    explicit LdpIdIntfIpMappingTable( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpIdIntfIpMappingTable() override;
 
    VORN_NAME;
 
@@ -76,14 +68,12 @@ VORN_FACTORY( LdpIdIntfIpMappingTable, ldpIdIntfIpMappingTableFactory )
 /// Which peer has which interface address.
 class VORN_API LdpIdIntfIpMappingEntryTable : public Vorn::Entity {
    VORN_ENTITY( LdpIdIntfIpMappingEntryTable, Vorn::Entity )
-   VORN_NOTIFIEE()
 
  public:
    /// The log knows it, and carries nothing of it at present.
    static constexpr bool vornOnLog = true;
 
    explicit LdpIdIntfIpMappingEntryTable( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpIdIntfIpMappingEntryTable() override;
 
    VORN_NAME;
 

@@ -16,11 +16,9 @@ VORN_ENUM( LdpTargetMembership, VORN_LDP_TARGET_MEMBERSHIPS )
 /// Timers of targeted hellos, in seconds.
 class VORN_API LdpTargetBaseConfig : public Vorn::Entity {
    VORN_ENTITY( LdpTargetBaseConfig, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Interval ); VORN_ON( HoldTime ); )
 
  public:
    explicit LdpTargetBaseConfig( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpTargetBaseConfig() override;
 
    VORN_NAME;
    /// Between two hellos.
@@ -35,11 +33,9 @@ VORN_FACTORY( LdpTargetBaseConfig, ldpTargetBaseConfigFactory )
 /// What is common to the hellos to all targets of a VRF.
 class VORN_API LdpTargetCommonConfig : public LdpTargetBaseConfig {
    VORN_ENTITY( LdpTargetCommonConfig, LdpTargetBaseConfig )
-   VORN_NOTIFIEE( VORN_ON( Ttl ); VORN_ON( IpTransportAddr ); VORN_ON( LdpId ); VORN_ON( ConfigSeqNum ); )
 
  public:
    explicit LdpTargetCommonConfig( Vorn::Name const & name ) : LdpTargetBaseConfig( name ) {}
-   ~LdpTargetCommonConfig() override;
 
    /// Time to live of the packets.
    VORN_MUTABLE( 0x182, Lumo::IpTtl, ttl, Ttl, local ) = Lumo::IpTtl( 1 );
@@ -49,6 +45,8 @@ class VORN_API LdpTargetCommonConfig : public LdpTargetBaseConfig {
    VORN_MUTABLE( 0x184, LdpIdentifier, ldpId, LdpId, local );
    /// What the Configuration Sequence Number TLV says (RFC 5036, 3.5.2).
    VORN_MUTABLE( 0x185, U32, configSeqNum, ConfigSeqNum, local ) = 0;
+
+   VORN_BASE_OBSERVERS;
 };
 VORN_FACTORY( LdpTargetCommonConfig, ldpTargetCommonConfigFactory )
 
@@ -56,12 +54,10 @@ VORN_FACTORY( LdpTargetCommonConfig, ldpTargetCommonConfigFactory )
 /// it. A target without a reason left is for the agent to delete.
 class VORN_API LdpTargetConfig : public LdpTargetBaseConfig {
    VORN_ENTITY( LdpTargetConfig, LdpTargetBaseConfig )
-   VORN_NOTIFIEE( VORN_ON( ConfigState ); VORN_ON_KEYED( LdpTargetMembership, TargetMembership ); )
 
  public:
    explicit LdpTargetConfig( Lumo::IpAddr const & targetIpAddr )
         : LdpTargetBaseConfig( Vorn::Name() ), targetIpAddr_( targetIpAddr ) {}
-   ~LdpTargetConfig() override;
 
    VORN_KEY( 0x182, Lumo::IpAddr, targetIpAddr );
    VORN_MUTABLE( 0x183, ConfigState, configState, ConfigState, local ) = configDisabled;
@@ -69,17 +65,17 @@ class VORN_API LdpTargetConfig : public LdpTargetBaseConfig {
    VORN_VALUE_COLL( 0x184, bool, LdpTargetMembership, targetMembership, TargetMembership, replicated );
 
    VORN_NEXT_LINK;
+
+   VORN_BASE_OBSERVERS;
 };
 VORN_FACTORY( LdpTargetConfig, ldpTargetConfigFactory )
 
 /// What is wanted of the targets of a VRF.
 class VORN_API LdpTargetConfigColl : public Vorn::Entity {
    VORN_ENTITY( LdpTargetConfigColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( LdpTargetCommonConfig ); VORN_ON_KEYED( Lumo::IpAddr, AdjTargetConfig ); )
 
  public:
    explicit LdpTargetConfigColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpTargetConfigColl() override;
 
    VORN_NAME;
    /// What they share; null until somebody makes it.
@@ -93,12 +89,9 @@ VORN_FACTORY( LdpTargetConfigColl, ldpTargetConfigCollFactory )
 /// Run-time state of discovery of one target. Its timers are 0 until they are configured.
 class VORN_API LdpTargetStatus : public Vorn::Entity {
    VORN_ENTITY( LdpTargetStatus, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( PktVersion ); VORN_ON( Running ); VORN_ON( Interval ); VORN_ON( HoldTime );
-                  VORN_ON( RxPktCount ); VORN_ON( TxPktCount ); VORN_ON( ErrPktCount ); )
 
  public:
    explicit LdpTargetStatus( Lumo::IpAddr const & targetIpAddr ) : targetIpAddr_( targetIpAddr ) {}
-   ~LdpTargetStatus() override;
 
    VORN_KEY( 0x102, Lumo::IpAddr, targetIpAddr );
    /// Version of the packet that is sent, raised whenever its contents change.
@@ -121,11 +114,9 @@ VORN_FACTORY( LdpTargetStatus, ldpTargetStatusFactory )
 /// Run-time state of the targets of a VRF.
 class VORN_API LdpTargetStatusColl : public Vorn::Entity {
    VORN_ENTITY( LdpTargetStatusColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Lumo::IpAddr, AdjTargetStatus ); )
 
  public:
    explicit LdpTargetStatusColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpTargetStatusColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpTargetStatus, Lumo::IpAddr, adjTargetStatus, AdjTargetStatus, replicated );

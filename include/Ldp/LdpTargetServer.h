@@ -11,11 +11,9 @@ namespace Ldp {
 /// What is wanted of the listener.
 class VORN_API LdpTargetServerConfig : public Vorn::Entity {
    VORN_ENTITY( LdpTargetServerConfig, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Enabled ); VORN_ON( ListenIpAddr ); VORN_ON( ListenPort ); VORN_ON( RxUdpPam ); )
 
  public:
    explicit LdpTargetServerConfig( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpTargetServerConfig() override;
 
    VORN_NAME;
    VORN_MUTABLE( 0x102, bool, enabled, Enabled, local ) = false;
@@ -32,11 +30,9 @@ VORN_FACTORY( LdpTargetServerConfig, ldpTargetServerConfigFactory )
 /// Run-time state of the listener.
 class VORN_API LdpTargetServerStatus : public Vorn::Entity {
    VORN_ENTITY( LdpTargetServerStatus, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Listening ); VORN_ON( Reason ); VORN_ON( RxPktCount ); VORN_ON( ErrPktCount ); )
 
  public:
    explicit LdpTargetServerStatus( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpTargetServerStatus() override;
 
    VORN_NAME;
    VORN_MUTABLE( 0x102, bool, listening, Listening, local ) = false;

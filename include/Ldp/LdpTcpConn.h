@@ -10,13 +10,11 @@ namespace Ldp {
 /// A connection to one peer.
 class VORN_API LdpTcpConnConfig : public Lumo::TcpClientConfig {
    VORN_ENTITY( LdpTcpConnConfig, Lumo::TcpClientConfig )
-   VORN_NOTIFIEE( VORN_ON( Enabled ); VORN_ON( RequestTime ); )
    VORN_CTOR_TYPES( Lumo::IpGenAddr, Lumo::Port, Lumo::IpGenAddr, LdpIdentifier )
 
  public:
    LdpTcpConnConfig( Lumo::IpGenAddr const & serverIpAddr, Lumo::Port serverPort,
                      Lumo::IpGenAddr const & clientIpAddr, LdpIdentifier const & ldpIdentifier );
-   ~LdpTcpConnConfig() override;
 
    VORN_KEY( 0x202, LdpIdentifier, ldpIdentifier );
    /// Whether the client is to act.
@@ -25,6 +23,8 @@ class VORN_API LdpTcpConnConfig : public Lumo::TcpClientConfig {
    VORN_MUTABLE( 0x204, double, requestTime, RequestTime, local ) = 0.0;
 
    VORN_NEXT_LINK;
+
+   VORN_BASE_OBSERVERS;
 };
 VORN_FACTORY( LdpTcpConnConfig, ldpTcpConnConfigFactory )
 
@@ -32,11 +32,9 @@ VORN_FACTORY( LdpTcpConnConfig, ldpTcpConnConfigFactory )
 /// server address is another, and else writes port and client address.
 class VORN_API LdpTcpConnConfigColl : public Vorn::Entity {
    VORN_ENTITY( LdpTcpConnConfigColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpIdentifier, ConnConfig ); )
 
  public:
    explicit LdpTcpConnConfigColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpTcpConnConfigColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpTcpConnConfig, LdpIdentifier, connConfig, ConnConfig, local );
@@ -48,13 +46,11 @@ VORN_FACTORY( LdpTcpConnConfigColl, ldpTcpConnConfigCollFactory )
 /// What became of a connection to one peer.
 class VORN_API LdpTcpConnStatus : public Lumo::TcpClientStatus {
    VORN_ENTITY( LdpTcpConnStatus, Lumo::TcpClientStatus )
-   VORN_NOTIFIEE( VORN_ON( RequestTime ); )
    VORN_CTOR_TYPES( LdpIdentifier, U32 )
 
  public:
    LdpTcpConnStatus( LdpIdentifier const & ldpIdentifier, U32 clientId )
         : ldpIdentifier_( ldpIdentifier ), clientId_( clientId ) {}
-   ~LdpTcpConnStatus() override;
 
    VORN_KEY( 0x182, LdpIdentifier, ldpIdentifier );
    /// Which client reports.
@@ -63,17 +59,17 @@ class VORN_API LdpTcpConnStatus : public Lumo::TcpClientStatus {
    VORN_MUTABLE( 0x184, double, requestTime, RequestTime, local ) = 0.0;
 
    VORN_NEXT_LINK;
+
+   VORN_BASE_OBSERVERS;
 };
 VORN_FACTORY( LdpTcpConnStatus, ldpTcpConnStatusFactory )
 
 /// What became of the connections of a VRF, by peer.
 class VORN_API LdpTcpConnStatusColl : public Vorn::Entity {
    VORN_ENTITY( LdpTcpConnStatusColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( LdpIdentifier, ConnStatus ); )
 
  public:
    explicit LdpTcpConnStatusColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpTcpConnStatusColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpTcpConnStatus, LdpIdentifier, connStatus, ConnStatus, local );

@@ -10,11 +10,9 @@ namespace Ldp {
 /// What is wanted of the listener.
 class VORN_API LdpTcpServerConfig : public Vorn::Entity {
    VORN_ENTITY( LdpTcpServerConfig, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( ListenIpAddr ); VORN_ON( ListenPort ); VORN_ON( RetryInterval ); )
 
  public:
    explicit LdpTcpServerConfig( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpTcpServerConfig() override;
 
    VORN_NAME;
    /// Where it listens: 0.0.0.0 for every address, and the port of the protocol.
@@ -30,11 +28,9 @@ VORN_FACTORY( LdpTcpServerConfig, ldpTcpServerConfigFactory )
 /// Run-time state of the listener.
 class VORN_API LdpTcpServerStatus : public Vorn::Entity {
    VORN_ENTITY( LdpTcpServerStatus, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Listening ); VORN_ON( Reason ); VORN_ON_KEYED( Lumo::IpAddr, ClientCount ); )
 
  public:
    explicit LdpTcpServerStatus( Vorn::Name const & name ) : name_( name ) {}
-   ~LdpTcpServerStatus() override;
 
    VORN_NAME;
    VORN_MUTABLE( 0x102, bool, listening, Listening, local ) = false;

@@ -18,14 +18,11 @@ VORN_ENUM( PwStatusMethod, VORN_PW_STATUS_METHODS )
 /// One request.
 class VORN_API PwConfig : public Vorn::Entity {
    VORN_ENTITY( PwConfig, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( GroupId ); VORN_ON( LocalLabel ); VORN_ON( PreferControlWord ); VORN_ON( Mtu );
-                  VORN_ON( Status ); )
    VORN_CTOR_TYPES( Pseudowire::PseudowireLdpRequestKey, Pseudowire::PseudowireType )
 
  public:
    PwConfig( Pseudowire::PseudowireLdpRequestKey const & pwKey, Pseudowire::PseudowireType pwType )
         : pwKey_( pwKey ), pwType_( pwType ) {}
-   ~PwConfig() override;
 
    VORN_KEY( 0x102, Pseudowire::PseudowireLdpRequestKey, pwKey );
    VORN_CTOR_ARG( 0x103, Pseudowire::PseudowireType, pwType );
@@ -47,11 +44,9 @@ VORN_FACTORY( PwConfig, pwConfigFactory )
 /// The requests of a VRF.
 class VORN_API PwConfigColl : public Vorn::Entity {
    VORN_ENTITY( PwConfigColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Pseudowire::PseudowireLdpRequestKey, Config ); )
 
  public:
    explicit PwConfigColl( Vorn::Name const & name ) : name_( name ) {}
-   ~PwConfigColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, PwConfig, Pseudowire::PseudowireLdpRequestKey, config, Config, local );
@@ -64,11 +59,9 @@ VORN_FACTORY( PwConfigColl, pwConfigCollFactory )
 /// negotiation says otherwise.
 class VORN_API PwStatus : public Vorn::Entity {
    VORN_ENTITY( PwStatus, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( PwStatusMethod ); VORN_ON( NegotiatedControlWord ); )
 
  public:
    explicit PwStatus( Pseudowire::PseudowireLdpRequestKey const & pwKey ) : pwKey_( pwKey ) {}
-   ~PwStatus() override;
 
    VORN_KEY( 0x102, Pseudowire::PseudowireLdpRequestKey, pwKey );
    VORN_MUTABLE( 0x103, PwStatusMethod, pwStatusMethod, PwStatusMethod, local ) = pwStatusMethodTlv;
@@ -82,11 +75,9 @@ VORN_FACTORY( PwStatus, pwStatusFactory )
 /// What came of the requests of a VRF.
 class VORN_API PwStatusColl : public Vorn::Entity {
    VORN_ENTITY( PwStatusColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Pseudowire::PseudowireLdpRequestKey, Status ); )
 
  public:
    explicit PwStatusColl( Vorn::Name const & name ) : name_( name ) {}
-   ~PwStatusColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, PwStatus, Pseudowire::PseudowireLdpRequestKey, status, Status, local );

@@ -53,14 +53,10 @@ VORN_ENUM( PwFecSessionStatusState, VORN_PW_FEC_SESSION_STATUS_STATES )
 /// it; a config without a member left is for the agent to delete.
 class VORN_API PwFecSessionConfig : public Vorn::Entity {
    VORN_ENTITY( PwFecSessionConfig, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( FecParams ); VORN_ON( Label ); VORN_ON( PwStatusMethod ); VORN_ON( PwStatusFlags );
-                  VORN_ON( LabelWithdrawStatusCode ); VORN_ON( PreferControlWord );
-                  VORN_ON_KEYED( PwFecSessionMember, Member ); )
    VORN_CTOR_TYPES( PwFecSessionId, PwFecSessionMember )
 
  public:
    PwFecSessionConfig( PwFecSessionId const & pwFecSessionId, PwFecSessionMember initMember );
-   ~PwFecSessionConfig() override;
 
    VORN_KEY( 0x102, PwFecSessionId, pwFecSessionId );
    VORN_CTOR_ARG( 0x103, PwFecSessionMember, initMember );
@@ -90,11 +86,9 @@ VORN_FACTORY( PwFecSessionConfig, pwFecSessionConfigFactory )
 /// What is to be signalled in a VRF, in one direction.
 class VORN_API PwFecSessionConfigColl : public Vorn::Entity {
    VORN_ENTITY( PwFecSessionConfigColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( PwFecSessionId, FecSessionConfig ); )
 
  public:
    explicit PwFecSessionConfigColl( Vorn::Name const & name ) : name_( name ) {}
-   ~PwFecSessionConfigColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, PwFecSessionConfig, PwFecSessionId, fecSessionConfig, FecSessionConfig, local );
@@ -106,16 +100,10 @@ VORN_FACTORY( PwFecSessionConfigColl, pwFecSessionConfigCollFactory )
 /// What this speaker has sent about one pseudowire on one session.
 class VORN_API LocalPwFecSessionStatus : public Vorn::Entity {
    VORN_ENTITY( LocalPwFecSessionStatus, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( LabelSessionState ); VORN_ON( MappingActive ); VORN_ON( FecSessionState );
-                  VORN_ON( LabelRequestMsgId ); VORN_ON( LabelRequestMsgIdAcked );
-                  VORN_ON( LabelReleaseMsgId ); VORN_ON( LabelReleaseLabel ); VORN_ON( LabelMappingSent );
-                  VORN_ON( LabelWithdrawOutstanding ); VORN_ON_KEYED( LdpMsgType, LdpMsgRx );
-                  VORN_ON_KEYED( LdpMsgType, LdpMsgTx ); )
 
  public:
    explicit LocalPwFecSessionStatus( PwFecSessionId const & pwFecSessionId )
         : pwFecSessionId_( pwFecSessionId ) {}
-   ~LocalPwFecSessionStatus() override;
 
    VORN_KEY( 0x102, PwFecSessionId, pwFecSessionId );
    VORN_MUTABLE( 0x103, LdpLocalLabelSessionState, labelSessionState, LabelSessionState, local );
@@ -144,11 +132,9 @@ VORN_FACTORY( LocalPwFecSessionStatus, localPwFecSessionStatusFactory )
 /// What this speaker has sent in a VRF.
 class VORN_API LocalPwFecSessionStatusColl : public Vorn::Entity {
    VORN_ENTITY( LocalPwFecSessionStatusColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( PwFecSessionId, FecSessionStatus ); )
 
  public:
    explicit LocalPwFecSessionStatusColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LocalPwFecSessionStatusColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LocalPwFecSessionStatus, PwFecSessionId, fecSessionStatus, FecSessionStatus,
@@ -162,15 +148,9 @@ VORN_FACTORY( LocalPwFecSessionStatusColl, localPwFecSessionStatusCollFactory )
 /// spoken.
 class VORN_API RemotePwFecSessionStatus : public Vorn::Entity {
    VORN_ENTITY( RemotePwFecSessionStatus, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( FecSessionState ); VORN_ON( LabelWithdrawMsgId ); VORN_ON( LabelWithdrawLabel );
-                  VORN_ON( LabelReleaseMsgId ); VORN_ON( LabelSessionState ); VORN_ON( MplsLabelSet );
-                  VORN_ON( MplsReleaseLabelSet ); VORN_ON( PeerPwStatusMethod ); VORN_ON( PwStatusFlags );
-                  VORN_ON( LastMsgTypeWithdraw ); VORN_ON_KEYED( LdpMsgType, LdpMsgRx );
-                  VORN_ON_KEYED( LdpMsgType, LdpMsgTx ); )
 
  public:
    explicit RemotePwFecSessionStatus( PwFecSessionId const & pwFecSessionId );
-   ~RemotePwFecSessionStatus() override;
 
    VORN_KEY( 0x102, PwFecSessionId, pwFecSessionId );
    VORN_MUTABLE( 0x103, PwFecSessionStatusState, fecSessionState, FecSessionState,
@@ -202,11 +182,9 @@ VORN_FACTORY( RemotePwFecSessionStatus, remotePwFecSessionStatusFactory )
 /// What the peers have sent in a VRF.
 class VORN_API RemotePwFecSessionStatusColl : public Vorn::Entity {
    VORN_ENTITY( RemotePwFecSessionStatusColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( PwFecSessionId, FecSessionStatus ); )
 
  public:
    explicit RemotePwFecSessionStatusColl( Vorn::Name const & name ) : name_( name ) {}
-   ~RemotePwFecSessionStatusColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, RemotePwFecSessionStatus, PwFecSessionId, fecSessionStatus, FecSessionStatus,
@@ -219,12 +197,9 @@ VORN_FACTORY( RemotePwFecSessionStatusColl, remotePwFecSessionStatusCollFactory 
 /// The message pipes of pseudowires, one for each direction. It refers to pipes that their readers own.
 class VORN_API PwFecSessionMsgPipeColl : public Vorn::Entity {
    VORN_ENTITY( PwFecSessionMsgPipeColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( PwFecSessionId, LocalFecSessionMsgPipe );
-                  VORN_ON_KEYED( PwFecSessionId, RemoteFecSessionMsgPipe ); )
 
  public:
    explicit PwFecSessionMsgPipeColl( Vorn::Name const & name ) : name_( name ) {}
-   ~PwFecSessionMsgPipeColl() override;
 
    VORN_NAME;
    VORN_REFERENCE_COLL( 0x102, LdpMsgPipe, PwFecSessionId, localFecSessionMsgPipe, LocalFecSessionMsgPipe,

@@ -34,14 +34,9 @@ VORN_ENUM( TcpClientStatus_ConnectionStatus, VORN_LUMO_TCP_CONNECTION_STATUSES )
 /// Settings of a TCP socket.
 class VORN_API TcpConfigBase : public Vorn::Entity {
    VORN_ENTITY( TcpConfigBase, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( NetworkNamespace ); VORN_ON( RetryInterval ); VORN_ON( Timeout );
-                  VORN_ON( Options ); VORN_ON( TxTtl ); VORN_ON( TxDs ); VORN_ON( RxMinTtl );
-                  VORN_ON_KEYED( IpGenAddrWithMask, Md5Auth ); VORN_ON( SockMaxSegSize );
-                  VORN_ON( EdgeTriggeredFileDescriptor ); )
 
  public:
    TcpConfigBase() = default;
-   ~TcpConfigBase() override;
 
    VORN_MUTABLE( 0x102, NamespaceName, networkNamespace, NetworkNamespace, local );
    /// Seconds before a failed connection is tried again.
@@ -66,13 +61,10 @@ class VORN_API TcpConfigBase : public Vorn::Entity {
 /// A connection that a client is to open.
 class VORN_API TcpClientConfig : public TcpConfigBase {
    VORN_ENTITY( TcpClientConfig, TcpConfigBase )
-   VORN_NOTIFIEE( VORN_ON( ServerPort ); VORN_ON( ClientIpAddr ); VORN_ON( IfIndex );
-                  VORN_ON( ExponentialBackoffRetries ); VORN_ON( KernelTcpTimeout ); )
 
  public:
    TcpClientConfig( IpGenAddr const & serverIpAddr, Port serverPort )
         : serverIpAddr_( serverIpAddr ), serverPort_( serverPort ) {}
-   ~TcpClientConfig() override;
 
    VORN_CTOR_ARG( 0x182, IpGenAddr, serverIpAddr );
    VORN_MUTABLE_CTOR_ARG( 0x183, Port, serverPort, ServerPort, local );
@@ -85,18 +77,16 @@ class VORN_API TcpClientConfig : public TcpConfigBase {
    /// TCP user timeout in seconds; 0 for the kernel's own.
    VORN_CONSTANT( 0x187, U32, kernelTcpTimeoutDefault, 0 );
    VORN_MUTABLE( 0x188, U32, kernelTcpTimeout, KernelTcpTimeout, local ) = kernelTcpTimeoutDefault();
+
+   VORN_BASE_OBSERVERS;
 };
 
 /// What became of it.
 class VORN_API TcpClientStatus : public Vorn::Entity {
    VORN_ENTITY( TcpClientStatus, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Reason ); VORN_ON( ConnectionAttemptCount ); VORN_ON( ConnectionErrorCount );
-                  VORN_ON( ConnectionSuccessCount ); VORN_ON( ConnectionStatus ); VORN_ON( RetryTimerNext );
-                  VORN_ON( RetryTimerInterval ); VORN_ON( ConnSocket ); )
 
  public:
    TcpClientStatus() = default;
-   ~TcpClientStatus() override;
 
    /// Why there is no connection, for a person.
    VORN_MUTABLE( 0x102, Vorn::String, reason, Reason, local );

@@ -11,11 +11,9 @@ namespace Mpls {
 /// One index: its opaque value, and the FECs that use it.
 class VORN_API MldpOpaqueIndex : public Vorn::Entity {
    VORN_ENTITY( MldpOpaqueIndex, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( OValStr ); VORN_ON_KEYED( FwdEqvClass, Membership ); )
 
  public:
    explicit MldpOpaqueIndex( U32 const & index ) : index_( index ) {}
-   ~MldpOpaqueIndex() override;
 
    VORN_KEY( 0x102, U32, index );
    VORN_MUTABLE( 0x103, Vorn::String, oValStr, OValStr, replicated );
@@ -29,11 +27,9 @@ VORN_FACTORY( MldpOpaqueIndex, mldpOpaqueIndexFactory )
 /// The indices.
 class VORN_API MldpOpaqueIndexColl : public Vorn::Entity {
    VORN_ENTITY( MldpOpaqueIndexColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( U32, OpaqueIndex ); )
 
  public:
    explicit MldpOpaqueIndexColl( Vorn::Name const & name ) : name_( name ) {}
-   ~MldpOpaqueIndexColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, MldpOpaqueIndex, U32, opaqueIndex, OpaqueIndex, replicated );
@@ -45,11 +41,9 @@ VORN_FACTORY( MldpOpaqueIndexColl, mldpOpaqueIndexCollFactory )
 /// One opaque value: any octets, and its index.
 class VORN_API MldpOpaqueVal : public Vorn::Entity {
    VORN_ENTITY( MldpOpaqueVal, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( OValIndex ); )
 
  public:
    explicit MldpOpaqueVal( Vorn::String const & oValStr ) : oValStr_( oValStr ) {}
-   ~MldpOpaqueVal() override;
 
    VORN_KEY( 0x102, Vorn::String, oValStr );
    VORN_MUTABLE( 0x103, U32, oValIndex, OValIndex, replicated ) = 0;
@@ -62,11 +56,9 @@ VORN_FACTORY( MldpOpaqueVal, mldpOpaqueValFactory )
 /// The opaque values.
 class VORN_API MldpOpaqueValColl : public Vorn::Entity {
    VORN_ENTITY( MldpOpaqueValColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Vorn::String, OpaqueVal ); )
 
  public:
    explicit MldpOpaqueValColl( Vorn::Name const & name ) : name_( name ) {}
-   ~MldpOpaqueValColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, MldpOpaqueVal, Vorn::String, opaqueVal, OpaqueVal, replicated );
@@ -78,11 +70,9 @@ VORN_FACTORY( MldpOpaqueValColl, mldpOpaqueValCollFactory )
 /// Both. The constructor makes the two collections, under the empty name.
 class VORN_API MldpOpaqueValueTable : public Vorn::Entity {
    VORN_ENTITY( MldpOpaqueValueTable, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( OpaqueIndexColl ); VORN_ON( OpaqueValColl ); )
 
  public:
    explicit MldpOpaqueValueTable( Vorn::Name const & name );
-   ~MldpOpaqueValueTable() override;
 
    VORN_NAME;
    VORN_CHILD( 0x102, MldpOpaqueIndexColl, opaqueIndexColl, OpaqueIndexColl, replicated );

@@ -13,11 +13,9 @@ namespace Mpls {
 /// The labels that one router has bound to FECs.
 class VORN_API LabelBindingTable : public Vorn::Entity {
    VORN_ENTITY( LabelBindingTable, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( FwdEqvClass, LabelBinding ); )
 
  public:
    explicit LabelBindingTable( RouterId const & routerId ) : routerId_( routerId ) {}
-   ~LabelBindingTable() override;
 
    VORN_KEY( 0x102, RouterId, routerId );
    VORN_VALUE_COLL( 0x103, Lumo::MplsLabel, FwdEqvClass, labelBinding, LabelBinding, replicated );
@@ -30,11 +28,9 @@ VORN_FACTORY( LabelBindingTable, labelBindingTableFactory )
 /// The labels of several routers.
 class VORN_API LabelBindingTableColl : public Vorn::Entity {
    VORN_ENTITY( LabelBindingTableColl, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( RouterId, LabelBindingTable ); )
 
  public:
    explicit LabelBindingTableColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LabelBindingTableColl() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LabelBindingTable, RouterId, labelBindingTable, LabelBindingTable, replicated );
@@ -46,11 +42,9 @@ VORN_FACTORY( LabelBindingTableColl, labelBindingTableCollFactory )
 /// What the multicast tree knows. The model only makes and holds these.
 class VORN_API FecRouterLabelInfoColl : public Vorn::Entity {
    VORN_ENTITY( FecRouterLabelInfoColl, Vorn::Entity )
-   VORN_NOTIFIEE()
 
  public:
    explicit FecRouterLabelInfoColl( Vorn::Name const & name ) : name_( name ) {}
-   ~FecRouterLabelInfoColl() override;
 
    VORN_NAME;
 
@@ -59,11 +53,9 @@ class VORN_API FecRouterLabelInfoColl : public Vorn::Entity {
 VORN_FACTORY( FecRouterLabelInfoColl, fecRouterLabelInfoCollFactory )
 class VORN_API FecRouterNexthopInfoColl : public Vorn::Entity {
    VORN_ENTITY( FecRouterNexthopInfoColl, Vorn::Entity )
-   VORN_NOTIFIEE()
 
  public:
    explicit FecRouterNexthopInfoColl( Vorn::Name const & name ) : name_( name ) {}
-   ~FecRouterNexthopInfoColl() override;
 
    VORN_NAME;
 
@@ -72,11 +64,9 @@ class VORN_API FecRouterNexthopInfoColl : public Vorn::Entity {
 VORN_FACTORY( FecRouterNexthopInfoColl, fecRouterNexthopInfoCollFactory )
 class VORN_API IntfRouterNexthopInfoColl : public Vorn::Entity {
    VORN_ENTITY( IntfRouterNexthopInfoColl, Vorn::Entity )
-   VORN_NOTIFIEE()
 
  public:
    explicit IntfRouterNexthopInfoColl( Vorn::Name const & name ) : name_( name ) {}
-   ~IntfRouterNexthopInfoColl() override;
 
    VORN_NAME;
 
@@ -85,11 +75,9 @@ class VORN_API IntfRouterNexthopInfoColl : public Vorn::Entity {
 VORN_FACTORY( IntfRouterNexthopInfoColl, intfRouterNexthopInfoCollFactory )
 class VORN_API IpAddrRouterIdInfoColl : public Vorn::Entity {
    VORN_ENTITY( IpAddrRouterIdInfoColl, Vorn::Entity )
-   VORN_NOTIFIEE()
 
  public:
    explicit IpAddrRouterIdInfoColl( Vorn::Name const & name ) : name_( name ) {}
-   ~IpAddrRouterIdInfoColl() override;
 
    VORN_NAME;
 
@@ -98,11 +86,9 @@ class VORN_API IpAddrRouterIdInfoColl : public Vorn::Entity {
 VORN_FACTORY( IpAddrRouterIdInfoColl, ipAddrRouterIdInfoCollFactory )
 class VORN_API IpNexthopInfoColl : public Vorn::Entity {
    VORN_ENTITY( IpNexthopInfoColl, Vorn::Entity )
-   VORN_NOTIFIEE()
 
  public:
    explicit IpNexthopInfoColl( Vorn::Name const & name ) : name_( name ) {}
-   ~IpNexthopInfoColl() override;
 
    VORN_NAME;
 
@@ -111,11 +97,9 @@ class VORN_API IpNexthopInfoColl : public Vorn::Entity {
 VORN_FACTORY( IpNexthopInfoColl, ipNexthopInfoCollFactory )
 class VORN_API LabelForwardingInfoColl : public Vorn::Entity {
    VORN_ENTITY( LabelForwardingInfoColl, Vorn::Entity )
-   VORN_NOTIFIEE()
 
  public:
    explicit LabelForwardingInfoColl( Vorn::Name const & name ) : name_( name ) {}
-   ~LabelForwardingInfoColl() override;
 
    VORN_NAME;
 
@@ -124,11 +108,9 @@ class VORN_API LabelForwardingInfoColl : public Vorn::Entity {
 VORN_FACTORY( LabelForwardingInfoColl, labelForwardingInfoCollFactory )
 class VORN_API MplsIntfColl : public Vorn::Entity {
    VORN_ENTITY( MplsIntfColl, Vorn::Entity )
-   VORN_NOTIFIEE()
 
  public:
    explicit MplsIntfColl( Vorn::Name const & name ) : name_( name ) {}
-   ~MplsIntfColl() override;
 
    VORN_NAME;
 
@@ -137,11 +119,9 @@ class VORN_API MplsIntfColl : public Vorn::Entity {
 VORN_FACTORY( MplsIntfColl, mplsIntfCollFactory )
 class VORN_API RouterIpAddrInfoColl : public Vorn::Entity {
    VORN_ENTITY( RouterIpAddrInfoColl, Vorn::Entity )
-   VORN_NOTIFIEE()
 
  public:
    explicit RouterIpAddrInfoColl( Vorn::Name const & name ) : name_( name ) {}
-   ~RouterIpAddrInfoColl() override;
 
    VORN_NAME;
 
@@ -150,11 +130,9 @@ class VORN_API RouterIpAddrInfoColl : public Vorn::Entity {
 VORN_FACTORY( RouterIpAddrInfoColl, routerIpAddrInfoCollFactory )
 class VORN_API RouterIpNexthopInfoColl : public Vorn::Entity {
    VORN_ENTITY( RouterIpNexthopInfoColl, Vorn::Entity )
-   VORN_NOTIFIEE()
 
  public:
    explicit RouterIpNexthopInfoColl( Vorn::Name const & name ) : name_( name ) {}
-   ~RouterIpNexthopInfoColl() override;
 
    VORN_NAME;
 
@@ -163,11 +141,9 @@ class VORN_API RouterIpNexthopInfoColl : public Vorn::Entity {
 VORN_FACTORY( RouterIpNexthopInfoColl, routerIpNexthopInfoCollFactory )
 class VORN_API RouterNexthopInfoColl : public Vorn::Entity {
    VORN_ENTITY( RouterNexthopInfoColl, Vorn::Entity )
-   VORN_NOTIFIEE()
 
  public:
    explicit RouterNexthopInfoColl( Vorn::Name const & name ) : name_( name ) {}
-   ~RouterNexthopInfoColl() override;
 
    VORN_NAME;
 

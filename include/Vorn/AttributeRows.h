@@ -3,85 +3,71 @@
 /// headers read as any class's; `VORN_REFLECTED` or `VORN_REFLECTED_OBJECT` stands first in the class, and
 /// a source file lists which of its accessors are attributes, in their order:
 ///
-///     VORN_VIEW_RECORD( Ldp, LdpPduHdr, field( versionNbo, version_ ), field( lengthNbo, length_ ),
-///                       field( ldpIdentifier, ldpIdentifier_ ), constant( pduHdrSizeExclude ),
-///                       read( version ), read( length ), read( totalLength ), read( stringValue ) )
+///     constexpr Vorn::VornAttr LdpPduHdr::vornRows[] = {
+///        field< &Self::version_ >( "versionNbo" ), read< &Self::version >( "version" ), ...
+///     };
+///     VORN_VIEW_RECORD( Ldp, LdpPduHdr )
 ///
 /// Type and key of an attribute follow from the accessor, its id from its place. The rows of a base come
-/// first, so its record stands in the same file, further up. A row is one of
+/// first, so its record stands in the same file, further up. A source file takes the rows by
+/// `using namespace Vorn::Rows;`:
 ///
-///     ctor( x )            constructor argument, read by `x()`
-///     read( x )            computed by `x()`
-///     keyed( x )           computed by `x( key )`
-///     indexed( x, num )    computed by `x( index )` for each index below `num()`; can be walked
-///     state( x )           state in the field `x_`; field( x, y ) in the field `y`
-///     part( x )            field of a value, read by `x()` and written by `xIs( v )`
-///     write( x )           computed by `x()`, and written by `xIs( v )`
-///     view( x )            view over the packet, or null, by `x()`; viewBy( x, y ) by `y()`
-///     values( x )          collection in the field `x_`, changed by `xIs( key, v )` and `xDel( key )`
-///     references( x )      the same of counted objects
-///     views( x )           the same of views, which reflection can drop and cannot put in
-///     child( x )           owned object: `x()`, `xIs( ... )`, `xDel()`
-///     constant( x )        static member
-///     function( x )        called with arguments
-///     where( y, row )      a row whose operations apply while `y()` holds
-///     writtenWhere( y, row ) the same, except that it can always be read
+///     ctor< x >              constructor argument, read by the function `x`
+///     read< x >              computed by `x()`
+///     keyed< x >             computed by `x( key )`
+///     indexed< x, num >      computed by `x( index )` for each index below `num()`; can be walked
+///     field< x_ >            state in the field `x_`
+///     part< x, xIs >         field of a value, read by `x()` and written by `xIs( v )`
+///     write< x, xIs >        computed by `x()`, and written by `xIs( v )`
+///     view< x >              view over the packet, or null, by `x()`
+///     values< x_, xIs, xDel > collection in the field `x_`, changed by `xIs( key, v )` and `xDel( key )`;
+///                            of views, which reflection can drop and cannot put in, too
+///     objects< x_, xIs, xDel > the same of counted objects
+///     child< x, xIs, xDel >  owned object: `x()`, `xIs( ... )`, `xDel()`
+///     constant< x >          static member
+///     function< x >          called with arguments
+///     where< y >( row )      a row whose operations apply while `y()` holds
+///     writtenWhere< y >( row ) the same, except that it can always be read
+///     none                   stands alone in a class without attributes
 #pragma once
 
-#include "Vorn/ReflectOps.h"
+#include "Vorn/Impl/EntityRecord.h"
 
 namespace Vorn {
 
-/// The rows of a class, as an array.
-template< class... Rows >
-constexpr std::array< VornAttr, sizeof...( Rows ) > rowsOf( Rows const &... rows ) {
-   return { rows... };
-}
-
-/// What an accessor gives, and the type of its argument.
-template< class Get >
-struct AccessorOf;
-template< class Result, class Class, class Key, bool never >
-struct AccessorOf< Result ( Class::* )( Key ) const noexcept( never ) > {
-   using Type = std::remove_cvref_t< Result >;
-   using KeyType = std::remove_cvref_t< Key >;
-};
-template< class Result, class Class, bool never >
-struct AccessorOf< Result ( Class::* )() const noexcept( never ) > {
+/// What a member is: the class that has it, the type that it gives, and the types of its arguments.
+template< class Member >
+struct MemberOf;
+template< class Result, class Class_, bool never >
+struct MemberOf< Result ( Class_::* )() const noexcept( never ) > {
+   using Class = Class_;
    using Type = std::remove_cvref_t< Result >;
 };
-template< auto get >
-using TypeOf = typename AccessorOf< decltype( get ) >::Type;
-template< auto get >
-using KeyOf = typename AccessorOf< decltype( get ) >::KeyType;
-
-template< class Self, auto get >
-constexpr VornAttr readRow( char const * name, VornKind kind = VornKind::derived ) {
-   return attrRecord< Self, TypeOf< get > >( name, kind, 0, local, &readOps< Self, get > );
-}
-
-template< class Self, auto field >
-constexpr VornAttr fieldRow( char const * name ) {
-   using T = std::remove_cvref_t< decltype( std::declval< Self & >().*field ) >;
-   return attrRecord< Self, T >( name, VornKind::state, 0, local, &fieldOps< Self, T, field, true > );
-}
-
-/// `isField` tells the fields that make up a value from views of them.
-template< class Self, auto get, auto set >
-constexpr VornAttr writeRow( char const * name, bool isField ) {
-   auto attr = attrRecord< Self, TypeOf< get > >( name, VornKind::state, 0, local,
-                                                  &scalarOps< Self, TypeOf< get >, get, set > );
-   if ( !isField ) attr.flags |= viewAccess;
-   return attr;
-}
-
-/// A view is not written through reflection, which could not tell what it lies over.
-template< class Self, auto get >
-constexpr VornAttr viewRow( char const * name ) {
-   auto attr = readRow< Self, get >( name, VornKind::state );
-   attr.flags &= ~writeAccess;
-   return attr;
-}
+template< class Result, class Class_, class Key_, bool never >
+struct MemberOf< Result ( Class_::* )( Key_ ) const noexcept( never ) > {
+   using Class = Class_;
+   using Type = std::remove_cvref_t< Result >;
+   using Key = std::remove_cvref_t< Key_ >;
+};
+/// A mutator of a collection.
+template< class Result, class Class_, class Key_, class Value, bool never >
+struct MemberOf< Result ( Class_::* )( Key_, Value ) noexcept( never ) > {
+   using Class = Class_;
+   using Type = std::remove_cvref_t< Value >;
+   using Key = std::remove_cvref_t< Key_ >;
+};
+template< class T, class Class_ >
+requires std::is_object_v< T >
+struct MemberOf< T Class_::* > {
+   using Class = Class_;
+   using Type = T;
+};
+template< auto member >
+using ClassOf = typename MemberOf< decltype( member ) >::Class;
+template< auto member >
+using TypeOf = typename MemberOf< decltype( member ) >::Type;
+template< auto member >
+using KeyOf = typename MemberOf< decltype( member ) >::Key;
 
 template< class T, auto const * constant >
 inline constexpr VornAttrOps constantAtOps{
@@ -93,20 +79,13 @@ inline constexpr VornAttrOps constantAtOps{
    nullptr,
 };
 
-template< class Self, auto const * constant >
-constexpr VornAttr constantRow( char const * name ) {
-   using Written = std::remove_cvref_t< decltype( *constant ) >;
-   using T = std::conditional_t< std::is_pointer_v< Written >, String, Written >;
-   return attrRecord< Self, T >( name, VornKind::constant, 0, local, &constantAtOps< T, constant > );
-}
-
 /// Computed for a key; the caller knows which keys there are.
-template< class Self, auto get >
+template< auto get >
 inline constexpr VornAttrOps keyedOps{
    []( void * result, void * object, VornAttr const &, U32 op, void const * key,
        void const * const * ) -> U32 {
       if ( op != GenericIf::read ) return GenericIf::notApplicable;
-      resultIs( result, TypeOf< get >( ( selfOf< Self >( object )->*get )(
+      resultIs( result, TypeOf< get >( ( selfOf< ClassOf< get > >( object )->*get )(
                              *static_cast< KeyOf< get > const * >( key ) ) ) );
       return GenericIf::done;
    },
@@ -114,9 +93,10 @@ inline constexpr VornAttrOps keyedOps{
 };
 
 /// Walks the indices below a number.
-template< class Self, auto get, auto num >
+template< auto get, auto num >
 class IndexWalk {
  public:
+   using Self = ClassOf< get >;
    using Index = KeyOf< get >;
 
    IndexWalk( Self & self, Index from ) : self_( &self ), at_( from ) {}
@@ -131,54 +111,40 @@ class IndexWalk {
    Index at_;
 };
 
-template< class Self, auto get, auto num >
+template< auto get, auto num >
 inline constexpr VornAttrOps indexedOps{
    []( void * result, void * object, VornAttr const & attr, U32 op, void const * key,
        void const * const * args ) -> U32 {
-      Self & self = *selfOf< Self >( object );
+      auto & self = *selfOf< ClassOf< get > >( object );
       auto const found = [&] { return *static_cast< KeyOf< get > const * >( key ) < ( self.*num )(); };
       switch ( op ) {
       case GenericIf::read:
          if ( !found() ) return GenericIf::notApplicable;
-         return keyedOps< Self, get >.op( result, object, attr, op, key, args );
+         return keyedOps< get >.op( result, object, attr, op, key, args );
       case GenericIf::members: *static_cast< U32 * >( result ) = ( self.*num )(); return GenericIf::done;
       case GenericIf::has: *static_cast< bool * >( result ) = found(); return GenericIf::done;
       default: return GenericIf::notApplicable;
       }
    },
    []( void * object, void const * key, GenericIf::IteratorVTable const ** vtable ) -> void * {
-      using It = IndexWalk< Self, get, num >;
+      using It = IndexWalk< get, num >;
       using Index = typename It::Index;
       *vtable = &iteratorVTable< It, []( It & it, void * out ) { resultIs( out, it.value() ); },
                                  []( It & it, void * out ) { *static_cast< Index * >( out ) = it.key(); },
                                  []( It & ) { return false; } >;
-      return new It( *selfOf< Self >( object ), key ? *static_cast< Index const * >( key ) : Index( 0 ) );
+      return new It( *selfOf< ClassOf< get > >( object ),
+                     key ? *static_cast< Index const * >( key ) : Index( 0 ) );
    },
 };
 
-template< class Self, auto get >
-constexpr VornAttr keyedRow( char const * name, VornAttrOps const * ops ) {
-   return keyedRecord< Self, typename Pointee< TypeOf< get > >::Type, KeyOf< get > >(
-        name, VornKind::derived, 0, local, nullptr, nullptr, ops );
-}
-
-/// What a collection's mutator takes: its key and its value.
-template< class Set >
-struct MutatorOf;
-template< class Result, class Class, class Key, class Value, bool never >
-struct MutatorOf< Result ( Class::* )( Key, Value ) noexcept( never ) > {
-   using KeyType = std::remove_cvref_t< Key >;
-   using Type = std::remove_cvref_t< Value >;
-};
-
 /// A collection that tells nobody, changed by the class's own mutators. Views are only dropped.
-template< class Self, auto field, auto set, auto del >
+template< auto field, auto set, auto del >
 inline constexpr VornAttrOps heldOps{
    []( void * result, void * object, VornAttr const &, U32 op, void const * k,
        void const * const * args ) -> U32 {
-      using Key = typename MutatorOf< decltype( set ) >::KeyType;
-      using T = typename MutatorOf< decltype( set ) >::Type;
-      Self & self = *selfOf< Self >( object );
+      using Key = KeyOf< set >;
+      using T = TypeOf< set >;
+      auto & self = *selfOf< ClassOf< set > >( object );
       auto const & map = self.*field;
       if ( containerOp( map, result, op ) ) return GenericIf::done;
       Key const & key = *static_cast< Key const * >( k );
@@ -200,9 +166,9 @@ inline constexpr VornAttrOps heldOps{
       return GenericIf::done;
    },
    []( void * object, void const * key, GenericIf::IteratorVTable const ** vtable ) {
-      using Key = typename MutatorOf< decltype( set ) >::KeyType;
-      using T = typename MutatorOf< decltype( set ) >::Type;
-      auto const & map = selfOf< Self >( object )->*field;
+      using Key = KeyOf< set >;
+      using T = TypeOf< set >;
+      auto const & map = selfOf< ClassOf< set > >( object )->*field;
       using It = typename std::remove_cvref_t< decltype( map ) >::IteratorConst;
       *vtable = &iteratorVTable< It, []( It & it, void * out ) { resultIs( out, T( it->value() ) ); },
                                  []( It & it, void * out ) { *static_cast< Key * >( out ) = it->key(); },
@@ -211,52 +177,133 @@ inline constexpr VornAttrOps heldOps{
    },
 };
 
-template< class Self, auto field, auto set, auto del >
-constexpr VornAttr heldRow( char const * name, VornKind kind ) {
-   using Mutator = MutatorOf< decltype( set ) >;
-   return keyedRecord< Self, typename Pointee< typename Mutator::Type >::Type, typename Mutator::KeyType >(
-        name, kind, 0, local, nullptr, nullptr, &heldOps< Self, field, set, del > );
-}
-
 /// An owned object, which is no entity.
-template< class Self, auto get, auto set, auto del >
+template< auto get, auto set, auto del >
 inline constexpr VornAttrOps ownedOps{
    []( void * result, void * object, VornAttr const & attr, U32 op, void const * key,
        void const * const * args ) -> U32 {
       switch ( op ) {
-      case GenericIf::read: return readOps< Self, get >.op( result, object, attr, op, key, args );
-      case GenericIf::write: return FunctionOps< Self, set >::op( result, object, attr, op, key, args );
+      case GenericIf::read: return readOps< ClassOf< get >, get >.op( result, object, attr, op, key, args );
+      case GenericIf::write:
+         return FunctionOps< ClassOf< get >, set >::op( result, object, attr, op, key, args );
       case GenericIf::del:
-         return FunctionOps< Self, del >::op( result, object, attr, GenericIf::write, key, args );
+         return FunctionOps< ClassOf< get >, del >::op( result, object, attr, GenericIf::write, key, args );
       default: return GenericIf::notApplicable;
       }
    },
    nullptr,
 };
 
-template< class Self, auto get, auto set, auto del >
-constexpr VornAttr childRow( char const * name ) {
-   return attrRecord< Self, TypeOf< get > >( name, VornKind::child, 0, local,
-                                             &ownedOps< Self, get, set, del > );
-}
-
 /// Operations that apply while `test` holds of the object.
-template< class Self, auto test, bool alwaysRead, VornAttrOps const * ops >
+template< auto test, bool alwaysRead, VornAttrOps const * ops >
 inline constexpr VornAttrOps whereOps{
    []( void * result, void * object, VornAttr const & attr, U32 op, void const * key,
        void const * const * args ) -> U32 {
       bool const free = alwaysRead && op == GenericIf::read;
-      if ( !free && !( selfOf< Self >( object )->*test )() ) return GenericIf::notApplicable;
+      if ( !free && !( selfOf< ClassOf< test > >( object )->*test )() ) return GenericIf::notApplicable;
       return ops->op( result, object, attr, op, key, args );
    },
    ops->iterator,
 };
 
-template< class Self, auto test, bool alwaysRead, VornAttrOps const * ops >
-constexpr VornAttr whereRow( VornAttr row ) {
-   row.ops = &whereOps< Self, test, alwaysRead, ops >;
-   return row;
+namespace Rows {
+
+/// A row whose operations are known to the compiler.
+template< VornAttrOps const * operations >
+struct Row : VornAttr {};
+template< VornAttrOps const * operations >
+constexpr Row< operations > row( VornAttr attr ) {
+   attr.ops = operations;
+   return { attr };
 }
+/// An attribute's record but for its owner, id and operations.
+template< class T >
+constexpr VornAttr attrOf( char const * name, VornKind kind, VornType const * key = nullptr ) {
+   return { name,    nullptr, recordOf< typename Pointee< T >::Type >(), key,
+            nullptr, nullptr, attrFlags( kind, 0, local, key ),          nullptr };
+}
+template< auto member >
+constexpr VornAttr keyedAttrOf( char const * name, VornKind kind ) {
+   return attrOf< TypeOf< member > >( name, kind, recordOf< KeyOf< member > >() );
+}
+
+inline constexpr VornAttr none{};
+
+template< auto get >
+constexpr auto read( char const * name ) {
+   return row< &readOps< ClassOf< get >, get > >( attrOf< TypeOf< get > >( name, VornKind::derived ) );
+}
+template< auto get >
+constexpr auto ctor( char const * name ) {
+   return row< &readOps< ClassOf< get >, get > >( attrOf< TypeOf< get > >( name, VornKind::constructor ) );
+}
+template< auto get >
+constexpr auto keyed( char const * name ) {
+   return row< &keyedOps< get > >( keyedAttrOf< get >( name, VornKind::derived ) );
+}
+template< auto get, auto num >
+constexpr auto indexed( char const * name ) {
+   return row< &indexedOps< get, num > >( keyedAttrOf< get >( name, VornKind::derived ) );
+}
+template< auto member >
+constexpr auto field( char const * name ) {
+   return row< &fieldOps< ClassOf< member >, TypeOf< member >, member, true > >(
+        attrOf< TypeOf< member > >( name, VornKind::state ) );
+}
+template< auto get, auto set >
+constexpr auto part( char const * name ) {
+   return row< &scalarOps< ClassOf< get >, TypeOf< get >, get, set > >(
+        attrOf< TypeOf< get > >( name, VornKind::state ) );
+}
+template< auto get, auto set >
+constexpr auto write( char const * name ) {
+   auto attr = part< get, set >( name );
+   attr.flags |= viewAccess;
+   return attr;
+}
+/// A view is not written through reflection, which could not tell what it lies over.
+template< auto get >
+constexpr auto view( char const * name ) {
+   auto attr = row< &readOps< ClassOf< get >, get > >( attrOf< TypeOf< get > >( name, VornKind::state ) );
+   attr.flags &= ~writeAccess;
+   return attr;
+}
+template< auto held, auto set, auto del >
+constexpr auto values( char const * name ) {
+   return row< &heldOps< held, set, del > >( keyedAttrOf< set >( name, VornKind::localValueColl ) );
+}
+template< auto held, auto set, auto del >
+constexpr auto objects( char const * name ) {
+   return row< &heldOps< held, set, del > >( keyedAttrOf< set >( name, VornKind::referenceColl ) );
+}
+template< auto get, auto set, auto del >
+constexpr auto child( char const * name ) {
+   return row< &ownedOps< get, set, del > >( attrOf< TypeOf< get > >( name, VornKind::child ) );
+}
+template< auto const * value >
+constexpr auto constant( char const * name ) {
+   using Written = std::remove_cvref_t< decltype( *value ) >;
+   using T = std::conditional_t< std::is_pointer_v< Written >, String, Written >;
+   return row< &constantAtOps< T, value > >( attrOf< T >( name, VornKind::constant ) );
+}
+template< auto called >
+constexpr auto function( char const * name ) {
+   using Called = FunctionOps< typename FunctionClass< decltype( called ) >::Type, called >;
+   using Result = std::remove_cvref_t< typename Called::ResultType >;
+   VornAttr attr = attrOf< void >( name, VornKind::function );
+   attr.type = recordOf< Result >();
+   return row< &Called::ops >( attr );
+}
+template< auto test, VornAttrOps const * ops >
+constexpr auto where( Row< ops > const & attr ) {
+   return row< &whereOps< test, false, ops > >( attr );
+}
+template< auto test, VornAttrOps const * ops >
+constexpr auto writtenWhere( Row< ops > const & attr ) {
+   return row< &whereOps< test, true, ops > >( attr );
+}
+
+} // namespace Rows
 
 /// What all records of classes that are written by hand have.
 template< class T >
@@ -309,62 +356,22 @@ constexpr VornType reflectedView( char const * name ) {
 
 } // namespace Vorn
 
-/// The rows, separated by commas, each behind the name of its macro.
-#define VORN_ROWS_( ... ) __VA_OPT__( VORN_SCAN_( VORN_ROW_( __VA_ARGS__ ) ) )
-#define VORN_ROW_( row, ... ) VORN_ROW_##row __VA_OPT__(, VORN_ROW_AGAIN_ VORN_PARENS_( __VA_ARGS__ ) )
-// The preprocessor does not expand a macro within itself, so the rest of the list waits for the next of these
-// scans: more than anyone has rows.
-#define VORN_ROW_AGAIN_() VORN_ROW_
-#define VORN_PARENS_ ()
-#define VORN_SCAN_( ... ) VORN_SCAN3_( VORN_SCAN3_( VORN_SCAN3_( VORN_SCAN3_( __VA_ARGS__ ) ) ) )
-#define VORN_SCAN3_( ... ) VORN_SCAN2_( VORN_SCAN2_( VORN_SCAN2_( VORN_SCAN2_( __VA_ARGS__ ) ) ) )
-#define VORN_SCAN2_( ... ) VORN_SCAN1_( VORN_SCAN1_( VORN_SCAN1_( VORN_SCAN1_( __VA_ARGS__ ) ) ) )
-#define VORN_SCAN1_( ... ) __VA_ARGS__
-
-#define VORN_ROW_ctor( x ) ::Vorn::readRow< VornSelf, &VornSelf::x >( #x, ::Vorn::VornKind::constructor )
-#define VORN_ROW_read( x ) ::Vorn::readRow< VornSelf, &VornSelf::x >( #x )
-#define VORN_ROW_keyed( x )                                                                                  \
-   ::Vorn::keyedRow< VornSelf, &VornSelf::x >( #x, &::Vorn::keyedOps< VornSelf, &VornSelf::x > )
-#define VORN_ROW_indexed( x, num )                                                                           \
-   ::Vorn::keyedRow< VornSelf, &VornSelf::x >(                                                               \
-        #x, &::Vorn::indexedOps< VornSelf, &VornSelf::x, &VornSelf::num > )
-#define VORN_ROW_field( x, y ) ::Vorn::fieldRow< VornSelf, &VornSelf::y >( #x )
-#define VORN_ROW_state( x ) VORN_ROW_field( x, x##_ )
-#define VORN_ROW_part( x ) ::Vorn::writeRow< VornSelf, &VornSelf::x, &VornSelf::x##Is >( #x, true )
-#define VORN_ROW_write( x ) ::Vorn::writeRow< VornSelf, &VornSelf::x, &VornSelf::x##Is >( #x, false )
-#define VORN_ROW_view( x ) VORN_ROW_viewBy( x, x )
-#define VORN_ROW_viewBy( x, y ) ::Vorn::viewRow< VornSelf, &VornSelf::y >( #x )
-#define VORN_ROW_held_( x, kind )                                                                            \
-   ::Vorn::heldRow< VornSelf, &VornSelf::x##_, &VornSelf::x##Is, &VornSelf::x##Del >(                        \
-        #x, ::Vorn::VornKind::kind )
-#define VORN_ROW_values( x ) VORN_ROW_held_( x, localValueColl )
-#define VORN_ROW_views( x ) VORN_ROW_held_( x, localValueColl )
-#define VORN_ROW_references( x ) VORN_ROW_held_( x, referenceColl )
-#define VORN_ROW_child( x )                                                                                  \
-   ::Vorn::childRow< VornSelf, &VornSelf::x, &VornSelf::x##Is, &VornSelf::x##Del >( #x )
-#define VORN_ROW_constant( x ) ::Vorn::constantRow< VornSelf, &VornSelf::x >( #x )
-#define VORN_ROW_function( x ) ::Vorn::functionRecord< VornSelf, &VornSelf::x >( #x, 0 )
-#define VORN_ROW_where( y, row ) VORN_ROW_where_( y, false, VORN_ROW_##row )
-#define VORN_ROW_writtenWhere( y, row ) VORN_ROW_where_( y, true, VORN_ROW_##row )
-#define VORN_ROW_where_( y, alwaysRead, row )                                                                \
-   ::Vorn::whereRow< VornSelf, &VornSelf::y, alwaysRead, row.ops >( row )
-
-/// Defines the record of a counted class, and its memory tracker. Stands in a source file, in the class's
-/// namespace; `factory` is the address of the factory or nullptr.
-#define VORN_REFLECTED_OBJECT_RECORD( Namespace, Type, factory, ... )                                        \
-   constexpr auto Type::vornRows() { return ::Vorn::rowsOf( VORN_ROWS_( __VA_ARGS__ ) ); }                   \
+/// Defines the record of a counted class, and its memory tracker, and registers the type. Stands behind the
+/// rows, in the class's namespace; `factory` is the address of the factory or nullptr.
+#define VORN_REFLECTED_OBJECT_RECORD( Namespace, Type, factory )                                             \
    constinit ::Vorn::VornType const Type::_vornType =                                                        \
         ::Vorn::reflectedObject< Type, factory >( #Namespace "::" #Type );                                   \
-   ::Vorn::AllocTrackTypeInfo Type::vornAllocTrackTypeInfo_{ &Type::_vornType };
+   ::Vorn::AllocTrackTypeInfo Type::vornAllocTrackTypeInfo_{ &Type::_vornType };                             \
+   VORN_REGISTER_( &Type::_vornType )
 
-/// Defines the record of a view.
-#define VORN_VIEW_RECORD( Namespace, Type, ... )                                                             \
-   constexpr auto Type::vornRows() { return ::Vorn::rowsOf( VORN_ROWS_( __VA_ARGS__ ) ); }                   \
-   constinit ::Vorn::VornType const Type::_vornType = ::Vorn::reflectedView< Type >( #Namespace ":"          \
-                                                                                                ":" #Type );
+/// Defines the record of a view, and registers the type.
+#define VORN_VIEW_RECORD( Namespace, Type )                                                                  \
+   constinit ::Vorn::VornType const Type::_vornType =                                                        \
+        ::Vorn::reflectedView< Type >( #Namespace "::" #Type );                                              \
+   VORN_REGISTER_( &Type::_vornType )
 
-/// Defines the record of a value.
-#define VORN_REFLECTED_VALUE_RECORD( Namespace, Type, ... )                                                  \
-   constexpr auto Type::vornRows() { return ::Vorn::rowsOf( VORN_ROWS_( __VA_ARGS__ ) ); }                   \
+/// Defines the record of a value, and registers the type.
+#define VORN_REFLECTED_VALUE_RECORD( Namespace, Type )                                                       \
    constinit ::Vorn::VornType const Type::_vornType = ::Vorn::rowsRecord< Type >(                            \
-        ::Vorn::valueRecord< Type >( #Namespace "::" #Type, nullptr, 0, nullptr ) );
+        ::Vorn::valueRecord< Type >( #Namespace "::" #Type, nullptr, 0, nullptr ) );                         \
+   VORN_REGISTER_( &Type::_vornType )

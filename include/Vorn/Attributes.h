@@ -5,11 +5,9 @@
 ///     /// Run-time state of one hello adjacency.
 ///     class VORN_API LdpAdjStatus : public Vorn::Entity {
 ///        VORN_ENTITY( LdpAdjStatus, Vorn::Entity )
-///        VORN_NOTIFIEE( VORN_ON( AdjStatusCode ); VORN_ON( MsgId ); )
 ///
 ///      public:
 ///        explicit LdpAdjStatus( LdpAdjId const & ldpAdjId ) : ldpAdjId_( ldpAdjId ) {}
-///        ~LdpAdjStatus() override;
 ///
 ///        VORN_KEY( 0x102, LdpAdjId, ldpAdjId );
 ///        /// Last status of the adjacency.
@@ -22,17 +20,33 @@
 ///     };
 ///     VORN_FACTORY( LdpAdjStatus, ldpAdjStatusFactory )
 ///
-/// and in the source file `VORN_RECORD( Ldp, LdpAdjStatus )`, `LdpAdjStatus::~LdpAdjStatus() = default;`, so
-/// that the class has a home, and the type in the file's `VORN_MODULE`.
+/// and in the source file `VORN_RECORD( Ldp, LdpAdjStatus )`.
 ///
-/// A line ends in the field's declaration, so the default stands behind it. Each line declares one overload
-/// of `vornAttr( AttrId< id > )`, whose result is the attribute's record; the type's table is the overloads
-/// of consecutive ids. `Name` in a line is the attribute's name with a capital, for the callback `onName`.
+/// A line ends in the field's declaration, so the default stands behind it; without one it is `Type{}`. Each
+/// line declares one overload of `vornAttr( AttrId< id > )`, whose result is the attribute's record; the
+/// type's table is the overloads of consecutive ids. `Name` in a line is the attribute's name with a capital,
+/// for the callback `onName` of the type's `NotifieeConst`: each line adds its own, in a class over that of
+/// the line before.
 ///
 /// A mutator compares, stores, and tells the observers if there are any; that is all that it does.
 #pragma once
 
-#include "Vorn/ReflectOps.h"
+#include "Vorn/Impl/EntityRecord.h"
+
+namespace Vorn {
+
+/// How far the lines of a type have come. What stands for more of them converts to what stands for less.
+template< int rank >
+struct LineRank : LineRank< rank - 1 > {};
+template<>
+struct LineRank< 0 > {};
+/// The rank of an attribute's line, or of one `offset` further.
+template< U32 id, U32 first, int offset >
+using LineOf = LineRank< ( isAttrIdOf( id, first ) ? int( id - first ) : 0 ) + 1 + offset >;
+/// Behind all lines.
+using LastLine = LineRank< 0x82 >;
+
+} // namespace Vorn
 
 /// Opens an entity type. `Base` is `Vorn::Entity` or an entity type.
 #define VORN_ENTITY( Type, Base )                                                                            \
@@ -40,6 +54,7 @@
    using Self = Type;                                                                                        \
                                                                                                              \
  public:                                                                                                     \
+   ~Type() override;                                                                                         \
    using VornBase = Base;                                                                                    \
    static constexpr U32 vornFirstId = Base::vornChildFirstId;                                                \
    static constexpr U32 vornChildFirstId = vornFirstId + 0x80;                                               \
@@ -53,32 +68,36 @@
    bool vornHasAttrLogInterface() const override { return _vornType.newEntityForAttrLog; }                   \
                                                                                                              \
  private:                                                                                                    \
-   static constexpr auto replicated = ::Vorn::replicated;                                                    \
-   static constexpr auto local = ::Vorn::local;
+   /* Behind the lines so far stands the class with their callbacks. */                                      \
+   static ::std::type_identity< Base::NotifieeConst > vornTells( ::Vorn::LineRank< 0 > );
 
-/// The observer classes of an entity type, with a callback for each mutable attribute in the order of the
-/// lines.
-#define VORN_NOTIFIEE( ... )                                                                                 \
+/// What a line's last word stands for.
+#define VORN_REPLICATION_( word ) ::Vorn::replicationOf( #word )
+
+/// Stands in the lines that end in a field and add no callback.
+#define VORN_BEFORE_OBSERVERS_                                                                               \
+   static_assert( !::std::is_void_v< decltype( vornTells( ::Vorn::LastLine{} ) ) >,                          \
+                  "attribute lines stand before VORN_OBSERVERS" );
+/// The callbacks that a line adds.
+#define VORN_CALLBACKS_( id, X, word, ... )                                                                  \
  public:                                                                                                     \
-   /** Observer of the type. Each callback does nothing by default. */                                       \
-   class VORN_API NotifieeConst : public VornBase::NotifieeConst {                                           \
+   static_assert( ::Vorn::isReplicationWord( #word ),                                                        \
+                  "the last word of an attribute line is replicated or local" );                             \
+   static_assert( ::std::is_same_v< decltype( vornTells( ::Vorn::LineOf< id, vornFirstId, -1 >{} ) ),        \
+                                    decltype( vornTells( ::Vorn::LastLine{} ) ) >,                           \
+                  "attribute lines stand in the order of their ids, before VORN_OBSERVERS" );                \
+   class On##X##_ : public decltype( vornTells( ::Vorn::LineOf< id, vornFirstId, -1 >{} ) )::type {          \
     public:                                                                                                  \
-      NotifieeConst() { notifierTypeIs( &Self::_vornType ); }                                                \
       __VA_ARGS__                                                                                            \
    };                                                                                                        \
-   /** Observer that also writes to what it watches. */                                                      \
-   class VORN_API Notifiee : public NotifieeConst {};                                                        \
-                                                                                                             \
- private:
-
+   static ::std::type_identity< On##X##_ > vornTells( ::Vorn::LineOf< id, vornFirstId, 0 > );
 /// The callback of a scalar or a single child.
-#define VORN_ON( X )                                                                                         \
-   virtual void on##X() {}
+#define VORN_ON_( id, X, word ) VORN_CALLBACKS_( id, X, word, virtual void on##X(){} )
 /// The callbacks of a keyed attribute, of which mutators call the one with the key.
-#define VORN_ON_KEYED( Key, X )                                                                              \
-   virtual void on##X( ::Vorn::Arg< Key > ) {}                                                               \
-   virtual void on##X##vornImmediate() {}                                                                    \
-   virtual void on##X() {}
+#define VORN_ON_KEYED_( id, Key, X, word )                                                                   \
+   VORN_CALLBACKS_(                                                                                          \
+        id, X, word, virtual void on##X( ::Vorn::Arg< Key > ) {} virtual void on##X##vornImmediate() {       \
+        } virtual void on##X(){} )
 
 /// The name that a named entity is constructed with. Its constructor passes it on: `explicit T( Vorn::Name
 /// name )`.
@@ -92,26 +111,28 @@
    ::Vorn::Name name_
 
 /// Constructor argument, immutable.
-#define VORN_CTOR_ARG( id, Type, x ) VORN_CTOR_ARG_( id, Type, x, 0 )
+#define VORN_CTOR_ARG( id, Type, x )                                                                         \
+   VORN_CHECK_TYPE_( Type ) VORN_CTOR_ARG_( id, ::Vorn::AttrType< Type >, x, 0 )
 #define VORN_CTOR_ARG_( id, Type, x, flags_ )                                                                \
+   VORN_BEFORE_OBSERVERS_                                                                                    \
  public:                                                                                                     \
    ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
    VORN_ATTR_( id ) {                                                                                        \
-      auto attr = ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::constructor, id, ::Vorn::local,    \
-                                                    &::Vorn::readOps< Self, &Self::x > );                    \
+      auto attr = ::Vorn::attrRecord< VORN_SELF_, Type >(                                                    \
+           #x, ::Vorn::VornKind::constructor, id, ::Vorn::local, &::Vorn::readOps< VORN_SELF_, &Self::x > ); \
       attr.flags |= flags_;                                                                                  \
       return attr;                                                                                           \
    }                                                                                                         \
                                                                                                              \
  private:                                                                                                    \
-   Type x##_
+   Type x##_ = ::Vorn::Default< Type > {}
 
 /// Constructor argument that is the key of the entity in its collection. It need not be the first.
 #define VORN_KEY( id, Type, x )                                                                              \
  public:                                                                                                     \
    static constexpr bool vornNamed = false; /* even where the base goes by name */                           \
    ::Vorn::Arg< Type > vornKey() const noexcept { return x##_; }                                             \
-   VORN_CTOR_ARG_( id, Type, x, ::Vorn::keyAccess )
+   VORN_CTOR_ARG_( id, ::Vorn::AttrKey< Type >, x, ::Vorn::keyAccess )
 
 /// The types of all constructor arguments in their order, for a type that takes more than its key or name.
 #define VORN_CTOR_TYPES( ... )                                                                               \
@@ -123,28 +144,32 @@
 /// What the mutable lines share. `flags` is or'ed to the record's.
 #define VORN_SCALAR_( id, Type, x, X, kind, replication, flags_ )                                            \
    VORN_SCALAR_OPS_( id, Type, x, X, kind, replication, flags_,                                              \
-                     VORN_ARG_( ::Vorn::scalarOps< Self, Type, &Self::x, &Self::x##Is > ) )
+                     VORN_ARG_( ::Vorn::scalarOps< VORN_SELF_, Type, &Self::x, &Self::x##Is > ) )
 #define VORN_SCALAR_OPS_( id, Type, x, X, kind, replication, flags_, ops_ )                                  \
- public:                                                                                                     \
+   VORN_ON_( id, X, replication )                                                                            \
    ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
    void x##Is( ::Vorn::Arg< Type > value ) {                                                                 \
-      ::Vorn::scalarIs( *this, x##_, value, ::Vorn::changeOf< Self, id, &NotifieeConst::on##X > );           \
+      ::Vorn::scalarIs( *this, x##_, value, ::Vorn::changeOf< Self, id, &On##X##_::on##X > );                \
    }                                                                                                         \
    VORN_ATTR_( id ) {                                                                                        \
-      auto attr = ::Vorn::attrRecord< Self, Type >( #x, kind, id, replication, &ops_ );                      \
+      auto attr =                                                                                            \
+           ::Vorn::attrRecord< VORN_SELF_, Type >( #x, kind, id, VORN_REPLICATION_( replication ), &ops_ );  \
       attr.flags |= flags_;                                                                                  \
       return attr;                                                                                           \
    }                                                                                                         \
                                                                                                              \
  private:                                                                                                    \
-   Type x##_
+   Type x##_ = ::Vorn::Default< Type > {}
 
 /// Scalar with a mutator.
 #define VORN_MUTABLE( id, Type, x, X, replication )                                                          \
-   VORN_SCALAR_( id, Type, x, X, ::Vorn::VornKind::mutableAttr, replication, 0 )
+   VORN_CHECK_TYPE_( Type )                                                                                  \
+   VORN_SCALAR_( id, ::Vorn::AttrType< Type >, x, X, ::Vorn::VornKind::mutableAttr, replication, 0 )
 /// Constructor argument that can be changed afterwards.
 #define VORN_MUTABLE_CTOR_ARG( id, Type, x, X, replication )                                                 \
-   VORN_SCALAR_( id, Type, x, X, ::Vorn::VornKind::mutableAttr, replication, ::Vorn::ctorArgAccess )
+   VORN_CHECK_TYPE_( Type )                                                                                  \
+   VORN_SCALAR_( id, ::Vorn::AttrType< Type >, x, X, ::Vorn::VornKind::mutableAttr, replication,             \
+                 ::Vorn::ctorArgAccess )
 /// Reference to a counted object that somebody else owns; compared by identity.
 #define VORN_REFERENCE( id, Type, x, X, replication )                                                        \
    VORN_SCALAR_( id, ::Vorn::Ptr< Type >, x, X, ::Vorn::VornKind::reference, replication, 0 )
@@ -152,7 +177,7 @@
 /// Scalar with a mutator, and reference, whose place at times holds the context of a notification, of which
 /// the attribute log knows nothing: `bool inContext( U32 id ) const` of the class says when.
 #define VORN_CONTEXT_OPS_( Type, x )                                                                         \
-   VORN_ARG_( ::Vorn::contextOps< Self, Type, &Self::x, &Self::x##Is, &Self::inContext > )
+   VORN_ARG_( ::Vorn::contextOps< VORN_SELF_, Type, &Self::x, &Self::x##Is, &Self::inContext > )
 #define VORN_CONTEXT( id, Type, x, X )                                                                       \
    VORN_SCALAR_OPS_( id, Type, x, X, ::Vorn::VornKind::mutableAttr, replicated, 0,                           \
                      VORN_CONTEXT_OPS_( Type, x ) )
@@ -178,24 +203,30 @@
 
 /// State outside notification: stored as it is, told to nobody. Local scalars are of this kind.
 #define VORN_STATE( id, Type, x )                                                                            \
+   VORN_CHECK_TYPE_( Type ) VORN_STATE_CHECKED_( id, ::Vorn::AttrType< Type >, x )
+#define VORN_STATE_CHECKED_( id, Type, x )                                                                   \
    VORN_STATE_( id, Type, x )                                                                                \
-   Type x##_
+   Type x##_ = ::Vorn::Default< Type > {}
 /// State that const functions change too.
 #define VORN_SLOT( id, Type, x )                                                                             \
+   VORN_CHECK_TYPE_( Type ) VORN_SLOT_CHECKED_( id, ::Vorn::AttrType< Type >, x )
+#define VORN_SLOT_CHECKED_( id, Type, x )                                                                    \
    VORN_STATE_( id, Type, x )                                                                                \
-   mutable Type x##_
+   mutable Type x##_ = ::Vorn::Default< Type > {}
 /// A local scalar that counts: `xInc( n )` adds with wrap at the attribute's width and returns the new value.
 #define VORN_LOCAL_COUNTER( id, Type, x )                                                                    \
  public:                                                                                                     \
    Type x##Inc( Type n ) noexcept { return x##_ = Type( x##_ + n ); }                                        \
    VORN_STATE( id, Type, x )
 #define VORN_STATE_( id, Type, x )                                                                           \
+   VORN_BEFORE_OBSERVERS_                                                                                    \
  public:                                                                                                     \
    ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
    void x##Is( ::Vorn::Arg< Type > value ) { x##_ = value; }                                                 \
    VORN_ATTR_( id ) {                                                                                        \
-      return ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::state, id, ::Vorn::local,               \
-                                               &::Vorn::scalarOps< Self, Type, &Self::x, &Self::x##Is > );   \
+      return ::Vorn::attrRecord< VORN_SELF_, Type >(                                                         \
+           #x, ::Vorn::VornKind::state, id, ::Vorn::local,                                                   \
+           &::Vorn::scalarOps< VORN_SELF_, Type, &Self::x, &Self::x##Is > );                                 \
    }                                                                                                         \
                                                                                                              \
  private:
@@ -221,14 +252,14 @@
  public:                                                                                                     \
    void x##Is( ::Vorn::Arg< Type > value );                                                                  \
    VORN_ATTR_( id ) {                                                                                        \
-      return ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::state, id, ::Vorn::local,               \
-                                               &::Vorn::writeOps< Self, Type, &Self::x##Is > );              \
+      return ::Vorn::attrRecord< VORN_SELF_, Type >( #x, ::Vorn::VornKind::state, id, ::Vorn::local,         \
+                                                     &::Vorn::writeOps< VORN_SELF_, Type, &Self::x##Is > );  \
    }                                                                                                         \
    static_assert( true )
 #define VORN_REFLECT_( id, Type, x, kind )                                                                   \
    VORN_ATTR_( id ) {                                                                                        \
-      return ::Vorn::attrRecord< Self, Type >( #x, kind, id, ::Vorn::local,                                  \
-                                               &::Vorn::readOps< Self, &Self::x > );                         \
+      return ::Vorn::attrRecord< VORN_SELF_, Type >( #x, kind, id, ::Vorn::local,                            \
+                                                     &::Vorn::readOps< VORN_SELF_, &Self::x > );             \
    }                                                                                                         \
    static_assert( true )
 
@@ -237,37 +268,37 @@
  public:                                                                                                     \
    static constexpr ::Vorn::ConstantOf< Type, decltype( value ) > x() noexcept { return value; }             \
    VORN_ATTR_( id ) {                                                                                        \
-      return ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::constant, id, ::Vorn::local,            \
-                                               &::Vorn::constantOps< Type, &Self::x > );                     \
+      return ::Vorn::attrRecord< VORN_SELF_, Type >( #x, ::Vorn::VornKind::constant, id, ::Vorn::local,      \
+                                                     &::Vorn::constantOps< Type, &Self::x > );               \
    }                                                                                                         \
    static_assert( true )
 
 /// Reflects a member function with logic of its own, which the class declares beside the line.
 #define VORN_FUNCTION( id, x )                                                                               \
  public:                                                                                                     \
-   VORN_ATTR_( id ) { return ::Vorn::functionRecord< Self, &Self::x >( #x, id ); }                           \
+   VORN_ATTR_( id ) { return ::Vorn::functionRecord< VORN_SELF_, &Self::x >( #x, id ); }                     \
    static_assert( true )
 
 /// Owned single child. `xIs( args... )` gives the present child if it was made from the same arguments, and
 /// else makes one in its place; `xDel()` takes it out and returns it.
 #define VORN_CHILD( id, Type, x, X, replication )                                                            \
- public:                                                                                                     \
+   VORN_ON_( id, X, replication )                                                                            \
    ::Vorn::Ptr< Type > x() const noexcept { return x##_.get(); }                                             \
    template< class... Args >                                                                                 \
    ::Vorn::MadeFrom< Type, Args... > x##Is( Args const &... args ) {                                         \
-      return ::Vorn::childIs( ::Vorn::Owner( *this ), x##_,                                                  \
-                              ::Vorn::changeOf< Self, id, &NotifieeConst::on##X >, args... );                \
+      return ::Vorn::childIs( ::Vorn::Owner( *this ), x##_, ::Vorn::changeOf< Self, id, &On##X##_::on##X >,  \
+                              args... );                                                                     \
    }                                                                                                         \
    ::Vorn::Ptr< Type > x##Del() {                                                                            \
       return ::Vorn::childDel( ::Vorn::Owner( *this ), x##_,                                                 \
-                               ::Vorn::changeOf< Self, id, &NotifieeConst::on##X > );                        \
+                               ::Vorn::changeOf< Self, id, &On##X##_::on##X > );                             \
    }                                                                                                         \
    VORN_ATTR_( id ) {                                                                                        \
-      auto attr = ::Vorn::attrRecord< Self, Type >(                                                          \
-           #x, ::Vorn::VornKind::child, id, replication,                                                     \
-           &::Vorn::childOps< Self, Type, &Self::x##_,                                                       \
-                              &::Vorn::changeOf< Self, id, &NotifieeConst::on##X > > );                      \
-      attr.memberCtorArgs = ::Vorn::memberCtorArgs< Type >();                                                \
+      auto attr = ::Vorn::attrRecord< VORN_SELF_, Type >(                                                    \
+           #x, ::Vorn::VornKind::child, id, VORN_REPLICATION_( replication ),                                \
+           &::Vorn::childOps< VORN_SELF_, Type, &Self::x##_,                                                 \
+                              &::Vorn::changeOf< Self, id, &On##X##_::on##X > > );                           \
+      attr.memberCtorArgs = ::Vorn::memberCtorArgs< Type, VornWhenUsed >();                                  \
       return attr;                                                                                           \
    }                                                                                                         \
                                                                                                              \
@@ -275,17 +306,18 @@
    ::Vorn::Child< Type > x##_
 
 /// What the collections share. `Map` is the container's type.
-#define VORN_COLL_( id, Key, x, X, Map )                                                                     \
+#define VORN_COLL_( id, Key, x, X, word, Map )                                                               \
+   VORN_ON_KEYED_( id, Key, X, word )                                                                        \
    VORN_MEMBERS_( x, VORN_ARG_( Map ) )                                                                      \
    void x##Notify( ::Vorn::Arg< Key > key ) const { notify( x##Change_(), &key ); }                          \
    /* Public for the templates behind the line alone. */                                                     \
    static constexpr ::Vorn::NotifieeChange const & x##Change_() {                                            \
-      return ::Vorn::keyedChangeOf< Self, id, Key,                                                           \
-                                    static_cast< void ( NotifieeConst::* )( ::Vorn::Arg< Key > ) >(          \
-                                         &NotifieeConst::on##X ) >;                                          \
+      return ::Vorn::keyedChangeOf<                                                                          \
+           Self, id, Key, static_cast< void ( On##X##_::* )( ::Vorn::Arg< Key > ) >( &On##X##_::on##X ) >;   \
    }
 /// The same for the local kinds, which tell nobody.
 #define VORN_LOCAL_COLL_( x, Map )                                                                           \
+   VORN_BEFORE_OBSERVERS_                                                                                    \
    VORN_MEMBERS_( x, VORN_ARG_( Map ) )                                                                      \
    static constexpr ::Vorn::Silence x##Change_() { return {}; }
 #define VORN_MEMBERS_( x, Map )                                                                              \
@@ -297,10 +329,14 @@
 /// Owned keyed collection of entities. `xIs` takes what the members' constructor takes, in its order: the
 /// key, and further arguments in front of it or behind. It gives the member, which it makes if there is none.
 #define VORN_ENTITY_COLL( id, Type, Key, x, X, replication )                                                 \
-   VORN_COLL_( id, Key, x, X, VORN_ARG_( ::Vorn::HashMap< Self, Type, Key > ) )                              \
+   VORN_CHECK_KEY_( Key ) VORN_ENTITY_COLL_CHECKED_( id, Type, ::Vorn::AttrKey< Key >, x, X, replication )
+#define VORN_ENTITY_COLL_CHECKED_( id, Type, Key, x, X, replication )                                        \
+   VORN_COLL_( id, Key, x, X, replication, VORN_ARG_( ::Vorn::HashMap< Self, Type, Key > ) )                 \
    VORN_ENTITY_COLL_( id, Type, Key, x, ::Vorn::VornKind::entityColl, replication )
 /// The same, told to nobody.
 #define VORN_LOCAL_ENTITY_COLL( id, Type, Key, x )                                                           \
+   VORN_CHECK_KEY_( Key ) VORN_LOCAL_ENTITY_COLL_CHECKED_( id, Type, ::Vorn::AttrKey< Key >, x )
+#define VORN_LOCAL_ENTITY_COLL_CHECKED_( id, Type, Key, x )                                                  \
    VORN_LOCAL_COLL_( x, VORN_ARG_( ::Vorn::HashMap< Self, Type, Key > ) )                                    \
    VORN_ENTITY_COLL_( id, Type, Key, x, ::Vorn::VornKind::localEntityColl, local )
 #define VORN_ENTITY_COLL_( id, Type, Key, x, kind, replication )                                             \
@@ -314,9 +350,10 @@
    }                                                                                                         \
    void x##DelAll() { ::Vorn::membersDel( ::Vorn::Owner( *this ), x##_, x##Change_() ); }                    \
    VORN_ATTR_( id ) {                                                                                        \
-      return ::Vorn::keyedRecord< Self, Type, Key >(                                                         \
-           #x, kind, id, replication, ::Vorn::memberKeyName< Type >(), ::Vorn::memberCtorArgs< Type >(),     \
-           &::Vorn::entityCollOps< Self, Type, Key, &Self::x##_, &Self::x##Change_ > );                      \
+      return ::Vorn::keyedRecord< VORN_SELF_, Type, Key >(                                                   \
+           #x, kind, id, VORN_REPLICATION_( replication ), ::Vorn::memberKeyName< Type, VornWhenUsed >(),    \
+           ::Vorn::memberCtorArgs< Type, VornWhenUsed >(),                                                   \
+           &::Vorn::entityCollOps< VORN_SELF_, Type, Key, &Self::x##_, &Self::x##Change_ > );                \
    }                                                                                                         \
                                                                                                              \
  private:                                                                                                    \
@@ -324,10 +361,18 @@
 
 /// Keyed collection of values.
 #define VORN_VALUE_COLL( id, Type, Key, x, X, replication )                                                  \
-   VORN_COLL_( id, Key, x, X, VORN_ARG_( ::Vorn::HashMap2018< Self, Key, Type > ) )                          \
+   VORN_CHECK_TYPE_( Type )                                                                                  \
+   VORN_CHECK_KEY_( Key )                                                                                    \
+   VORN_VALUE_COLL_CHECKED_( id, ::Vorn::AttrType< Type >, ::Vorn::AttrKey< Key >, x, X, replication )
+#define VORN_VALUE_COLL_CHECKED_( id, Type, Key, x, X, replication )                                         \
+   VORN_COLL_( id, Key, x, X, replication, VORN_ARG_( ::Vorn::HashMap2018< Self, Key, Type > ) )             \
    VORN_VALUE_COLL_( id, Type, Key, x, ::Vorn::VornKind::valueColl, replication )
 /// The same, told to nobody.
 #define VORN_LOCAL_VALUE_COLL( id, Type, Key, x )                                                            \
+   VORN_CHECK_TYPE_( Type )                                                                                  \
+   VORN_CHECK_KEY_( Key )                                                                                    \
+   VORN_LOCAL_VALUE_COLL_CHECKED_( id, ::Vorn::AttrType< Type >, ::Vorn::AttrKey< Key >, x )
+#define VORN_LOCAL_VALUE_COLL_CHECKED_( id, Type, Key, x )                                                   \
    VORN_LOCAL_COLL_( x, VORN_ARG_( ::Vorn::HashMap2018< Self, Key, Type > ) )                                \
    VORN_VALUE_COLL_( id, Type, Key, x, ::Vorn::VornKind::localValueColl, local )
 #define VORN_VALUE_COLL_( id, Type, Key, x, kind, replication )                                              \
@@ -341,9 +386,9 @@
    }                                                                                                         \
    void x##DelAll() { ::Vorn::valuesDel( ::Vorn::Owner( *this ), x##_, x##Change_() ); }                     \
    VORN_ATTR_( id ) {                                                                                        \
-      return ::Vorn::keyedRecord< Self, Type, Key >(                                                         \
-           #x, kind, id, replication, nullptr, nullptr,                                                      \
-           &::Vorn::valueCollOps< Self, Type, Key, &Self::x##_, &Self::x##Change_ > );                       \
+      return ::Vorn::keyedRecord< VORN_SELF_, Type, Key >(                                                   \
+           #x, kind, id, VORN_REPLICATION_( replication ), nullptr, nullptr,                                 \
+           &::Vorn::valueCollOps< VORN_SELF_, Type, Key, &Self::x##_, &Self::x##Change_ > );                 \
    }                                                                                                         \
                                                                                                              \
  private:                                                                                                    \
@@ -360,7 +405,9 @@
 
 /// Set of keys, reflected as a collection of `bool`.
 #define VORN_SET( id, Key, x, X, replication )                                                               \
-   VORN_COLL_( id, Key, x, X, VORN_ARG_( ::Vorn::HashMap2018< Self, Key > ) )                                \
+   VORN_CHECK_KEY_( Key ) VORN_SET_CHECKED_( id, ::Vorn::AttrKey< Key >, x, X, replication )
+#define VORN_SET_CHECKED_( id, Key, x, X, replication )                                                      \
+   VORN_COLL_( id, Key, x, X, replication, VORN_ARG_( ::Vorn::HashMap2018< Self, Key > ) )                   \
    bool x( ::Vorn::Arg< Key > key ) const { return x##_[key]; }                                              \
    bool x##Has( ::Vorn::Arg< Key > key ) const { return x##_[key]; }                                         \
    void x##Is( ::Vorn::Arg< Key > key ) {                                                                    \
@@ -371,9 +418,9 @@
    }                                                                                                         \
    void x##DelAll() { ::Vorn::valuesDel( ::Vorn::Owner( *this ), x##_, x##Change_() ); }                     \
    VORN_ATTR_( id ) {                                                                                        \
-      auto attr = ::Vorn::keyedRecord< Self, bool, Key >(                                                    \
-           #x, ::Vorn::VornKind::valueColl, id, replication, nullptr, nullptr,                               \
-           &::Vorn::setOps< Self, Key, &Self::x##_, &Self::x##Change_ > );                                   \
+      auto attr = ::Vorn::keyedRecord< VORN_SELF_, bool, Key >(                                              \
+           #x, ::Vorn::VornKind::valueColl, id, VORN_REPLICATION_( replication ), nullptr, nullptr,          \
+           &::Vorn::setOps< VORN_SELF_, Key, &Self::x##_, &Self::x##Change_ > );                             \
       attr.flags |= ::Vorn::setAccess;                                                                       \
       return attr;                                                                                           \
    }                                                                                                         \
@@ -383,7 +430,10 @@
 
 /// References with the key beside them; a null reference removes the entry.
 #define VORN_REFERENCE_COLL( id, Type, Key, x, X, replication )                                              \
-   VORN_COLL_( id, Key, x, X, VORN_ARG_( ::Vorn::HashMap2018< Self, Key, ::Vorn::Ptr< Type > > ) )           \
+   VORN_CHECK_KEY_( Key ) VORN_REFERENCE_COLL_CHECKED_( id, Type, ::Vorn::AttrKey< Key >, x, X, replication )
+#define VORN_REFERENCE_COLL_CHECKED_( id, Type, Key, x, X, replication )                                     \
+   VORN_COLL_( id, Key, x, X, replication,                                                                   \
+               VORN_ARG_( ::Vorn::HashMap2018< Self, Key, ::Vorn::Ptr< Type > > ) )                          \
    ::Vorn::Ptr< Type > x( ::Vorn::Arg< Key > key ) const { return x##_.value( key ); }                       \
    void x##Is( ::Vorn::Arg< Key > key, ::Vorn::Ptr< Type > const & value ) {                                 \
       if ( value ) {                                                                                         \
@@ -397,9 +447,10 @@
    }                                                                                                         \
    void x##DelAll() { ::Vorn::valuesDel( ::Vorn::Owner( *this ), x##_, x##Change_() ); }                     \
    VORN_ATTR_( id ) {                                                                                        \
-      return ::Vorn::keyedRecord< Self, Type, Key >(                                                         \
-           #x, ::Vorn::VornKind::referenceColl, id, replication, nullptr, nullptr,                           \
-           &::Vorn::referenceCollOps< Self, Type, Key, &Self::x##_, &Self::x##Change_, &Self::x##Is > );     \
+      return ::Vorn::keyedRecord< VORN_SELF_, Type, Key >(                                                   \
+           #x, ::Vorn::VornKind::referenceColl, id, VORN_REPLICATION_( replication ), nullptr, nullptr,      \
+           &::Vorn::referenceCollOps< VORN_SELF_, Type, Key, &Self::x##_, &Self::x##Change_,                 \
+                                      &Self::x##Is > );                                                      \
    }                                                                                                         \
                                                                                                              \
  private:                                                                                                    \
@@ -407,7 +458,10 @@
 
 /// References that hold their key, which `KeyFunktor` takes from them; a null reference is refused.
 #define VORN_KEYED_REFERENCE_COLL( id, Type, Key, KeyFunktor, x, X, replication )                            \
-   VORN_COLL_( id, Key, x, X,                                                                                \
+   VORN_CHECK_KEY_( Key )                                                                                    \
+   VORN_KEYED_REFERENCE_COLL_CHECKED_( id, Type, ::Vorn::AttrKey< Key >, KeyFunktor, x, X, replication )
+#define VORN_KEYED_REFERENCE_COLL_CHECKED_( id, Type, Key, KeyFunktor, x, X, replication )                   \
+   VORN_COLL_( id, Key, x, X, replication,                                                                   \
                VORN_ARG_( ::Vorn::HashMap2018< Self, Key, ::Vorn::Ptr< Type >, KeyFunktor > ) )              \
    ::Vorn::Ptr< Type > x( ::Vorn::Arg< Key > key ) const { return x##_.value( key ); }                       \
    void x##Is( ::Vorn::Ptr< Type > const & value ) {                                                         \
@@ -419,9 +473,10 @@
    }                                                                                                         \
    void x##DelAll() { ::Vorn::valuesDel( ::Vorn::Owner( *this ), x##_, x##Change_() ); }                     \
    VORN_ATTR_( id ) {                                                                                        \
-      return ::Vorn::keyedRecord< Self, Type, Key >(                                                         \
-           #x, ::Vorn::VornKind::referenceColl, id, replication, nullptr, nullptr,                           \
-           &::Vorn::referenceCollOps< Self, Type, Key, &Self::x##_, &Self::x##Change_, &Self::x##Is > );     \
+      return ::Vorn::keyedRecord< VORN_SELF_, Type, Key >(                                                   \
+           #x, ::Vorn::VornKind::referenceColl, id, VORN_REPLICATION_( replication ), nullptr, nullptr,      \
+           &::Vorn::referenceCollOps< VORN_SELF_, Type, Key, &Self::x##_, &Self::x##Change_,                 \
+                                      &Self::x##Is > );                                                      \
    }                                                                                                         \
                                                                                                              \
  private:                                                                                                    \
@@ -429,7 +484,9 @@
 
 /// Queue of values, each with an index that rises.
 #define VORN_QUEUE( id, Type, x, X, replication )                                                            \
-   VORN_COLL_( id, U32, x, X, VORN_ARG_( ::Vorn::LinkQueue< Self, U32, Type > ) )                            \
+   VORN_CHECK_TYPE_( Type ) VORN_QUEUE_CHECKED_( id, ::Vorn::AttrType< Type >, x, X, replication )
+#define VORN_QUEUE_CHECKED_( id, Type, x, X, replication )                                                   \
+   VORN_COLL_( id, U32, x, X, replication, VORN_ARG_( ::Vorn::LinkQueue< Self, U32, Type > ) )               \
    ::Vorn::LinkQueue< Self, U32, Type > const & x() const noexcept { return x##_; }                          \
    Type x( U32 index ) const { return x##_.value( index ); }                                                 \
    U32 x##Enq( ::Vorn::Arg< Type > value ) {                                                                 \
@@ -447,9 +504,9 @@
    }                                                                                                         \
    void x##DelAll() { ::Vorn::queueDelAll( ::Vorn::Owner( *this ), x##_, x##Change_() ); }                   \
    VORN_ATTR_( id ) {                                                                                        \
-      return ::Vorn::keyedRecord< Self, Type, U32 >(                                                         \
-           #x, ::Vorn::VornKind::queue, id, replication, nullptr, nullptr,                                   \
-           &::Vorn::queueOps< Self, Type, &Self::x##_, &Self::x##Change_ > );                                \
+      return ::Vorn::keyedRecord< VORN_SELF_, Type, U32 >(                                                   \
+           #x, ::Vorn::VornKind::queue, id, VORN_REPLICATION_( replication ), nullptr, nullptr,              \
+           &::Vorn::queueOps< VORN_SELF_, Type, &Self::x##_, &Self::x##Change_ > );                          \
    }                                                                                                         \
                                                                                                              \
  private:                                                                                                    \
@@ -462,10 +519,10 @@
    friend struct ::Vorn::NextLink;                                                                           \
    [[maybe_unused]] ::Vorn::Entity * next_ = nullptr /* counted, like every link of a chain */
 
-/// Stands last in every type directly below `Entity`: the head of the list of its observers, whom a mutator
-/// tells of what it has stored. What derives from the type shares it.
+/// Stands last in every type directly below `Entity`: the type's observer classes, and the head of the list
+/// of observers, whom a mutator tells of what it has stored. What derives from the type shares the list.
 #define VORN_OBSERVERS                                                                                       \
- public:                                                                                                     \
+   VORN_NOTIFIEES_                                                                                           \
    /** The observers. */                                                                                     \
    ::Vorn::NotifieeList * notifieeList() const override { return &notifieeList_; }                           \
    /** Tells them of a change that is stored; for the mutators. */                                           \
@@ -473,24 +530,52 @@
    void notify( Change const & change, void const * key = nullptr ) const {                                  \
       notifieeList_.tell( *this, change, key );                                                              \
    }                                                                                                         \
+   using VornObserved = Self;                                                                                \
                                                                                                              \
  private:                                                                                                    \
-   static_assert( !::Vorn::Observable< VornBase >, "the base has the list already" );                        \
+   static_assert( !::Vorn::Observable< VornBase >,                                                           \
+                  "the base has the list of observers already: VORN_BASE_OBSERVERS instead" );               \
    mutable ::Vorn::NotifieeList notifieeList_
+/// Stands last in every other type: its observer classes.
+#define VORN_BASE_OBSERVERS                                                                                  \
+   VORN_NOTIFIEES_                                                                                           \
+ private:                                                                                                    \
+   static_assert( ::Vorn::Observable< VornBase >,                                                            \
+                  "the base has no list of observers: VORN_OBSERVERS instead" )
+#define VORN_NOTIFIEES_                                                                                      \
+ public:                                                                                                     \
+   /** Observer of the type. Each callback does nothing by default. */                                       \
+   class VORN_API NotifieeConst : public decltype( vornTells( ::Vorn::LastLine{} ) )::type {                 \
+    public:                                                                                                  \
+      using VornNotifier = Self;                                                                             \
+      NotifieeConst() { notifierTypeIs( &Self::_vornType ); }                                                \
+   };                                                                                                        \
+   /** Observer that also writes to what it watches. */                                                      \
+   class VORN_API Notifiee : public NotifieeConst {};                                                        \
+   static void vornTells( ::Vorn::LastLine );
 
 /// Keeps commas of a template's arguments within one argument of a macro.
 #define VORN_ARG_( ... ) __VA_ARGS__
 
-/// Defines the record of an entity type and its memory tracker. Stands in the source file, in the type's
-/// namespace.
+/// All that a type needs in a source file, in its namespace: defines the record, the memory tracker and the
+/// destructor, and registers the type.
 #define VORN_RECORD( Namespace, Type )                                                                       \
+   VORN_RECORD_BUT_DESTRUCTOR( Namespace, Type )                                                             \
+   Type::~Type() = default;
+/// The same for a type that defines its destructor by hand.
+#define VORN_RECORD_BUT_DESTRUCTOR( Namespace, Type )                                                        \
+   VORN_CHECK_IDS_( Type )                                                                                   \
+   static_assert( ::Vorn::endsInObservers< Type >,                                                           \
+                  "the type lacks its last line: VORN_OBSERVERS, or VORN_BASE_OBSERVERS where its base has " \
+                  "observers" );                                                                             \
    constinit ::Vorn::VornType const Type::_vornType = ::Vorn::entityRecord< Type >( #Namespace "::" #Type ); \
-   ::Vorn::AllocTrackTypeInfo Type::vornAllocTrackTypeInfo_{ &Type::_vornType };
+   ::Vorn::AllocTrackTypeInfo Type::vornAllocTrackTypeInfo_{ &Type::_vornType };                             \
+   VORN_REGISTER_( &Type::_vornType )
 
 /// The free factory of an entity type: an exported function, `factory( key )`, that takes what the type's
 /// constructor does. It stands in the library by the type's record.
 #define VORN_FACTORY( Type, factory )                                                                        \
-   VORN_API inline ::Vorn::EntityFactory< Type >::Fn factory;                                                \
+   VORN_API ::Vorn::EntityFactory< Type >::Fn factory;                                                       \
    template< class... Args >                                                                                 \
    struct factory##_ {                                                                                       \
       [[gnu::used]] friend ::Vorn::Ptr< Type > factory( ::Vorn::FactoryArg< Args >... args ) {               \
@@ -499,4 +584,4 @@
       using Made = Type;                                                                                     \
       static constexpr auto function = &factory;                                                             \
    };                                                                                                        \
-   constexpr ::Vorn::EntityFactory< Type >::With< factory##_ > vornFactory( Type const * ) { return {}; }
+   ::Vorn::EntityFactory< Type >::With< factory##_ > vornFactory( Type const * );

@@ -83,6 +83,9 @@ class VORN_API Entity : public PtrInterface {
    Name fullName() const;
    /// The parent's attribute that owns the entity; empty without a parent.
    String parentAttrName() const;
+   /// What the mutators of a type call that lacks VORN_OBSERVERS, so that its record gives the one error.
+   template< class Change >
+   void notify( Change const &, void const * = nullptr ) const {}
    /// The child below this entity whose name or key has that text, or null.
    Ptr< Entity > entity( String const & childName ) const;
 
@@ -117,8 +120,8 @@ class Child {
 
 /// A type whose entities can be observed: it, or a base of it, has the line VORN_OBSERVERS.
 template< class Type >
-concept Observable = requires( Type const & entity, NotifieeChange const & change ) {
-   entity.notify( change );
+concept Observable = requires {
+   typename Type::VornObserved;
 };
 
 } // namespace Vorn

@@ -11,7 +11,7 @@
 /// entity or counted object is a `Ptr< PtrInterface >`, a view over a packet an `NrcPtrInterface const *`.
 #pragma once
 
-#include "Vorn/KeySet.h"
+#include "Vorn/Impl/KeySet.h"
 #include "Vorn/NboAttrLogValues.h"
 #include "Vorn/VornType.h"
 

@@ -8,7 +8,7 @@
 #pragma once
 
 #include "Vorn/Entity.h"
-#include "Vorn/HashMap2018Bucket.h"
+#include "Vorn/Impl/HashMap2018Bucket.h"
 
 #include <cstddef>
 

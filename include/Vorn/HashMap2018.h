@@ -19,7 +19,7 @@
 /// number.
 #pragma once
 
-#include "Vorn/HashMap2018Generic.h"
+#include "Vorn/Impl/HashMap2018Generic.h"
 
 #include <iterator>
 #include <memory>

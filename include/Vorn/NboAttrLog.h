@@ -10,6 +10,6 @@
 /// that cross on the way, each end takes the other's.
 #pragma once
 
-#include "Vorn/NboAttrLogIn.h"
-#include "Vorn/NboAttrLogOut.h"
-#include "Vorn/StreamAdapter.h"
+#include "Vorn/Impl/NboAttrLogIn.h"
+#include "Vorn/Impl/NboAttrLogOut.h"
+#include "Vorn/Impl/StreamAdapter.h"

@@ -22,7 +22,8 @@
 /// lines.
 #pragma once
 
-#include "Vorn/AttributeOps.h"
+#include "Vorn/Impl/AttrTable.h"
+#include "Vorn/Impl/ScalarReflection.h"
 
 namespace Vorn {
 
@@ -162,12 +163,12 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
 
 } // namespace Vorn
 
-/// Defines the record of a value type that has none in its class and no reflected fields; see
-/// VORN_OUTSIDE_VALUE.
+/// Defines the record of a value type that has none in its class and no reflected fields, and registers the
+/// type; see VORN_OUTSIDE_VALUE.
 #define VORN_OUTSIDE_RECORD( Namespace, Type )                                                               \
-   template<>                                                                                                \
    constinit ::Vorn::VornType const ::Vorn::BuiltinType< Namespace::Type >::record =                         \
-        ::Vorn::valueRecord< Namespace::Type >( #Namespace "::" #Type, nullptr, 0, nullptr );
+        ::Vorn::valueRecord< Namespace::Type >( #Namespace "::" #Type, nullptr, 0, nullptr );                \
+   VORN_REGISTER_( &::Vorn::BuiltinType< Namespace::Type >::record )
 
 /// Stands first in a class that is a value type.
 #define VORN_VALUE( Type )                                                                                   \
@@ -187,47 +188,70 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
 /// the header does not have to compile what the record points to: that is most of a header's cost.
 #define VORN_ATTR_( id )                                                                                     \
    static_assert( ::Vorn::isAttrIdOf( id, vornFirstId ), "attribute ids begin with the type's first one" );  \
-   template< class = void >                                                                                  \
+   template< class VornWhenUsed = void >                                                                     \
    static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > )
+
+/// Checks the ids of a type whose lines are all there.
+#define VORN_CHECK_IDS_( Type )                                                                              \
+   static_assert( ::Vorn::AttrTable< Type >::own == ::Vorn::AttrTable< Type >::declared(),                   \
+                  "attribute ids follow each other without a gap" );
+
+/// Checks the types that a line is given.
+#define VORN_CHECK_TYPE_( Type )                                                                             \
+   static_assert( ::Vorn::isAttrType< Type >,                                                                \
+                  "an attribute's type has a record: bool, U8 to U64, double, Vorn::String, an enumeration " \
+                  "of VORN_ENUM, a value of VORN_VALUE. An int is a U32, a float a double, a std::string a " \
+                  "Vorn::String" );
+#define VORN_CHECK_KEY_( Key )                                                                               \
+   static_assert( ::Vorn::isAttrKey< Key >, "a key has a record, U32 hash() const, == and <" );
+
+/// The class within that function: nothing that has it as an argument is made before the function is used.
+#define VORN_SELF_ typename ::Vorn::WhenUsed< Self, VornWhenUsed >::Type
 
 /// A field that the constructor sets and nothing changes. The default stands behind the line.
 #define VORN_CTOR_FIELD( id, Type, x )                                                                       \
+   VORN_CHECK_TYPE_( Type ) VORN_CTOR_FIELD_( id, ::Vorn::AttrType< Type >, x )
+#define VORN_CTOR_FIELD_( id, Type, x )                                                                      \
  public:                                                                                                     \
    ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
-   VORN_ATTR_( id ) { return ::Vorn::fieldAttr< Self, Type, &Self::x##_, false >( #x, id ); }                \
+   VORN_ATTR_( id ) { return ::Vorn::fieldAttr< VORN_SELF_, Type, &Self::x##_, false >( #x, id ); }          \
                                                                                                              \
  private:                                                                                                    \
-   Type x##_
+   Type x##_ = ::Vorn::Default< Type > {}
 
 /// A field with a setter.
-#define VORN_FIELD( id, Type, x )                                                                            \
+#define VORN_FIELD( id, Type, x ) VORN_CHECK_TYPE_( Type ) VORN_FIELD_( id, ::Vorn::AttrType< Type >, x )
+#define VORN_FIELD_( id, Type, x )                                                                           \
  public:                                                                                                     \
    ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
    void x##Is( ::Vorn::Arg< Type > value ) { x##_ = value; }                                                 \
-   VORN_ATTR_( id ) { return ::Vorn::fieldAttr< Self, Type, &Self::x##_, true >( #x, id ); }                 \
+   VORN_ATTR_( id ) { return ::Vorn::fieldAttr< VORN_SELF_, Type, &Self::x##_, true >( #x, id ); }           \
                                                                                                              \
  private:                                                                                                    \
-   Type x##_
+   Type x##_ = ::Vorn::Default< Type > {}
 
 /// A field whose setter, which the class defines by hand, throws RangeException for what is out of range;
 /// text and log come in through it too.
 #define VORN_CHECKED_FIELD( id, Type, x )                                                                    \
+   VORN_CHECK_TYPE_( Type ) VORN_CHECKED_FIELD_( id, ::Vorn::AttrType< Type >, x )
+#define VORN_CHECKED_FIELD_( id, Type, x )                                                                   \
  public:                                                                                                     \
    ::Vorn::Arg< Type > x() const noexcept { return x##_; }                                                   \
    void x##Is( ::Vorn::Arg< Type > value );                                                                  \
    VORN_ATTR_( id ) {                                                                                        \
-      return ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::state, id, ::Vorn::local,               \
-                                               &::Vorn::scalarOps< Self, Type, &Self::x, &Self::x##Is > );   \
+      return ::Vorn::attrRecord< VORN_SELF_, Type >(                                                         \
+           #x, ::Vorn::VornKind::state, id, ::Vorn::local,                                                   \
+           &::Vorn::scalarOps< VORN_SELF_, Type, &Self::x, &Self::x##Is > );                                 \
    }                                                                                                         \
                                                                                                              \
  private:                                                                                                    \
-   Type x##_
+   Type x##_ = ::Vorn::Default< Type > {}
 
 /// A const member function of a value that reflection calls; the class defines it by hand.
 #define VORN_VALUE_FUNCTION( id, Type, x )                                                                   \
  public:                                                                                                     \
    Type x() const;                                                                                           \
-   VORN_ATTR_( id ) { return ::Vorn::functionRecord< Self, &Self::x >( #x, id ); }                           \
+   VORN_ATTR_( id ) { return ::Vorn::functionRecord< VORN_SELF_, &Self::x >( #x, id ); }                     \
    static_assert( true )
 
 /// Computed on each read; the class defines the function by hand.
@@ -235,8 +259,8 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
  public:                                                                                                     \
    Type x() const;                                                                                           \
    VORN_ATTR_( id ) {                                                                                        \
-      return ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::derived, id, ::Vorn::local,             \
-                                               &::Vorn::readOps< Self, &Self::x > );                         \
+      return ::Vorn::attrRecord< VORN_SELF_, Type >( #x, ::Vorn::VornKind::derived, id, ::Vorn::local,       \
+                                                     &::Vorn::readOps< VORN_SELF_, &Self::x > );             \
    }                                                                                                         \
    static_assert( true )
 
@@ -261,19 +285,22 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
 /// The record of a view: what can be read and written but is no field.
 #define VORN_VIEW_( id, Type, x, xIs )                                                                       \
    VORN_ATTR_( id ) {                                                                                        \
-      auto attr =                                                                                            \
-           ::Vorn::attrRecord< Self, Type >( #x, ::Vorn::VornKind::state, id, ::Vorn::local,                 \
-                                             &::Vorn::scalarOps< Self, Type, &Self::x, &Self::xIs > );       \
+      auto attr = ::Vorn::attrRecord< VORN_SELF_, Type >(                                                    \
+           #x, ::Vorn::VornKind::state, id, ::Vorn::local,                                                   \
+           &::Vorn::scalarOps< VORN_SELF_, Type, &Self::x, &Self::xIs > );                                   \
       attr.flags |= ::Vorn::viewAccess;                                                                      \
       return attr;                                                                                           \
    }                                                                                                         \
    static_assert( true )
 
-/// Defines the record of a value type. Stands in the source file, inside the type's namespace.
+/// Defines the record of a value type and registers the type. Stands in the source file, inside the type's
+/// namespace.
 #define VORN_VALUE_RECORD( Namespace, Type )                                                                 \
+   VORN_CHECK_IDS_( Type )                                                                                   \
    constinit ::Vorn::VornType const Type::_vornType =                                                        \
         ::Vorn::valueRecord< Type >( #Namespace "::" #Type, ::Vorn::AttrTable< Type >::attributes,           \
-                                     ::Vorn::AttrTable< Type >::num, ::Vorn::AttrTable< Type >::ctorArgs );
+                                     ::Vorn::AttrTable< Type >::num, ::Vorn::AttrTable< Type >::ctorArgs );  \
+   VORN_REGISTER_( &Type::_vornType )
 
 /// Makes the text forms of a value type from its record: its fields.
 #define VORN_TEXT_OF_RECORD( Type ) VORN_TEXT_OF_( Type, &::Vorn::VornAttr::isField )
@@ -291,7 +318,7 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
    }                                                                                                         \
    VORN_TEXT_STREAM( Type )
 
-/// Defines the record and the text forms of an enumeration. Stands in the source file.
+/// Defines the record and the text forms of an enumeration, and registers it. Stands in the source file.
 #define VORN_ENUM_RECORD( Namespace, Type, LIST ) VORN_ENUM_RECORD_NAMED( #Namespace "::" #Type, Type, LIST )
 /// The same under a name of its own, for the enumeration of a class.
 #define VORN_ENUM_RECORD_NAMED( name, Type, LIST )                                                           \
@@ -299,6 +326,7 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
         VORN_ENUMERATOR_RECORD )::Vorn::VornAttr{} };                                                        \
    constinit ::Vorn::VornType const Type##_vornType =                                                        \
         ::Vorn::enumRecord( name, Type##_enumerators, std::size( Type##_enumerators ) - 1 );                 \
+   VORN_REGISTER_( &Type##_vornType )                                                                        \
    ::Vorn::String valueToStrep( Type const & value ) {                                                       \
       return ::Vorn::EnumType< unsigned int >::valueToStrep( value, &Type##_vornType );                      \
    }                                                                                                         \

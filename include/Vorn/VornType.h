@@ -171,30 +171,10 @@ struct VornType {
    VORN_API VornAttr const * attribute( U32 id ) const noexcept;
 };
 
-/// Home of the records of built-in types, and of value types whose class has no room for one.
+/// Home of the records of built-in types, and of value types whose class has no room for one
+/// (VORN_OUTSIDE_VALUE).
 template< class T >
-struct BuiltinType {
-   static VornType const record;
-};
-template<>
-VORN_API VornType const BuiltinType< bool >::record;
-template<>
-VORN_API VornType const BuiltinType< U8 >::record;
-template<>
-VORN_API VornType const BuiltinType< U16 >::record;
-template<>
-VORN_API VornType const BuiltinType< U32 >::record;
-template<>
-VORN_API VornType const BuiltinType< U64 >::record;
-template<>
-VORN_API VornType const BuiltinType< double >::record;
-template<>
-VORN_API VornType const BuiltinType< String >::record;
-template<>
-VORN_API VornType const BuiltinType< Name >::record;
-template<>
-VORN_API VornType const BuiltinType< void >::record;
-
+struct BuiltinType;
 /// The record of a type: of a class its `_vornType`, of an enumeration its own, else that of `BuiltinType`.
 template< class T >
 constexpr VornType const * recordOf() {
@@ -206,6 +186,14 @@ constexpr VornType const * recordOf() {
       return &BuiltinType< T >::record;
    }
 }
+
+/// A type that has a record.
+template< class T >
+concept Recorded = requires {
+   &T::_vornType;
+}
+|| requires { vornTypeOf( T{} ); }
+|| requires { &BuiltinType< T >::record; };
 
 namespace GenericIfImpl {
 
@@ -242,21 +230,30 @@ VORN_API std::vector< VornType const * > typeNodes();
 /// The registered record of that name, or null.
 VORN_API VornType const * typeNode( char const * name ) noexcept;
 
-/// A source file's initialiser: registers the types of the file. One a file, `VORN_MODULE`.
-struct TypeModule {
-   template< class... Types >
-   explicit TypeModule( Types const *... types ) {
-      ( typeNodeIs( types ), ... );
-   }
+/// Registers a type when the library is loaded; each record has one.
+struct TypeRegistration {
+   explicit TypeRegistration( VornType const * type ) { typeNodeIs( type ); }
 };
 
 } // namespace Vorn
 
 /// Declares the record of a value type whose class stays as it is. Stands behind the class, outside all
-/// namespaces.
+/// namespaces. The built-in types are the first.
 #define VORN_OUTSIDE_VALUE( Type )                                                                           \
    template<>                                                                                                \
-   VORN_API ::Vorn::VornType const ::Vorn::BuiltinType< Type >::record;
+   struct VORN_API Vorn::BuiltinType< Type > {                                                               \
+      static ::Vorn::VornType const record;                                                                  \
+   };
+
+VORN_OUTSIDE_VALUE( bool )
+VORN_OUTSIDE_VALUE( U8 )
+VORN_OUTSIDE_VALUE( U16 )
+VORN_OUTSIDE_VALUE( U32 )
+VORN_OUTSIDE_VALUE( U64 )
+VORN_OUTSIDE_VALUE( double )
+VORN_OUTSIDE_VALUE( Vorn::String )
+VORN_OUTSIDE_VALUE( Vorn::Name )
+VORN_OUTSIDE_VALUE( void )
 
 /// Stands first in a view over a packet or a value that is written by hand: it has a record, whose attributes
 /// a source file lists (AttributeRows.h). `Base` is the reflected class that it derives from, or void.
@@ -270,21 +267,26 @@ struct TypeModule {
    VORN_REFLECTED_( Type, Base )
 #define VORN_REFLECTED_( Type, Base )                                                                        \
  public:                                                                                                     \
-   using VornSelf = Type;                                                                                    \
+   using Self = Type;                                                                                        \
    using VornBase = Base;                                                                                    \
-   static constexpr auto vornRows();                                                                         \
+   /** Its attributes, see Vorn/AttributeRows.h. */                                                          \
+   static ::Vorn::VornAttr const vornRows[];                                                                 \
                                                                                                              \
  private:
 
-/// Registers the records of the file's types when the library is loaded.
-#define VORN_MODULE( ... )                                                                                   \
+/// Registers the type of a record when the library is loaded.
+#define VORN_REGISTER_( record ) VORN_REGISTER_AT_( __LINE__, record )
+#define VORN_REGISTER_AT_( line, record ) VORN_REGISTER_AS_( line, record )
+#define VORN_REGISTER_AS_( line, record )                                                                    \
    namespace {                                                                                               \
-   [[gnu::used]] ::Vorn::TypeModule const vornModule_{ __VA_ARGS__ };                                        \
+   [[gnu::used]] ::Vorn::TypeRegistration const vornRegistration##line##_{ record };                         \
    }
 
-/// The record of a counted class without reflected attributes, and its memory tracker; `baseRecord` is the
-/// address of the base's record or null. Stands in the source file, inside the class's namespace.
+/// The record of a counted class without reflected attributes, and its memory tracker; it registers
+/// the type. `baseRecord` is the address of the base's record or null. Stands in the source file, inside the
+/// class's namespace.
 #define VORN_OBJECT_RECORD( Namespace, Type, baseRecord )                                                    \
    constinit ::Vorn::VornType const Type::_vornType =                                                        \
         ::Vorn::objectRecord( #Namespace "::" #Type, baseRecord, sizeof( Type ) );                           \
-   ::Vorn::AllocTrackTypeInfo Type::vornAllocTrackTypeInfo_{ &Type::_vornType };
+   ::Vorn::AllocTrackTypeInfo Type::vornAllocTrackTypeInfo_{ &Type::_vornType };                             \
+   VORN_REGISTER_( &Type::_vornType )

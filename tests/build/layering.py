@@ -44,6 +44,9 @@ TOOL = pathlib.Path("tools/ldptool")
 
 LIBRARY = {"framework", "decode", "model"}
 
+# What the headers of include/Vorn are made of; whoever uses them includes those.
+MACHINE_ROOM = ("include", "Vorn", "Impl")
+
 # Beside the C++ standard headers, which have neither folder nor suffix.
 SYSTEM_HEADERS = {"cxxabi.h", "fcntl.h", "unistd.h", "time.h", "immintrin.h", "emmintrin.h", "x86intrin.h", "pthread.h",
                   "arpa/inet.h", "netinet/in.h", "sys/mman.h", "sys/resource.h", "sys/socket.h", "sys/stat.h", "sys/types.h"}
@@ -99,6 +102,8 @@ def offences(root):
             here, there = room(path), room(found)
             if here and there and there not in ROOMS[here] | {here}:
                 yield f"{path}: {here} includes {found}, which is above it"
+            if found.parts[:3] == MACHINE_ROOM and "vorn" not in {part.lower() for part in path.parts[:2]}:
+                yield f"{path}: includes {found}, which only the framework's own headers and sources may"
             if path.parts[0] in {"include", "examples"} and found.parts[0] not in {"include", path.parts[0]}:
                 yield f"{path}: a public header or example includes {found}, which is not installed"
 

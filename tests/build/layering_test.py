@@ -9,6 +9,7 @@ import layering
 
 SOUND = {
     "include/Vorn/Ptr.h": "#include <memory>\n",
+    "include/Vorn/Impl/Block.h": "#include <memory>\n",
     "include/Ldp/LdpIdentifier.h": "#include <Vorn/Ptr.h>\n",
     "decode/LdpIdentifier.cpp": '#include "Ldp/LdpIdentifier.h"\n',
     "include/Ldp/LdpMsgParser.h": '#include "LdpIdentifier.h"\n',
@@ -23,6 +24,7 @@ SOUND = {
     "tools/ldptool/monitor/speaker/Agent.h": '#include "capture/Flow.h"\n',
     "tools/ldptool/monitor/Monitor.h": '#include "monitor/speaker/Agent.h"\n',
     "tools/ldptool/commands/watch/Watch.cpp": '#include "monitor/Monitor.h"\n',
+    "framework/vorn/Ptr.cpp": "#include <Vorn/Ptr.h>\n#include <Vorn/Impl/Block.h>\n#include <sys/mman.h>\n",
     "tools/ldptool/main.cpp": "#include <Ldp/LdpMsgParser.h>\n#include <Ldp/LdpAdj.h>\n#include <tins/tins.h>\n",
 }
 
@@ -40,6 +42,7 @@ WRONG = [
     ("example on a private header", "examples/one.cpp", '#include "../decode/Walk.h"'),
     ("captures on the monitor", "tools/ldptool/capture/Flow.h", '#include "monitor/Monitor.h"'),
     ("a subject on the monitor", "tools/ldptool/monitor/speaker/Agent.h", '#include "../Monitor.h"'),
+    ("machine room", "include/Ldp/LdpAdj.h", "#include <Vorn/Impl/Block.h>"),
     ("header of neither layer", "include/Ldp/LdpNew.h", ""),
 ]
 

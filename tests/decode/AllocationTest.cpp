@@ -57,42 +57,6 @@ TEST( Allocation, ofAMapping ) {
    EXPECT_EQ( hosts.now(), 0u );
 }
 
-TEST( Allocation, ofAPdu ) {
-   Alive const packets( Lumo::Pkt::allocTrack() ), pdus( LdpPduParser::allocTrack() ),
-        groups( LdpTlvGroupParser::allocTrack() ), hellos( LdpHelloMsgParser::allocTrack() ),
-        plain( LdpMsgParser::allocTrack() );
-   Hex const hello = msg( LdpHello, 7, { tlv( commonHelloTlv, "000f 0000" ) } );
-   {
-      auto const parser = ldpPduParserFactory( pkt( pdu( "10.0.0.1", 0, { hello, hello, hello } ) ), 0 );
-      EXPECT_EQ( parser->messageNum(), 3u );
-      EXPECT_EQ( pdus.now(), 1u );
-      EXPECT_EQ( groups.now(), 1u );
-      EXPECT_EQ( hellos.now(), 0u ); // messages are found, not decoded
-      parser->stringValue();
-      EXPECT_EQ( groups.now(), 1u ); // decoded for the purpose and gone
-      EXPECT_EQ( hellos.now(), 0u );
-      EXPECT_EQ( plain.now(), 0u );
-   }
-   EXPECT_EQ( packets.now(), 0u );
-   EXPECT_EQ( pdus.now(), 0u );
-   EXPECT_EQ( groups.now(), 0u );
-}
-
-TEST( Allocation, refusedElementIsDropped ) {
-   Alive const pw( LdpFecTlvPwIdElement::allocTrack() ), p2mp( LdpFecTlvP2mpElement::allocTrack() ),
-        fecs( LdpFecTlvParser::allocTrack() );
-   auto const fecOf = []( char const * value ) {
-      return ldpFecTlvParserFactory( pkt( tlv( fecTlv, value ) ), 0, nullptr );
-   };
-   auto const badPw = fecOf( "80 0005 05 00000001 00000064 01" );
-   EXPECT_EQ( badPw->statusCode(), malformedTlv );
-   EXPECT_EQ( pw.now(), 0u );
-   auto const badP2mp = fecOf( "06 0001 04 0a000001 0001" );
-   EXPECT_EQ( badP2mp->statusCode(), malformedTlv );
-   EXPECT_EQ( p2mp.now(), 0u );
-   EXPECT_EQ( fecs.now(), 2u );
-}
-
 TEST( Allocation, parserKeepsThePacketOfItsViews ) {
    Alive const packets( Lumo::Pkt::allocTrack() );
    auto packet = msgPkt( msg( LdpHello, 7, { tlv( commonHelloTlv, "000f 0000" ) } ) );

@@ -142,36 +142,6 @@ void expectText( Value const & value, char const * text ) {
    }
 }
 
-TEST( BitFields, text ) {
-   expectText( LdpCommonHelloTargetField( 0xc001 ),
-               "Value('Ldp::LdpCommonHelloTargetField', ** {'v0': 192, 'v1': 1})" );
-   expectText( LdpFtSessionFlags( 0x8001 ), "Value('Ldp::LdpFtSessionFlags', ** {'v0': 128, 'v1': 1})" );
-   expectText( LdpPwVccvParamField( 0x0102 ), "Value('Ldp::LdpPwVccvParamField', ** {'v0': 1, 'v1': 2})" );
-   expectText( LdpFecTlvPwIdElementHdrTypeField( 0x8005 ),
-               "Value('Ldp::LdpFecTlvPwIdElementHdrTypeField', ** {'v0': 128, 'v1': 5})" );
-   expectText( LdpGenLabelTlvLabel( 0x01020304 ),
-               "Value('Ldp::LdpGenLabelTlvLabel', ** {'v0': 1, 'v1': 2, 'v2': 3, 'v3': 4})" );
-   expectText( LdpStatusTlvStatusCode( 0x80000028 ),
-               "Value('Ldp::LdpStatusTlvStatusCode', ** {'v0': 128, 'v1': 0, 'v2': 0, 'v3': 40})" );
-   expectText( LdpPwStatusField( 0x00000021 ),
-               "Value('Ldp::LdpPwStatusField', ** {'v0': 0, 'v1': 0, 'v2': 0, 'v3': 33})" );
-   // A word of flags that is no integer of the wire shows them by name.
-   expectText(
-        LdpPwIntfParamFlags( 0x15 ),
-        "Value('Ldp::LdpPwIntfParamFlags', ** {'intfMtu': True, 'intfDesc': False, 'requestedVlanId': True, "
-        "'fragIndicator': False, 'vccvParam': True})" );
-   // Fields of one octet are plain numbers, and so is a record of one number.
-   expectText( LdpFecTlvElementHdrTypeField( 128 ), "128" );
-   expectText( LdpStateBit( 0x80 ), "128" );
-   expectText( LdpCommonSessionParamTlvAdField( 0xc0 ), "192" );
-   LdpFecTlvP2mpOpaqueLength length;
-   length.totalOpaqueLenIs( Lumo::NetU16( 258 ) );
-   expectText( length, "258" );
-   expectText( Lumo::NetU8( 255 ), "255" );
-   expectText( Lumo::NetU16( 0x0102 ), "258" );
-   expectText( Lumo::NetU32( 0xffffffff ), "4294967295" );
-}
-
 TEST( BitFields, flagWordHasARange ) {
    EXPECT_EQ( LdpPwIntfParamFlags( 0x1f ).value(), 0x1fu );
    LdpPwIntfParamFlags flags( 3 );
@@ -182,17 +152,6 @@ TEST( BitFields, flagWordHasARange ) {
       EXPECT_EQ( refused.message(), "LdpPwIntfParamFlags::value > 0x1f not allowed" );
    }
    EXPECT_EQ( flags, LdpPwIntfParamFlags( 3 ) );
-}
-
-TEST( BitFields, textFailureNamesTheAttribute ) {
-   LdpStatusTlvStatusCode status;
-   try {
-      Vorn::strepToValue( "Value('Ldp::LdpStatusTlvStatusCode', ** {'v0': 1, 'v1': 2, 'v2': 256, 'v3': 4})",
-                          &status );
-      FAIL() << "taken";
-   } catch ( Vorn::RangeException const & refused ) {
-      EXPECT_NE( refused.message().view().find( "v2" ), std::string_view::npos ) << refused.message();
-   }
 }
 
 } // namespace

@@ -21,14 +21,6 @@ inline std::string assertionOf( std::string_view text ) {
    return pattern + "' failed";
 }
 
-/// A message, and what its parser has to say of it.
-struct MsgRow {
-   char const * name;
-   Hex message;
-   Ldp::LdpStatusCode status;
-   char const * reason;
-};
-
 /// Offset of the messages under test: odd, so that no field is aligned, and not the packet's front, so that
 /// an offset counted from anywhere else shows.
 constexpr U32 msgOffset = 5;
@@ -44,22 +36,6 @@ using Factory = Vorn::Ptr< Parser > ( * )( Vorn::Ptr< Lumo::Pkt > const &, U32 )
 template< class Parser >
 Vorn::Ptr< Parser > parse( Factory< Parser > factory, std::string_view message ) {
    return factory( msgPkt( message ), msgOffset );
-}
-
-/// Every row gives its status and reason, and the text of a refused message is `prefix` and the reason.
-template< class Parser >
-void expectRows( Factory< Parser > factory, char const * prefix, std::vector< MsgRow > const & rows ) {
-   for ( MsgRow const & row : rows ) {
-      SCOPED_TRACE( row.name );
-      auto const parser = parse( factory, row.message );
-      EXPECT_EQ( parser->statusCode(), row.status );
-      EXPECT_EQ( parser->reason(), row.reason );
-      EXPECT_EQ( parser->validMsg(), row.status == Ldp::success );
-      EXPECT_TRUE( parser->initialized() );
-      if ( row.status != Ldp::success ) {
-         EXPECT_EQ( parser->stringValue(), Vorn::String( prefix ) + row.reason );
-      }
-   }
 }
 
 /// Where in its packet a view lies.

@@ -19,44 +19,7 @@ Vorn::Ptr< LdpFecTlvParser > parseFec( Hex const & tlvHex,
 }
 Vorn::Ptr< LdpFecTlvParser > fecOf( Hex const & value ) { return parseFec( tlv( fecTlv, value ) ); }
 
-struct Row {
-   char const * name;
-   Hex value;
-   LdpStatusCode status;
-   char const * reason;
-   char const * text;
-};
-
-void expectFecRows( std::vector< Row > const & rows ) {
-   for ( Row const & row : rows ) {
-      SCOPED_TRACE( row.name );
-      auto const parser = fecOf( row.value );
-      EXPECT_EQ( parser->statusCode(), row.status );
-      EXPECT_EQ( parser->valid(), row.status == success );
-      EXPECT_EQ( parser->reason(), row.reason );
-      EXPECT_EQ( parser->stringValue(), row.text );
-   }
-}
-
-TEST( FecTlvParser, elementsAndWildcards ) {
-   char const * const alone = "FEC TLV Wildcard Element must be the only FEC Element in the FEC TLV";
-   expectFecRows( {
-        { "no element", "", success, "", "[]" },
-        { "wildcard", "01", success, "", "[Wildcard]" },
-        { "wildcard twice", "01 01", unknownFec, alone, "[]" },
-        { "wildcard, then a prefix", "01 02 0001 08 0a", unknownFec, alone, "[]" },
-        { "prefix, then a wildcard: the prefix stays", "02 0001 08 0a 01", unknownFec, alone,
-          "[10.0.0.0/8]" },
-        { "wildcard in front of a bad element: the wildcard is told", "01 ff", unknownFec, alone, "[]" },
-        { "three prefixes", "02 0001 08 0a 02 0001 10 0a01 02 0001 18 0a0102", success, "",
-          "[10.0.0.0/8, 10.1.0.0/16, 10.1.2.0/24]" },
-        { "a fourth, broken", "02 0001 08 0a 02 0001 10 0a01 02 0001 18 0a0102 02 0001", malformedTlv,
-          "Invalid FEC Prefix Element: TLV value is too small", "[10.0.0.0/8, 10.1.0.0/16, 10.1.2.0/24]" },
-        { "P2MP behind a prefix", "02 0001 08 0a 06 0001 04 0a000001 0000", unknownFec,
-          "FEC TLV P2MP Element must be the only FEC Element in the FEC TLV", "[10.0.0.0/8]" },
-        { "P2MP behind a prefix, cut short", "02 0001 08 0a 06", unknownFec,
-          "FEC TLV P2MP Element must be the only FEC Element in the FEC TLV", "[10.0.0.0/8]" },
-   } );
+TEST( FecTlvParser, elementsOfOtherTypesAreUnknown ) {
    for ( U32 type = 0; type <= 255; ++type ) {
       if ( type == 1 || type == 2 || type == 3 || type == 6 || type == 128 ) continue;
       SCOPED_TRACE( type );
@@ -64,78 +27,6 @@ TEST( FecTlvParser, elementsAndWildcards ) {
       EXPECT_EQ( parser->statusCode(), unknownFec );
       EXPECT_EQ( parser->reason(), ( "Unhandled FEC TLV Element type 0x" + u8( type ) ).c_str() );
    }
-}
-
-TEST( FecTlvParser, prefixes ) {
-   char const * const small = "Invalid FEC Prefix Element: TLV value is too small";
-   expectFecRows( {
-        { "header of 1", "02", malformedTlv, small, "[]" },
-        { "header of 3", "02 0001", malformedTlv, small, "[]" },
-        { "0 bits take no octet", "02 0001 00", success, "", "[0.0.0.0/0]" },
-        { "0 bits, then another element", "02 0001 00 02 0002 00", success, "", "[0.0.0.0/0, ::/0]" },
-        { "1 bit", "02 0001 01 80", success, "", "[128.0.0.0/1]" },
-        { "8 bits", "02 0001 08 0a", success, "", "[10.0.0.0/8]" },
-        { "9 bits take 2 octets", "02 0001 09 0a80", success, "", "[10.128.0.0/9]" },
-        { "bits behind the length are cleared", "02 0001 09 0aff", success, "", "[10.128.0.0/9]" },
-        { "32 bits", "02 0001 20 0a000001", success, "", "[10.0.0.1/32]" },
-        { "33 bits in 5 octets", "02 0001 21 0a00000100", malformedTlv,
-          "Invalid FEC Prefix Element: PreLen 33 is too large for IPv4", "[]" },
-        { "33 bits in 4 octets", "02 0001 21 0a000001", malformedTlv,
-          "Invalid FEC Prefix Element: prefix bits: 33, remaining packet octets: 8", "[]" },
-        { "8 bits without an octet", "02 0001 08", malformedTlv,
-          "Invalid FEC Prefix Element: prefix bits: 8, remaining packet octets: 4", "[]" },
-        { "what remains counts from the element", "02 0001 08 0a 02 0001 ff 0a", malformedTlv,
-          "Invalid FEC Prefix Element: prefix bits: 255, remaining packet octets: 5", "[10.0.0.0/8]" },
-        { "255 bits in 32 octets", "02 0001 ff" + repeat( 32, 0 ), malformedTlv,
-          "Invalid FEC Prefix Element: PreLen 255 is too large for IPv4", "[]" },
-        { "IPv6 of 64 bits", "02 0002 40 20010db8 00000001", success, "", "[2001:db8:0:1::/64]" },
-        { "IPv6 of 128 bits", "02 0002 80 20010db8 00000000 00000000 00000001", success, "",
-          "[2001:db8::1/128]" },
-        { "129 bits in 17 octets", "02 0002 81" + repeat( 17, 0 ), malformedTlv,
-          "Invalid FEC Prefix Element: PreLen 129 is too large for IPv6", "[]" },
-        { "129 bits in 16 octets", "02 0002 81" + repeat( 16, 0 ), malformedTlv,
-          "Invalid FEC Prefix Element: prefix bits: 129, remaining packet octets: 20", "[]" },
-        { "family 3", "02 0003 18 0a0102", unsupportedAddressFamily,
-          "Invalid FEC Prefix Element address family 0x3", "[]" },
-        { "family 0", "02 0000 00", unsupportedAddressFamily, "Invalid FEC Prefix Element address family 0x0",
-          "[]" },
-        { "family 0xff01", "02 ff01 00", unsupportedAddressFamily,
-          "Invalid FEC Prefix Element address family 0xff01", "[]" },
-        { "size is judged before the family", "02 0003 18 0a01", malformedTlv,
-          "Invalid FEC Prefix Element: prefix bits: 24, remaining packet octets: 6", "[]" },
-   } );
-}
-
-TEST( FecTlvParser, hostAddresses ) {
-   char const * const small = "Invalid FEC Host Address Element: TLV value is too small";
-   // "Host Address" in some texts and "Host Addr" in others, each as tools that search logs know it.
-   expectFecRows( {
-        { "header of 3", "03 0001", malformedTlv, small, "[]" },
-        { "IPv4", "03 0001 04 0a000001", success, "", "[10.0.0.1/32]" },
-        { "IPv6", "03 0002 10 20010db8 00000000 00000000 00000001", success, "", "[2001:db8::1/128]" },
-        { "two of them", "03 0001 04 0a000001 03 0001 04 0a000002", success, "",
-          "[10.0.0.1/32, 10.0.0.2/32]" },
-        { "IPv4 of 3", "03 0001 03 0a0000", malformedTlv,
-          "Invalid FEC Host Addr Element: hostAddrLen 3 is not valid IPv4 size", "[]" },
-        { "IPv4 of 0", "03 0001 00", malformedTlv,
-          "Invalid FEC Host Addr Element: hostAddrLen 0 is not valid IPv4 size", "[]" },
-        { "IPv4 of 16", "03 0001 10" + repeat( 16, 0 ), malformedTlv,
-          "Invalid FEC Host Addr Element: hostAddrLen 16 is not valid IPv4 size", "[]" },
-        { "IPv4 of 32: octets and not bits", "03 0001 20" + repeat( 32, 0 ), malformedTlv,
-          "Invalid FEC Host Addr Element: hostAddrLen 32 is not valid IPv4 size", "[]" },
-        { "IPv6 of 4", "03 0002 04 0a000001", malformedTlv,
-          "Invalid FEC Host Addr Element: hostAddrLen 4 is not valid IPv6 size", "[]" },
-        { "IPv6 of 17", "03 0002 11" + repeat( 17, 0 ), malformedTlv,
-          "Invalid FEC Host Addr Element: hostAddrLen 17 is not valid IPv6 size", "[]" },
-        { "cut short", "03 0001 04 0a0000", malformedTlv,
-          "Invalid FEC Host Address Element: hostAddrLen: 4, remaining packet octets: 7", "[]" },
-        { "family 3", "03 0003 04 0a000001", unsupportedAddressFamily,
-          "Invalid FEC Host Address Element address family 0x3", "[]" },
-        { "size is judged before the family", "03 abcd ff 0a000001", malformedTlv,
-          "Invalid FEC Host Address Element: hostAddrLen: 255, remaining packet octets: 8", "[]" },
-        { "family 0xabcd", "03 abcd 00", unsupportedAddressFamily,
-          "Invalid FEC Host Address Element address family 0xabcd", "[]" },
-   } );
 }
 
 TEST( FecTlvParser, hostAndFullPrefixAreTheSameFec ) {

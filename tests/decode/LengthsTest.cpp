@@ -1,13 +1,15 @@
 // Every length field of every kind of message and TLV, and every truncation: what lies at the edges is judged
 // as it should be, nothing is read that is not there, and the guard says beforehand what ends the process.
 #include "Expect.h"
+#include "Table.h"
 
-#include "FatalOracle.h"
-#include "ReadAll.h"
+#include "support/FatalOracle.h"
+#include "support/ReadAll.h"
 
 #include "Ldp/LdpUtils.h"
 
 #include <cstdlib>
+#include <fstream>
 #include <unistd.h>
 
 using namespace Ldp;
@@ -18,27 +20,25 @@ namespace {
 /// What the message says of a TLV when its value is cut or filled up to that length.
 struct LengthRow {
    U32 length;
-   LdpStatusCode status;
-   std::string reason;
+   Verdict verdict;
 };
-using Rows = std::vector< LengthRow >;
 
 struct GoodTlv {
-   U32 type;
-   Hex value;
-   Rows rows;
+   Tlv tlv;
+   std::vector< LengthRow > rows;
 };
 
 struct GoodMsg {
-   char const * name;
+   std::string name;
    LdpMsgType type;
    std::vector< GoodTlv > tlvs;
 
-   /// The message with the TLVs' values as `resized` has them, by index.
+   /// The message with the TLV at `index`, if any, of another length.
    Hex hex( std::size_t index = ~std::size_t( 0 ), U32 length = 0 ) const {
       Hex all;
       for ( std::size_t i = 0; i < tlvs.size(); ++i ) {
-         all += tlv( tlvs[i].type, i == index ? first( length, tlvs[i].value ) : tlvs[i].value );
+         Tlv const & own = tlvs[i].tlv;
+         all += tlv( own.type, i == index ? first( length, own.value ) : own.value );
       }
       return msg( type, 7, { all } );
    }
@@ -46,176 +46,37 @@ struct GoodMsg {
    U32 tlvAt( std::size_t index ) const {
       U32 at = LdpMsgHdr::ldpMsgHdrSize;
       for ( std::size_t i = 0; i < index; ++i ) {
-         at += U32( sizeof( LdpTlvHdr ) + octetNum( tlvs[i].value ) );
+         at += U32( sizeof( LdpTlvHdr ) + octetNum( tlvs[i].tlv.value ) );
       }
       return at;
    }
 };
 
-Rows all( std::initializer_list< U32 > lengths, LdpStatusCode status, std::string const & reason ) {
-   Rows rows;
-   for ( U32 const length : lengths ) {
-      rows.push_back( { length, status, reason } );
-   }
-   return rows;
-}
-
-/// Lengths around the one that is allowed.
-Rows fixed( U32 length, LdpStatusCode status, std::string const & reason ) {
-   return length == 1 ? all( { 0, 2 }, status, reason )
-                      : all( { 0, 1, length - 1, length + 1 }, status, reason );
-}
-
-GoodTlv capability( LdpTlvType type, bool onlyOneOctet ) {
-   std::string const wrong = ( valueToStrep( type ) + " TLV is not the right size" ).charPtr();
-   GoodTlv tlv{ type | uBit, "80", { { 0, malformedTlv, wrong } } };
-   if ( onlyOneOctet ) {
-      tlv.rows.push_back( { 2, malformedTlv, wrong } );
-   } else {
-      tlv.rows.push_back( { 2, success, "" } );
-   }
-   return tlv;
-}
-
-std::vector< GoodTlv > capabilities() {
-   std::vector< GoodTlv > tlvs;
-   for ( LdpTlvType const type :
-         { dynamicCapabilityTlv, upstreamLabelAssignmentCapabilityTlv, p2mpCapabilityTlv, mp2mpCapabilityTlv,
-           mbbCapabilityTlv, typedWildcardFecCapabilityTlv, mrtCapabilityTlv,
-           unrecognizedNotificationCapabilityTlv } ) {
-      tlvs.push_back( capability( type, true ) );
-   }
-   for ( LdpTlvType const type : { multiTopologyCapabilityTlv, stateAdvertisementControlCapabilityTlv,
-                                   targetedApplicationCapabilityTlv } ) {
-      tlvs.push_back( capability( type, false ) );
-   }
-   return tlvs;
-}
-
-Hex const prefix = "02 0001 18 0a0102";
-Hex const host = "03 0001 04 0a010203";
-Hex const pwId = "80 8005 1b 00000001 00000064" // behind the PW ID 23 octets of interface parameters
-                 "01 04 05dc  03 05 616263  06 04 000a  09 04 0001  0c 04 0302  42 02";
-
-GoodTlv prefixFec() {
-   return { fecTlv,
-            prefix,
-            { { 0, success, "" },
-              { 1, malformedTlv, "Invalid FEC Prefix Element: TLV value is too small" },
-              { 6, malformedTlv, "Invalid FEC Prefix Element: prefix bits: 24, remaining packet octets: 6" },
-              { 8, unknownFec, "Unhandled FEC TLV Element type 0x00" } } };
-}
-
-GoodTlv pwFec( LengthRow const & empty ) {
-   return { fecTlv,
-            pwId,
-            { empty,
-              { 1, malformedTlv, "Invalid FEC PW ID Element: TLV is too small" },
-              { 34, malformedTlv, "Invalid FEC PW ID Element: TLV value is too small" },
-              { 36, unknownFec, "Unhandled FEC TLV Element type 0x00" } } };
-}
-
-GoodTlv addressList( Hex const & value ) {
-   auto const exact = U32( octetNum( value ) );
-   Rows rows = all( { 0, 1 }, unsupportedAddressFamily, "unsupportedAddressFamily" );
-   for ( LengthRow const & row : all( { 2, exact - 1, exact + 1 }, malformedTlv, "malformedTlv" ) ) {
-      rows.push_back( row );
-   }
-   return { addrListTlv, value, rows };
-}
-
-GoodTlv label() {
-   return { genLabelTlv, "00000064", fixed( 4, malformedTlv, "Invalid size for LdpGenLabelTlv" ) };
-}
-GoodTlv hopCount() {
-   return { hopCountTlv, "05", fixed( 1, malformedTlv, "Invalid size for LdpHopCountTlv" ) };
-}
-GoodTlv reqMsgId() {
-   return { labelReqMsgIdTlv, "00000005", fixed( 4, malformedTlv, "Invalid size for LdpLabelReqMsgIdTlv" ) };
-}
-GoodTlv pathVector() {
-   Rows rows = all( { 1, 7, 9 }, badTlvLength, "LdpPathVectorTlv validation failure" );
-   rows.push_back( { 0, malformedTlv, "Invalid size for LdpPathVectorTlv" } );
-   return { pathVectorTlv, "0a000001 0a000002", rows };
-}
-GoodTlv status( Hex const & data, char const * wrong ) {
-   return { statusTlv, data + "00000000 0000", fixed( 10, malformedTlv, wrong ) };
-}
-Hex const plainStatus = "0000000a", pwStatusOfStatus = "00000028";
-
+/// Those of lengths.txt.
 std::vector< GoodMsg > const & goodMsgs() {
-   static std::vector< GoodMsg > const msgs = [] {
-      char const * const badStatusSize = "Status TLV is not the right size";
-      char const * const badStatus = "Invalid size for LdpStatusTlv";
-      GoodTlv const hello{ commonHelloTlv, "000f c000",
-                           fixed( 4, malformedTlv, "Invalid size for LdpCommonHelloTlv" ) };
-      Rows ft;
-      for ( U32 const length : { 0u, 1u, 11u, 13u } ) {
-         ft.push_back( { length, malformedTlv,
-                         "LdpFtSession TLV is not the right size (" + std::to_string( length + 4 ) + ")" } );
+   static std::vector< GoodMsg > const read = [] {
+      std::vector< GoodMsg > msgs;
+      std::ifstream lines( LDP_TEST_EXPECTED "/../lengths.txt" );
+      for ( std::string line; std::getline( lines, line ); ) {
+         if ( line.empty() || line[0] == '#' ) continue;
+         Row const row( line );
+         if ( !line.starts_with( ' ' ) ) {
+            msgs.push_back( { row.name, {}, {} } );
+            Vorn::strepToValue( row.octets.c_str(), &msgs.back().type );
+         } else if ( line.find( '|' ) == std::string::npos ) {
+            msgs.back().tlvs.push_back( { tlvOf( row.name ), {} } );
+         } else {
+            std::istringstream lengths( row.name );
+            for ( U32 length; lengths >> length; )
+               msgs.back().tlvs.back().rows.push_back( { length, Verdict( row.octets ) } );
+         }
       }
-      std::vector< GoodTlv > init{
-         { commonSessionParamTlv, "0001 00b4 c0 20 1000 0a0000020000",
-           fixed( 14, malformedTlv, "LdpCommonSessionParamTlv TLV is not the right size" ) },
-         { ftSessionTlv, "8001 0000 00007530 0000ea60", ft },
-      };
-      for ( GoodTlv const & tlv : capabilities() ) {
-         init.push_back( tlv );
-      }
-      return std::vector< GoodMsg >{
-         { "Notification", LdpNotification, { status( plainStatus, badStatusSize ) } },
-         { "Notification of a pseudowire's status",
-           LdpNotification,
-           { status( pwStatusOfStatus, badStatusSize ),
-             { pwStatusTlv, "0000001f", fixed( 4, badTlvLength, "LdpPwStatusTlv validation failure" ) },
-             pwFec( { 0, missingMessageParams, "PW FEC TLV has no FEC elements" } ) } },
-         { "Hello, IPv4",
-           LdpHello,
-           { hello,
-             { ipv4TransportAddrTlv, "0a000001",
-               fixed( 4, malformedTlv, "Invalid size for LdpIpTransportAddrTlv" ) },
-             { configSeqNumTlv, "00000001",
-               fixed( 4, malformedTlv, "Invalid size for LdpConfigSeqNumTlv" ) } } },
-         { "Hello, IPv6",
-           LdpHello,
-           { hello,
-             { ipv6TransportAddrTlv, "20010db8" + repeat( 12, 1 ),
-               fixed( 16, malformedTlv, "Invalid size for LdpIp6TransportAddrTlv" ) } } },
-         { "Initialization", LdpInit, init },
-         { "KeepAlive", LdpKeepAlive, {} },
-         { "Capability", LdpCapability, capabilities() },
-         { "Address, IPv4", LdpAddress, { addressList( "0001 0a000001 0a000002" ) } },
-         { "Address, IPv6", LdpAddress, { addressList( "0002 20010db8" + repeat( 12, 1 ) ) } },
-         { "Address Withdraw", LdpAddressWithdraw, { addressList( "0001 0a000001" ) } },
-         { "Label Mapping",
-           LdpLabelMapping,
-           { prefixFec(),
-             label(),
-             reqMsgId(),
-             hopCount(),
-             pathVector(),
-             { pwStatusTlv, "00000000", fixed( 4, malformedTlv, "Invalid size for LdpPwStatusTlv" ) } } },
-         { "Label Mapping of a pseudowire", LdpLabelMapping, { pwFec( { 0, success, "" } ), label() } },
-         { "Label Request", LdpLabelRequest, { prefixFec(), hopCount(), pathVector() } },
-         { "Label Withdraw",
-           LdpLabelWithdraw,
-           { { fecTlv,
-               "01",
-               { { 0, success, "" },
-                 { 2, malformedTlv,
-                   "FEC TLV Wildcard Element must be the only FEC Element in the FEC TLV" } } },
-             label(),
-             status( plainStatus, badStatus ) } },
-         { "Label Release", // of a refused FEC, too
-           LdpLabelRelease,
-           { { fecTlv, host, all( { 0, 1, 7, 9 }, success, "" ) },
-             label(),
-             status( plainStatus, badStatus ) } },
-         { "Label Abort Request", LdpLabelAbortReq, { prefixFec(), reqMsgId() } },
-      };
+      return msgs;
    }();
-   return msgs;
+   return read;
 }
+
+Hex const pwStatusOfStatus = "00000028";
 
 Vorn::Ptr< LdpMsgParser > parseMsg( LdpMsgType type, Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset ) {
    if ( type == LdpCapability ) return ldpCapabilityMsgParserFactory( pkt, offset );
@@ -265,6 +126,7 @@ bool firstMsgIsGood( LdpMsgType type, Octets const & octets ) {
 } // namespace
 
 TEST( Lengths, GoodMessagesAreGood ) {
+   ASSERT_EQ( goodMsgs().size(), 16u );
    for ( GoodMsg const & good : goodMsgs() ) {
       SCOPED_TRACE( good.name );
       auto const packet = msgPkt( good.hex() );
@@ -272,6 +134,13 @@ TEST( Lengths, GoodMessagesAreGood ) {
       EXPECT_EQ( parser->statusCode(), success ) << parser->reason();
       EXPECT_EQ( parser->type(), good.type );
       EXPECT_EQ( parser->tlvNum(), good.tlvs.size() );
+      // Of a Capability the dispatch leaves the typed one to its user.
+      bool const plain = good.type == LdpKeepAlive || good.type == LdpCapability;
+      auto const & type = *ldpMsgParserGet( packet, msgOffset )->fwkType();
+      EXPECT_EQ( type.name,
+                 "Ldp::" + ( plain ? "LdpMsg" : Hex( valueToStrep( good.type ).charPtr() ) + "Msg" ) +
+                      "Parser" );
+      EXPECT_TRUE( type.isDerived( &LdpMsgParser::_vornType ) );
       readMsg( *parser );
       EXPECT_FALSE( readBehindGuard( pduOf( good.hex() ) ) );
       EXPECT_TRUE( firstMsgIsGood( good.type, pduOf( good.hex() ) ) );
@@ -282,12 +151,12 @@ TEST( Lengths, TlvValueOfOtherLength ) {
    for ( GoodMsg const & good : goodMsgs() ) {
       for ( std::size_t i = 0; i < good.tlvs.size(); ++i ) {
          for ( LengthRow const & row : good.tlvs[i].rows ) {
-            SCOPED_TRACE( std::string( good.name ) + ", TLV " + std::to_string( i ) + " of length " +
+            SCOPED_TRACE( good.name + ", TLV " + std::to_string( i ) + " of length " +
                           std::to_string( row.length ) );
             auto const parser = parseMsg( good.type, msgPkt( good.hex( i, row.length ) ), msgOffset );
-            EXPECT_EQ( parser->statusCode(), row.status );
-            bool const goodInit = good.type == LdpInit && row.status == success;
-            EXPECT_EQ( parser->reason(), goodInit ? "success" : row.reason.c_str() );
+            EXPECT_EQ( parser->statusCode(), row.verdict.status );
+            bool const goodInit = good.type == LdpInit && row.verdict.status == success;
+            EXPECT_EQ( parser->reason(), goodInit ? "success" : row.verdict.reason.c_str() );
             readMsg( *parser );
             EXPECT_FALSE( readBehindGuard( pduOf( good.hex( i, row.length ) ) ) );
          }
@@ -299,7 +168,7 @@ TEST( Lengths, MessageLengthAlone ) {
    for ( GoodMsg const & good : goodMsgs() ) {
       auto const exact = U32( octetNum( good.hex() ) ) - 4;
       for ( U32 const length : { 0u, 1u, exact - 1, exact + 1, 65531u, 65532u, 65533u, 65534u, 65535u } ) {
-         SCOPED_TRACE( std::string( good.name ) + " of length " + std::to_string( length ) );
+         SCOPED_TRACE( good.name + " of length " + std::to_string( length ) );
          Octets packet = octets( repeat( msgOffset, 0xff ) + good.hex() );
          lengthIs( packet, msgOffset, length );
          auto const parser = parseMsg( good.type, pkt( packet ), msgOffset );
@@ -323,7 +192,7 @@ TEST( Lengths, MessageLengthInPdu ) {
    for ( GoodMsg const & good : goodMsgs() ) {
       auto const exact = U32( octetNum( good.hex() ) ) - 4;
       for ( U32 const length : { 0u, 1u, exact - 1, exact + 1, 65531u, 65533u, 65534u, 65535u } ) {
-         SCOPED_TRACE( std::string( good.name ) + " of length " + std::to_string( length ) );
+         SCOPED_TRACE( good.name + " of length " + std::to_string( length ) );
          Octets packet = pduOf( good.hex() );
          lengthIs( packet, pduHdr, length );
          EXPECT_FALSE( readBehindGuard( packet ) );
@@ -335,10 +204,10 @@ TEST( Lengths, MessageLengthInPdu ) {
 TEST( Lengths, TlvLengthInMessage ) {
    for ( GoodMsg const & good : goodMsgs() ) {
       for ( std::size_t i = 0; i < good.tlvs.size(); ++i ) {
-         auto const exact = U32( octetNum( good.tlvs[i].value ) );
+         auto const exact = U32( octetNum( good.tlvs[i].tlv.value ) );
          for ( U32 const length : { 0u, 1u, exact - 1, exact + 1, 65531u, 65533u, 65534u, 65535u } ) {
             if ( length == exact || length > 65535 ) continue;
-            SCOPED_TRACE( std::string( good.name ) + ", TLV " + std::to_string( i ) + " of length " +
+            SCOPED_TRACE( good.name + ", TLV " + std::to_string( i ) + " of length " +
                           std::to_string( length ) );
             Octets packet = pduOf( good.hex() );
             lengthIs( packet, pduHdr + good.tlvAt( i ), length );
@@ -362,7 +231,7 @@ TEST( LengthsDeathTest, WrappedMessage ) {
 TEST( LengthsDeathTest, WrappedTlv ) {
    for ( GoodMsg const & good : goodMsgs() ) {
       for ( std::size_t i = 0; i < good.tlvs.size(); ++i ) {
-         SCOPED_TRACE( std::string( good.name ) + ", TLV " + std::to_string( i ) );
+         SCOPED_TRACE( good.name + ", TLV " + std::to_string( i ) );
          Octets packet = pduOf( good.hex() );
          U32 const at = pduHdr + good.tlvAt( i );
          lengthIs( packet, at, 65532 );
@@ -413,7 +282,7 @@ TEST( Lengths, TruncatedMessageAlone ) {
    for ( GoodMsg const & good : goodMsgs() ) {
       Octets const whole = octets( repeat( msgOffset, 0xff ) + good.hex() );
       for ( std::size_t size = msgOffset; size < whole.size(); ++size ) {
-         SCOPED_TRACE( std::string( good.name ) + ", octets left: " + std::to_string( size - msgOffset ) );
+         SCOPED_TRACE( good.name + ", octets left: " + std::to_string( size - msgOffset ) );
          Octets packet( whole.begin(), whole.begin() + std::ptrdiff_t( size ) );
          auto const parser = parseMsg( good.type, pkt( packet ), msgOffset );
          bool const header = size >= msgOffset + LdpMsgHdr::ldpMsgHdrSize;
@@ -434,7 +303,7 @@ TEST( Lengths, TruncatedPdu ) {
    for ( GoodMsg const & good : goodMsgs() ) {
       Octets const whole = pduOf( good.hex() );
       for ( std::size_t size = 1; size < whole.size(); ++size ) {
-         SCOPED_TRACE( std::string( good.name ) + ", octets left: " + std::to_string( size ) );
+         SCOPED_TRACE( good.name + ", octets left: " + std::to_string( size ) );
          Octets packet( whole.begin(), whole.begin() + std::ptrdiff_t( size ) );
          EXPECT_FALSE( readBehindGuard( packet ) );
          auto const parser = ldpPduParserFactory( pkt( packet ), 0 );

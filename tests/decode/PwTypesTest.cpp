@@ -20,72 +20,15 @@ Vorn::String octets( char const ( &literal )[size] ) {
    return Vorn::String( literal, size - 1 );
 }
 
-TEST( PwFwdEqvClass, textBothWays ) {
-   PwFwdEqvClass const fec( PseudowireId( 100 ), Pseudowire::pwTypeRaw, true );
-   EXPECT_EQ( fec.stringValue(), "pw100:pwTypeRaw:cbit1" );
-   EXPECT_EQ( valueToStrep( fec ), "pw100:pwTypeRaw:cbit1" );
-   EXPECT_EQ( fec.pwTypeValue(), 5u );
-   std::ostringstream out;
-   out << fec;
-   EXPECT_EQ( out.str(), "pw100:pwTypeRaw:cbit1" );
-   // Every type, with a name or without.
-   for ( U32 type = 0; type <= 40; ++type ) {
-      for ( bool const controlWord : { false, true } ) {
-         PwFwdEqvClass const value( PseudowireId( 0xffffffff ), PseudowireType( type ), controlWord );
-         Vorn::String const text = value.stringValue();
-         SCOPED_TRACE( text );
-         // No colon within a part.
-         EXPECT_EQ( std::ranges::count( text.view(), ':' ), 2 );
-         PwFwdEqvClass read;
-         read.stringValueIs( text );
-         EXPECT_EQ( read, value );
-         PwFwdEqvClass again;
-         Vorn::strepToValue( text, &again );
-         EXPECT_EQ( again, value );
-      }
-   }
-}
-
-TEST( PwFwdEqvClass, readerIsStrict ) {
-   PwFwdEqvClass read( PseudowireId( 1 ), Pseudowire::pwTypeRaw, true );
-   PwFwdEqvClass const before = read;
-   for ( char const * bad : { "",
-                              "pw",
-                              "pw:pwTypeRaw:cbit1",
-                              "100:pwTypeRaw:cbit1",
-                              "px100:pwTypeRaw:cbit1",
-                              "Pw100:pwTypeRaw:cbit1",
-                              "pw100",
-                              "pw100:",
-                              "pw100:pwTypeRaw",
-                              "pw100:pwTypeRaw:",
-                              "pw100::cbit1",
-                              "pw100:pwTypeRaw:cbit",
-                              "pw100:pwTypeRaw:cbit2",
-                              "pw100:pwTypeRaw:cbit10",
-                              "pw100:pwTypeRaw:cbit1:",
-                              "pw100:pwTypeRaw:cbit1:x",
-                              "pw100:pwTypeRaw:cbit1 ",
-                              " pw100:pwTypeRaw:cbit1",
-                              "pw100:pwTypeRaw:Cbit1",
-                              "pw-1:pwTypeRaw:cbit1",
-                              "pw4294967296:pwTypeRaw:cbit1",
-                              "pw0x1:pwTypeRaw:cbit1",
-                              "pw100:raw:cbit1",
-                              "pw100:pwTypeRa:cbit1",
-                              "pw100:pwTypeRaw,cbit1" } ) {
-      SCOPED_TRACE( bad );
-      try {
-         read.stringValueIs( bad );
-         FAIL() << "taken";
-      } catch ( Vorn::RangeException const & refused ) {
-         EXPECT_EQ( refused.message(), "Invalid PwFwdEqvClass" );
-      }
-      EXPECT_EQ( read, before );
-   }
-   for ( char const * bad :
-         { "", "pw100:pwTypeRaw:cbit2", "100:pwTypeRaw:cbit1", "pw100:pwTypeRaw:cbit1:" } ) {
-      EXPECT_THROW( Vorn::strepToValue( bad, &read ), Vorn::RangeException ) << bad;
+TEST( PwFwdEqvClass, textOfEveryTypeReadsBack ) {
+   EXPECT_EQ( PwFwdEqvClass( PseudowireId( 100 ), Pseudowire::pwTypeRaw, true ).pwTypeValue(), 5u );
+   for ( U32 type = 0; type <= 40; ++type ) { // with a name or without
+      PwFwdEqvClass const value( PseudowireId( 0xffffffff ), PseudowireType( type ), type % 2 );
+      Vorn::String const text = value.stringValue();
+      EXPECT_EQ( std::ranges::count( text.view(), ':' ), 2 ) << text; // none within a part
+      PwFwdEqvClass read;
+      read.stringValueIs( text );
+      EXPECT_EQ( read, value ) << text;
    }
 }
 
@@ -139,27 +82,6 @@ TEST( PwFwdEqvClassParams, text ) {
    EXPECT_EQ( read, params() );
    EXPECT_TRUE( !PwFwdEqvClassParams() );
    EXPECT_FALSE( !params() );
-}
-
-TEST( PwFwdEqvClassParams, readerNamesTheBadAttribute ) {
-   std::string const good = paramsStrep;
-   for ( auto const & [from, to, attribute] : { std::tuple{ "4094", "4095", "requestedVlanId" },
-                                                { "True", "true", "fragCapable" },
-                                                { "65", "256", "vccvCcTypes" },
-                                                { "1500", "4294967296", "mtu" },
-                                                { "1500", "-1", "mtu" } } ) {
-      std::string bad = good;
-      bad.replace( bad.find( from ), std::strlen( from ), to );
-      SCOPED_TRACE( bad );
-      PwFwdEqvClassParams read;
-      try {
-         Vorn::strepToValue( bad.c_str(), &read );
-         FAIL() << "taken";
-      } catch ( Vorn::RangeException const & refused ) {
-         EXPECT_NE( refused.message().view().find( attribute ), std::string_view::npos ) << refused.message();
-      }
-      EXPECT_TRUE( !read );
-   }
 }
 
 TEST( PwFwdEqvClassInfo, textAndParts ) {

@@ -1,6 +1,6 @@
 // The types of the decoders as reflection shows them: their records are as expected/*.txt has them, and what
 // the operations of each kind of attribute promise.
-#include "support/ExpectedTypes.h"
+#include "Reflected.h"
 
 #include "Ldp/LdpUtils.h"
 #include "Vorn/GenericIf.h"
@@ -19,7 +19,6 @@ using Vorn::VornAttr;
 using Vorn::VornKind;
 using Vorn::VornType;
 using Vorn::GenericIf::Value;
-namespace GenericIf = Vorn::GenericIf;
 
 std::map< ExpectedForm, U32 > const flags{ { ExpectedForm::wire, 0x0000ffff },
                                            { ExpectedForm::overlay, 0x0000ffff },
@@ -76,66 +75,13 @@ constexpr U8 mapping[] = { 0xee, 0xee,                                          
                            0x01, 0x04, 0x00, 0x08, 0x01, 0x01, 0x01, 0x01, 0x02, 0x02, 0x02, 0x02 };
 constexpr U32 start = 2, hopCountAt = 27;
 
-// An object or view that is known by its record alone.
-class Thing {
- public:
-   Thing( Ptr< PtrInterface > const & object )
-        : keep_( object ), at_( object.ptr() ), type_( *object->fwkType() ) {}
-   Thing( void * at, VornType const & type ) : at_( at ), type_( type ) {}
-
-   // Made by its factory over the first octets of the packet.
-   static Thing made( char const * type, U32 offset, std::size_t octets = sizeof mapping ) {
-      Ptr< PtrInterface > const pkt = Lumo::pktFactory( mapping, octets );
-      void const * const args[] = { &pkt, &offset };
-      Ptr< PtrInterface > object;
-      typeOf( type ).genericIfConstructFromCtorArgs( &object, args );
-      return object;
-   }
-
-   U32 op( char const * attr, U32 op, void * result, void const * key, void const * arg ) const {
-      return GenericIf::attributeOp( type_, result, at_, *type_.attribute( attr ), op, key, &arg );
-   }
-   std::string text( char const * attr ) const {
-      return GenericIf::attributeText( at_, type_, *type_.attribute( attr ) ).charPtr();
-   }
-   U32 write( char const * attr, char const * text ) const {
-      Value value( type_.attribute( attr )->type );
-      value.stringValueIs( text );
-      return op( attr, GenericIf::write, nullptr, nullptr, value.data() );
-   }
-   Thing child( char const * attr ) const {
-      Ptr< PtrInterface > object;
-      EXPECT_EQ( op( attr, GenericIf::read, &object, nullptr, nullptr ), GenericIf::done );
-      return object;
-   }
-   Thing view( char const * attr ) const {
-      Vorn::NrcPtrInterface const * view = nullptr;
-      EXPECT_EQ( op( attr, GenericIf::read, &view, nullptr, nullptr ), GenericIf::done );
-      return { const_cast< Vorn::NrcPtrInterface * >( view ), *type_.attribute( attr )->type };
-   }
-   explicit operator bool() const { return at_; }
-   // Keys and members of a walk.
-   std::string walk( char const * name ) const {
-      VornAttr const & attr = *type_.attribute( name );
-      std::string seen;
-      for ( GenericIf::Iterator it( at_, attr ); it; it.advance() ) {
-         Value key( attr.keyType ), member( attr.type );
-         it.key( key.data() );
-         it.object( member.data() );
-         seen += std::string( seen.empty() ? "" : " " ) + key.stringValue().charPtr() + "=" +
-                 member.stringValue().charPtr();
-      }
-      return seen;
-   }
-
- private:
-   Ptr< PtrInterface > keep_;
-   void * at_;
-   VornType const & type_;
-};
+// Over the first octets of that packet.
+Reflected made( char const * type, U32 offset, std::size_t octets = sizeof mapping ) {
+   return Reflected::made( type, Lumo::pktFactory( mapping, octets ), offset );
+}
 
 TEST( Records, AMessageIsReadByRecordsAlone ) {
-   Thing const parser = Thing::made( "Ldp::LdpLabelMappingMsgParser", start );
+   Reflected const parser = made( "Ldp::LdpLabelMappingMsgParser", start );
    EXPECT_EQ( parser.text( "validMsg" ), "True" );
    EXPECT_EQ( parser.text( "msgId" ), "7" );
    EXPECT_EQ( parser.walk( "tlvOffset" ), "0=10 1=19 2=27 3=32" );
@@ -144,20 +90,20 @@ TEST( Records, AMessageIsReadByRecordsAlone ) {
    EXPECT_EQ( parser.view( "msgGenLabelTlv" ).text( "type" ), "genLabelTlv" ) << "of the base";
    EXPECT_EQ( parser.view( "msgPathVectorTlv" ).walk( "lsrId" ), "0=1.1.1.1 1=2.2.2.2" );
    EXPECT_FALSE( parser.view( "msgPwStatusTlv" ) );
-   Thing const fec = parser.child( "ldpFecTlvParser" );
+   Reflected const fec = parser.child( "ldpFecTlvParser" );
    EXPECT_EQ( fec.walk( "fecElement" ), "0=Ldp::LdpFecTlvPrefixElement" );
    U32 const first = 0;
    Ptr< PtrInterface > element;
    EXPECT_EQ( fec.op( "fecElement", GenericIf::read, &element, &first, nullptr ), GenericIf::done );
-   EXPECT_EQ( Thing( element ).text( "fwdEqvCls" ), "10.0.0.0/8" );
+   EXPECT_EQ( Reflected( element ).text( "fwdEqvCls" ), "10.0.0.0/8" );
    Value other( &Ldp::PwFwdEqvClassInfo::_vornType );
-   EXPECT_EQ( Thing( element ).op( "pwFwdEqvCls", GenericIf::read, other.data(), nullptr, nullptr ),
+   EXPECT_EQ( Reflected( element ).op( "pwFwdEqvCls", GenericIf::read, other.data(), nullptr, nullptr ),
               GenericIf::notApplicable )
         << "it is of another kind, and nothing asserts";
 }
 
 TEST( Records, WhatReflectionMayWriteAndCall ) {
-   Thing const parser = Thing::made( "Ldp::LdpLabelMappingMsgParser", start );
+   Reflected const parser = made( "Ldp::LdpLabelMappingMsgParser", start );
    EXPECT_EQ( parser.write( "statusCode", "shutdown" ), GenericIf::done );
    EXPECT_EQ( parser.text( "validMsg" ), "False" );
    for ( char const * attr : { "offset", "msgId", "validMsg" } ) {
@@ -171,11 +117,11 @@ TEST( Records, WhatReflectionMayWriteAndCall ) {
    EXPECT_EQ( parser.op( "tlvOffset", GenericIf::read, &offset, &at, nullptr ), GenericIf::notApplicable )
         << "behind the last";
    Ldp::LdpStatusCode status = Ldp::internalError;
-   Thing const tlv = Thing::made( "Ldp::LdpHopCountTlvParser", hopCountAt );
+   Reflected const tlv = made( "Ldp::LdpHopCountTlvParser", hopCountAt );
    EXPECT_EQ( tlv.op( "validate", GenericIf::read, &status, nullptr, nullptr ), GenericIf::notApplicable );
    EXPECT_EQ( tlv.op( "validate", GenericIf::write, &status, nullptr, nullptr ), GenericIf::done );
    EXPECT_EQ( status, Ldp::success );
-   Thing const group = parser.child( "tlvGroupParser" );
+   Reflected const group = parser.child( "tlvGroupParser" );
    U32 const first = 0;
    EXPECT_EQ( group.op( "tlvOffset", GenericIf::del, &offset, &first, nullptr ), GenericIf::done );
    EXPECT_EQ( offset, 10u );
@@ -187,11 +133,10 @@ TEST( Records, WhatReflectionMayWriteAndCall ) {
 TEST( Records, NothingReachesBehindThePacket ) {
    for ( std::size_t octets = start; octets <= start + 8; ++octets ) {
       bool const whole = octets == start + 8;
-      EXPECT_EQ( bool( Thing::made( "Ldp::LdpMsgParser", start, octets ).view( "msgHdr" ) ), whole )
-           << octets;
+      EXPECT_EQ( bool( made( "Ldp::LdpMsgParser", start, octets ).view( "msgHdr" ) ), whole ) << octets;
    }
    for ( std::size_t octets = hopCountAt; octets <= hopCountAt + 5; ++octets ) {
-      Thing const tlv = Thing::made( "Ldp::LdpHopCountTlvParser", hopCountAt, octets );
+      Reflected const tlv = made( "Ldp::LdpHopCountTlvParser", hopCountAt, octets );
       bool const whole = octets == hopCountAt + 5;
       EXPECT_EQ( bool( tlv.view( "header" ) ), octets >= hopCountAt + 4 ) << octets;
       EXPECT_EQ( tlv.text( "hopCount" ), whole ? "5" : "0" );

@@ -4,8 +4,8 @@
 #include "Expect.h"
 
 #include "Ldp/LdpUtils.h"
-#include "ReadAll.h"
 #include "Vorn/GenericIf.h"
+#include "support/ReadAll.h"
 
 using namespace Ldp;
 using namespace Wire;

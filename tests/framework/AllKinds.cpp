@@ -7,12 +7,6 @@ VORN_RECORD( Test, Leaf )
 VORN_RECORD( Test, Member )
 VORN_RECORD( Test, Everything )
 VORN_RECORD( Test, Derived )
-VORN_MODULE( &Leaf::_vornType, &Member::_vornType, &Everything::_vornType, &Derived::_vornType )
-
-Leaf::~Leaf() = default;
-Member::~Member() = default;
-Everything::~Everything() = default;
-Derived::~Derived() = default;
 
 Vorn::String Everything::motto() const { return "plain"; }
 

@@ -9,11 +9,9 @@ namespace Test {
 /// A child that is made from its name.
 class Leaf : public Vorn::Entity {
    VORN_ENTITY( Leaf, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Size ); )
 
  public:
    explicit Leaf( Vorn::Name const & name ) : name_( name ) {}
-   ~Leaf() override;
 
    VORN_NAME;
    VORN_MUTABLE( 0x102, U32, size, Size, replicated ) = 7;
@@ -27,12 +25,10 @@ VORN_FACTORY( Leaf, leafFactory )
 /// first of them.
 class Member : public Vorn::Entity {
    VORN_ENTITY( Member, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Weight ); )
    VORN_CTOR_TYPES( U16, U32, U32 )
 
  public:
    Member( U16 port, U32 id, U32 weight ) : port_( port ), id_( id ), weight_( weight ) {}
-   ~Member() override;
 
    VORN_CTOR_ARG( 0x102, U16, port );
    VORN_KEY( 0x103, U32, id );
@@ -50,15 +46,9 @@ struct LeafName {
 /// Every kind of attribute.
 class Everything : public Vorn::Entity {
    VORN_ENTITY( Everything, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Number ); VORN_ON( Ratio ); VORN_ON( Text ); VORN_ON( Count ); VORN_ON( Child );
-                  VORN_ON_KEYED( Vorn::Name, Leaf ); VORN_ON_KEYED( U32, Member );
-                  VORN_ON_KEYED( U32, Score ); VORN_ON_KEYED( U32, Tally ); VORN_ON_KEYED( Vorn::Name, Tag );
-                  VORN_ON( Pal ); VORN_ON_KEYED( U32, Beside ); VORN_ON_KEYED( Vorn::Name, Inside );
-                  VORN_ON_KEYED( U32, Event ); )
 
  public:
    explicit Everything( Vorn::Name const & name ) : name_( name ) {}
-   ~Everything() override;
 
    VORN_NAME;
    VORN_MUTABLE( 0x102, U32, number, Number, replicated ) = 0;
@@ -89,13 +79,13 @@ VORN_FACTORY( Everything, everythingFactory )
 /// A type with a base of its own: its ids begin further up.
 class Derived : public Everything {
    VORN_ENTITY( Derived, Everything )
-   VORN_NOTIFIEE( VORN_ON( Extra ); )
 
  public:
    explicit Derived( Vorn::Name const & name ) : Everything( name ) {}
-   ~Derived() override;
 
    VORN_MUTABLE( 0x182, U32, extra, Extra, replicated ) = 3;
+
+   VORN_BASE_OBSERVERS;
 };
 VORN_FACTORY( Derived, derivedFactory )
 

@@ -132,22 +132,6 @@ TEST_F( CoreTest, releasedReferenceIsTheCallers ) {
    EXPECT_EQ( Probe::log.back(), "a destroyed" );
 }
 
-TEST_F( CoreTest, countsAreAtomicWhereAskedFor ) {
-   Vorn::VFPtrInterface::threadSafePointers_ = true;
-   {
-      auto const a = Vorn::newObject< Probe >( "a" );
-      Ptr< Probe > b = a;
-      EXPECT_EQ( a->references(), 2u );
-      b = nullptr;
-      EXPECT_EQ( a->references(), 1u );
-      String const text = "shared";
-      String const copy = text;
-      EXPECT_EQ( copy, "shared" );
-   }
-   Vorn::VFPtrInterface::threadSafePointers_ = false;
-   EXPECT_EQ( Probe::log.back(), "a destroyed" );
-}
-
 TEST_F( CoreTest, liveObjectsAreCountedByType ) {
    auto const & track = Probe::allocTrack();
    U64 const objects = track.objects();

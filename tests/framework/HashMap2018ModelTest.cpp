@@ -1,28 +1,18 @@
 // The node hash map against a plain model, with iterators held across everything that is done to it.
 
+#include "AnyOperations.h"
+
 #include "HashMap2018Kinds.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <map>
 #include <memory>
-#include <rapidcheck.h>
 #include <set>
 #include <vector>
 
 namespace Test {
 namespace {
-
-/// One random operation. Numbers are taken modulo what exists.
-struct Op {
-   U32 what;
-   U32 number;
-   U32 token;
-};
-
-void showValue( Op const & op, std::ostream & out ) {
-   out << "{ " << op.what << ", " << op.number << ", " << op.token << " }";
-}
 
 /// A map, a model of it, and iterators with what they have seen and must still see.
 template< class K >
@@ -222,19 +212,7 @@ using Kinds = testing::Types< Offsets, SevenBytes, Wide, OctetSet, Named, Things
 TYPED_TEST_SUITE( HashMap2018Model, Kinds );
 
 TYPED_TEST( HashMap2018Model, anyOperations ) {
-   EXPECT_TRUE( rc::check( [] {
-      U32 const numbers = *rc::gen::element( 12u, 100u, 1000u );
-      auto const op = rc::gen::build< Op >( rc::gen::set( &Op::what, rc::gen::inRange( 0u, 16u ) ),
-                                            rc::gen::set( &Op::number, rc::gen::inRange( 0u, numbers ) ),
-                                            rc::gen::set( &Op::token, rc::gen::inRange( 0u, 1000u ) ) );
-      auto const ops = *rc::gen::container< std::vector< Op > >( op );
-      Model< TypeParam > model( numbers );
-      for ( Op const & each : ops ) {
-         model.apply( each );
-         model.check();
-      }
-      model.finish();
-   } ) );
+   anyOperations< Model< TypeParam > >( 16, { 12, 100, 1000 } );
 }
 
 TYPED_TEST( HashMap2018Model, growsAndEmptiesUnderAWalk ) {

@@ -198,23 +198,6 @@ TEST( HashMap2018, destructorsMayUseTheMap ) {
    EXPECT_EQ( Restless::allocTrack().objects(), 0u );
 }
 
-TEST( HashMap2018, countsAtomicallyWhereAsked ) {
-   Vorn::VFPtrInterface::threadSafePointers_ = true;
-   {
-      Things::Map map;
-      for ( U32 i = 0; i < 200; ++i ) {
-         Things::put( map, i, i );
-      }
-      for ( auto const & node : map ) {
-         if ( node.key() % 2 ) map.del( node.key() );
-      }
-      EXPECT_EQ( map.members(), 100u );
-   }
-   Vorn::VFPtrInterface::threadSafePointers_ = false;
-   EXPECT_EQ( Thing::allocTrack().objects(), 0u );
-   EXPECT_EQ( Things::Map::bucketAllocTrack().objects(), 0u );
-}
-
 TEST( HashMap2018, crowdedWordsSplitWhenTheyMust ) {
    // These agree in so many bits that one bucket takes them all, up to what a bucket can hold.
    Kind< Chosen< denseWords >, U32 >::Map map;

@@ -3,7 +3,7 @@
 /// cut.
 #pragma once
 
-#include "framework/LogText.h"
+#include "support/LogText.h"
 
 #include "Vorn/NboAttrLog.h"
 

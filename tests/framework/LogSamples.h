@@ -3,8 +3,8 @@
 /// adjacencies on a connection.
 #pragma once
 
-#include "framework/LogKinds.h"
 #include "framework/LogPair.h"
+#include "support/LogKinds.h"
 
 #include "Ldp/LdpAdj.h"
 

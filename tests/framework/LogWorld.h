@@ -4,8 +4,8 @@
 #pragma once
 
 #include "framework/AllKinds.h"
-#include "framework/LogKinds.h"
 #include "framework/LogPair.h"
+#include "support/LogKinds.h"
 
 #include "Ldp/LdpAdj.h"
 

@@ -24,40 +24,40 @@ Ip6Addr ip6( std::initializer_list< U16 > groups ) {
    return addr;
 }
 
-/// The value prints as that text, on a stream too, and is read back from it.
-template< class Value >
-void expectText( Value const & value, char const * text ) {
-   SCOPED_TRACE( text );
-   EXPECT_EQ( valueToStrep( value ), text );
-   std::ostringstream out;
-   out << value;
-   EXPECT_EQ( out.str(), text );
-   Value read{};
-   Vorn::strepToValue( text, &read );
-   EXPECT_EQ( read, value );
+// That the texts are read back, and what is refused, is in the sweep over all values (model/texts.txt).
+TEST( Text, saysWhatTheValueIs ) {
+   using Fec = Mpls::FwdEqvClass;
+   auto const expect = []( auto const & value, char const * text ) {
+      std::ostringstream out;
+      out << value;
+      EXPECT_EQ( valueToStrep( value ), text );
+      EXPECT_EQ( out.str(), text );
+   };
+   expect( IpAddr( 0x0a000001 ), "10.0.0.1" );
+   expect( ip6( { 0xABCD, 0xEF01, 1, 2, 3, 4, 5, 6 } ), "abcd:ef01:1:2:3:4:5:6" ); // lower case
+   expect( ip6( { 0x2001, 0xdb8, 0, 0, 1, 0, 0, 1 } ), "2001:db8::1:0:0:1" );      // the first of equals
+   expect( IpGenAddr(), "none" );
+   expect( IpGenAddr( IpAddr() ), "0.0.0.0" );
+   expect( IpGenAddr( Ip6Addr() ), "::" );
+   expect( AddressFamily( 3 ), "3" );
+   expect( IpGenPrefix(), "none/0" );
+   expect( IpGenPrefix( IpAddr( 0x0a000000 ), 8 ), "10.0.0.0/8" );
+   expect( Fec(), "none/0" );
+   expect( Fec( IpGenPrefix( IpAddr( 0x0a000000 ), 8 ) ), "10.0.0.0/8" );
+   expect( Fec( 1, 0xffffffff ), "words(1,4294967295)" );
+   expect( Fec( IpGenAddr( IpAddr( 0x0a000001 ) ), 7 ), "p2mp(10.0.0.1,7)" );
+   expect( MplsLabel(), "1048576" );
 }
 
-/// The reader takes none of them, and the value stays as it was.
-template< class Value >
-void expectRefused( Value const & value, std::initializer_list< char const * > texts ) {
-   for ( char const * text : texts ) {
-      SCOPED_TRACE( text );
-      Value read = value;
-      EXPECT_THROW( Vorn::strepToValue( text, &read ), Vorn::RangeException );
-      EXPECT_EQ( read, value );
-   }
+TEST( FwdEqvClass, order ) {
+   using Fec = Mpls::FwdEqvClass;
+   EXPECT_TRUE( Fec( IpGenPrefix( IpAddr( 0xff000000 ), 8 ) ) < Fec( 0, 0 ) ); // by tag first
+   EXPECT_TRUE( Fec( 9, 9 ) < Fec( IpGenAddr(), 0 ) );
+   EXPECT_FALSE( Fec( 1, 0 ) == Fec( 0, 1 ) );
+   EXPECT_TRUE( MplsLabel( 15 ) < MplsLabel( 16 ) );
 }
 
 // ---- addresses ----
-
-TEST( IpAddr, text ) {
-   expectText( IpAddr(), "0.0.0.0" );
-   expectText( IpAddr( 0x0a000001 ), "10.0.0.1" );
-   expectText( IpAddr( 0xffffffff ), "255.255.255.255" );
-   expectRefused( IpAddr( 7 ),
-                  { "", "10", "10.0.0", "10.0.0.", "10.0.0.256", "10.0.0.1.2", "10.0.0.1 ", " 10.0.0.1",
-                    "10..0.1", "10.0.0.-1", "10.0.0.0001", "0x0a.0.0.1", "a.b.c.d", "none", "::" } );
-}
 
 TEST( IpAddr, octetsStandInNetworkOrder ) {
    IpAddr const addr( 0x01020304 );
@@ -67,24 +67,6 @@ TEST( IpAddr, octetsStandInNetworkOrder ) {
    EXPECT_EQ( IpAddr( 9 ).hash(), IpAddr( 9 ).hash() );
 }
 
-TEST( Ip6Addr, textIsTheCanonicalOne ) {
-   expectText( Ip6Addr(), "::" );
-   expectText( ip6( { 0, 0, 0, 0, 0, 0, 0, 1 } ), "::1" );
-   expectText( ip6( { 1, 0, 0, 0, 0, 0, 0, 0 } ), "1::" );
-   expectText( ip6( { 0x2001, 0xdb8, 0, 0, 0, 0, 2, 1 } ), "2001:db8::2:1" );
-   expectText( ip6( { 0x2001, 0xdb8, 0, 1, 1, 1, 1, 1 } ), "2001:db8:0:1:1:1:1:1" ); // one group is no gap
-   expectText( ip6( { 0x2001, 0, 0, 1, 0, 0, 0, 1 } ), "2001:0:0:1::1" );            // the longest
-   expectText( ip6( { 0x2001, 0xdb8, 0, 0, 1, 0, 0, 1 } ), "2001:db8::1:0:0:1" );    // the first of equals
-   expectText( ip6( { 0, 0, 1, 0, 0, 0, 1, 0 } ), "0:0:1::1:0" );
-   expectText( ip6( { 0, 0, 0, 1, 0, 0, 0, 1 } ), "::1:0:0:0:1" );
-   expectText( ip6( { 1, 0, 0, 1, 0, 0, 0, 0 } ), "1:0:0:1::" );
-   expectText( ip6( { 0xABCD, 0xEF01, 1, 2, 3, 4, 5, 6 } ), "abcd:ef01:1:2:3:4:5:6" ); // lower case
-   expectText( ip6( { 0x00a0, 1, 2, 3, 4, 5, 6, 0x0001 } ), "a0:1:2:3:4:5:6:1" );      // no leading zeros
-   expectText( ip6( { 1, 2, 3, 4, 5, 6, 0, 0 } ), "1:2:3:4:5:6::" );
-   expectText( ip6( { 0, 2, 3, 4, 5, 6, 7, 0 } ), "0:2:3:4:5:6:7:0" );
-   expectText( ip6( { 0, 0, 0, 0, 0, 0xffff, 0x0a00, 1 } ), "::ffff:a00:1" );
-}
-
 TEST( Ip6Addr, reader ) {
    Ip6Addr read;
    for ( char const * text : { "2001:DB8::1", "2001:0db8:0:0:0:0:0:1", "2001:db8:0::1", "2001:db8::0:1" } ) {
@@ -92,18 +74,9 @@ TEST( Ip6Addr, reader ) {
       Vorn::strepToValue( text, &read );
       EXPECT_EQ( read, ip6( { 0x2001, 0xdb8, 0, 0, 0, 0, 0, 1 } ) );
    }
-   expectRefused( ip6( { 1 } ),
-                  { "", ":", ":::", "1", "1:2:3:4:5:6:7", "1:2:3:4:5:6:7:8:9",
-                    "1:2:3:4:5:6:7:8::", "::1:2:3:4:5:6:7:8", "1::2::3", "1:2:3:4::5:6:7:8", ":1:2:3:4:5:6:7",
-                    "1:2:3:4:5:6:7:", "12345::", "g::", "::1 ", " ::1", "::-1", "10.0.0.1" } );
 }
 
 TEST( IpGenAddr, familyBelongsToTheValue ) {
-   expectText( IpGenAddr(), "none" );
-   expectText( IpGenAddr( IpAddr() ), "0.0.0.0" );
-   expectText( IpGenAddr( Ip6Addr() ), "::" );
-   expectText( IpGenAddr( IpAddr( 0x0a000001 ) ), "10.0.0.1" );
-   expectText( IpGenAddr( ip6( { 0x2001, 0xdb8, 0, 0, 0, 0, 0, 1 } ) ), "2001:db8::1" );
    EXPECT_FALSE( IpGenAddr() == IpGenAddr( IpAddr() ) );
    EXPECT_FALSE( IpGenAddr( IpAddr() ) == IpGenAddr( Ip6Addr() ) );
    EXPECT_EQ( IpGenAddr().hash(), IpGenAddr( IpAddr() ).hash() ); // hashes like it all the same
@@ -112,7 +85,6 @@ TEST( IpGenAddr, familyBelongsToTheValue ) {
    EXPECT_EQ( IpGenAddr( Vorn::String( "::" ) ).family(), ipv6 );
    EXPECT_EQ( IpGenAddr( Vorn::String( "0.0.0.0" ) ).family(), ipv4 );
    EXPECT_THROW( IpGenAddr( Vorn::String( "10.0.0.1 " ) ), Vorn::RangeException );
-   expectRefused( IpGenAddr( IpAddr( 7 ) ), { "", "non", "nones", "10.0.0", "1:2", "10.0.0.1:0" } );
 }
 
 TEST( IpGenAddr, ofAnotherFamilyItIsZero ) {
@@ -124,13 +96,6 @@ TEST( IpGenAddr, ofAnotherFamilyItIsZero ) {
    EXPECT_EQ( six.ip6Addr(), ip6( { 0x0a00, 1 } ) );
    EXPECT_TRUE( four < six ); // by family first
    EXPECT_TRUE( IpGenAddr( IpAddr( 1 ) ) < IpGenAddr( IpAddr( 2 ) ) );
-}
-
-TEST( AddressFamily, text ) {
-   expectText( noFamily, "noFamily" );
-   expectText( ipv4, "ipv4" );
-   expectText( ipv6, "ipv6" );
-   expectText( AddressFamily( 3 ), "3" );
 }
 
 // ---- prefixes ----
@@ -162,32 +127,6 @@ TEST( IpGenPrefix, equality ) {
    EXPECT_TRUE( IpGenPrefix( IpAddr( 0x0a000000 ), 9 ) < IpGenPrefix( IpAddr( 0x0b000000 ), 8 ) );
 }
 
-TEST( IpGenPrefix, text ) {
-   expectText( IpGenPrefix( IpAddr( 0x0a000000 ), 8 ), "10.0.0.0/8" );
-   expectText( IpGenPrefix( IpAddr( 0x0a000001 ), 32 ), "10.0.0.1/32" );
-   expectText( IpGenPrefix( IpAddr(), 0 ), "0.0.0.0/0" );
-   expectText( IpGenPrefix( ip6( { 0x2001, 0xdb8 } ), 32 ), "2001:db8::/32" );
-   expectText( IpGenPrefix( Ip6Addr(), 128 ), "::/128" );
-   expectText( IpGenPrefix(), "none/0" );
-   expectRefused( IpGenPrefix( IpAddr( 0x0a000000 ), 8 ),
-                  { "", "10.0.0.0", "10.0.0.0/", "10.0.0.0/33", "10.0.0.0/-1", "::/129", "none/1", "/8",
-                    "10.0.0.0 /8", "10.0.0.0/8 ", "10.0.0.0/8/8" } );
-}
-
-TEST( FwdEqvClass, text ) {
-   using Fec = Mpls::FwdEqvClass;
-   expectText( Fec(), "none/0" );
-   expectText( Fec( IpGenPrefix( IpAddr( 0x0a000000 ), 8 ) ), "10.0.0.0/8" );
-   expectText( Fec( 1, 0xffffffff ), "words(1,4294967295)" );
-   expectText( Fec( IpGenAddr( IpAddr( 0x0a000001 ) ), 7 ), "p2mp(10.0.0.1,7)" );
-   expectRefused( Fec( 1, 2 ),
-                  { "", "words(1)", "words(1,2", "words(1,2) ", "p2mp(10.0.0.1)", "p2mp(10.0.0,7)", "x" } );
-   EXPECT_TRUE( Fec( IpGenPrefix( IpAddr( 0xff000000 ), 8 ) ) < Fec( 0, 0 ) ); // by tag first
-   EXPECT_TRUE( Fec( 9, 9 ) < Fec( IpGenAddr(), 0 ) );
-   EXPECT_EQ( Fec( 1, 2 ).hash(), Fec( 1, 2 ).hash() );
-   EXPECT_FALSE( Fec( 1, 0 ) == Fec( 0, 1 ) );
-}
-
 // ---- labels ----
 
 TEST( MplsLabel, range ) {
@@ -210,14 +149,6 @@ TEST( MplsLabel, range ) {
       EXPECT_EQ( refused.message(), text );
    }
    EXPECT_EQ( read, MplsLabel( 5 ) );
-}
-
-TEST( MplsLabel, text ) {
-   expectText( MplsLabel( 0 ), "0" );
-   expectText( MplsLabel(), "1048576" );
-   expectText( MplsLabel( 0x800000 ), "8388608" );
-   expectRefused( MplsLabel( 5 ), { "", "-1", "0x10", "1 ", " 1", "8388609", "4294967296", "implicit" } );
-   EXPECT_TRUE( MplsLabel( 15 ) < MplsLabel( 16 ) );
 }
 
 // ---- packets ----

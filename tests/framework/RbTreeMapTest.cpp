@@ -1,5 +1,7 @@
 // The ordered map against a plain model, with iterators held across everything that is done to it.
 
+#include "AnyOperations.h"
+
 #include "Vorn/RbTreeMap.h"
 
 #include "Vorn/String.h"
@@ -10,7 +12,6 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <memory>
-#include <rapidcheck.h>
 #include <vector>
 
 namespace {
@@ -30,39 +31,31 @@ class Tree : public Map {
    }
 };
 
-struct Op {
-   U32 what;
-   U32 key;
-   U32 token;
-};
-
-void showValue( Op const & op, std::ostream & out ) {
-   out << "{ " << op.what << ", " << op.key << ", " << op.token << " }";
-}
-
 Vorn::String text( U32 token ) { return Vorn::format( "%u", token ); }
 
 class Model {
  public:
-   void apply( Op const & op ) {
+   explicit Model( U32 ) {}
+
+   void apply( ::Test::Op const & op ) {
       switch ( op.what ) {
       case 0:
       case 1:
-      case 2: put( op.key, op.token ); break;
+      case 2: put( op.number, op.token ); break;
       case 3:
          for ( U32 i = 0; i < op.token % 64; ++i ) {
-            put( op.key + i, op.token );
+            put( op.number + i, op.token );
          }
          break;
       case 4:
-      case 5: del( op.key ); break;
+      case 5: del( op.number ); break;
       case 6:
          for ( U32 i = 0; i < op.token % 64; ++i ) {
-            del( op.key + i );
+            del( op.number + i );
          }
          break;
       case 7: held_.push_back( { Map::IteratorConst( *map_ ), 0 } ), stand( held_.back() ); break;
-      case 8: held_.push_back( { Map::IteratorConst( *map_, op.key ), 0 } ), stand( held_.back() ); break;
+      case 8: held_.push_back( { Map::IteratorConst( *map_, op.number ), 0 } ), stand( held_.back() ); break;
       case 9:
          for ( Held & held : held_ ) {
             if ( ( op.token >> held.key % 8 & 1 ) == 0 ) advance( held );
@@ -77,7 +70,7 @@ class Model {
             model_.clear();
          } else if ( !held_.empty() ) {
             Held const copy = held_[op.token % held_.size()];
-            held_[op.key % held_.size()] = copy;
+            held_[op.number % held_.size()] = copy;
          }
          break;
       }
@@ -152,21 +145,7 @@ class Model {
    std::vector< Held > held_;
 };
 
-TEST( RbTreeMap, anyOperations ) {
-   EXPECT_TRUE( rc::check( [] {
-      U32 const keys = *rc::gen::element( 10u, 100u, 1000u );
-      auto const op = rc::gen::build< Op >( rc::gen::set( &Op::what, rc::gen::inRange( 0u, 12u ) ),
-                                            rc::gen::set( &Op::key, rc::gen::inRange( 0u, keys ) ),
-                                            rc::gen::set( &Op::token, rc::gen::inRange( 0u, 1000u ) ) );
-      auto const ops = *rc::gen::container< std::vector< Op > >( op );
-      Model model;
-      for ( Op const & each : ops ) {
-         model.apply( each );
-         model.check();
-      }
-      model.finish();
-   } ) );
-}
+TEST( RbTreeMap, anyOperations ) { ::Test::anyOperations< Model >( 12, { 10, 100, 1000 } ); }
 
 TEST( RbTreeMap, stayLowInAnyOrderOfInsertion ) {
    constexpr U32 num = 1 << 12;

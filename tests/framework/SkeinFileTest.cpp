@@ -237,21 +237,4 @@ TEST_F( DamagedRing, restOfABlockIsLeftOut ) {
    EXPECT_EQ( reader.damaged(), 1u );
 }
 
-TEST_F( DamagedRing, anyOctetsCanBeRead ) {
-   std::mt19937 random( 1 );
-   std::size_t const used = sizeof( Skein::FileHeader ) + 1024 + Skein::blockBytes + 1024;
-   for ( int round = 0; round < 3000; ++round ) {
-      std::string octets = good;
-      for ( U32 changes = random() % 8 + 1; changes; --changes ) {
-         // Everywhere, and often where there is something to spoil.
-         std::size_t const at = random() % ( random() % 2 ? used : 512 );
-         octets[at] = char( random() % 4 ? random() : random() % 16 );
-      }
-      try {
-         LdpTool::RingReader reader( octets );
-         reader.forEach( []( LdpTool::RingRecord const & record ) { ASSERT_NE( record.site, nullptr ); } );
-      } catch ( LdpTool::RingError const & ) {}
-   }
-}
-
 } // namespace

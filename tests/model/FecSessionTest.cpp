@@ -22,24 +22,6 @@ LdpSessionId const peer1( LdpIdentifier( 0x0a000001, 0 ) );
 LdpSessionId const peer2( LdpIdentifier( 0x0a000002, 0 ) );
 LdpFecSessionId const id( net10, peer1 );
 
-TEST( LdpFecSessionIdTest, ReadsWhatItWritesIfTheFecIsAPrefix ) {
-   EXPECT_EQ( id.stringValue(), "10.0.0.0/8_10.0.0.1:0" );
-   EXPECT_EQ( valueToStrep( id ), "10.0.0.0/8_10.0.0.1:0" );
-   LdpFecSessionId read;
-   read.stringValueIs( id.stringValue() );
-   EXPECT_EQ( read, id );
-   LdpFecSessionId const p2mp( FwdEqvClass( IpAddr( 0x0a000001 ), 7 ), peer1 );
-   for ( String const & text : { p2mp.stringValue(), String( "" ), String( "10.0.0.0/8" ),
-                                 String( "10.0.0.0/8_" ), String( "10.0.0.1:0" ), String( "_10.0.0.1:0" ),
-                                 String( "10.0.0.0_10.0.0.1:0" ), String( "10.0.0.0/33_10.0.0.1:0" ),
-                                 String( "10.0.0.0/8_10.0.0.1" ), String( "10.0.0.0/8_10.0.0.1:0_" ) } ) {
-      EXPECT_EQ( messageOf< Vorn::RangeException >( [&] { read.stringValueIs( text ); } ),
-                 "Invalid LdpFecSessionId" )
-           << text;
-   }
-   EXPECT_EQ( read, id ) << "it stays as it was";
-}
-
 TEST( LdpFecSessionIdTest, OrdersByFecThenSessionAndAddsTheirHashes ) {
    LdpFecSessionId const inOrder[] = { id, { net10, peer2 }, { net11, peer1 }, { net11, peer2 } };
    for ( auto const & a : inOrder ) {

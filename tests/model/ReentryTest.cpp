@@ -1,5 +1,5 @@
 // The re-entrant scheduler for a moment. LDP_REENTRY_SEED repeats a run, LDP_REENTRY_STEPS makes a long one.
-#include "model/Reentry.h"
+#include "support/Reentry.h"
 
 #include <gtest/gtest.h>
 

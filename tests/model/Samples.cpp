@@ -4,11 +4,12 @@
 #include "Ldp/LdpCommon.h"
 #include "Ldp/LdpMsgParser.h"
 #include "Lumo/UdpPam.h"
-#include "Vorn/AttributeOps.h"
+#include "Vorn/Impl/AttrTable.h"
 #include "Vorn/Entity.h"
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <map>
 #include <stdexcept>
 
@@ -38,81 +39,31 @@ std::string composite( VornType const & type, std::size_t index ) {
 
 } // namespace
 
+WrittenTexts const & writtenTexts( VornType const & type ) {
+   static std::map< std::string, WrittenTexts > const all = [] {
+      std::map< std::string, WrittenTexts > read;
+      std::ifstream lines( LDP_TEST_EXPECTED "/../texts.txt" );
+      WrittenTexts * texts = nullptr;
+      for ( std::string line; std::getline( lines, line ); ) {
+         if ( line.empty() || line[0] == '#' ) continue;
+         std::string const text = line.substr( std::min< std::size_t >( 2, line.size() ) );
+         switch ( line[0] ) {
+         case '+': texts->good.push_back( text ); break;
+         case '-': texts->bad.push_back( text ); break;
+         case '!': texts->refusal = text; break;
+         default: texts = &read[line];
+         }
+      }
+      return read;
+   }();
+   static WrittenTexts const none;
+   auto const found = all.find( type.name );
+   return found == all.end() ? none : found->second;
+}
+
 std::vector< std::string > sampleTexts( VornType const & type ) {
-   static std::map< std::string, std::vector< std::string > > const texts{
-      { "bool", { "True", "False" } },
-      { "U8", { "7", "255" } },
-      { "U16", { "7", "65535" } },
-      { "U32", { "7", "4294967295" } },
-      { "U64", { "7", "18446744073709551615" } },
-      { "double", { "0.1", "-2.5e+300" } },
-      { "Vorn::String", { "'a'", R"('it\'s \\ \x00\xff')" } },
-      { "Vorn::Name", { "'a'", "'b'" } },
-      { "L3::VrfName", { "'red'", "'blue'" } },
-      { "Lumo::IpAddr", { "10.0.0.1", "255.255.255.255" } },
-      { "Lumo::IpGenAddr", { "10.0.0.1", "2001:db8::1", "::" } },
-      { "Lumo::IpGenPrefix", { "10.0.0.0/8", "2001:db8::/32" } },
-      { "Lumo::IpDscp", { "7", "255" } },
-      { "Lumo::IntfId", { "'Ethernet1'", "'Vlan10'" } },
-      { "Lumo::MplsLabel", { "16", "1048575" } },
-      { "Lumo::NetU16", { "7", "65535" } },
-      { "Lumo::NetU32", { "7", "4294967295" } },
-      { "Lumo::IpAddrWithMask", { "10.0.0.1/8", "10.0.0.1/32" } },
-      { "Lumo::IpGenAddrWithMask", { "10.0.0.1/8", "2001:db8::1/64" } },
-      { "Lumo::IpTtl", { "7", "255" } },
-      { "Lumo::Port", { "646", "65535" } },
-      { "Lumo::TcpSocketOptions", { "7", "4294967295" } },
-      { "Lumo::TcpConnSocket", { "7", "8" } },
-      { "Mpls::RouterId", { "10.0.0.1", "255.255.255.255" } },
-      { "Pseudowire::PseudowireLdpRequestKey", { "10.0.0.1_7", "2001:db8::1_4294967295" } },
-      { "Pseudowire::PseudowireLdpStatusFlags", { "7", "4294967295" } },
-      { "Pseudowire::PseudowireId", { "7", "4294967295" } },
-      { "Pseudowire::GroupId", { "7", "4294967295" } },
-      { "Pseudowire::VccvCvTypes", { "7", "255" } },
-      { "Bridging::VlanIdOrNone", { "7", "4094" } },
-      { "Ldp::PwFwdEqvClass", { "pw100:pwTypeRaw:cbit1", "pw7:99:cbit0" } },
-      { "Lumo::NamespaceName", { "'ns-red'", "'ns-blue'" } },
-      { "Mpls::FwdEqvClass", { "10.0.0.0/8", "words(1,2)", "p2mp(10.0.0.1,7)" } },
-      { "Ldp::LdpIdentifier", { "10.0.0.1:0", "10.0.0.1:1" } },
-      { "Ldp::LdpSessionId", { "10.0.0.1:0", "10.0.0.1:1" } },
-      { "Ldp::LdpFecSessionId", { "10.0.0.0/8_10.0.0.1:0", "10.0.0.0/9_10.0.0.1:1" } },
-      { "Ldp::PwFecSessionId", { "10.0.0.1:0_pw100:pwTypeRaw:cbit1", "10.0.0.1:0_pw7:99:cbit0" } },
-      { "Ldp::LdpLocalLabelSessionState", { "4", "2147483652" } },
-      { "Ldp::LdpPeerLabelSessionState", { "4", "2147483652" } },
-      { "Ldp::LdpAdjId", { "10.0.0.1:0_Ethernet1", "10.0.0.1:0_TARGET_10.0.0.1" } },
-      { "Ldp::LdpP2mpFecGenericOpaqueId", { "10.0.0.1_7", "2001:db8::1_4294967295" } },
-      { "Ldp::LdpProtoParamSetting", { "2", "512" } },
-      { "Ldp::LdpFecTlvP2mpOpaqueLength", { "7", "65535" } },
-      { "Ldp::LdpCommonSessionParamTlvAdField", { "7", "255" } },
-      { "Ldp::LdpStateBit", { "7", "255" } },
-      { "Ldp::LdpFecTlvElementHdrTypeField", { "7", "255" } },
-      { "Ldp::LdpPwIntfParamFlags",
-        { "Value('Ldp::LdpPwIntfParamFlags', ** {'intfMtu': True, 'intfDesc': False, 'requestedVlanId': "
-          "True, "
-          "'fragIndicator': False, 'vccvParam': True})",
-          "Value('Ldp::LdpPwIntfParamFlags', ** {'intfMtu': False, 'intfDesc': True, 'requestedVlanId': "
-          "False, "
-          "'fragIndicator': True, 'vccvParam': False})" } },
-      { "Lumo::NetU8", { "7", "255" } },
-      { "Lumo::Ip6Addr", { "2001:db8::1", "::1" } },
-      { "Ldp::LdpGrOperationalFlag",
-        { "Value('Ldp::LdpGrOperationalFlag', ** {'grFlagSpeaker': True, 'grFlagHelper': False})",
-          "Value('Ldp::LdpGrOperationalFlag', ** {'grFlagSpeaker': True, 'grFlagHelper': True})" } },
-      { "Ldp::LdpFecBindingInfo",
-        { "Value('Ldp::LdpFecBindingInfo', ** {'inputLabel': 16, 'outputLabel': 3, 'nexthopIntfIp': "
-          "10.0.0.1})",
-          "Value('Ldp::LdpFecBindingInfo', ** {'inputLabel': 16, 'outputLabel': 3, 'nexthopIntfIp': "
-          "none})" } },
-      { "Ldp::LdpSessionState",
-        { "Value('Ldp::LdpSessionState', ** {'sessionState': stateOperational, 'code': success})",
-          "Value('Ldp::LdpSessionState', ** {'sessionState': stateOperational, 'code': shutdown})" } },
-      { "Ldp::LdpSessionStateLogEntry",
-        { "Value('Ldp::LdpSessionStateLogEntry', ** {'timeStamp': 0.5, 'sessionState': stateExpired, 'code': "
-          "shutdown, 'reason': 'it\\'s over'})",
-          "Value('Ldp::LdpSessionStateLogEntry', ** {'timeStamp': 1e-07, 'sessionState': 99, 'code': 7777, "
-          "'reason': ''})" } },
-   };
-   if ( auto const found = texts.find( type.name ); found != texts.end() ) return found->second;
+   auto const & texts = writtenTexts( type );
+   if ( !texts.good.empty() ) return texts.good;
    std::vector< std::string > made;
    if ( type.isEnum() ) {
       for ( VornAttr const * attr = type.attributes; attr->name && made.size() < 2; ++attr ) {

@@ -10,6 +10,13 @@
 
 namespace Test {
 
+// What texts.txt says of a type.
+struct WrittenTexts {
+   std::vector< std::string > good, bad;
+   std::string refusal; // what the reader says of the bad ones
+};
+WrittenTexts const & writtenTexts( Vorn::VornType const & type );
+
 // Texts of values of that type, all different and none the default. Fails the test for a type without any.
 std::vector< std::string > sampleTexts( Vorn::VornType const & type );
 

@@ -25,7 +25,6 @@ std::atomic< U32 > destroyed = 0;
 /// An entity that counts how often its kind is destroyed.
 class Shared : public Vorn::Entity {
    VORN_ENTITY( Shared, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( Number ); )
 
  public:
    explicit Shared( Vorn::Name const & name ) : name_( name ) {}

@@ -5,9 +5,5 @@ namespace LdpTool {
 
 VORN_RECORD( LdpTool, Speaker )
 VORN_RECORD( LdpTool, Network )
-VORN_MODULE( &Speaker::_vornType, &Network::_vornType )
-
-Speaker::~Speaker() = default;
-Network::~Network() = default;
 
 } // namespace LdpTool

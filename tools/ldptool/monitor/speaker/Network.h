@@ -10,11 +10,9 @@ namespace LdpTool {
 /// One speaker.
 class Speaker : public Vorn::Entity {
    VORN_ENTITY( Speaker, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON( OpaqueValueTable ); VORN_ON( LdpStatusColl ); )
 
  public:
    explicit Speaker( Ldp::LdpIdentifier const & ldpIdentifier ) : ldpIdentifier_( ldpIdentifier ) {}
-   ~Speaker() override;
 
    VORN_KEY( 0x102, Ldp::LdpIdentifier, ldpIdentifier );
    /// Opaque values of P2MP FECs, to which the opaque table of the state below refers.
@@ -29,11 +27,9 @@ class Speaker : public Vorn::Entity {
 /// All speakers heard.
 class Network : public Vorn::Entity {
    VORN_ENTITY( Network, Vorn::Entity )
-   VORN_NOTIFIEE( VORN_ON_KEYED( Ldp::LdpIdentifier, Speaker ); )
 
  public:
    explicit Network( Vorn::Name const & name ) : name_( name ) {}
-   ~Network() override;
 
    VORN_NAME;
    VORN_ENTITY_COLL( 0x102, LdpTool::Speaker, Ldp::LdpIdentifier, speaker, Speaker, replicated );
