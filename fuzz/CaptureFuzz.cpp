@@ -4,15 +4,16 @@
 // The first octet of the input chooses who reads, the second the kind of capture: a whole file as it stands,
 // or frames of a link type, each behind the seconds since the one before (1 octet) and its length (2), so
 // that a mutation cannot lose all frames behind it.
-#include "Capture.h"
-#include "Decoder.h"
-#include "Full.h"
-#include "Json.h"
-#include "Lines.h"
-#include "Monitor.h"
-#include "Stats.h"
-#include "Tree.h"
-#include "Views.h"
+#include "capture/Capture.h"
+#include "findings/Account.h"
+#include "messages/Decoder.h"
+#include "monitor/Monitor.h"
+#include "reporters/Full.h"
+#include "reporters/Json.h"
+#include "reporters/Lines.h"
+#include "reporters/Stats.h"
+#include "views/Tree.h"
+#include "views/Views.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -84,10 +85,13 @@ void monitor( Run const & run, Output & out, unsigned view ) {
          out << change.path << change.attribute << change.value;
       } );
    }
-   run( monitor );
+   Evidence evidence( monitor );
+   run( evidence );
    switch ( view ) {
    case 0:
-      printNeighbors( out, *network, monitor.now() );
+      printAccounts( out, evidence, *network, monitor.journal(), {} );
+      printHistory( out, monitor.journal(), {} );
+      printNeighbors( out, *network, monitor.journal() );
       printBindings( out, *network, {} );
       printPseudowires( out, *network );
       printDot( out, *network );

@@ -1,5 +1,5 @@
 // A ring trace file: whatever its octets, the reader refuses it with a reason or reads what can be read.
-#include "RingReader.h"
+#include "ring/RingReader.h"
 
 #include "Vorn/Assert.h"
 

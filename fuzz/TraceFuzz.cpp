@@ -3,8 +3,8 @@
 //
 // The first octet of the input says where in the packet the PDU begins, and whether the ring is read
 // afterwards.
-#include "RingReader.h"
 #include "UnitMutator.h"
+#include "ring/RingReader.h"
 
 #include "Ldp/LdpUtils.h"
 #include "Skein/Ring.h"

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Dependencies point one way: tools -> model -> framework, tools -> decode -> framework.
+"""Dependencies point one way: tools -> model -> framework, tools -> decode -> framework; and so do those of ldptool's folders.
 
 Reads the #include lines of the tree (first argument) and names every one that points elsewhere. The library includes, besides
 itself, only standard headers and the few system headers listed here. Exit 1 if something was named.
@@ -23,6 +23,25 @@ MAY_INCLUDE = {
     "tools": {"tools", "model", "decode", "framework"},
     "examples": {"model", "decode", "framework"},
 }
+
+# Which folders of ldptool know which; tools/ldptool/README.md says what is in them.
+ROOMS = {
+    "capture": set(),
+    "ring": set(),
+    "text": {"capture"},
+    "messages": {"capture", "text"},
+    "reporters": {"capture", "text", "messages"},
+    "monitor/speaker": {"capture"},
+    "monitor/discovery": {"capture", "monitor/speaker"},
+    "monitor/labels": {"capture", "monitor/speaker"},
+    "monitor/session": {"capture", "monitor/speaker", "monitor/labels"},
+    "monitor": {"capture", "messages", "monitor/speaker", "monitor/discovery", "monitor/labels", "monitor/session"},
+    "views": {"capture", "text", "monitor", "monitor/speaker"},
+    "findings": {"capture", "text", "messages", "monitor", "monitor/speaker"},
+    "commands": {"capture", "ring", "text", "messages", "reporters", "monitor", "monitor/speaker", "views", "findings"},
+}
+TOOL = pathlib.Path("tools/ldptool")
+
 LIBRARY = {"framework", "decode", "model"}
 
 # What the headers of include/Vorn are made of; whoever uses them includes those.
@@ -47,11 +66,18 @@ def owner(root, path):
 
 def resolve(root, including, name):
     """The file of the tree that an include line means, relative to the root; None if it is none of ours."""
-    for base in (including.parent, pathlib.Path("include"), pathlib.Path(".")):
+    for base in (including.parent, pathlib.Path("include"), TOOL, pathlib.Path(".")):
         candidate = base / name
         if (root / candidate).is_file():
             return pathlib.Path((root / candidate).resolve().relative_to(root))
     return None
+
+
+def room(path):
+    """The folder of ldptool that a file belongs to: the innermost that ROOMS knows; None for main and for other places."""
+    if not path.is_relative_to(TOOL):
+        return None
+    return next((str(p) for p in path.relative_to(TOOL).parents if str(p) in ROOMS), None)
 
 
 def offences(root):
@@ -73,6 +99,9 @@ def offences(root):
             shared = layer == "model" and found.parts[:2] == ("include", "Ldp") and found.name in SHARED_WITH_MODEL
             if target not in MAY_INCLUDE[layer] and not shared:
                 yield f"{path}: {layer} includes {found}, which belongs to {target or found.parts[0]}"
+            here, there = room(path), room(found)
+            if here and there and there not in ROOMS[here] | {here}:
+                yield f"{path}: {here} includes {found}, which is above it"
             if found.parts[:3] == MACHINE_ROOM and "vorn" not in {part.lower() for part in path.parts[:2]}:
                 yield f"{path}: includes {found}, which only the framework's own headers and sources may"
             if path.parts[0] in {"include", "examples"} and found.parts[0] not in {"include", path.parts[0]}:

@@ -19,6 +19,11 @@ SOUND = {
     "model/LdpAdj.cpp": "#include <Ldp/LdpAdj.h>\n",
     "decode/LdpMsgParser.cpp": '#include <Ldp/LdpMsgParser.h>\n#include "Walk.h"\n#include <algorithm>\n',
     "decode/Walk.h": "#include <Ldp/LdpIdentifier.h>\n",
+    "framework/vorn/Ptr.cpp": "#include <Vorn/Ptr.h>\n#include <sys/mman.h>\n",
+    "tools/ldptool/capture/Flow.h": "",
+    "tools/ldptool/monitor/speaker/Agent.h": '#include "capture/Flow.h"\n',
+    "tools/ldptool/monitor/Monitor.h": '#include "monitor/speaker/Agent.h"\n',
+    "tools/ldptool/commands/watch/Watch.cpp": '#include "monitor/Monitor.h"\n',
     "framework/vorn/Ptr.cpp": "#include <Vorn/Ptr.h>\n#include <Vorn/Impl/Block.h>\n#include <sys/mman.h>\n",
     "tools/ldptool/main.cpp": "#include <Ldp/LdpMsgParser.h>\n#include <Ldp/LdpAdj.h>\n#include <tins/tins.h>\n",
 }
@@ -35,6 +40,8 @@ WRONG = [
     ("library on JSON", "include/Vorn/Ptr.h", "#include <nlohmann/json.hpp>"),
     ("library on a header that is nowhere", "decode/Walk.h", '#include "Gone.h"'),
     ("example on a private header", "examples/one.cpp", '#include "../decode/Walk.h"'),
+    ("captures on the monitor", "tools/ldptool/capture/Flow.h", '#include "monitor/Monitor.h"'),
+    ("a subject on the monitor", "tools/ldptool/monitor/speaker/Agent.h", '#include "../Monitor.h"'),
     ("machine room", "include/Ldp/LdpAdj.h", "#include <Vorn/Impl/Block.h>"),
     ("header of neither layer", "include/Ldp/LdpNew.h", ""),
 ]

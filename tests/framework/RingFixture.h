@@ -2,8 +2,8 @@
 // the process before did.
 #pragma once
 
-#include "RingReader.h"
 #include "Skein/Ring.h"
+#include "ring/RingReader.h"
 
 #include <filesystem>
 #include <fstream>

@@ -1,12 +1,37 @@
 // ldptool: the commands and the exit status.
-#include "Commands.h"
+#include "commands/Commands.h"
 
 #include "Ldp/Version.h"
 
 #include <CLI/CLI.hpp>
 
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <iostream>
+#include <unistd.h>
+
+namespace {
+
+// Whoever starts the program without its standard streams gets what he has asked for, an error, and not a
+// capture or a socket in the place of the output.
+void holdStandardStreams() {
+   for ( int stream : { STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO } ) {
+      if ( fcntl( stream, F_GETFD ) == -1 && errno == EBADF )
+         (void)!open( "/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY );
+   }
+}
+
+int fail( char const * why ) {
+   std::fprintf( stderr, "ldptool: %s\n", why );
+   return LdpTool::exitUsage;
+}
+
+} // namespace
+
 int main( int argc, char ** argv ) {
    using namespace LdpTool;
+   holdStandardStreams();
    CLI::App app{ "Looks at the Label Distribution Protocol (LDP, RFC 5036)." };
    app.name( "ldptool" );
    app.set_version_flag( "--version", std::string( "ldptool " ) + Ldp::version() );
@@ -15,6 +40,7 @@ int main( int argc, char ** argv ) {
       return std::string( "ldptool: " ) + error.what() + " (see ldptool --help)\n";
    } );
    addDecodeCommand( app );
+   addExplainCommand( app );
    addRingCommand( app );
    addTypesCommand( app );
    addWatchCommand( app );
@@ -23,6 +49,12 @@ int main( int argc, char ** argv ) {
    } catch ( CLI::RuntimeError const & done ) {
       return done.get_exit_code(); // a command ran and said so
    } catch ( CLI::ParseError const & error ) {
-      return app.exit( error ) == 0 ? exitGood : exitUsage; // 0 is a request for help
+      if ( app.exit( error ) != 0 ) return exitUsage;
+      std::cout.flush(); // help was asked for
+      return std::cout ? exitGood : fail( "cannot write the output" );
+   } catch ( std::bad_alloc const & ) {
+      return fail( "out of memory" );
+   } catch ( std::exception const & error ) {
+      return fail( error.what() );
    }
 }

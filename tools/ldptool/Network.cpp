@@ -1,9 +1,0 @@
-// Records of the monitor's own types.
-#include "Network.h"
-
-namespace LdpTool {
-
-VORN_RECORD( LdpTool, Speaker )
-VORN_RECORD( LdpTool, Network )
-
-} // namespace LdpTool

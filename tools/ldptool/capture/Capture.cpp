@@ -1,0 +1,270 @@
+// Packets from libpcap, handed on as segments and datagrams.
+#include "capture/Capture.h"
+
+#include <pcap/pcap.h>
+#include <tins/exceptions.h>
+#include <tins/ip.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <net/if.h>
+#include <sys/stat.h>
+
+namespace LdpTool {
+
+namespace {
+
+constexpr int packetsAtOnce = 4096;
+constexpr std::size_t mostInterfaces = 65536;
+constexpr std::size_t pduHeader = 10;
+
+std::string unsupported( int linkType ) {
+   char const * const name = pcap_datalink_val_to_name( linkType );
+   return "link type " + ( name ? std::string( name ) : std::to_string( linkType ) ) + " is not supported";
+}
+
+/// The size of a regular file; 0 of anything else.
+std::int64_t sizeOf( std::FILE * file ) {
+   struct stat status;
+   return file && fstat( fileno( file ), &status ) == 0 && S_ISREG( status.st_mode ) ? status.st_size : 0;
+}
+
+} // namespace
+
+void Capture::PcapCloser::operator()( pcap * handle ) const { pcap_close( handle ); }
+
+void Capture::handleIs( Handle handle ) {
+   handle_ = std::move( handle );
+   linkType_ = pcap_datalink( handle_.get() );
+   if ( !linkTypeKnown( linkType_ ) ) throw InputError( name_ + ": " + unsupported( linkType_ ) );
+}
+
+Capture Capture::file( std::string const & name, CaptureLimits const & limits ) {
+   Capture capture( name, limits );
+   capture.file_.reset( name == "-" ? stdin : std::fopen( name.c_str(), "rb" ) );
+   if ( !capture.file_ ) throw InputError( name + ": " + std::strerror( errno ) );
+   int const first = std::getc( capture.file_.get() );
+   if ( first != EOF ) std::ungetc( first, capture.file_.get() );
+   if ( first == PcapngReader::firstOctet ) {
+      capture.pcapng_ = std::make_unique< PcapngReader >( capture.file_.get() );
+      return capture;
+   }
+   char error[PCAP_ERRBUF_SIZE] = "";
+   Handle handle(
+        pcap_fopen_offline_with_tstamp_precision( capture.file_.get(), PCAP_TSTAMP_PRECISION_NANO, error ) );
+   if ( !handle ) throw InputError( name + ": " + error );
+   capture.file_.release(); // the handle closes it
+   capture.handleIs( std::move( handle ) );
+   return capture;
+}
+
+Capture Capture::interface( std::string const & name, CaptureLimits const & limits ) {
+   constexpr int wholePackets = 262144;
+   constexpr int waitMilliseconds = 100;
+   char error[PCAP_ERRBUF_SIZE] = "";
+   Handle handle( pcap_create( name.c_str(), error ) );
+   if ( !handle ) throw InputError( name + ": " + error );
+   pcap_set_snaplen( handle.get(), wholePackets );
+   pcap_set_promisc( handle.get(), 1 );
+   pcap_set_timeout( handle.get(), waitMilliseconds );
+   pcap_set_tstamp_precision( handle.get(), PCAP_TSTAMP_PRECISION_NANO );
+   if ( int const status = pcap_activate( handle.get() ); status < 0 ) {
+      std::string const detail = pcap_geterr( handle.get() );
+      throw InputError( name + ": " + ( detail.empty() ? pcap_statustostr( status ) : detail ) );
+   }
+   // All interfaces at once: this link type says which one each packet was on.
+   if ( pcap_datalink( handle.get() ) == DLT_LINUX_SLL ) pcap_set_datalink( handle.get(), DLT_LINUX_SLL2 );
+   // `vlan` shifts all that follows it, so each depth of tags needs its own test. Some link types know no
+   // tags.
+   bpf_program program;
+   char const * const filters[] = { "port 646 or (vlan and (port 646 or (vlan and port 646)))", "port 646" };
+   bool compiled = false;
+   for ( char const * filter : filters ) {
+      compiled = pcap_compile( handle.get(), &program, filter, 1, PCAP_NETMASK_UNKNOWN ) == 0;
+      if ( compiled ) break;
+   }
+   if ( !compiled ) throw InputError( name + ": " + pcap_geterr( handle.get() ) );
+   int const status = pcap_setfilter( handle.get(), &program );
+   pcap_freecode( &program );
+   if ( status != 0 ) throw InputError( name + ": " + pcap_geterr( handle.get() ) );
+   Capture capture( name, limits );
+   capture.live_ = true;
+   capture.interface_ = name;
+   capture.handleIs( std::move( handle ) );
+   return capture;
+}
+
+void Capture::stop() {
+   stopped_ = 1;
+   if ( handle_ ) pcap_breakloop( handle_.get() );
+}
+
+// Whether the packet lies behind the end that was set.
+bool Capture::isOver( Arrival const & arrival ) {
+   constexpr std::int64_t secondsOfDay = 86400;
+   double const at = double( arrival.seconds ) + double( arrival.nanoseconds ) * 1e-9;
+   if ( !started_ ) {
+      started_ = true;
+      double const midnight = double( arrival.seconds - arrival.seconds % secondsOfDay );
+      end_.time = std::min( end_.time, midnight + end_.timeOfDay );
+   }
+   if ( arrival.frame <= end_.frame && at <= end_.time ) return false;
+   stop();
+   return true;
+}
+
+void Capture::run( PduSink & sink, CaptureEnd const & end ) {
+   sink_ = &sink;
+   end_ = end;
+   streams_ = std::make_unique< Streams >( sink, limits_.flows );
+   std::FILE * const stream = live_ ? nullptr : file_ ? file_.get() : pcap_file( handle_.get() );
+   std::int64_t const size = sizeOf( stream );
+   std::string failure;
+   bool more = true;
+   while ( more && !stopped_ ) {
+      more = file_ ? readPcapng( failure ) : readPcap( failure );
+      if ( live_ ) sink.onIdle();
+      if ( size ) sink.onProgress( ftello( stream ), size );
+   }
+   if ( size ) sink.onProgress( size, size );
+   streams_->finish();
+   counters_.repeatedOctets = streams_->repeatedOctets();
+   counters_.straySegments = streams_->straySegments();
+   counters_.forgottenFlows = streams_->forgotten();
+   if ( failure.empty() && otherLinkTypes_ && otherLinkTypes_ == counters_.packets )
+      failure = unsupported( linkType_ );
+   if ( !failure.empty() ) throw InputError( name_ + ": " + failure );
+}
+
+// Some packets of anything but pcapng; false when there are no more.
+bool Capture::readPcap( std::string & failure ) {
+   auto const each = []( u_char * self, pcap_pkthdr const * header, u_char const * octets ) {
+      auto & capture = *reinterpret_cast< Capture * >( self );
+      ++capture.counters_.packets;
+      // With nanosecond precision, tv_usec holds nanoseconds.
+      Arrival const arrival{ capture.counters_.packets, header->ts.tv_sec,
+                             std::uint32_t( header->ts.tv_usec ) };
+      if ( capture.isOver( arrival ) ) return;
+      try {
+         capture.onPacket( { octets, header->caplen }, arrival, capture.linkType_,
+                           capture.live_ ? &capture.interface_ : nullptr );
+      } catch ( ... ) { // not through libpcap, which is C
+         if ( !capture.thrown_ ) capture.thrown_ = std::current_exception();
+         capture.stop();
+      }
+   };
+   int const status =
+        pcap_dispatch( handle_.get(), packetsAtOnce, each, reinterpret_cast< u_char * >( this ) );
+   if ( thrown_ ) std::rethrow_exception( std::exchange( thrown_, nullptr ) );
+   if ( status == PCAP_ERROR ) failure = pcap_geterr( handle_.get() );
+   return status > 0 || ( status == 0 && live_ );
+}
+
+bool Capture::readPcapng( std::string & failure ) {
+   PcapngReader::Packet packet;
+   for ( int i = 0; i < packetsAtOnce; ++i ) {
+      try {
+         if ( !pcapng_->next( packet ) ) return false;
+      } catch ( InputError const & error ) {
+         failure = error.what();
+         return false;
+      }
+      ++counters_.packets;
+      Arrival const arrival{ counters_.packets, packet.seconds, packet.nanoseconds };
+      if ( isOver( arrival ) ) return false;
+      if ( linkTypeKnown( packet.linkType ) ) {
+         onPacket( packet.octets, arrival, packet.linkType, packet.interface );
+      } else {
+         linkType_ = packet.linkType;
+         ++otherLinkTypes_;
+      }
+   }
+   return true;
+}
+
+// The name of an interface that only its index is known of.
+std::string const * Capture::interfaceOf( std::uint32_t index ) {
+   auto const known = interfaces_.find( index );
+   if ( known != interfaces_.end() ) return &known->second;
+   if ( interfaces_.size() >= mostInterfaces ) return nullptr;
+   char name[IF_NAMESIZE];
+   bool const named = live_ && if_indextoname( index, name );
+   return &interfaces_.emplace( index, named ? name : "if" + std::to_string( index ) ).first->second;
+}
+
+void Capture::onPacket( Octets octets, Arrival const & arrival, int linkType,
+                        std::string const * interface ) {
+   Segment segment;
+   Octets ipPacket;
+   switch ( parseLink( linkType, octets, segment, ipPacket ) ) {
+   case LinkResult::segment:
+      segment.place.interface = segment.interfaceIndex ? interfaceOf( segment.interfaceIndex ) : interface;
+      onSegment( segment, arrival );
+      break;
+   case LinkResult::fragment: onFragment( ipPacket, arrival, segment.place ); break;
+   case LinkResult::truncated: ++counters_.truncated; break;
+   case LinkResult::other: break;
+   }
+}
+
+void Capture::onFragment( Octets ipPacket, Arrival const & arrival, Place const & place ) {
+   ++counters_.fragments;
+   bool const ipv4 = ipPacket[0] >> 4 == 4;
+   if ( !ipv4 ) return; // libtins puts only IPv4 together
+   // Fragments whose fellows never come would stay for ever.
+   fragmentOctets_ += ipPacket.size();
+   ++waitingFragments_;
+   if ( fragmentOctets_ > limits_.fragmentOctets ) {
+      counters_.lostFragments += waitingFragments_ - 1;
+      reassembler_.clear_streams();
+      fragmentOctets_ = ipPacket.size();
+      waitingFragments_ = 1;
+   }
+   try {
+      Tins::IP packet( ipPacket.data(), std::uint32_t( ipPacket.size() ) );
+      if ( reassembler_.process( packet ) != Tins::IPv4Reassembler::REASSEMBLED ) return;
+      ++counters_.reassembled;
+      auto const whole = packet.serialize();
+      Segment segment;
+      segment.place = place;
+      if ( parseIp( whole, segment ) == LinkResult::segment ) onSegment( segment, arrival );
+   } catch ( Tins::exception_base const & ) {
+      ++counters_.truncated; // what libtins does not take for an IP packet
+   }
+}
+
+void Capture::onSegment( Segment const & segment, Arrival const & arrival ) {
+   ++counters_.ldpPackets;
+   if ( segment.flow.protocol == protocolTcp ) {
+      streams_->take( segment, arrival );
+   } else {
+      onDatagram( segment, arrival );
+   }
+}
+
+// A datagram holds one PDU; if octets are left that look like another, they are taken for one.
+void Capture::onDatagram( Segment const & segment, Arrival const & arrival ) {
+   Origin const origin{ arrival, &segment.flow, &segment.place };
+   Octets rest = segment.payload;
+   if ( segment.missing ) {
+      ++counters_.truncated;
+      sink_->onWarning( origin, "datagram cut off by the capture, " + std::to_string( segment.missing ) +
+                                     " of its octets are missing" );
+      return;
+   }
+   for ( ;; ) {
+      sink_->onPdu( origin, datagrams_.datagram( rest ) );
+      if ( rest.size() < pduHeader ) return; // judged as too small
+      std::size_t const total = std::uint16_t( ( rest[2] << 8 | rest[3] ) + 4 );
+      if ( total < pduHeader || total >= rest.size() ) return;
+      rest = rest.subspan( total );
+      bool const another = rest.size() >= pduHeader && rest[0] == 0 && rest[1] == 1;
+      if ( !another ) {
+         sink_->onWarning( origin, std::to_string( rest.size() ) + " octets behind the PDU of a datagram" );
+         return;
+      }
+   }
+}
+
+} // namespace LdpTool

@@ -1,0 +1,103 @@
+#pragma once
+
+// A capture, from a file or from an interface, as a source of PDUs: packets by libpcap, IP fragments put
+// together by libtins, TCP by Streams, each UDP datagram walked from its first PDU on.
+
+#include "capture/Limits.h"
+#include "capture/Link.h"
+#include "capture/Pcapng.h"
+#include "capture/PduSink.h"
+#include "capture/Streams.h"
+
+#include <tins/ip_reassembler.h>
+
+#include <csignal>
+#include <exception>
+#include <map>
+#include <memory>
+#include <string>
+
+struct pcap;
+struct pcap_pkthdr;
+
+namespace LdpTool {
+
+struct CaptureCounters {
+   std::uint64_t packets = 0;
+   std::uint64_t ldpPackets = 0;
+   std::uint64_t truncated = 0; ///< cut off by the capture inside a header or datagram
+   std::uint64_t fragments = 0;
+   std::uint64_t reassembled = 0; ///< IP packets put together from fragments
+   std::uint64_t repeatedOctets = 0;
+   std::uint64_t straySegments = 0;  ///< of no connection that is under way: far from its sequence numbers
+   std::uint64_t forgottenFlows = 0; ///< conversations given up for others, because there are too many
+   std::uint64_t lostFragments = 0;  ///< given up before their fellows came, because there are too many
+};
+
+class Capture {
+ public:
+   /// Open a file ("-" for standard input). Throws InputError.
+   static Capture file( std::string const & name, CaptureLimits const & limits = {} );
+   /// Listen on an interface. Throws InputError.
+   static Capture interface( std::string const & name, CaptureLimits const & limits = {} );
+
+   /// Deliver every PDU to `sink`. Returns at the end of the file, or once `stop` was called.
+   /// Throws InputError when the file turns out damaged; what stands before the damage has been delivered by
+   /// then.
+   void run( PduSink & sink, CaptureEnd const & end = {} );
+   /// The time up to which it was to be read, once that is known; else `CaptureEnd::never`.
+   double endTime() const { return end_.time; }
+
+   /// End `run` from within a signal handler, or from within the sink.
+   void stop();
+
+   CaptureCounters const & counters() const { return counters_; }
+
+ private:
+   struct PcapCloser {
+      void operator()( pcap * handle ) const;
+   };
+   using Handle = std::unique_ptr< pcap, PcapCloser >;
+
+   struct FileCloser {
+      void operator()( std::FILE * file ) const { std::fclose( file ); }
+   };
+   using File = std::unique_ptr< std::FILE, FileCloser >;
+
+   Capture( std::string name, CaptureLimits const & limits )
+        : name_( std::move( name ) ), limits_( limits ) {}
+   void handleIs( Handle handle );
+   bool isOver( Arrival const & arrival );
+   bool readPcap( std::string & failure );
+   bool readPcapng( std::string & failure );
+   std::string const * interfaceOf( std::uint32_t index );
+   void onPacket( Octets octets, Arrival const & arrival, int linkType, std::string const * interface );
+   void onFragment( Octets ipPacket, Arrival const & arrival, Place const & place );
+   void onSegment( Segment const & segment, Arrival const & arrival );
+   void onDatagram( Segment const & segment, Arrival const & arrival );
+
+   std::string name_;
+   CaptureLimits limits_;
+   File file_; // of a pcapng file
+   std::unique_ptr< PcapngReader > pcapng_;
+   Handle handle_; // of anything else
+   bool live_ = false;
+   int linkType_ = 0;
+   std::string interface_;                             ///< that a live capture listens on
+   std::map< std::uint32_t, std::string > interfaces_; ///< by the index that the link header has
+   volatile std::sig_atomic_t stopped_ = 0;
+   std::uint64_t otherLinkTypes_ = 0; ///< packets of links that cannot be read
+   CaptureEnd end_;
+   bool started_ = false;
+   std::exception_ptr thrown_; ///< by the sink, while libpcap is on the stack
+   PduSink * sink_ = nullptr;
+   std::unique_ptr< Streams > streams_;
+   AnyLengthStream datagrams_;
+   Tins::IPv4Reassembler reassembler_;
+   // Handed to the reassembler since it was last emptied.
+   std::size_t fragmentOctets_ = 0;
+   std::uint64_t waitingFragments_ = 0;
+   CaptureCounters counters_;
+};
+
+} // namespace LdpTool

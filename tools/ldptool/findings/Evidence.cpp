@@ -1,0 +1,148 @@
+// Frames, noted as they come.
+#include "findings/Evidence.h"
+
+namespace LdpTool {
+
+using namespace Ldp;
+
+namespace {
+
+Addr sourceOf( Origin const & origin ) { return addressOf( origin.flow->source, origin.flow->addressSize ); }
+Addr destinationOf( Origin const & origin ) {
+   return addressOf( origin.flow->destination, origin.flow->addressSize );
+}
+
+} // namespace
+
+LdpIdentifier Evidence::at( Addr const & address ) const {
+   auto const known = at_.find( address );
+   return known == at_.end() ? LdpIdentifier() : known->second;
+}
+
+Sent const & Evidence::sentTo( LdpIdentifier const & speaker, LdpIdentifier const & peer ) const {
+   static Sent const nothing;
+   auto const known = sent_.find( { speaker, peer } );
+   return known == sent_.end() ? nothing : known->second;
+}
+
+/// What the sender of the packet in hand has sent to its receiver; null while one of them is not known.
+Sent * Evidence::sentOn( Origin const & origin ) {
+   LdpIdentifier const from = at( sourceOf( origin ) );
+   LdpIdentifier const to = at( destinationOf( origin ) );
+   if ( !from || !to || from.lsrId() == to.lsrId() ) return nullptr;
+   if ( sent_.size() >= most && !sent_.contains( { from, to } ) ) return nullptr;
+   return &sent_[{ from, to }];
+}
+
+void Evidence::onPdu( Pdu const & pdu ) {
+   monitor_.onPdu( pdu );
+   origin_ = pdu.origin;
+   sender_ = pdu.pdu.ldpIdentifier();
+   if ( origin_.flow && origin_.flow->protocol == protocolTcp && at_.size() < most )
+      at_[sourceOf( origin_ )] = sender_;
+}
+
+void Evidence::onHello( Message const & message ) {
+   if ( !message.parser.validMsg() ) return;
+   auto const & hello = message.as< LdpHelloMsgParser >();
+   Addr const source = sourceOf( origin_ );
+   double const now = monitor_.journal().now();
+   if ( hellos_.size() >= most && !hellos_.contains( { sender_, source } ) ) return;
+   HelloSource & of = hellos_[{ sender_, source }];
+   of.transport = hello.msgIpTransportTlv()    ? Addr( hello.msgIpTransportTlv()->ipAddr() )
+                  : hello.msgIp6TransportTlv() ? Addr( hello.msgIp6TransportTlv()->ip6Addr() )
+                                               : source;
+   of.sender = origin_.place ? origin_.place->sender : 0;
+   of.holdTime = hello.msgCommonHelloTlv()->holdTime();
+   of.link = !hello.msgCommonHelloTlv()->targetedHello();
+   double const gap = now - of.last;
+   constexpr double copies = 0.1; // one hello, captured on two interfaces
+   if ( of.seen && gap > copies && ( of.shortest == 0.0 || gap < of.shortest ) ) of.shortest = gap;
+   of.last = now;
+   of.seen.at( origin_.arrival.frame );
+   if ( at_.size() < most ) at_[of.transport] = sender_;
+   transports_[sender_].insert( of.transport );
+   if ( of.link ) return;
+   at_.try_emplace( source, sender_ );
+   LdpIdentifier const to = at( destinationOf( origin_ ) );
+   if ( !!to && to.lsrId() != sender_.lsrId() )
+      sent_[{ sender_, to }].targetedHellos.at( origin_.arrival.frame );
+}
+
+void Evidence::onMessage( Message const & message ) {
+   monitor_.onMessage( message );
+   if ( !origin_.flow ) return;
+   LdpMsgParser const & parser = message.parser;
+   LdpMsgType const type = parser.type();
+   if ( type == LdpHello ) return onHello( message );
+   if ( origin_.flow->protocol != protocolTcp ) return;
+   std::uint64_t const frame = origin_.arrival.frame;
+   if ( type == LdpInit && parser.validMsg() ) {
+      LdpIdentifier const named = message.as< LdpInitMsgParser >().msgSessionParamTlv()->recvLdpIdentifier();
+      if ( at_.size() < most ) at_.try_emplace( destinationOf( origin_ ), named );
+   }
+   Sent * const sent = sentOn( origin_ );
+   if ( !sent ) return;
+   if ( message.bad() ) {
+      constexpr std::size_t mostReasons = 64; // they hold numbers that the peer chooses
+      std::string const reason( parser.reason().view() );
+      if ( sent->refused.size() < mostReasons || sent->refused.contains( reason ) )
+         sent->refused[reason].at( frame );
+      return;
+   }
+   if ( !parser.validMsg() ) return;
+   if ( type == LdpInit ) {
+      auto const & init = message.as< LdpInitMsgParser >();
+      sent->inits.at( frame );
+      sent->proposal = InitFacts( init ).proposal;
+      sent->named = init.msgSessionParamTlv()->recvLdpIdentifier();
+   } else if ( type == LdpKeepAlive ) {
+      sent->keepAlives.at( frame );
+   } else if ( type == LdpNotification ) {
+      LdpStatusTlv const & status = *parser.msgStatusTlv();
+      constexpr std::size_t mostCodes = 64;
+      auto & codes = status.statusError() ? sent->fatal : sent->others;
+      if ( codes.size() < mostCodes || codes.contains( status.statusData() ) )
+         codes[status.statusData()].at( frame );
+   }
+}
+
+void Evidence::onBadPdu( Pdu const & pdu ) {
+   monitor_.onBadPdu( pdu );
+   if ( !pdu.origin.flow ) return;
+   Sent * const sent = sentOn( pdu.origin );
+   if ( sent ) sent->refused["PDU: " + std::string( pdu.pdu.reason().view() )].at( pdu.origin.arrival.frame );
+}
+
+void Evidence::onFatalPdu( Pdu const & pdu, LdpPduGuardResult const & fatal ) {
+   monitor_.onFatalPdu( pdu, fatal );
+}
+
+void Evidence::onTcpStep( Origin const & origin, TcpStep step ) {
+   monitor_.onTcpStep( origin, step );
+   Sent * const sent = sentOn( origin );
+   if ( !sent ) return;
+   std::uint64_t const frame = origin.arrival.frame;
+   constexpr double copies = 0.1;
+   double const now = monitor_.journal().now();
+   auto const [before, isFirst] = sent->lastStep.try_emplace( step, now );
+   if ( !isFirst && now - before->second < copies && now >= before->second ) return;
+   before->second = now;
+   if ( origin.authenticated ) sent->authenticated.at( frame );
+   switch ( step ) {
+   case TcpStep::syn: return sent->syns.at( frame );
+   case TcpStep::synAck: return sent->synAcks.at( frame );
+   case TcpStep::established: return sent->established.at( frame );
+   case TcpStep::refused: return sent->refusals.at( frame );
+   }
+}
+
+void Evidence::onRepeated( Origin const & origin, std::size_t octets ) {
+   constexpr std::size_t large = 1000;
+   if ( Sent * const sent = sentOn( origin ) )
+      ( octets >= large ? sent->repeatedLarge : sent->repeatedSmall ).at( origin.arrival.frame );
+}
+
+void Evidence::onClose( Origin const & origin ) { monitor_.onClose( origin ); }
+
+} // namespace LdpTool

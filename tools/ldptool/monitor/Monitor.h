@@ -1,0 +1,53 @@
+#pragma once
+
+// A passive monitor: takes each message to the agents of its sender and of its receiver, and lets what they
+// hold expire by the capture's clock.
+
+#include "messages/Reporter.h"
+#include "monitor/discovery/Discovery.h"
+#include "monitor/session/Sessions.h"
+
+namespace LdpTool {
+
+class Monitor : public Reporter {
+ public:
+   explicit Monitor( Network & network, MonitorLimits const & limits = {}, std::size_t mostFlows = 32768 )
+        : agents_( network, limits ), discovery_( agents_ ), sessions_( agents_ ), connections_( mostFlows ) {
+   }
+
+   void onPdu( Pdu const & pdu ) override;
+   void onMessage( Message const & message ) override;
+   void onBadPdu( Pdu const & pdu ) override;
+   void onFatalPdu( Pdu const & pdu, Ldp::LdpPduGuardResult const & fatal ) override;
+   void onTcpStep( Origin const & origin, TcpStep step ) override;
+   void onClose( Origin const & origin ) override;
+
+   /// Nothing has come until that time, in seconds since the epoch.
+   void timeIs( double now );
+
+   /// The packet that the monitor has come to, and all that it has seen change.
+   Journal const & journal() const { return agents_.journal(); }
+   /// What was not kept, because there is too much of it.
+   TurnedAway const & turnedAway() const { return agents_.turnedAway(); }
+
+ private:
+   void arrive( Origin const & origin );
+   void receiverIs( Ldp::LdpIdentifier const & receiver );
+   void onSessionMessage( Message const & message );
+
+   Agents agents_;
+   Discovery discovery_;
+   Sessions sessions_;
+   Connections connections_;
+   double expiredAt_ = 0;
+   // Of the PDU in hand: where it comes from, its sender, its connection and which end of that the sender is,
+   // and the ends of the session that it belongs to. They are null while the receiver is not known.
+   Origin origin_;
+   Ldp::LdpIdentifier sender_;
+   Connection * connection_ = nullptr;
+   int from_ = 0;
+   SessionEnd * sent_ = nullptr;
+   SessionEnd * received_ = nullptr;
+};
+
+} // namespace LdpTool

@@ -1,0 +1,111 @@
+#pragma once
+
+// One end of a session and one FEC that is a prefix: what was said about it, written into the end's model.
+
+#include "monitor/labels/AnyLabel.h"
+#include "monitor/speaker/Agent.h"
+
+#include <vector>
+
+namespace LdpTool::PrefixLabels {
+
+using Fec = Mpls::FwdEqvClass;
+
+/// One end of a session with its state of one FEC. The state is null where nothing was ever said.
+struct FecEnd {
+   FecEnd( SessionEnd & e, Fec const & f ) : end( e ), fec( f ), model( e.agent.status() ) {
+      state = model.ldpFecSessionStatusColl()->fecSessionStatus( id() );
+   }
+
+   /// Looked up only where something changes: most messages repeat what is known.
+   Ldp::LdpFecConfig & config() {
+      if ( !config_ ) config_ = model.ldpFecConfigColl()->fecConfigIs( fec );
+      return *config_;
+   }
+
+   Ldp::LdpFecSessionId id() const { return Ldp::LdpFecSessionId( fec, end.id ); }
+
+   /// Makes the state if there is none.
+   void create() {
+      if ( state ) return;
+      config().membershipIs( Ldp::fecMemberSessionSm, true );
+      config().sessionMemberIs( end.id, true );
+      auto const coll = model.ldpFecSessionStatusColl();
+      state = coll->fecSessionStatusIs( id() );
+      coll->fecSessionStatusBySessionCollIs( end.id )->fecSessionStatusIs( id(), state );
+   }
+
+   void drop();
+   void dropIfIdle() {
+      if ( state && state->localLabelStates() == 0 && state->peerLabelStates() == 0 &&
+           state->msgIdReqMsgs() == 0 && !state->localLabelSessionState().peerReqMsgOutstanding() )
+         drop();
+   }
+
+   void mapSent( Lumo::MplsLabel label );
+   void mapRcvd( Lumo::MplsLabel label );
+   void withdrawSent( Lumo::MplsLabel label, double now );
+   void withdrawRcvd( Lumo::MplsLabel label );
+   void releaseSent( Lumo::MplsLabel label );
+   void releaseRcvd( Lumo::MplsLabel label );
+   void localLabelGone( Lumo::MplsLabel label );
+   void peerLabelGone( Lumo::MplsLabel label );
+   void rebind( Mpls::LabelBindingTable & bindings, Lumo::MplsLabel gone, AnyLabel left );
+   void requestAnswered( U32 msgId );
+   void replaceSent( Lumo::MplsLabel label );
+   void replaceRcvd( Lumo::MplsLabel label );
+   void dropPeerLabels( AnyLabel but );
+   void noteIn( std::vector< Fec > & list );
+   bool isReleaseOutstanding() const;
+
+   /// The labels in either collection of states that the message names.
+   template< class Labels >
+   static std::vector< Lumo::MplsLabel > named( Labels const & labels, AnyLabel label ) {
+      std::vector< Lumo::MplsLabel > found;
+      for ( Lumo::MplsLabel each : sortedKeys( labels ) )
+         if ( names( label, each ) ) found.push_back( each );
+      return found;
+   }
+   /// A FEC has one label, or two while one takes the other's place. Each change goes through all of them, so
+   /// a peer that never stops is not followed.
+   bool hasTooManyLabels() const {
+      constexpr U32 most = 1024;
+      return state && state->localLabelStates() >= most;
+   }
+   bool anyLocal( Ldp::LdpLocalLabelState which ) const {
+      for ( auto const & node : state->localLabelStateColl() )
+         if ( node.value() == which ) return true;
+      return false;
+   }
+   bool anyPeer( Ldp::LdpPeerLabelState which ) const {
+      for ( auto const & node : state->peerLabelStateColl() )
+         if ( node.value() == which ) return true;
+      return false;
+   }
+
+   /// Changes some bits of a state word.
+   template< class Change >
+   void localWord( Change const & change ) {
+      auto word = state->localLabelSessionState();
+      word.localLabelSessionMembershipIs( true );
+      change( word );
+      state->localLabelSessionStateIs( word );
+   }
+   template< class Change >
+   void peerWord( Change const & change ) {
+      auto word = state->peerLabelSessionState();
+      word.peerLabelSessionMembershipIs( true );
+      change( word );
+      state->peerLabelSessionStateIs( word );
+   }
+
+   SessionEnd & end;
+   Fec const fec;
+   Ldp::Status & model;
+   Vorn::Ptr< Ldp::LdpFecSessionStatus > state;
+
+ private:
+   Vorn::Ptr< Ldp::LdpFecConfig > config_;
+};
+
+} // namespace LdpTool::PrefixLabels

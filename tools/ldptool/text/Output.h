@@ -1,0 +1,70 @@
+#pragma once
+
+// Text on its way to a stream: one buffer, written in large pieces. Everything that the tool prints for each
+// message is appended here in place, without a string in between.
+
+#include <array>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace LdpTool {
+
+/// The output cannot be written (disk full, say).
+class OutputError : public std::runtime_error {
+ public:
+   using std::runtime_error::runtime_error;
+};
+
+class Output {
+ public:
+   explicit Output( std::FILE * file ) : file_( file ) {}
+   Output( Output const & ) = delete;
+   Output & operator=( Output const & ) = delete;
+
+   /// Hand everything to the system. Throws OutputError.
+   void flush();
+
+   Output & operator<<( std::string_view text ) {
+      if ( text.size() > room() ) return addLong( text );
+      text.copy( end_, text.size() );
+      end_ += text.size();
+      return *this;
+   }
+   Output & operator<<( char const * text ) { return *this << std::string_view( text ); }
+   Output & operator<<( char c ) {
+      if ( room() == 0 ) flush();
+      *end_++ = c;
+      return *this;
+   }
+   /// In decimal, octets too.
+   template< std::unsigned_integral Number >
+   Output & operator<<( Number number ) {
+      return decimal( number );
+   }
+
+   /// "0x" and `digits` hexadecimal digits.
+   Output & hex( std::uint64_t number, int digits );
+   /// Two hexadecimal digits for each octet.
+   Output & hexOctets( std::string_view octets );
+   /// An IPv4 address, from its four octets.
+   Output & ipv4( std::uint8_t const * octets );
+   /// Octets that a peer chose: what does not print as ASCII reads `\xNN`, so that nobody's terminal obeys a
+   /// router. Line ends stay when `lines` is set.
+   Output & escaped( std::string_view octets, bool lines = false );
+
+ private:
+   std::size_t room() const { return std::size_t( buffer_.data() + buffer_.size() - end_ ); }
+   Output & addLong( std::string_view text );
+   Output & decimal( std::uint64_t number );
+
+   std::FILE * file_;
+   std::array< char, 1 << 16 > buffer_;
+   char * end_ = buffer_.data();
+};
+
+} // namespace LdpTool

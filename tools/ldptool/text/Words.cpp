@@ -1,0 +1,45 @@
+// Names that several forms of output use.
+#include "text/Words.h"
+
+#include "Lumo/Ip.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace LdpTool {
+
+std::string addressText( Flow const & flow, std::array< std::uint8_t, 16 > const & address ) {
+   auto const text = [&]( auto value ) {
+      std::copy_n( address.begin(), value.size, value.octets() );
+      return std::string( value.stringValue().view() );
+   };
+   return flow.addressSize == Lumo::IpAddr::size ? text( Lumo::IpAddr() ) : text( Lumo::Ip6Addr() );
+}
+
+Vorn::String badPduText( Ldp::LdpPdu const & pdu ) { return "Error LDP PDU: " + pdu.reason(); }
+
+char const * fatalName( Ldp::LdpPduGuardResult const & fatal ) {
+   switch ( fatal.input ) {
+   case Ldp::LdpPduGuardResult::wrappedUnit: return "wrappedUnit";
+   case Ldp::LdpPduGuardResult::unboundedP2mpDump: return "unboundedP2mpDump";
+   case Ldp::LdpPduGuardResult::none: break;
+   }
+   return "none";
+}
+
+std::string timeText( Arrival const & arrival ) {
+   constexpr std::int64_t secondsOfDay = 86400;
+   auto const second = int( ( arrival.seconds % secondsOfDay + secondsOfDay ) % secondsOfDay );
+   char time[sizeof "hh:mm:ss.uuuuuu"];
+   std::snprintf( time, sizeof time, "%02d:%02d:%02d.%06u", second / 3600, second / 60 % 60, second % 60,
+                  arrival.nanoseconds / 1000 % 1000000 );
+   return time;
+}
+
+std::string originText( Origin const & origin ) {
+   if ( !origin.flow ) return "line " + std::to_string( origin.arrival.frame );
+   return timeText( origin.arrival ) + " " + addressText( *origin.flow, origin.flow->source ) + " > " +
+          addressText( *origin.flow, origin.flow->destination );
+}
+
+} // namespace LdpTool
