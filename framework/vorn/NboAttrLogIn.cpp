@@ -11,8 +11,8 @@
 
 namespace Vorn::NboAttrLog {
 
-VORN_OBJECT_RECORD( Vorn::NboAttrLog, In, nullptr )
-VORN_OBJECT_RECORD( Vorn::NboAttrLog, Demuxer, nullptr )
+VORN_UNLISTED_RECORD( Vorn::NboAttrLog, In, nullptr )
+VORN_UNLISTED_RECORD( Vorn::NboAttrLog, Demuxer, nullptr )
 
 namespace {
 

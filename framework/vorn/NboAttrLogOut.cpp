@@ -8,7 +8,7 @@
 
 namespace Vorn::NboAttrLog {
 
-VORN_OBJECT_RECORD( Vorn::NboAttrLog, Out, nullptr )
+VORN_UNLISTED_RECORD( Vorn::NboAttrLog, Out, nullptr )
 
 Permits::~Permits() = default;
 

@@ -7,7 +7,7 @@
 
 namespace Vorn {
 
-VORN_OBJECT_RECORD( Vorn, Entity::VornNboAttrLogSa, nullptr )
+VORN_UNLISTED_RECORD( Vorn, Entity::VornNboAttrLogSa, nullptr )
 
 using NboAttrLog::Out;
 using Sa = Entity::VornNboAttrLogSa;

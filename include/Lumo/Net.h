@@ -6,6 +6,8 @@
 #include "Vorn/NboAttrLogValues.h"
 #include "Vorn/Strep.h"
 
+#include <bit>
+
 namespace Lumo {
 
 /// One octet of a wire format.
@@ -64,12 +66,12 @@ class NetU16 {
    /// The bits of `mask`, shifted down so that its lowest bit is bit 0.
    template< U16 mask >
    constexpr U16 bits() const noexcept {
-      return U16( ( value() & mask ) / ( mask & -mask ) );
+      return U16( ( value() & mask ) >> std::countr_zero( mask ) );
    }
    /// Replaces the bits of `mask` by the low bits of `part`; the others stay.
    template< U16 mask >
    constexpr void bitsIs( U32 part ) noexcept {
-      valueIs( U16( ( value() & ~mask ) | ( ( part * ( mask & -mask ) ) & mask ) ) );
+      valueIs( U16( ( value() & U16( ~mask ) ) | ( part << std::countr_zero( mask ) & mask ) ) );
    }
 
  private:

@@ -282,11 +282,14 @@ VORN_OUTSIDE_VALUE( void )
    [[gnu::used]] ::Vorn::TypeRegistration const vornRegistration##line##_{ record };                         \
    }
 
-/// The record of a counted class without reflected attributes, and its memory tracker; it registers
-/// the type. `baseRecord` is the address of the base's record or null. Stands in the source file, inside the
-/// class's namespace.
+/// The record of a counted class without reflected attributes, and its memory tracker; it registers the type.
+/// `baseRecord` is the address of the base's record or null. Stands in the source file, in the class's
+/// namespace.
 #define VORN_OBJECT_RECORD( Namespace, Type, baseRecord )                                                    \
+   VORN_UNLISTED_RECORD( Namespace, Type, baseRecord )                                                       \
+   VORN_REGISTER_( &Type::_vornType )
+/// The same for a class that the table of types leaves out, since it is no part of anyone's state.
+#define VORN_UNLISTED_RECORD( Namespace, Type, baseRecord )                                                  \
    constinit ::Vorn::VornType const Type::_vornType =                                                        \
         ::Vorn::objectRecord( #Namespace "::" #Type, baseRecord, sizeof( Type ) );                           \
-   ::Vorn::AllocTrackTypeInfo Type::vornAllocTrackTypeInfo_{ &Type::_vornType };                             \
-   VORN_REGISTER_( &Type::_vornType )
+   ::Vorn::AllocTrackTypeInfo Type::vornAllocTrackTypeInfo_{ &Type::_vornType };

@@ -51,18 +51,18 @@ struct AttrTable {
    static constexpr bool hasRows = requires { &T::vornRows; };
 
    static constexpr U32 count() {
-      U32 num = 0;
+      U32 found = 0;
       if constexpr ( hasRows ) {
          for ( VornAttr const & row : T::vornRows ) {
-            num += bool( row.name );
+            found += bool( row.name );
          }
-         return num;
+         return found;
       }
       [&]< U32... i >( std::integer_sequence< U32, i... > ) {
-         ( ( has< first + i > && num == i ? ++num : num ), ... );
+         ( ( has< first + i > && found == i ? ++found : found ), ... );
       }
       ( std::make_integer_sequence< U32, window >{} );
-      return num;
+      return found;
    }
    static constexpr U32 declared() {
       return []< U32... i >( std::integer_sequence< U32, i... > ) {
@@ -82,25 +82,25 @@ struct AttrTable {
    static constexpr U32 num = baseNum() + own;
 
    static constexpr std::array< VornAttr, num + 1 > collect() {
-      std::array< VornAttr, num + 1 > table{};
+      std::array< VornAttr, num + 1 > rows{};
       if constexpr ( baseNum() != 0 ) {
          for ( U32 i = 0; i < baseNum(); ++i ) {
-            table[i] = AttrTable< typename T::VornBase >::table[i];
+            rows[i] = AttrTable< typename T::VornBase >::table[i];
          }
       }
       if constexpr ( hasRows ) {
          for ( U32 i = 0; i < own; ++i ) {
-            VornAttr & attr = table[baseNum() + i] = T::vornRows[i];
+            VornAttr & attr = rows[baseNum() + i] = T::vornRows[i];
             attr.owner = &T::_vornType;
             attr.flags |= first + i;
          }
       } else if constexpr ( own != 0 ) {
          [&]< U32... i >( std::integer_sequence< U32, i... > ) {
-            ( ( table[baseNum() + i] = T::vornAttr( AttrId< first + i >{} ) ), ... );
+            ( ( rows[baseNum() + i] = T::vornAttr( AttrId< first + i >{} ) ), ... );
          }
          ( std::make_integer_sequence< U32, own >{} );
       }
-      return table;
+      return rows;
    }
    static constexpr std::array< VornAttr, num + 1 > table = collect();
    static constexpr VornAttr const * attributes = num ? table.data() : nullptr;

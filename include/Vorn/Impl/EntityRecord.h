@@ -125,8 +125,8 @@ VORN_API Ptr< StreamAdapter > childAttrLogIs( VornType const * type, char const 
 /// `genericIfIterator` of a type; null where nothing can be walked.
 template< class T >
 constexpr auto iteratorOf() -> decltype( VornType::genericIfIterator ) {
-   for ( VornAttr const & attr : AttrTable< T >::table ) {
-      if ( !attr.ops || !attr.ops->iterator ) continue;
+   for ( VornAttr const & walked : AttrTable< T >::table ) {
+      if ( !walked.ops || !walked.ops->iterator ) continue;
       return []( void * object, VornAttr const & attr, GenericIf::IteratorVTable const ** vtable ) {
          return GenericIfImpl::iterator( T::_vornType, object, attr, vtable );
       };
