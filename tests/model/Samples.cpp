@@ -4,8 +4,8 @@
 #include "Ldp/LdpCommon.h"
 #include "Ldp/LdpMsgParser.h"
 #include "Lumo/UdpPam.h"
-#include "Vorn/Impl/AttrTable.h"
 #include "Vorn/Entity.h"
+#include "Vorn/Impl/AttrTable.h"
 
 #include <gtest/gtest.h>
 
