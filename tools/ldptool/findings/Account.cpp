@@ -57,7 +57,8 @@ void tellConnection( Output & out, Evidence const & evidence, Pair const & pair 
       Sent const & sent = evidence.sentTo( own, peer );
       if ( !sent.syns ) continue;
       any = true;
-      std::string text = textOf( own ) + " connects: " + std::to_string( sent.syns.times ) + " SYN(s), ";
+      std::string text = textOf( own ) + " connects: " + std::to_string( sent.syns.times ) +
+                         ( sent.syns.times == 1 ? " SYN, " : " SYNs, " );
       text += sent.established ? "established in " + frameText( sent.established.last ) : "never established";
       tell( out, "connection", text );
    }
@@ -87,13 +88,16 @@ void tellSession( Output & out, Evidence const & evidence, Pair const & pair, Jo
 std::size_t tellFindings( Output & out, std::vector< Finding > const & findings ) {
    for ( Finding const & finding : findings ) {
       std::string frames;
+      unsigned shown = 0;
       std::uint64_t before = 0;
       for ( std::uint64_t frame : finding.frames ) {
          if ( !frame || frame == before ) continue;
          frames += ( frames.empty() ? "" : ", " ) + std::to_string( frame );
          before = frame;
+         ++shown;
       }
-      out.escaped( "  ! " + finding.what + ( frames.empty() ? "" : " [frames " + frames + "]" ) ) << '\n';
+      if ( shown ) frames = ( shown == 1 ? " [frame " : " [frames " ) + frames + "]";
+      out.escaped( "  ! " + finding.what + frames ) << '\n';
       out.escaped( "    look at: " + finding.look ) << '\n';
    }
    return findings.size();

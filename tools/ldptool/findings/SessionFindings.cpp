@@ -129,7 +129,8 @@ void initializing( Found & found, Evidence const & evidence, LdpIdentifier const
                               " wants labels on demand, the other unsolicited",
                          { there.inits.last, back.inits.last },
                          "the advertisement mode of both; unsolicited is used (RFC 5036, 3.5.3)" } );
-   if ( there.inits && !back.inits && !there.fatal.empty() + back.fatal.empty() == 1 && !back.keepAlives )
+   bool const refused = !there.fatal.empty() || !back.fatal.empty();
+   if ( there.inits && !back.inits && !refused && !back.keepAlives )
       found.push_back( { textOf( b ) + " does not answer the Initialization of " + textOf( a ),
                          { there.inits.last },
                          "whether the capture has both directions" } );
