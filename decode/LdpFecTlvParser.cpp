@@ -32,7 +32,7 @@ Addr leadingOctets( U8 const * at, U32 octets ) {
 /// behind it. On failure it gives the code, leaves the reason with the parser and `currOffset` where it was.
 LdpStatusCode parseFecTlvP2mpElement( LdpFecTlvParser * parser, U32 & currOffset, U32 endOffset,
                                       LdpFecTlvP2mpElement & element ) {
-   auto const refuse = [&]( LdpStatusCode status, Vorn::String const & reason ) {
+   auto const withReason = [&]( LdpStatusCode status, Vorn::String const & reason ) {
       parser->reasonIs( reason );
       TWAIN_TRACE( 5, parser->reason() );
       return status;
@@ -41,7 +41,8 @@ LdpStatusCode parseFecTlvP2mpElement( LdpFecTlvParser * parser, U32 & currOffset
    TWAIN_TRACE( 6, "currOffset = ", currOffset, " endOffset = ", endOffset );
    U32 const remaining = endOffset - currOffset;
    U8 const * const octets = parser->pkt()->front() + currOffset;
-   if ( remaining == 0 ) return refuse( malformedTlv, "Invalid FEC P2MP Element: TLV value is too small" );
+   if ( remaining == 0 )
+      return withReason( malformedTlv, "Invalid FEC P2MP Element: TLV value is too small" );
    // The counter is 8 bits wide, so with 256 octets or more the dump does not end. Users' tests count on it,
    // and it is why there is a guard for received PDUs. Volatile keeps the loop in every build.
    U8 volatile dumped = 0;
@@ -51,7 +52,7 @@ LdpStatusCode parseFecTlvP2mpElement( LdpFecTlvParser * parser, U32 & currOffset
       dumped = U8( index + 1 );
    }
    if ( remaining < sizeof( LdpFecTlvP2mpElementHdr ) ) {
-      return refuse( malformedTlv, "Invalid FEC P2MP Element: TLV value is too small" );
+      return withReason( malformedTlv, "Invalid FEC P2MP Element: TLV value is too small" );
    }
    auto const * hdr = elementAt< LdpFecTlvP2mpElementHdr >( *parser, currOffset );
    U32 const rootLen = hdr->rootIpLenOctets();
@@ -59,35 +60,36 @@ LdpStatusCode parseFecTlvP2mpElement( LdpFecTlvParser * parser, U32 & currOffset
    TWAIN_TRACE( 9, "rootIpLenOctets = ", rootLen, " af = ", family );
    U32 octetsRead = rootLen + U32( sizeof *hdr );
    if ( octetsRead > remaining ) {
-      return refuse( malformedTlv, Vorn::format( "Invalid FEC P2MP Element: RootIp Len Octets: %d, remaining "
-                                                 "packet octets: %u",
-                                                 int( rootLen ), remaining ) );
+      return withReason( malformedTlv,
+                         Vorn::format( "Invalid FEC P2MP Element: RootIp Len Octets: %d, remaining "
+                                       "packet octets: %u",
+                                       int( rootLen ), remaining ) );
    }
    // A root that is shorter than its family's addresses fills them from the front.
    switch ( family ) {
    case Lumo::ipv4:
       if ( rootLen > Lumo::IpAddr::size ) {
-         return refuse( malformedTlv,
-                        Vorn::format( "Invalid FEC P2MP Element: RootIpLen %d is too large for IPv4",
-                                      int( rootLen ) ) );
+         return withReason( malformedTlv,
+                            Vorn::format( "Invalid FEC P2MP Element: RootIpLen %d is too large for IPv4",
+                                          int( rootLen ) ) );
       }
       value.rootIpIs( leadingOctets< Lumo::IpAddr >( octets + sizeof *hdr, rootLen ) );
       break;
    case Lumo::ipv6:
       if ( rootLen > Lumo::Ip6Addr::size ) {
-         return refuse( malformedTlv,
-                        Vorn::format( "Invalid FEC P2MP Element: RootIpLen %d is too large for IPv6",
-                                      int( rootLen ) ) );
+         return withReason( malformedTlv,
+                            Vorn::format( "Invalid FEC P2MP Element: RootIpLen %d is too large for IPv6",
+                                          int( rootLen ) ) );
       }
       value.rootIpIs( leadingOctets< Lumo::Ip6Addr >( octets + sizeof *hdr, rootLen ) );
       break;
    default:
-      return refuse( unsupportedAddressFamily,
-                     Vorn::format( "Invalid FEC P2MP Element address family 0x%hx", U16( family ) ) );
+      return withReason( unsupportedAddressFamily,
+                         Vorn::format( "Invalid FEC P2MP Element address family 0x%hx", U16( family ) ) );
    }
    if ( octetsRead + sizeof( LdpFecTlvP2mpOpaqueLength ) > remaining ) {
-      return refuse( malformedTlv,
-                     "Invalid FEC P2MP Element: Packet length is too small to read opaqueLength" );
+      return withReason( malformedTlv,
+                         "Invalid FEC P2MP Element: Packet length is too small to read opaqueLength" );
    }
    U32 const opaqueLen = reinterpret_cast< LdpFecTlvP2mpOpaqueLength const * >( octets + octetsRead )
                               ->totalOpaqueLen()
@@ -95,7 +97,8 @@ LdpStatusCode parseFecTlvP2mpElement( LdpFecTlvParser * parser, U32 & currOffset
    octetsRead += U32( sizeof( LdpFecTlvP2mpOpaqueLength ) );
    // Exactly: nothing may follow the element in its TLV.
    if ( opaqueLen + octetsRead != remaining ) {
-      return refuse( malformedTlv, "Invalid FEC P2MP Element: Opaque length and Opaque value dont match" );
+      return withReason( malformedTlv,
+                         "Invalid FEC P2MP Element: Opaque length and Opaque value dont match" );
    }
    value.opaqueStrIs( Vorn::String( octets + octetsRead, opaqueLen ) );
    TWAIN_TRACE( 9, "opaqueLenIs ", opaqueLen, " opaqueStr is ",
@@ -233,7 +236,7 @@ Vorn::String LdpFecTlvParser::stringValue() const {
    return text += "]";
 }
 
-bool LdpFecTlvParser::refuse( LdpStatusCode status, Vorn::String const & reason ) {
+bool LdpFecTlvParser::failed( LdpStatusCode status, Vorn::String const & reason ) {
    reason_ = reason;
    TWAIN_TRACE( 5, reason_ );
    statusCode_ = status;
@@ -250,7 +253,7 @@ bool LdpFecTlvParser::parseElements() {
    // Nothing behind what 32 bits can address is looked at either.
    U64 const tlvEnd = U64( offset_ ) + tlvLen + LdpTlvHdr::tlvHdrSizeExclude;
    if ( tlvEnd > frontBytes || tlvEnd > std::numeric_limits< U32 >::max() ) {
-      return refuse( badTlvLength, Vorn::format( "FEC TLV is too small, size: %zd", ssize_t( frontBytes ) ) );
+      return failed( badTlvLength, Vorn::format( "FEC TLV is too small, size: %zd", ssize_t( frontBytes ) ) );
    }
    U32 cur = offset_ + LdpTlvHdr::tlvHdrSizeExclude;
    U32 const end = U32( tlvEnd );
@@ -259,17 +262,17 @@ bool LdpFecTlvParser::parseElements() {
    for ( U32 index = 0; cur < end; ++index ) {
       LdpFecElementType const type = elementAt< LdpFecTlvElementHdr >( *this, cur )->type();
       TWAIN_TRACE( 6, "      Msg/TLV/FecTlvElement ", index, ": offset ", cur, ", type ", type );
-      bool failed;
+      bool ended;
       switch ( type ) {
-      case wildcardElement: failed = parseWildcard( cur, end, strict, index ); break;
-      case prefixElement: failed = parsePrefix( cur, end, index ); break;
-      case hostAddrElement: failed = parseHostAddr( cur, end, index ); break;
-      case p2mpElement: failed = parseP2mp( cur, end, index ); break;
-      case pwIdElement: failed = parsePwId( cur, end, index ); break;
+      case wildcardElement: ended = parseWildcard( cur, end, strict, index ); break;
+      case prefixElement: ended = parsePrefix( cur, end, index ); break;
+      case hostAddrElement: ended = parseHostAddr( cur, end, index ); break;
+      case p2mpElement: ended = parseP2mp( cur, end, index ); break;
+      case pwIdElement: ended = parsePwId( cur, end, index ); break;
       default:
-         failed = refuse( unknownFec, Vorn::format( "Unhandled FEC TLV Element type 0x%02hhx", U8( type ) ) );
+         ended = failed( unknownFec, Vorn::format( "Unhandled FEC TLV Element type 0x%02hhx", U8( type ) ) );
       }
-      if ( failed ) return true;
+      if ( ended ) return true;
    }
    TWAIN_TRACE( 6, "FEC TLV parsed ", fecElements(), " elements" );
    statusCode_ = success;
@@ -279,7 +282,7 @@ bool LdpFecTlvParser::parseElements() {
 bool LdpFecTlvParser::parseWildcard( U32 & cur, U32 end, bool strict, U32 index ) {
    cur += U32( sizeof( LdpFecTlvWildcardElementHdr ) );
    if ( strict && ( cur != end || index != 0 ) ) {
-      return refuse( unknownFec, "FEC TLV Wildcard Element must be the only FEC Element in the FEC TLV" );
+      return failed( unknownFec, "FEC TLV Wildcard Element must be the only FEC Element in the FEC TLV" );
    }
    auto const element = ldpFecTlvWildcardElementFactory();
    TWAIN_TRACE( 6, "         Wildcard FEC Element" );
@@ -292,12 +295,12 @@ bool LdpFecTlvParser::parsePrefix( U32 & cur, U32 end, U32 index ) {
    U32 const remaining = end - cur;
    auto const * hdr = elementAt< LdpFecTlvPrefixElementHdr >( *this, cur );
    if ( remaining < sizeof *hdr ) {
-      return refuse( malformedTlv, "Invalid FEC Prefix Element: TLV value is too small" );
+      return failed( malformedTlv, "Invalid FEC Prefix Element: TLV value is too small" );
    }
    U32 const bits = hdr->prefixBits();
    U32 const octets = ( bits + 7 ) / 8;
    if ( octets + sizeof *hdr > remaining ) {
-      return refuse( malformedTlv,
+      return failed( malformedTlv,
                      Vorn::format( "Invalid FEC Prefix Element: prefix bits: %d, remaining packet octets: %u",
                                    int( bits ), remaining ) );
    }
@@ -309,7 +312,7 @@ bool LdpFecTlvParser::parsePrefix( U32 & cur, U32 end, U32 index ) {
    switch ( family ) {
    case Lumo::ipv4:
       if ( octets > Lumo::IpAddr::size ) {
-         return refuse(
+         return failed(
               malformedTlv,
               Vorn::format( "Invalid FEC Prefix Element: PreLen %d is too large for IPv4", int( bits ) ) );
       }
@@ -317,14 +320,14 @@ bool LdpFecTlvParser::parsePrefix( U32 & cur, U32 end, U32 index ) {
       break;
    case Lumo::ipv6:
       if ( octets > Lumo::Ip6Addr::size ) {
-         return refuse(
+         return failed(
               malformedTlv,
               Vorn::format( "Invalid FEC Prefix Element: PreLen %d is too large for IPv6", int( bits ) ) );
       }
       prefix = Lumo::IpGenPrefix( leadingOctets< Lumo::Ip6Addr >( at, octets ), bits );
       break;
    default:
-      return refuse( unsupportedAddressFamily,
+      return failed( unsupportedAddressFamily,
                      Vorn::format( "Invalid FEC Prefix Element address family 0x%hx", U16( family ) ) );
    }
    auto const element = ldpFecTlvPrefixElementFactory();
@@ -339,11 +342,11 @@ bool LdpFecTlvParser::parseHostAddr( U32 & cur, U32 end, U32 index ) {
    U32 const remaining = end - cur;
    auto const * hdr = elementAt< LdpFecTlvHostAddressElementHdr >( *this, cur );
    if ( remaining < sizeof *hdr ) {
-      return refuse( malformedTlv, "Invalid FEC Host Address Element: TLV value is too small" );
+      return failed( malformedTlv, "Invalid FEC Host Address Element: TLV value is too small" );
    }
    U32 const len = hdr->hostAddrLen();
    if ( len + sizeof *hdr > remaining ) {
-      return refuse( malformedTlv,
+      return failed( malformedTlv,
                      Vorn::format( "Invalid FEC Host Address Element: hostAddrLen: %d, remaining "
                                    "packet octets: %u",
                                    int( len ), remaining ) );
@@ -355,7 +358,7 @@ bool LdpFecTlvParser::parseHostAddr( U32 & cur, U32 end, U32 index ) {
    switch ( family ) {
    case Lumo::ipv4:
       if ( len != Lumo::IpAddr::size ) {
-         return refuse( malformedTlv,
+         return failed( malformedTlv,
                         Vorn::format( "Invalid FEC Host Addr Element: hostAddrLen %d is not valid IPv4 size",
                                       int( len ) ) );
       }
@@ -363,14 +366,14 @@ bool LdpFecTlvParser::parseHostAddr( U32 & cur, U32 end, U32 index ) {
       break;
    case Lumo::ipv6:
       if ( len != Lumo::Ip6Addr::size ) {
-         return refuse( malformedTlv,
+         return failed( malformedTlv,
                         Vorn::format( "Invalid FEC Host Addr Element: hostAddrLen %d is not valid IPv6 size",
                                       int( len ) ) );
       }
       prefix = Lumo::IpGenPrefix( leadingOctets< Lumo::Ip6Addr >( at, len ), Lumo::Ip6Addr::bits );
       break;
    default:
-      return refuse( unsupportedAddressFamily,
+      return failed( unsupportedAddressFamily,
                      Vorn::format( "Invalid FEC Host Address Element address family 0x%hx", U16( family ) ) );
    }
    auto const element = ldpFecTlvHostAddrElementFactory();
@@ -383,7 +386,7 @@ bool LdpFecTlvParser::parseHostAddr( U32 & cur, U32 end, U32 index ) {
 
 bool LdpFecTlvParser::parseP2mp( U32 & cur, U32 end, U32 index ) {
    if ( index != 0 ) {
-      return refuse( unknownFec, "FEC TLV P2MP Element must be the only FEC Element in the FEC TLV" );
+      return failed( unknownFec, "FEC TLV P2MP Element must be the only FEC Element in the FEC TLV" );
    }
    auto const element = ldpFecTlvP2mpElementFactory();
    statusCode_ = parseFecTlvP2mpElement( this, cur, end, *element );

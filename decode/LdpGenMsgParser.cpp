@@ -32,10 +32,10 @@ U32 LdpTlvGroupParser::tlvOffsetDel( U32 index ) {
    return deleted ? deleted->value() : 0;
 }
 
-void LdpTlvGroupParser::refuse( Vorn::String const & reason ) {
+void LdpTlvGroupParser::refuse( LdpStatusCode status, Vorn::String const & reason ) {
+   statusCode_ = status;
    reason_ = reason;
    TWAIN_TRACE( 5, reason_ );
-   statusCode_ = badTlvLength;
 }
 
 bool LdpTlvGroupParser::parseTlvGroup() {
@@ -48,11 +48,11 @@ bool LdpTlvGroupParser::parseTlvGroup() {
    statusCode_ = success;
    if ( size_ == 0 ) return true;
    if ( U64( offset_ ) + size_ > frontBytes ) {
-      refuse( Vorn::format( "Packet is too small, size: %zd", ssize_t( frontBytes ) ) );
+      refuse( badTlvLength, Vorn::format( "Packet is too small, size: %zd", ssize_t( frontBytes ) ) );
       return true;
    }
    if ( U64( offset_ ) + sizeof( LdpTlvHdr ) > frontBytes ) {
-      refuse( "Msg/Tlv header is corrupted" );
+      refuse( badTlvLength, "Msg/Tlv header is corrupted" );
       return true;
    }
    U64 cur = offset_;
@@ -68,7 +68,7 @@ bool LdpTlvGroupParser::parseTlvGroup() {
       VORN_ASSERT( header->totalLength() > 0 );
       octets += total;
       if ( octets > size_ ) {
-         refuse( "Msg/Tlv is corrupted/truncated" );
+         refuse( badTlvLength, "Msg/Tlv is corrupted/truncated" );
          return true;
       }
       tlvOffset_.valueIs( index, U32( cur ) );
@@ -77,7 +77,7 @@ bool LdpTlvGroupParser::parseTlvGroup() {
       // Against the packet, not the run: a header that the run cuts short may be completed by the octets
       // behind it, and then its total tells.
       if ( cur + sizeof( LdpTlvHdr ) > frontBytes ) {
-         refuse( "Msg/Tlv header is corrupted" );
+         refuse( badTlvLength, "Msg/Tlv header is corrupted" );
          return true;
       }
    }

@@ -9,7 +9,8 @@ namespace {
 
 VORN_TRACE_FACILITY( "LdpPwGenMsgParser" )
 
-LdpStatusCode refuse( LdpFecTlvParser * parser, LdpStatusCode status, Vorn::String const & reason ) {
+/// The status, whose reason the parser keeps.
+LdpStatusCode withReason( LdpFecTlvParser * parser, LdpStatusCode status, Vorn::String const & reason ) {
    parser->reasonIs( reason );
    TWAIN_TRACE( 5, parser->reason() );
    return status;
@@ -68,7 +69,7 @@ struct IntfParamWalk {
 
 LdpStatusCode IntfParamWalk::parsePwIntfParamSubTlv() const {
    if ( remaining() < sizeof( LdpPwIntfParamSubTlv ) ) {
-      return refuse( parser, malformedTlv, "Invalid PW Intf param element: TLV is too small" );
+      return withReason( parser, malformedTlv, "Invalid PW Intf param element: TLV is too small" );
    }
    auto const & head = at< LdpPwIntfParamSubTlv >();
    using Flags = LdpPwIntfParamFlags;
@@ -98,14 +99,15 @@ LdpStatusCode IntfParamWalk::known( char const * invalid, U32 flag ) const {
    static constexpr char const * tooSmall = "Invalid PW Intf param element: TLV value is too small";
    auto const & subTlv = at< SubTlv >();
    // The fixed part must be there before anything is asked of it; the head is, already.
-   if ( remaining() < sizeof( SubTlv ) ) return refuse( parser, malformedTlv, tooSmall );
+   if ( remaining() < sizeof( SubTlv ) ) return withReason( parser, malformedTlv, tooSmall );
    LdpStatusCode const status = subTlv.validate();
-   if ( status != success ) return refuse( parser, status, invalid );
-   if ( remaining() < subTlv.length() ) return refuse( parser, malformedTlv, tooSmall );
+   if ( status != success ) return withReason( parser, status, invalid );
+   if ( remaining() < subTlv.length() ) return withReason( parser, malformedTlv, tooSmall );
    if ( !intfParamIs( subTlv, params ) ) {
       U16 const vlanId = at< LdpPwRequestedVlanIdSubTlv >().vlanId().value();
-      return refuse( parser, unknownFec,
-                     Vorn::format( "Invalid PW Intf param element: Vlan id out of bounds (%d)", vlanId ) );
+      return withReason(
+           parser, unknownFec,
+           Vorn::format( "Invalid PW Intf param element: Vlan id out of bounds (%d)", vlanId ) );
    }
    element.parsedIntfParamsIs( LdpPwIntfParamFlags( element.parsedIntfParams().value() | flag ) );
    off += subTlv.length();
@@ -114,8 +116,8 @@ LdpStatusCode IntfParamWalk::known( char const * invalid, U32 flag ) const {
 
 LdpStatusCode IntfParamWalk::unknown( LdpPwIntfParamSubTlv const & subTlv ) const {
    if ( subTlv.length() < sizeof( LdpPwIntfParamSubTlv ) ) {
-      return refuse( parser, badTlvLength,
-                     "Invalid PW Intf param element: Unrecognized packet invalid length" );
+      return withReason( parser, badTlvLength,
+                         "Invalid PW Intf param element: Unrecognized packet invalid length" );
    }
    TWAIN_TRACE( 6, "Ignoring unrecognized PW intf sub-TLV (code 0x",
                 Vorn::format( "%.2x", U32( subTlv.typeField() ) ), ")" );
@@ -154,28 +156,30 @@ LdpStatusCode parseFecTlvPwIdElement( LdpFecTlvParser * parser, U32 & currOffset
    VORN_ASSERT( cur <= endOffset );
    auto const * hdr = reinterpret_cast< LdpFecTlvPwIdElementHdr const * >( parser->pkt()->front() + cur );
    if ( endOffset - cur < sizeof *hdr ) {
-      return refuse( parser, malformedTlv, "Invalid FEC PW ID Element: TLV is too small" );
+      return withReason( parser, malformedTlv, "Invalid FEC PW ID Element: TLV is too small" );
    }
    Pseudowire::PseudowireType const pwType = hdr->pwType();
    if ( pwType != Pseudowire::pwTypeTagged && pwType != Pseudowire::pwTypeRaw ) {
-      return refuse( parser, unknownFec,
-                     Vorn::format( "Invalid FEC PW ID Element: Unknown PW type 0x%.4x", U32( pwType ) ) );
+      return withReason( parser, unknownFec,
+                         Vorn::format( "Invalid FEC PW ID Element: Unknown PW type 0x%.4x", U32( pwType ) ) );
    }
    U32 const pwInfoLen = hdr->pwInfoLen();
    if ( pwInfoLen + sizeof *hdr > endOffset - cur ) {
-      return refuse( parser, malformedTlv, "Invalid FEC PW ID Element: TLV value is too small" );
+      return withReason( parser, malformedTlv, "Invalid FEC PW ID Element: TLV value is too small" );
    }
    U32 off = cur + U32( sizeof *hdr );
    U32 const elementEnd = off + pwInfoLen;
    currOffset = elementEnd;
    if ( pwInfoLen != 0 && pwInfoLen < sizeof( Lumo::NetU32 ) ) {
-      return refuse( parser, badTlvLength, "Invalid FEC PW ID Element: TLV value length must be 0 or >= 4" );
+      return withReason( parser, badTlvLength,
+                         "Invalid FEC PW ID Element: TLV value length must be 0 or >= 4" );
    }
    PwFwdEqvClassParams params;
    Pseudowire::PseudowireId const pwId = hdr->pwId();
    if ( pwInfoLen != 0 ) {
       // Only the short form, without a PW ID, stands for all pseudowires.
-      if ( pwId == 0 ) return refuse( parser, malformedTlv, "Invalid FEC PW ID Element: PW ID cannot be 0" );
+      if ( pwId == 0 )
+         return withReason( parser, malformedTlv, "Invalid FEC PW ID Element: PW ID cannot be 0" );
       off += U32( sizeof( Lumo::NetU32 ) );
       IntfParamWalk const walk{ parser, element, params, off, elementEnd };
       while ( off < elementEnd ) {
@@ -184,7 +188,7 @@ LdpStatusCode parseFecTlvPwIdElement( LdpFecTlvParser * parser, U32 & currOffset
       }
    }
    if ( off != elementEnd ) {
-      return refuse(
+      return withReason(
            parser, malformedTlv,
            Vorn::format( "Invalid FEC PW ID Element: TLV value length mismatch. Expected %d octets but "
                          "found %d octets.",

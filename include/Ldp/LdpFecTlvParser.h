@@ -155,7 +155,8 @@ class VORN_API LdpFecTlvParser : public LdpTlvParser {
    void handleInitialized() { parseElements(); }
 
  private:
-   bool refuse( LdpStatusCode status, Vorn::String const & reason );
+   /// Keeps why, and says true: what the functions below say of an element that ends the walk.
+   bool failed( LdpStatusCode status, Vorn::String const & reason );
    bool parseWildcard( U32 & cur, U32 end, bool strict, U32 index );
    bool parsePrefix( U32 & cur, U32 end, U32 index );
    bool parseHostAddr( U32 & cur, U32 end, U32 index );

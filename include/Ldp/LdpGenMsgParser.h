@@ -66,7 +66,7 @@ class VORN_API LdpTlvGroupParser : public Vorn::PtrInterface {
    bool parseTlvGroup();
 
  private:
-   void refuse( Vorn::String const & reason );
+   void refuse( LdpStatusCode status, Vorn::String const & reason );
 
    Vorn::Name name_;
    Vorn::Ptr< Lumo::Pkt > pkt_;
