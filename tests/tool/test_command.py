@@ -23,6 +23,10 @@ class Forms(unittest.TestCase):
             "line 1 10.0.0.1:0 LdpLabelMapping id 4 10.1.0.0/16 label 100\n"
             "line 2 10.0.0.1:0 BAD PDU badVersion: LDP Version 7 not supported\n")))
 
+    def test_a_file_is_decoded_without_a_command(self):
+        self.assertEqual(run(BASIC).out, run("decode", BASIC).out)
+        self.assertEqual(run(BASIC, "--count").out, run("decode", "--count", BASIC).out)
+
     def test_every_message_has_one_line_and_one_object(self):
         for name in sorted(os.listdir(CAPTURES)):
             if name.endswith(".pcap"):

@@ -5,11 +5,14 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <iostream>
+#include <string>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -22,6 +25,17 @@ void holdStandardStreams() {
    }
 }
 
+// A file in the place of a command is to be decoded.
+std::vector< std::string > argumentsOf( CLI::App const & app, int argc, char ** argv ) {
+   std::vector< std::string > arguments( argv + 1, argv + argc );
+   auto const isFirst = [&]( CLI::App const * command ) { return command->get_name() == arguments[0]; };
+   if ( !arguments.empty() && app.get_subcommands( isFirst ).empty() &&
+        ( arguments[0] == "-" || access( argv[1], F_OK ) == 0 ) )
+      arguments.insert( arguments.begin(), "decode" );
+   std::reverse( arguments.begin(), arguments.end() ); // the parser takes them from behind
+   return arguments;
+}
+
 int fail( char const * why ) {
    std::fprintf( stderr, "ldptool: %s\n", why );
    return LdpTool::exitUsage;
@@ -32,7 +46,7 @@ int fail( char const * why ) {
 int main( int argc, char ** argv ) {
    using namespace LdpTool;
    holdStandardStreams();
-   CLI::App app{ "Looks at the Label Distribution Protocol (LDP, RFC 5036)." };
+   CLI::App app{ "Looks at the Label Distribution Protocol (LDP, RFC 5036). ldptool FILE decodes the file." };
    app.name( "ldptool" );
    app.set_version_flag( "--version", std::string( "ldptool " ) + Ldp::version() );
    app.require_subcommand( 1 );
@@ -45,7 +59,7 @@ int main( int argc, char ** argv ) {
    addTypesCommand( app );
    addWatchCommand( app );
    try {
-      app.parse( argc, argv );
+      app.parse( argumentsOf( app, argc, argv ) );
    } catch ( CLI::RuntimeError const & done ) {
       return done.get_exit_code(); // a command ran and said so
    } catch ( CLI::ParseError const & error ) {
