@@ -28,14 +28,14 @@ class Shared : public Vorn::Entity {
 
  public:
    explicit Shared( Vorn::Name const & name ) : name_( name ) {}
-   ~Shared() override { ++destroyed; }
 
    VORN_NAME;
    VORN_MUTABLE( 0x102, U32, number, Number, local ) = 0;
 
    VORN_OBSERVERS;
 };
-VORN_RECORD( Test, Shared )
+VORN_RECORD_BUT_DESTRUCTOR( Test, Shared )
+Shared::~Shared() { ++destroyed; }
 
 namespace {
 
