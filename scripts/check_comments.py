@@ -10,12 +10,13 @@ import pathlib
 import re
 import sys
 
-MEMBER = re.compile(r"(.*?):(\d+): (?:warning|error): Member .* is not documented\.$")
+MEMBER = re.compile(r"(.*?):(\d+): (?:warning|error): Member (\S+?)(?:\(.*\))? .* is not documented\.$")
+CLASS = re.compile(r" of (?:class|struct) (?:\w+::)*(\w+) is not documented\.$")
 CONSTRUCTOR = re.compile(r".*: (?:warning|error): Member (\w+)\(.*\) .*of class (?:\w+::)*\1 is not documented\.$")
 CLASS_HEAD = re.compile(r"\s*(template<.*>\s*)?(class|struct)\b.*\{$")
 # What may stand between the head of a class and its first paragraph; of an entity also what is the same in all.
-OPENING = re.compile(r"\s*((public|protected|private):|VORN_(OBJECT|ENTITY|NOTIFIEE|ON|ON_KEYED|VALUE|KEY|CTOR_TYPES|REFLECTED|REFLECTED_OBJECT)\(.*"
-                     r"|VORN_NAME;|LDP_TLV_PARSER\(.*|using .*;|(explicit )?[A-Z]+[a-z]\w*\( .*|: \w+(::\w+)*\( .*|~\w+\(\) override;|)$")
+OPENING = re.compile(r"\s*((public|protected|private):|VORN_(OBJECT|ENTITY|VALUE|KEY|CTOR_TYPES|REFLECTED|REFLECTED_OBJECT)\(.*"
+                     r"|VORN_NAME;|LDP_TLV_PARSER\(.*|using .*;|(explicit )?[A-Z]+[a-z]\w*\( .*|: \w+(::\w+)*\( .*|)$")
 # What the first line of a paragraph stands below.
 BOUNDARY = re.compile(f"{OPENING.pattern}|{CLASS_HEAD.pattern}|}}")
 
@@ -32,6 +33,14 @@ def undocumented_paragraph(lines, index):
     return None if spoken_for else first
 
 
+def place(lines, number, member, owner):
+    """The index of a member's line. Doxygen's own numbers are off behind macros that take several lines."""
+    begin = next((i for i, line in enumerate(lines) if owner and re.search(rf"\b(class|struct)\b.*\b{owner}\b.*{{$", line)), None)
+    if begin is None:
+        return number - 1
+    return next((i for i in range(begin + 1, len(lines)) if re.search(rf"\b{re.escape(member)}\b", lines[i])), number - 1)
+
+
 def main():
     gaps = set()
     for line in filter(None, map(str.strip, sys.stdin)):
@@ -41,9 +50,10 @@ def main():
         if not found:
             gaps.add(line)
             continue
-        path, number = found.groups()
+        path, number, member = found.groups()
+        owner = CLASS.search(line)
         lines = pathlib.Path(path).read_text().split("\n")
-        first = undocumented_paragraph(lines, int(number) - 1)
+        first = undocumented_paragraph(lines, place(lines, int(number), member, owner and owner[1]))
         if first is not None:
             gaps.add(f"{path}:{first + 1}: no comment speaks for {lines[first].strip()}")
     for gap in sorted(gaps):

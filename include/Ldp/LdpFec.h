@@ -331,6 +331,7 @@ class VORN_API LdpFecStatusNotifier : public Vorn::Entity {
    VORN_FUNCTION( 0x106, updateRequestSmNotiTime );
    VORN_FUNCTION( 0x107, updateMappingSmNotiTime );
 
+   /// What the updates take.
    using FecPtr = Vorn::Ptr< LdpFecStatus const >;
    void updateRequestSmNotiTime( FecPtr const & fec );
    void updateMappingSmNotiTime( FecPtr const & fec );
@@ -387,6 +388,7 @@ class VORN_API LdpFecNexthopColl : public Vorn::Entity {
    explicit LdpFecNexthopColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The FECs, by their value.
    VORN_ENTITY_COLL( 0x102, LdpFecNexthop, Mpls::FwdEqvClass, fecNexthop, FecNexthop, local );
 
    VORN_OBSERVERS;

@@ -37,9 +37,11 @@ namespace Vorn {
 
 /// How far the lines of a type have come. What stands for more of them converts to what stands for less.
 template< int rank >
-struct LineRank : LineRank< rank - 1 > {};
+struct LineRank; /// \cond Doxygen takes this for a recursion.
 template<>
 struct LineRank< 0 > {};
+template< int rank >
+struct LineRank : LineRank< rank - 1 > {}; /// \endcond
 /// The rank of an attribute's line, or of one `offset` further.
 template< U32 id, U32 first, int offset >
 using LineOf = LineRank< ( isAttrIdOf( id, first ) ? int( id - first ) : 0 ) + 1 + offset >;
