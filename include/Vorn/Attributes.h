@@ -104,6 +104,7 @@ using LastLine = LineRank< 0x82 >;
 /// The name that a named entity is constructed with. Its constructor passes it on: `explicit T( Vorn::Name
 /// name )`.
 #define VORN_NAME                                                                                            \
+   VORN_BEFORE_OBSERVERS_                                                                                    \
  public:                                                                                                     \
    static constexpr bool vornNamed = true;                                                                   \
    ::Vorn::Name name() const override { return name_; }                                                      \
