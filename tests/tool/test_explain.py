@@ -63,6 +63,8 @@ CAUSES = {
     "two routers may use the identifier 10.0.0.1:0":
         [say_hello("10.0.0.1", f"10.0.0.{i}", f"10.0.0.{i}", src=b"\2\0\0\0\0" + bytes([i])) for i in (1, 2)],
     "IPv6 hellos of 10.0.0.1:0 from 2001:db8::1, which is not link-local": [say_hello("10.0.0.1", "2001:db8::1")],
+    "nobody connects: hellos go both ways, and 10.0.0.2:0 sends no SYN":
+        [(hello, None, second) for second in (0, 5, 10) for hello in HELLOS],
     "silence: 3 SYNs of 10.0.0.2:0 to 10.0.0.1:0": HELLOS + [(SYN_, None, second) for second in (1, 2, 4)],
     "the connection of 10.0.0.2:0 to 10.0.0.1:0 is refused": HELLOS + [SYN_, ether(tcp(seq=0, ack=1001, flags=RST | ACK, **BACK))],
     "the answer to the SYN of 10.0.0.2:0 to 10.0.0.1:0 is not taken":

@@ -87,6 +87,40 @@ void connecting( Found & found, Evidence const & evidence, LdpIdentifier const &
              "the transport addresses; the higher one is to connect (RFC 5036, 2.5.2)" } );
 }
 
+/// How many hellos a speaker has sent.
+std::uint64_t hellosOf( Evidence const & evidence, LdpIdentifier const & speaker ) {
+   std::uint64_t times = 0;
+   for ( auto at = evidence.hellos().lower_bound( { speaker, Addr() } );
+         at != evidence.hellos().end() && at->first.first == speaker; ++at )
+      times += at->second.seen.times;
+   return times;
+}
+
+/// Both hear each other, for two hello intervals at least, and neither begins the session.
+void nobodyConnects( Found & found, Evidence const & evidence, Journal const & journal,
+                     LdpIdentifier const & a, LdpIdentifier const & b ) {
+   auto const begins = []( Sent const & sent ) { return sent.syns || sent.inits || sent.keepAlives; };
+   if ( begins( evidence.sentTo( a, b ) ) || begins( evidence.sentTo( b, a ) ) ) return;
+   if ( std::min( hellosOf( evidence, a ), hellosOf( evidence, b ) ) < 3 ) return;
+   std::uint64_t heardByA = 0;
+   std::uint64_t heardByB = 0;
+   for ( Change const & change : journal.changes() ) {
+      if ( change.subject == "session" || change.to != "hears" ) continue;
+      if ( change.speaker == a && change.peer == b ) heardByA = change.at.frame;
+      if ( change.speaker == b && change.peer == a ) heardByB = change.at.frame;
+   }
+   if ( !heardByA || !heardByB ) return;
+   Addr const ofA = transportOf( evidence, a );
+   Addr const ofB = transportOf( evidence, b );
+   bool const known = ofA.family() == ofB.family() && !( ofA == ofB );
+   std::string const active =
+        known ? textOf( ofA < ofB ? b : a ) : "the one with the higher transport address";
+   found.push_back( { "nobody connects: hellos go both ways, and " + active + " sends no SYN",
+                      { heardByA, heardByB },
+                      "whether the capture has TCP port 646, whether " + active +
+                           " accepts the peer, and its route to the peer's transport address" } );
+}
+
 void initializing( Found & found, Evidence const & evidence, LdpIdentifier const & a,
                    LdpIdentifier const & b ) {
    Sent const & there = evidence.sentTo( a, b );
@@ -209,6 +243,7 @@ std::vector< Finding > sessionFindings( Evidence const & evidence, Journal const
                             { released.first },
                             "the label retention mode of " + textOf( peer ) } );
    }
+   nobodyConnects( found, evidence, journal, a, b );
    if ( journal.oneSided( a, b ) )
       found.push_back( { "the capture has only one side of the session", {}, "where it was taken" } );
    return found;
