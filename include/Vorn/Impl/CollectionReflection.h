@@ -15,8 +15,6 @@ decltype( auto ) withArgs( void const * const * args, Call const & call ) {
    ( std::make_index_sequence< std::tuple_size_v< Types > >{} );
 }
 
-using ChangeFn = NotifieeChange const & (*)();
-
 template< class Self, class Type, Child< Type > Self::*field, auto change >
 inline constexpr VornAttrOps childOps{
    []( void * result, void * object, VornAttr const &, U32 op, void const *,

@@ -66,8 +66,6 @@ struct FunctionClass< Result ( Class::* )( Args... ) const noexcept( never ) > {
    using Type = Class;
 };
 
-using OpFn = U32 ( * )( void *, void *, VornAttr const &, U32, void const *, void const * const * );
-
 /// Read-only: key, constructor argument, derived.
 template< class Self, auto get >
 inline constexpr VornAttrOps readOps{
