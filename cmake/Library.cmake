@@ -7,6 +7,7 @@ add_library( LdpObjects OBJECT ${LDP_SOURCES} )
 set_target_properties( LdpObjects PROPERTIES POSITION_INDEPENDENT_CODE ON )
 target_include_directories( LdpObjects PRIVATE ${PROJECT_SOURCE_DIR}/include )
 target_link_libraries( LdpObjects PRIVATE LdpCompile )
+ldp_precompile( LdpObjects <Ldp/LdpMsgParser.h> <Ldp/LdpStatus.h> )
 # Nobody replaces our functions one by one, so calls within the library may be inlined. A weak hook stays one.
 target_compile_options( LdpObjects PRIVATE -fno-semantic-interposition )
 
