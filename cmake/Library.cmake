@@ -11,18 +11,20 @@ ldp_precompile( LdpObjects <Ldp/LdpMsgParser.h> <Ldp/LdpStatus.h> )
 # Nobody replaces our functions one by one, so calls within the library may be inlined. A weak hook stays one.
 target_compile_options( LdpObjects PRIVATE -fno-semantic-interposition )
 
+set( objects $<FILTER:$<TARGET_OBJECTS:LdpObjects>,INCLUDE,\\.o$> ) # and no precompiled header
+
 # The archive holds one object, made of all: a linker takes an archive's objects by the names that a program uses, and then the
 # types that it does not name would be missing from the process-wide type table.
 set( whole ${PROJECT_BINARY_DIR}/LdpWhole.o )
-add_custom_command( OUTPUT ${whole} COMMAND ${CMAKE_LINKER} -r -o ${whole} $<TARGET_OBJECTS:LdpObjects>
-   DEPENDS LdpObjects $<TARGET_OBJECTS:LdpObjects> COMMAND_EXPAND_LISTS VERBATIM )
+add_custom_command( OUTPUT ${whole} COMMAND ${CMAKE_LINKER} -r -o ${whole} ${objects}
+   DEPENDS LdpObjects ${objects} COMMAND_EXPAND_LISTS VERBATIM )
 
 foreach( kind SHARED STATIC )
    string( TOLOWER ${kind} target )
    if( kind STREQUAL STATIC )
       add_library( Ldp_${target} ${kind} ${whole} )
    else()
-      add_library( Ldp_${target} ${kind} $<TARGET_OBJECTS:LdpObjects> )
+      add_library( Ldp_${target} ${kind} ${objects} )
    endif()
    add_library( Ldp::${target} ALIAS Ldp_${target} )
    target_include_directories( Ldp_${target} PUBLIC
