@@ -1,12 +1,18 @@
 // Names that several forms of output use.
 #include "text/Words.h"
 
-#include "Lumo/Ip.h"
-
 #include <algorithm>
 #include <cstdio>
 
 namespace LdpTool {
+
+Output & operator<<( Output & out, Lumo::IpGenAddr const & addr ) {
+   return addr.family() == Lumo::ipv4 ? out << addr.ipAddr() : out << addr.stringValue().view();
+}
+
+Output & operator<<( Output & out, Lumo::IpGenPrefix const & prefix ) {
+   return out << prefix.address() << '/' << prefix.len();
+}
 
 std::string addressText( Flow const & flow, std::array< std::uint8_t, 16 > const & address ) {
    auto const text = [&]( auto value ) {

@@ -6,6 +6,8 @@
 #include "capture/PduSink.h"
 #include "text/Output.h"
 
+#include "Lumo/Ip.h"
+
 #include <string>
 
 namespace LdpTool {
@@ -22,6 +24,11 @@ requires std::is_enum_v< Enum > Output & operator<<( Output & out, Enum value ) 
    char const * name = enumeratorName( value );
    return name ? out << std::string_view( name ) : out << U32( value );
 }
+
+/// Append an address or a prefix.
+inline Output & operator<<( Output & out, Lumo::IpAddr const & addr ) { return out.ipv4( addr.octets() ); }
+Output & operator<<( Output & out, Lumo::IpGenAddr const & addr );
+Output & operator<<( Output & out, Lumo::IpGenPrefix const & prefix );
 
 /// Text of one of a flow's addresses.
 std::string addressText( Flow const & flow, std::array< std::uint8_t, 16 > const & address );

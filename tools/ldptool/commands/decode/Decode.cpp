@@ -85,7 +85,7 @@ std::uint32_t messageType( std::string const & text ) {
 }
 
 std::unique_ptr< Reporter > makeReporter( Options const & options, Output & out ) {
-   if ( options.json ) return std::make_unique< JsonReporter >( out );
+   if ( options.json ) return std::make_unique< JsonReporter >( out, options.full );
    if ( options.full ) return std::make_unique< FullReporter >( out );
    if ( options.count ) return std::make_unique< Counter >();
    return std::make_unique< LineReporter >( out );
@@ -158,7 +158,6 @@ void addDecodeCommand( CLI::App & app ) {
    auto * const json = command.add_flag( "--json", options->json, "print a JSON object for each message" );
    auto * const count = command.add_flag( "--count", options->count, "print only the number of messages" );
    auto * const stats = command.add_flag( "--stats", options->stats, "print only tables of what there was" );
-   json->excludes( full );
    count->excludes( full )->excludes( json );
    stats->excludes( full )->excludes( json )->excludes( count );
    command.add_option( "--filter", *types, "look at messages of these types only, and at bad PDUs" )
