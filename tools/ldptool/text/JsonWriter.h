@@ -36,6 +36,11 @@ using Writer = rapidjson::Writer< Stream, Latin1, rapidjson::ASCII<> >;
 
 } // namespace JsonImpl
 
+/// A value of its own type that the output has a text of, without anything to escape.
+template< class Value >
+concept PlainText = std::is_enum_v< Value > ||
+     ( std::is_class_v< Value > && !std::convertible_to< Value, std::string_view > );
+
 class JsonWriter : private JsonImpl::Writer {
  public:
    explicit JsonWriter( Output & out ) : Writer( stream_ ), stream_{ out } {}
@@ -79,10 +84,7 @@ class JsonWriter : private JsonImpl::Writer {
    void value( char const * text ) { value( std::string_view( text ) ); }
    void value( Vorn::String const & octets ) { value( octets.view() ); }
    /// A value of its own type as text that needs no escape: an address, an enumerator (or its number).
-   template< class Value >
-   requires std::is_enum_v< Value > ||
-        (std::is_class_v< Value > &&
-         !std::convertible_to< Value, std::string_view >)void value( Value const & value ) {
+   void value( PlainText auto const & value ) {
       Prefix( rapidjson::kStringType );
       stream_.out << '"' << value << '"';
    }

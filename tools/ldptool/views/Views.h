@@ -3,13 +3,10 @@
 // The tables that an operator knows from a router, of every speaker in the network. They read the model
 // alone.
 
-#include "monitor/speaker/Journal.h"
-#include "monitor/speaker/Network.h"
-#include "text/Output.h"
+#include "text/JsonWriter.h"
+#include "views/Rows.h"
 
-#include <map>
 #include <optional>
-#include <string>
 
 namespace LdpTool {
 
@@ -26,24 +23,15 @@ void printBindings( Output & out, Network const & network,
 /// The pseudowires, both directions of each in a row.
 void printPseudowires( Output & out, Network const & network );
 
+/// The same as JSON, an array of rows each.
+void writeNeighbors( JsonWriter & json, Network const & network, Journal const & journal );
+void writeHistory( JsonWriter & json, Journal const & journal,
+                   std::optional< Ldp::LdpIdentifier > const & about );
+void writeBindings( JsonWriter & json, Network const & network,
+                    std::optional< Lumo::IpGenPrefix > const & within );
+void writePseudowires( JsonWriter & json, Network const & network );
+
 /// Speakers, adjacencies and sessions as a graph for Graphviz.
 void printDot( Output & out, Network const & network );
-
-/// The state of a VRF of each speaker, by speaker.
-template< class Call >
-void eachVrf( Network const & network, Call const & call ) {
-   std::map< Ldp::LdpIdentifier, Speaker const * > speakers;
-   for ( auto & speaker : network.speakerColl() )
-      speakers[speaker.ldpIdentifier()] = &speaker;
-   for ( auto const & [id, speaker] : speakers )
-      for ( auto & status : speaker->ldpStatusColl()->statusColl() )
-         call( id, status );
-}
-
-/// A value's text as a string of the standard library.
-template< class Value >
-std::string textOf( Value const & value ) {
-   return std::string( value.stringValue().view() );
-}
 
 } // namespace LdpTool

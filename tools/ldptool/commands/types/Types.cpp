@@ -2,6 +2,7 @@
 
 #include "commands/Commands.h"
 #include "text/JsonWriter.h"
+#include "views/Tree.h"
 
 #include "Vorn/Entity.h"
 #include "Vorn/GenericIf.h"
@@ -74,6 +75,7 @@ void writeType( JsonWriter & json, VornType const & type ) {
    json.member( "type", type.name );
    json.member( "kind", kindOf( type ) );
    writeName( json, "base", type.base );
+   if ( type.methods ) json.member( "json", jsonForm( type ) );
    if ( type.isEnum() ) {
       json.key( "enumerators" );
       json.object();
@@ -103,6 +105,10 @@ void writeType( JsonWriter & json, VornType const & type ) {
       json.member( "flags", flagText( *attr ) );
       json.member( "logged", attr->logged() );
       json.member( "instantiating", attr->instantiating() );
+      if ( attr->keyed() && attr->keyType ) {
+         bool const array = attr->isSet() || attr->kind() == VornKind::queue;
+         json.member( "json", array ? "array" : isKeyedByStructure( *attr ) ? "pairs" : "object" );
+      }
       json.endObject();
    }
    json.endArray();

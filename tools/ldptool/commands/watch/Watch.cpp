@@ -10,10 +10,10 @@
 #include "monitor/Monitor.h"
 #include "text/Words.h"
 #include "views/Tree.h"
+#include "views/TreeWatcher.h"
 #include "views/Views.h"
 
 #include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
 
 #include <iostream>
 #include <memory>
@@ -53,6 +53,10 @@ struct WatchOptions {
    bool replicate = false;
    bool check = false;
    LimitOptions limits;
+
+   bool anyView() const {
+      return tree || neighbors || bindings || pseudowires || history || dot || follow || check;
+   }
 };
 
 /// A PDU's worth of messages at a time: what the monitor wrote is taken along before the next PDU.
@@ -69,14 +73,6 @@ class WatchSink : public Decoder {
  private:
    Replica * replica_;
 };
-
-void printTree( Output & out, Network const & network, WatchOptions const & options ) {
-   if ( options.json ) {
-      out << treeJson( network, TreeContent::stored ).dump( 2 ) << '\n';
-   } else {
-      out << treeText( network, TreeContent::stored );
-   }
-}
 
 std::optional< Lumo::IpGenPrefix > prefixOf( std::string const & text ) {
    if ( text == "all" ) return {};
@@ -113,14 +109,38 @@ void timeIs( CaptureEnd & end, std::string const & text ) {
 /// The views that were asked for; the tree if nothing was.
 void printViews( Output & out, Network const & network, WatchOptions const & options,
                  Journal const & journal ) {
-   bool const others = options.follow || options.check || options.neighbors || options.bindings ||
-                       options.pseudowires || options.dot || options.history;
-   if ( !others || options.tree || options.json ) printTree( out, network, options );
+   if ( options.tree || !options.anyView() ) out << treeText( network, TreeContent::stored );
    if ( options.neighbors ) printNeighbors( out, network, journal );
    if ( options.history ) printHistory( out, journal, peerOf( *options.history ) );
    if ( options.bindings ) printBindings( out, network, prefixOf( *options.bindings ) );
    if ( options.pseudowires ) printPseudowires( out, network );
    if ( options.dot ) printDot( out, network );
+}
+
+/// The same as JSON: the tree alone, or an object with a member for each view.
+void writeViews( Output & out, Network const & network, WatchOptions const & options,
+                 Journal const & journal ) {
+   if ( options.follow || options.check ) return;
+   JsonWriter json( out );
+   if ( !options.anyView() ) {
+      writeTree( json, network, TreeContent::stored );
+      return json.endLine();
+   }
+   json.object();
+   auto const view = [&]( bool is, char const * name, auto const & write ) {
+      if ( !is ) return;
+      json.key( name );
+      write();
+   };
+   view( options.tree, "tree", [&] { writeTree( json, network, TreeContent::stored ); } );
+   view( options.neighbors, "neighbors", [&] { writeNeighbors( json, network, journal ); } );
+   view( options.history.has_value(), "history",
+         [&] { writeHistory( json, journal, peerOf( *options.history ) ); } );
+   view( options.bindings.has_value(), "bindings",
+         [&] { writeBindings( json, network, prefixOf( *options.bindings ) ); } );
+   view( options.pseudowires, "pseudowires", [&] { writePseudowires( json, network ); } );
+   json.endObject();
+   json.endLine();
 }
 
 int watch( WatchOptions const & options ) {
@@ -130,11 +150,13 @@ int watch( WatchOptions const & options ) {
       Monitor monitor( *network, options.limits.monitor, options.limits.capture.flows );
       std::unique_ptr< Replica > replica;
       if ( options.replicate ) replica = std::make_unique< Replica >( *network );
+      JsonWriter followed( out );
       std::optional< TreeWatcher > watcher;
       if ( options.follow ) {
          watcher.emplace( *network, [&]( TreeChange const & change ) {
-            out << timeText( monitor.journal().arrival() ) << ' ' << change.path << ' ' << change.attribute
-                << " = " << change.value << '\n';
+            Arrival const & at = monitor.journal().arrival();
+            if ( options.json ) return writeChange( followed, at, change );
+            out << timeText( at ) << ' ' << changeText( change ) << '\n';
          } );
       }
       WatchSink sink( monitor, out, replica.get() );
@@ -155,7 +177,11 @@ int watch( WatchOptions const & options ) {
       watcher.reset();
       if ( std::string const text = turnedAwayText( monitor.turnedAway(), counters ); !text.empty() )
          std::cerr << "ldptool: " << text << '\n';
-      printViews( out, *network, options, monitor.journal() );
+      if ( options.json ) {
+         writeViews( out, *network, options, monitor.journal() );
+      } else {
+         printViews( out, *network, options, monitor.journal() );
+      }
       int result = exitGood;
       if ( replica ) {
          std::string const copy = replica->finish( options.json );
@@ -190,8 +216,9 @@ void addWatchCommand( CLI::App & app ) {
    command.add_option( "FILE", options->file, "capture to read, pcap or pcapng; - is standard input" );
    command.add_option( "-i,--interface", options->interface, "listen on this interface" )
         ->type_name( "IFACE" );
-   auto * const tree = command.add_flag( "--tree", options->tree, "print the tree at the end (the default)" );
-   command.add_flag( "--json", options->json, "print the tree as JSON" )->excludes( tree );
+   command.add_flag( "--tree", options->tree, "print the tree at the end (the default)" );
+   auto * const json =
+        command.add_flag( "--json", options->json, "print the tree, or the views asked for, as JSON" );
    command.add_flag( "--neighbors", options->neighbors,
                      "print a table of neighbours: adjacencies, sessions" );
    command.add_flag( "--bindings{all}", options->bindings,
@@ -206,7 +233,8 @@ void addWatchCommand( CLI::App & app ) {
         ->type_name( "TIME" );
    command.add_option( "--until", options->end.frame, "show all as it was with that frame" )
         ->type_name( "FRAME" );
-   command.add_flag( "--dot", options->dot, "print speakers, adjacencies and sessions as a graph for dot" );
+   command.add_flag( "--dot", options->dot, "print speakers, adjacencies and sessions as a graph for dot" )
+        ->excludes( json );
    command.add_flag( "--follow", options->follow, "print each change as it comes" );
    auto * const replicate = command.add_flag( "--replicate", options->replicate,
                                               "keep a copy in a second process, fed by the attribute log" );
