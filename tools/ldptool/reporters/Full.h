@@ -1,15 +1,18 @@
 #pragma once
 
-// The library's own text of each message, below that of its PDU.
+// The library's own text of each message, below that of its PDU, and behind it every field that the JSON has.
 
-#include "messages/Reporter.h"
-#include "text/Output.h"
+#include "reporters/Json.h"
+
+#include <nlohmann/json.hpp>
 
 namespace LdpTool {
 
 class FullReporter : public Reporter {
  public:
-   explicit FullReporter( Output & out ) : out_( out ) {}
+   using Json = nlohmann::ordered_json;
+
+   explicit FullReporter( Output & out ) : out_( out ), jsonOut_( json_ ), reporter_( jsonOut_ ) {}
 
    void onPdu( Pdu const & pdu ) override;
    void onMessage( Message const & message ) override;
@@ -17,7 +20,14 @@ class FullReporter : public Reporter {
    void onFatalPdu( Pdu const & pdu, Ldp::LdpPduGuardResult const & fatal ) override;
 
  private:
+   Json taken();
+   void fields( Json const & object, bool ofMessage );
+
    Output & out_;
+   std::string json_; ///< of the message in hand
+   Output jsonOut_;
+   JsonReporter reporter_;
+   bool pduPrinted_ = false;
 };
 
 } // namespace LdpTool

@@ -1,6 +1,7 @@
 // Messages as JSON, one object a line.
 #include "reporters/Json.h"
 
+#include "messages/Fault.h"
 #include "text/Words.h"
 
 #include <nlohmann/json.hpp>
@@ -259,6 +260,26 @@ void addBody( Json & json, Message const & message ) {
    }
 }
 
+Json faultJson( Fault const & fault, Verdict verdict ) {
+   auto const hex = []( Octets octets ) {
+      return hexText( Vorn::String( octets.data(), U32( octets.size() ) ) );
+   };
+   Json json = { { "supported", verdict != Verdict::unsupported }, { "offset", fault.offset } };
+   if ( !fault.ofPdu ) json["messageOffset"] = fault.begin;
+   json["whole"] = fault.whole();
+   if ( fault.tlv ) {
+      json["tlv"] = U32( *fault.tlv );
+      json["tlvName"] = nameText( *fault.tlv );
+   }
+   if ( fault.element ) {
+      json["element"] = U32( *fault.element );
+      json["elementName"] = nameText( *fault.element );
+   }
+   json["before"] = hex( fault.before );
+   json["octets"] = hex( fault.at );
+   return json;
+}
+
 } // namespace
 
 void JsonReporter::onPdu( Pdu const & pdu ) {
@@ -272,7 +293,7 @@ void JsonReporter::onPdu( Pdu const & pdu ) {
 void JsonReporter::onMessage( Message const & message ) {
    LdpMsgParser const & parser = message.parser;
    Json json;
-   json["type"] = nameOrNumber( parser.type() );
+   json["type"] = nameText( parser.type() );
    json["typeValue"] = U32( parser.type() );
    json["unknownBit"] = parser.unknown();
    json["msgId"] = parser.msgId();
@@ -284,6 +305,7 @@ void JsonReporter::onMessage( Message const & message ) {
    // The FEC parser owns what it found; the views are to be looked at only in a message that is valid.
    if ( auto const & fec = parser.ldpFecTlvParser() ) json["fec"] = fecJson( *fec );
    if ( parser.validMsg() ) addBody( json, message );
+   if ( message.bad() ) json["fault"] = faultJson( faultOf( message ), message.verdict );
    out_ << pdu_ << std::string_view( textOf( json ) ).substr( 1 ) << '\n';
 }
 
@@ -293,6 +315,7 @@ void JsonReporter::onBadPdu( Pdu const & pdu ) {
    json["pduReason"] = latin1( pdu.pdu.reason() );
    json["valid"] = false;
    json["text"] = latin1( badPduText( pdu.pdu ) );
+   json["fault"] = faultJson( faultOf( pdu ), Verdict::wrong );
    out_ << textOf( json ) << '\n';
 }
 
@@ -301,6 +324,7 @@ void JsonReporter::onFatalPdu( Pdu const & pdu, LdpPduGuardResult const & fatal 
    json["valid"] = false;
    json["fatal"] = fatalName( fatal );
    json["fatalOffset"] = fatal.offset;
+   json["fault"] = faultJson( faultOf( pdu ), verdictOf( fatal ) );
    out_ << textOf( json ) << '\n';
 }
 

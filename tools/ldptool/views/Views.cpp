@@ -30,13 +30,8 @@ std::string durationText( double seconds ) {
 
 /// A label as routers print it.
 std::string labelText( Lumo::MplsLabel label ) {
-   switch ( label.value() ) {
-   case 0: return "exp-null";
-   case 2: return "exp-null6";
-   case 3: return "imp-null";
-   case Lumo::MplsLabel::null: return "-";
-   default: return std::to_string( label.value() );
-   }
+   if ( char const * word = reservedLabelWord( label ) ) return word;
+   return label.value() == Lumo::MplsLabel::null ? "-" : std::to_string( label.value() );
 }
 
 /// Labels that a collection of states has in one state, with commas between them.
