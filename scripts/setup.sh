@@ -11,7 +11,7 @@ set -euo pipefail
 packages=( g++ cmake ninja-build ccache pkg-config python3 )
 for group in "$@"; do
    case "$group" in
-      tool | tests) packages+=( libtins-dev libpcap-dev libcli11-dev nlohmann-json3-dev rapidjson-dev ) ;;&
+      tool | tests) packages+=( libtins-dev libpcap-dev libcli11-dev rapidjson-dev ) ;;&
       tool) ;;
       tests) packages+=( git libgtest-dev librapidcheck-dev libbenchmark-dev ) ;;
       clang) packages+=( git clang clang-format libclang-rt-14-dev libc++-14-dev libc++abi-14-dev ) ;;

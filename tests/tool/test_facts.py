@@ -4,12 +4,18 @@ monitor is tempted to get wrong: captures that begin late, strays, several links
 import os
 import resource
 import signal
+import socket
 import subprocess
+import tempfile
+import time
 import unittest
 
 import ldptool
 from ldptool import *
 from talk import P2MP, TEN, Talk, fec, label, pw_id, rows, say_hello, states_of, status_tlv
+
+SANITIZED = os.environ.get("LDP_SANITIZE") == "1"
+
 
 def states(frames, **kw):
     return states_of(ldptool.watch(pcap(frames, **kw), "--json"))
@@ -293,10 +299,47 @@ class Endings(unittest.TestCase):
                 self.ends(*arguments, stdout=full)
                 self.ends(*arguments, preexec_fn=lambda: os.close(1))
 
-    @unittest.skipIf(os.environ.get("LDP_SANITIZE") == "1", "the sanitizer wants descriptors of its own")
+    @unittest.skipIf(SANITIZED, "the sanitizer wants descriptors of its own")
     def test_replica_that_cannot_be(self):
-        self.ends("watch", "--replicate", os.path.join(CAPTURES, "basic-v4.pcap"), stdout=subprocess.DEVNULL,
-                  preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_NOFILE, (4, 4)), close_fds=True)
+        def only_process():
+            resource.setrlimit(resource.RLIMIT_NPROC, (1, 1))
+            if os.geteuid() == 0:  # whom no such limit holds
+                os.setuid(54321)
+
+        def few_descriptors():
+            resource.setrlimit(resource.RLIMIT_NOFILE, (4, 4))
+
+        with open(os.path.join(CAPTURES, "basic-v4.pcap"), "rb") as capture:
+            for limit in (only_process, few_descriptors):
+                self.ends("watch", "--replicate", "-", stdin=capture, stdout=subprocess.DEVNULL, preexec_fn=limit, close_fds=True)
+
+    @unittest.skipIf(SANITIZED, "the sanitizer takes all address space")
+    def test_memory_that_runs_out(self):
+        talk = Talk()
+        for i in range(400):
+            talk.segment(1, pdu(*(mapping(40 * i + j, f"10.{i // 250}.{i % 250}.{j}", 32, 100 + j) for j in range(40))))
+        with tempfile.NamedTemporaryFile() as file:
+            file.write(pcap(talk.frames))
+            file.flush()
+            for arguments in (["--json"], ["--replicate"], ["--bindings"]):
+                with self.subTest(arguments):  # the rest of what it needs is below 20 MB
+                    self.ends("watch", *arguments, file.name, stdout=subprocess.DEVNULL,
+                              preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (40 << 20, 40 << 20)))
+
+    def test_interrupted_replica(self):
+        process = subprocess.Popen([LDPTOOL, "watch", "--replicate", "--check", "-i", "lo"], stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        try:
+            with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as sender:
+                time.sleep(1.0)  # until it listens
+                sender.sendto(pdu(hello(1)), ("127.0.0.1", 646))
+            time.sleep(0.3)
+            if process.poll() == 2:
+                self.skipTest("no right to capture: " + process.stderr.read().decode())
+            process.send_signal(signal.SIGINT)
+            out, err = process.communicate(timeout=60)
+        finally:
+            process.kill()
+        self.assertEqual((process.returncode, out.decode(), err), (0, "the replica agrees\n", b""))
 
     def test_replica_that_dies(self):
         with open(os.path.join(CAPTURES, "basic-v4.pcap"), "rb") as capture:

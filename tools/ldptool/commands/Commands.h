@@ -11,8 +11,9 @@ namespace LdpTool {
 
 // What the program's exit status means.
 constexpr int exitGood = 0;
-constexpr int exitBadMessage = 1; ///< the input held something that is not as it should be
-constexpr int exitUsage = 2;      ///< wrong arguments, unreadable input, unwritable output
+constexpr int exitBadMessage = 1;  ///< the input held something that is not as it should be
+constexpr int exitUsage = 2;       ///< wrong arguments, unreadable input, unwritable output
+constexpr int exitUnsupported = 3; ///< nothing was wrong, but something is not supported here
 
 void addDecodeCommand( CLI::App & app );
 void addExplainCommand( CLI::App & app );

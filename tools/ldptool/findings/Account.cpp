@@ -85,6 +85,15 @@ void tellSession( Output & out, Evidence const & evidence, Pair const & pair, Jo
    if ( !any ) tell( out, "session", "never operational" );
 }
 
+/// What the sender may well mean, but nobody here knows what comes of it.
+void tellUnsupported( Output & out, Evidence const & evidence, Pair const & pair ) {
+   for ( auto const & [own, peer] : { pair, Pair( pair.second, pair.first ) } )
+      for ( auto const & [reason, seen] : evidence.sentTo( own, peer ).unsupported )
+         tell( out, "not followed",
+               std::to_string( seen.times ) + " message(s) of " + textOf( own ) + ", not supported here (" +
+                    frameText( seen.first ) + "): " + reason );
+}
+
 std::size_t tellFindings( Output & out, std::vector< Finding > const & findings ) {
    for ( Finding const & finding : findings ) {
       std::string frames;
@@ -132,6 +141,7 @@ std::size_t printAccounts( Output & out, Evidence const & evidence, Network cons
       tellHellos( out, pair, journal );
       tellConnection( out, evidence, pair );
       tellSession( out, evidence, pair, journal );
+      tellUnsupported( out, evidence, pair );
       found += tellFindings( out, sessionFindings( evidence, journal, pair.first, pair.second ) );
       for ( auto const & [own, peer] : { pair, Pair( pair.second, pair.first ) } )
          if ( auto const state = states.find( own ); state != states.end() )

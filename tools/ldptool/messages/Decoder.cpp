@@ -1,6 +1,7 @@
 // From PDUs to reports.
 #include "messages/Decoder.h"
 
+#include "messages/Fault.h"
 #include "text/Words.h"
 
 #include <iostream>
@@ -18,8 +19,9 @@ void Decoder::onPdu( Origin const & origin, LdpPdu const & taken ) {
       decodeMessages( pdu );
       return;
    }
-   ++bad_;
-   if ( LdpPduGuardResult const fatal = taken.guard(); fatal ) {
+   LdpPduGuardResult const fatal = taken.guard();
+   count( fatal ? verdictOf( fatal ) : Verdict::wrong );
+   if ( fatal ) {
       reporter_.onFatalPdu( pdu, fatal );
    } else {
       reporter_.onBadPdu( pdu );
@@ -50,16 +52,19 @@ void Decoder::report( LdpMsgParser const & parser, Pdu const & pdu ) {
    if ( parser.type() == LdpCapability && parser.validMsg() ) {
       capability = ldpCapabilityMsgParserFactory( parser.pkt(), parser.offset() );
    }
-   Message const message{ parser, capability.ptr() };
-   if ( message.bad() ) {
-      ++bad_;
-   } else if ( selection_.badOnly ) {
-      return;
-   }
+   LdpMsgParser const & judge = capability ? *capability : parser;
+   Message const message{ parser, capability.ptr(), verdictOf( judge ) };
+   count( message.verdict );
+   if ( selection_.badOnly && !message.bad() ) return;
    if ( !pduReported_ ) reporter_.onPdu( pdu );
    pduReported_ = true;
    ++messages_;
    reporter_.onMessage( message );
+}
+
+void Decoder::count( Verdict verdict ) {
+   wrong_ += verdict == Verdict::wrong;
+   unsupported_ += verdict == Verdict::unsupported;
 }
 
 void Decoder::onGap( Origin const & origin, Gap const & gap ) {

@@ -32,20 +32,23 @@ class Decoder : public PduSink {
    void onIdle() override;
    void onProgress( std::int64_t read, std::int64_t size ) override { progress_.show( read, size ); }
 
-   std::uint64_t messages() const { return messages_; } ///< reported
-   std::uint64_t bad() const { return bad_; }           ///< bad messages, and PDUs bad as a whole
-   Gap const & gaps() const { return gaps_; }           ///< summed up
+   std::uint64_t messages() const { return messages_; }       ///< reported
+   std::uint64_t wrong() const { return wrong_; }             ///< messages, and PDUs as a whole
+   std::uint64_t unsupported() const { return unsupported_; } ///< the same, of what is not supported here
+   Gap const & gaps() const { return gaps_; }                 ///< summed up
 
  private:
    void decodeMessages( Pdu const & pdu );
    void report( Ldp::LdpMsgParser const & parser, Pdu const & pdu );
+   void count( Verdict verdict );
 
    Reporter & reporter_;
    Selection selection_;
    Output & idle_;
    bool pduReported_ = false; ///< the PDU in hand
    std::uint64_t messages_ = 0;
-   std::uint64_t bad_ = 0;
+   std::uint64_t wrong_ = 0;
+   std::uint64_t unsupported_ = 0;
    Gap gaps_;
    Progress progress_;
 };

@@ -1,6 +1,8 @@
 // Messages as JSON, one object a line.
 #include "reporters/Json.h"
 
+#include "messages/Fault.h"
+
 namespace LdpTool {
 
 using namespace Ldp;
@@ -235,6 +237,30 @@ void writeBody( JsonWriter & json, Message const & message, bool texts ) {
    }
 }
 
+void writeFault( JsonWriter & json, Fault const & fault, Verdict verdict ) {
+   auto const hex = [&]( char const * name, Octets octets ) {
+      json.key( name );
+      json.hex( { reinterpret_cast< char const * >( octets.data() ), octets.size() } );
+   };
+   json.key( "fault" );
+   json.object();
+   json.member( "supported", verdict != Verdict::unsupported );
+   json.member( "offset", fault.offset );
+   if ( !fault.ofPdu ) json.member( "messageOffset", fault.begin );
+   json.member( "whole", fault.whole() );
+   if ( fault.tlv ) {
+      json.member( "tlv", U32( *fault.tlv ) );
+      json.member( "tlvName", *fault.tlv );
+   }
+   if ( fault.element ) {
+      json.member( "element", U32( *fault.element ) );
+      json.member( "elementName", *fault.element );
+   }
+   hex( "before", fault.before );
+   hex( "octets", fault.at );
+   json.endObject();
+}
+
 } // namespace
 
 void JsonReporter::onPdu( Pdu const & pdu ) {
@@ -267,6 +293,7 @@ void JsonReporter::onMessage( Message const & message ) {
       writeFec( json_, *fec );
    }
    if ( parser.validMsg() ) writeBody( json_, message, texts_ );
+   if ( message.bad() ) writeFault( json_, faultOf( message ), message.verdict );
    json_.endObject();
    json_.endLine();
 }
@@ -277,6 +304,7 @@ void JsonReporter::onBadPdu( Pdu const & pdu ) {
    writePduVerdict( json_, pdu );
    json_.member( "valid", false );
    if ( texts_ ) json_.member( "text", badPduText( pdu.pdu ) );
+   writeFault( json_, faultOf( pdu ), Verdict::wrong );
    json_.endObject();
    json_.endLine();
 }
@@ -287,6 +315,7 @@ void JsonReporter::onFatalPdu( Pdu const & pdu, LdpPduGuardResult const & fatal 
    json_.member( "valid", false );
    json_.member( "fatal", fatalName( fatal ) );
    json_.member( "fatalOffset", fatal.offset );
+   writeFault( json_, faultOf( pdu ), verdictOf( fatal ) );
    json_.endObject();
    json_.endLine();
 }

@@ -22,6 +22,31 @@ std::string addressText( Flow const & flow, std::array< std::uint8_t, 16 > const
    return flow.addressSize == Lumo::IpAddr::size ? text( Lumo::IpAddr() ) : text( Lumo::Ip6Addr() );
 }
 
+char const * reservedLabelWord( Lumo::MplsLabel label ) {
+   switch ( label.value() ) {
+   case 0: return "exp-null";
+   case 2: return "exp-null6";
+   case 3: return "imp-null";
+   default: return nullptr;
+   }
+}
+
+std::string pwStatusText( U32 flags ) {
+   static constexpr std::pair< U32, char const * > bits[] = {
+      // RFC 4446, 3.5
+      { 0x1, "not forwarding" },
+      { 0x2, "attachment circuit (ingress) receive fault" },
+      { 0x4, "attachment circuit (egress) transmit fault" },
+      { 0x8, "PSN-facing (ingress) receive fault" },
+      { 0x10, "PSN-facing (egress) transmit fault" },
+   };
+   if ( flags == 0 ) return "forwarding";
+   std::string words;
+   for ( auto const & [bit, word] : bits )
+      if ( flags & bit ) words += ( words.empty() ? "" : ", " ) + std::string( word );
+   return words.empty() ? "unknown status" : words;
+}
+
 Vorn::String badPduText( Ldp::LdpPdu const & pdu ) { return "Error LDP PDU: " + pdu.reason(); }
 
 char const * fatalName( Ldp::LdpPduGuardResult const & fatal ) {
@@ -46,6 +71,10 @@ std::string originText( Origin const & origin ) {
    if ( !origin.flow ) return "line " + std::to_string( origin.arrival.frame );
    return timeText( origin.arrival ) + " " + addressText( *origin.flow, origin.flow->source ) + " > " +
           addressText( *origin.flow, origin.flow->destination );
+}
+
+std::string numberedOriginText( Origin const & origin ) {
+   return ( origin.flow ? std::to_string( origin.arrival.frame ) + " " : "" ) + originText( origin );
 }
 
 } // namespace LdpTool

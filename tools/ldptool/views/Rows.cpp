@@ -2,6 +2,7 @@
 #include "views/Rows.h"
 
 #include "monitor/speaker/Agent.h"
+#include "text/Words.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -124,13 +125,8 @@ std::string faultText( char const * whose, PseudowireEnd const & end ) {
 } // namespace
 
 std::string labelText( U32 label ) {
-   switch ( label ) {
-   case 0: return "exp-null";
-   case 2: return "exp-null6";
-   case 3: return "imp-null";
-   case Lumo::MplsLabel::null: return "-";
-   default: return std::to_string( label );
-   }
+   if ( char const * word = reservedLabelWord( Lumo::MplsLabel( label ) ) ) return word;
+   return label == Lumo::MplsLabel::null ? "-" : std::to_string( label );
 }
 
 std::vector< NeighborRow > neighborsOf( Status const & status, LdpIdentifier const & speaker,

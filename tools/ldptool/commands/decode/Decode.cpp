@@ -37,7 +37,7 @@ Examples:
   echo 0001000e 0a000001 0000 0201 0004 00000007 | ldptool decode --hex -
 
 Exit status: 0 when all was good, 1 when a message was bad, 2 for wrong arguments or
-an input that cannot be read.)";
+an input that cannot be read, 3 when nothing was bad but something is not supported here.)";
 
 struct Options {
    std::string file;
@@ -134,7 +134,7 @@ int decode( Options const & options ) {
          std::cerr << "ldptool: " << failure << '\n';
          return exitUsage;
       }
-      return decoder.bad() ? exitBadMessage : exitGood;
+      return decoder.wrong() ? exitBadMessage : decoder.unsupported() ? exitUnsupported : exitGood;
    } catch ( OutputError const & error ) {
       std::cerr << "ldptool: " << error.what() << '\n';
       return exitUsage;
@@ -164,7 +164,7 @@ void addDecodeCommand( CLI::App & app ) {
         ->type_name( "TYPE,..." )
         ->delimiter( ',' )
         ->allow_extra_args( false );
-   command.add_flag( "--bad", options->selection.badOnly, "print only what is bad" );
+   command.add_flag( "--bad", options->selection.badOnly, "print only what is bad or not supported here" );
    addLimitOption( command, options->limits );
    command.footer( examples );
    command.callback( [options, types] {

@@ -7,11 +7,14 @@
 #include <rapidjson/document.h>
 #include <rapidjson/stringbuffer.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <exception>
+#include <iterator>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -109,7 +112,14 @@ void Replica::flush() {
 }
 
 void Replica::sendAll( void const * octets, std::size_t bytes ) {
-   if ( !writeAll( socket_, octets, bytes ) ) throw InputError( "the replica went away" );
+   if ( writeAll( socket_, octets, bytes ) ) return;
+   receiveVerdict(); // it may have said why before it went
+   throw InputError( "the replica went away" );
+}
+
+void Replica::receiveVerdict() {
+   std::string const error = receive();
+   if ( !error.empty() ) throw InputError( "the replica: " + error );
 }
 
 std::string Replica::receive() {
@@ -133,6 +143,7 @@ std::string Replica::receive() {
 std::string Replica::finish( bool json ) {
    flush();
    ::shutdown( socket_, SHUT_WR ); // the end of the log
+   receiveVerdict();
    std::string const text = receive();
    std::string const all = receive();
    logged_ = receive();
@@ -143,7 +154,8 @@ void Replica::run( int socket ) {
    // The terminal's Ctrl-C is for the other process; this one ends with the log.
    std::signal( SIGINT, SIG_IGN );
    std::signal( SIGTERM, SIG_IGN );
-   int status = 1;
+   std::set_terminate( [] { ::_exit( 1 ); } ); // the other process says that this one went away
+   bool sent = false;
    try {
       auto const demuxer = Vorn::newObject< NboAttrLog::Demuxer >( Vorn::newObject< NboAttrLog::Out >() );
       char octets[64 * 1024];
@@ -155,15 +167,16 @@ void Replica::run( int socket ) {
       }
       Vorn::Ptr< Vorn::Entity > const copy =
            demuxer->roots().empty() ? networkFactory( Vorn::Name( "network" ) ) : demuxer->roots().front();
-      bool const sent = writeText( socket, treeText( *copy, TreeContent::stored ) ) &&
-                        writeText( socket, treeJson( *copy, TreeContent::stored ) ) &&
-                        writeText( socket, treeJson( *copy, TreeContent::logged ) );
-      status = sent ? 0 : 1;
+      std::string const texts[] = { "", treeText( *copy, TreeContent::stored ),
+                                    treeJson( *copy, TreeContent::stored ),
+                                    treeJson( *copy, TreeContent::logged ) };
+      sent = std::all_of( std::begin( texts ), std::end( texts ),
+                          [socket]( std::string const & text ) { return writeText( socket, text ); } );
    } catch ( std::exception const & error ) {
-      std::fprintf( stderr, "ldptool: replica: %s\n", error.what() );
+      writeText( socket, error.what() ); // in the place of the empty text
    }
    // Without the exit handlers and buffers that belong to the process this one was forked from.
-   ::_exit( status );
+   ::_exit( sent ? 0 : 1 );
 }
 
 std::string firstDifference( Network const & network, std::string const & logged ) {
