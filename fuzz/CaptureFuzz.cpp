@@ -93,9 +93,10 @@ void monitor( Run const & run, Output & out, unsigned view ) {
    case 0:
       printAccounts( out, evidence, *network, monitor.journal(), {} );
       printHistory( out, monitor.journal(), {} );
-      printNeighbors( out, *network, monitor.journal() );
-      printBindings( out, *network, {} );
-      printPseudowires( out, *network );
+      printSummary( out, *network, monitor.journal() );
+      printNeighbors( out, *network, monitor.journal(), {} );
+      printBindings( out, *network, {}, {} );
+      printPseudowires( out, *network, {} );
       printDot( out, *network );
       break;
    case 1: out << treeText( *network, TreeContent::stored ); break;

@@ -23,13 +23,6 @@ std::set< U32 > labelsIn( States const & states, State wanted ) {
    return labels;
 }
 
-bool lies( Lumo::IpGenPrefix const & prefix, Lumo::IpGenPrefix const & within ) {
-   if ( prefix.address().family() != within.address().family() || prefix.len() < within.len() ) return false;
-   return within == ( prefix.address().family() == Lumo::ipv4
-                           ? Lumo::IpGenPrefix( prefix.address().ipAddr(), within.len() )
-                           : Lumo::IpGenPrefix( prefix.address().ip6Addr(), within.len() ) );
-}
-
 std::string hexText( std::string_view octets ) {
    std::string text;
    for ( char const octet : octets ) {
@@ -45,7 +38,8 @@ std::set< Mpls::FwdEqvClass > fecsWithin( Status const & status,
                                           std::optional< Lumo::IpGenPrefix > const & within ) {
    std::set< Mpls::FwdEqvClass > fecs;
    for ( auto & config : status.ldpFecConfigColl()->fecConfigColl() ) {
-      if ( !within || lies( config.fwdEqvClass().prefix(), *within ) ) fecs.insert( config.fwdEqvClass() );
+      if ( !within || isWithin( config.fwdEqvClass().prefix(), *within ) )
+         fecs.insert( config.fwdEqvClass() );
    }
    return fecs;
 }

@@ -4,6 +4,7 @@
 #include "text/Table.h"
 #include "text/Words.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace LdpTool {
@@ -58,9 +59,7 @@ void addNeighbor( Table & table, NeighborRow const & neighbor, Journal const & j
       row[4] = neighbor.session + ( neighbor.oneSided ? ", one side seen" : "" );
    if ( neighbor.since ) row[5] = durationText( journal.now() - *neighbor.since );
    if ( neighbor.role ) row[6] = neighbor.role;
-   if ( neighbor.lastDown )
-      row[7] = timeText( neighbor.lastDown->at ).substr( 0, sizeof "hh:mm:ss" - 1 ) + " " +
-               neighbor.lastDown->cause;
+   if ( neighbor.lastDown ) row[7] = secondText( neighbor.lastDown->at ) + " " + neighbor.lastDown->cause;
    for ( AdjacencyRow const & adj : neighbor.adjacencies ) {
       row[1] = ( adj.targeted ? "target " : "" ) + adj.link;
       row[2] = textOf( adj.helloFrom );
@@ -74,22 +73,44 @@ void addNeighbor( Table & table, NeighborRow const & neighbor, Journal const & j
 
 } // namespace
 
-void printNeighbors( Output & out, Network const & network, Journal const & journal ) {
+void printSummary( Output & out, Network const & network, Journal const & journal ) {
+   std::size_t adjacencies = 0, fecs = 0, pseudowires = 0;
+   std::map< std::pair< LdpIdentifier, LdpIdentifier >, bool > sessions; // whether it is up
+   eachVrf( network, [&]( LdpIdentifier const & speaker, Status const & status ) {
+      adjacencies += status.ldpAdjStatusColl()->adjStatusColl().members();
+      fecs += status.ldpFecConfigColl()->fecConfigs();
+      pseudowires += pseudowiresOf( status ).size();
+      for ( auto & session : status.ldpSessionStatusColl()->sessionStatusColl() ) {
+         LdpIdentifier const peer = session.ldpSessionId().peerLdpId();
+         bool & up = sessions[speaker < peer ? std::pair( speaker, peer ) : std::pair( peer, speaker )];
+         up = up || session.sessionState() == stateOperational;
+      }
+   } );
+   auto const up = std::size_t( std::count_if( sessions.begin(), sessions.end(),
+                                               []( auto const & session ) { return session.second; } ) );
+   out << network.speakers() << " speakers; sessions: " << up << " operational, " << sessions.size() - up
+       << " not; " << adjacencies << " adjacencies, " << fecs << " FECs, " << pseudowires
+       << " ends of pseudowires; at frame " << journal.arrival().frame << ", "
+       << timeText( journal.arrival() ) << '\n';
+}
+
+void printNeighbors( Output & out, Network const & network, Journal const & journal, About const & about ) {
    tellIfNobody( out, network );
    eachVrf( network, [&]( LdpIdentifier const & speaker, Status const & status ) {
       Table table(
            { "peer", "adjacency", "hello from", "hold left", "session", "since", "role", "last down" } );
       for ( NeighborRow const & neighbor : neighborsOf( status, speaker, journal ) )
-         addNeighbor( table, neighbor, journal );
-      printTable( out, speaker, table,
-                  "no neighbour: nobody else was heard on its links, and it has no session" );
+         if ( isAbout( about, speaker, neighbor.peer ) ) addNeighbor( table, neighbor, journal );
+      if ( !table.empty() || isAbout( about, speaker, speaker ) )
+         printTable( out, speaker, table,
+                     "no neighbour: nobody else was heard on its links, and it has no session" );
    } );
 }
 
-void printHistory( Output & out, Journal const & journal, std::optional< LdpIdentifier > const & about ) {
+void printHistory( Output & out, Journal const & journal, About const & about ) {
    Table table( { "time", "frame", "speaker", "peer", "what", "from", "to", "cause" } );
    for ( Change const & change : journal.changes() ) {
-      if ( about && change.speaker != *about && change.peer != *about ) continue;
+      if ( !isAbout( about, change.speaker, change.peer ) ) continue;
       table.add( { timeText( change.at ), std::to_string( change.at.frame ), textOf( change.speaker ),
                    textOf( change.peer ), change.subject, change.from, change.to, change.cause } );
    }
@@ -100,25 +121,27 @@ void printHistory( Output & out, Journal const & journal, std::optional< LdpIden
    }
 }
 
-void printBindings( Output & out, Network const & network,
-                    std::optional< Lumo::IpGenPrefix > const & within ) {
+void printBindings( Output & out, Network const & network, std::optional< Lumo::IpGenPrefix > const & within,
+                    About const & about ) {
    tellIfNobody( out, network );
    eachVrf( network, [&]( LdpIdentifier const & speaker, Status const & status ) {
       Table table( { "FEC", "local", "peer", "advertised", "its label", "in use" } );
       std::string fec;
       for ( BindingRow const & row : bindingsOf( status, within ) ) {
+         if ( !isAbout( about, speaker, row.peer ) ) continue;
          bool const same = fec == row.fec;
          table.add( { same ? "" : row.fec, same ? "" : labelsText( row.local ), textOf( row.peer ),
                       yes( row.advertised ), labelsText( row.remote ), yes( row.inUse, "-" ) } );
          fec = row.fec;
       }
-      printTable( out, speaker, table,
-                  within ? "no label bindings within the prefix"
-                         : "no label bindings: no label was mapped on a session that is up" );
+      if ( !table.empty() || isAbout( about, speaker, speaker ) )
+         printTable( out, speaker, table,
+                     within ? "no label bindings within the prefix"
+                            : "no label bindings: no label was mapped on a session that is up" );
    } );
 }
 
-void printPseudowires( Output & out, Network const & network ) {
+void printPseudowires( Output & out, Network const & network, About const & about ) {
    tellIfNobody( out, network );
    eachVrf( network, [&]( LdpIdentifier const & speaker, Status const & status ) {
       Table table( { "peer", "PW ID", "type", "local", "remote", "C bit", "MTU", "status" } );
@@ -126,11 +149,13 @@ void printPseudowires( Output & out, Network const & network ) {
       auto const cBit = []( auto const & end ) { return end ? yes( end->controlWord ) : "-"; };
       auto const mtu = []( auto const & end ) { return end && end->mtu ? std::to_string( end->mtu ) : "-"; };
       for ( PseudowireRow const & row : pseudowiresOf( status ) )
-         table.add( { textOf( row.peer ), std::to_string( row.pwId ),
-                      std::string( valueToStrep( row.type ).view() ), label( row.local ), label( row.remote ),
-                      both( cBit( row.local ), cBit( row.remote ) ),
-                      both( mtu( row.local ), mtu( row.remote ) ), row.status() } );
-      printTable( out, speaker, table, "no pseudowires" );
+         if ( isAbout( about, speaker, row.peer ) )
+            table.add( { textOf( row.peer ), std::to_string( row.pwId ),
+                         std::string( valueToStrep( row.type ).view() ), label( row.local ),
+                         label( row.remote ), both( cBit( row.local ), cBit( row.remote ) ),
+                         both( mtu( row.local ), mtu( row.remote ) ), row.status() } );
+      if ( !table.empty() || isAbout( about, speaker, speaker ) )
+         printTable( out, speaker, table, "no pseudowires" );
    } );
 }
 

@@ -96,10 +96,12 @@ void writePseudowire( JsonWriter & json, PseudowireRow const & row ) {
 
 /// Of each speaker what `rows` gives, each by `write`.
 template< class Rows, class Write >
-void writeRows( JsonWriter & json, Network const & network, Rows const & rows, Write const & write ) {
+void writeRows( JsonWriter & json, Network const & network, About const & about, Rows const & rows,
+                Write const & write ) {
    json.array();
    eachVrf( network, [&]( LdpIdentifier const & speaker, Status const & status ) {
       for ( auto const & row : rows( speaker, status ) ) {
+         if ( !isAbout( about, speaker, row.peer ) ) continue;
          json.object();
          writeId( json, "speaker", speaker );
          write( json, row );
@@ -111,31 +113,31 @@ void writeRows( JsonWriter & json, Network const & network, Rows const & rows, W
 
 } // namespace
 
-void writeNeighbors( JsonWriter & json, Network const & network, Journal const & journal ) {
+void writeNeighbors( JsonWriter & json, Network const & network, Journal const & journal,
+                     About const & about ) {
    auto const rows = [&]( LdpIdentifier const & speaker, Status const & status ) {
       return neighborsOf( status, speaker, journal );
    };
-   writeRows( json, network, rows, writeNeighbor );
+   writeRows( json, network, about, rows, writeNeighbor );
 }
 
 void writeBindings( JsonWriter & json, Network const & network,
-                    std::optional< Lumo::IpGenPrefix > const & within ) {
+                    std::optional< Lumo::IpGenPrefix > const & within, About const & about ) {
    auto const rows = [&]( LdpIdentifier const &, Status const & status ) {
       return bindingsOf( status, within );
    };
-   writeRows( json, network, rows, writeBinding );
+   writeRows( json, network, about, rows, writeBinding );
 }
 
-void writePseudowires( JsonWriter & json, Network const & network ) {
+void writePseudowires( JsonWriter & json, Network const & network, About const & about ) {
    auto const rows = []( LdpIdentifier const &, Status const & status ) { return pseudowiresOf( status ); };
-   writeRows( json, network, rows, writePseudowire );
+   writeRows( json, network, about, rows, writePseudowire );
 }
 
-void writeHistory( JsonWriter & json, Journal const & journal,
-                   std::optional< LdpIdentifier > const & about ) {
+void writeHistory( JsonWriter & json, Journal const & journal, About const & about ) {
    json.array();
    for ( Change const & change : journal.changes() ) {
-      if ( about && change.speaker != *about && change.peer != *about ) continue;
+      if ( !isAbout( about, change.speaker, change.peer ) ) continue;
       json.object();
       writeArrival( json, change.at );
       writeId( json, "speaker", change.speaker );
