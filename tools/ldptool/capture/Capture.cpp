@@ -53,7 +53,29 @@ std::int64_t sizeOf( std::FILE * file ) {
    return file && fstat( fileno( file ), &status ) == 0 && S_ISREG( status.st_mode ) ? status.st_size : 0;
 }
 
+/// Returns what is wrong with the expression; empty for nothing.
+std::string compile( std::string const & expression, int linkType, bpf_program & program ) {
+   constexpr int wholePackets = 262144;
+   pcap * const handle = pcap_open_dead( linkType, wholePackets );
+   if ( !handle ) return "out of memory";
+   bool const good = pcap_compile( handle, &program, expression.c_str(), 1, PCAP_NETMASK_UNKNOWN ) == 0;
+   std::string const error = good ? "" : pcap_geterr( handle );
+   pcap_close( handle );
+   return error;
+}
+
 } // namespace
+
+std::string Capture::filterError( std::string const & expression ) {
+   std::string error;
+   for ( int const linkType : { DLT_RAW, DLT_LINUX_SLL2, DLT_EN10MB } ) {
+      bpf_program program{};
+      error = compile( expression, linkType, program );
+      pcap_freecode( &program );
+      if ( error.empty() ) break;
+   }
+   return error;
+}
 
 void Capture::PcapCloser::operator()( pcap * handle ) const { pcap_close( handle ); }
 
@@ -160,13 +182,9 @@ bool Capture::isWanted( Octets octets, Arrival const & arrival, int linkType ) {
 bool Capture::passes( Octets octets, int linkType ) {
    auto & filter = filters_[linkType];
    if ( !filter ) {
-      constexpr int wholePackets = 262144;
-      Handle const handle( pcap_open_dead( linkType, wholePackets ) );
       filter.reset( new bpf_program{} );
-      if ( !handle ||
-           pcap_compile( handle.get(), filter.get(), range_.filter.c_str(), 1, PCAP_NETMASK_UNKNOWN ) != 0 )
-         throw InputError( "--bpf '" + range_.filter +
-                           "': " + ( handle ? pcap_geterr( handle.get() ) : "out of memory" ) );
+      std::string const error = compile( range_.filter, linkType, *filter );
+      if ( !error.empty() ) throw InputError( "--bpf '" + range_.filter + "': " + error );
    }
    pcap_pkthdr header{};
    header.caplen = header.len = bpf_u_int32( octets.size() );

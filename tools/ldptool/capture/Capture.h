@@ -43,6 +43,9 @@ class Capture {
    /// Listen on an interface. Throws InputError.
    static Capture interface( std::string const & name, CaptureLimits const & limits = {} );
 
+   /// What is wrong with an expression of pcap-filter(7); empty if it makes sense on some link.
+   static std::string filterError( std::string const & expression );
+
    /// Deliver every PDU to `sink`. Returns at the end of the file, or once `stop` was called.
    /// Throws InputError when the file turns out damaged; what stands before the damage has been delivered by
    /// then.

@@ -113,8 +113,12 @@ void addInputOptions( CLI::App & command, InputOptions & options, bool files ) {
    addText( command, "--to", "WHEN",
             "end at this frame, or time: hh:mm:ss on the first day, or seconds since 1970",
             [&options]( std::string const & text ) { momentIs( options.range.to, "--to", text ); } );
-   command.add_option( "--bpf", options.range.filter, "look at packets that pass this filter (pcap-filter)" )
-        ->type_name( "EXPR" );
+   addText( command, "--bpf", "EXPR", "look at packets that pass this filter (pcap-filter)",
+            [&options]( std::string const & text ) {
+               options.range.filter = text;
+               std::string const error = Capture::filterError( text );
+               if ( !error.empty() ) throw CLI::ValidationError( "--bpf", error );
+            } );
    command
         .add_option_function< std::vector< std::string > >(
              "--filter",
