@@ -1,6 +1,10 @@
 """The command line: forms of output, selection, exit status, and one clear line for every mistake."""
 
 import os
+import pty
+import re
+import shutil
+import tempfile
 import unittest
 
 from ldptool import *
@@ -36,6 +40,35 @@ class Forms(unittest.TestCase):
                 self.assertEqual(run("decode", "--count", path).out, f"{len(objects)}\n")
                 for line, o in zip(lines, objects):
                     self.assertIn(f" {o['src']} > {o['dst']} {o['lsrId']}:{o['labelSpace']} {o['type']} id {o['msgId']}", line)
+
+    def test_on_a_terminal(self):
+        def seen(*arguments, **environment):
+            master, slave = pty.openpty()
+            subprocess.run([LDPTOOL, *arguments], stdout=slave, env=os.environ | environment, timeout=60)
+            os.close(slave)
+            with open(master, "rb", buffering=0) as file:
+                return file.read(1 << 16).decode().replace("\r\n", "\n")
+        timers = os.path.join(CAPTURES, "timers.pcap")
+        self.assertTrue(all(len(line) <= 100 for line in seen("watch", timers).splitlines()[1:]))
+        self.assertEqual(seen("watch", timers).split(), run("watch", timers).out.split())
+        with tempfile.NamedTemporaryFile() as file:
+            file.write(BAD.hex().encode())
+            file.flush()
+            (bad, good), plain = seen("decode", "--hex", file.name).splitlines(), run("decode", "--hex", file.name).out.splitlines()
+            self.assertEqual((bad, good), (f"\33[31m{plain[0]}\33[0m", plain[1]))
+            self.assertEqual(seen("decode", "--hex", file.name, NO_COLOR="1").splitlines(), plain)
+
+    def test_completion(self):
+        options = set(re.findall(r"(?<= )--[a-z]+", run("watch", "--help").out))
+        self.assertGreater(len(options), 15)
+        for shell in ("bash", "zsh"):
+            script = run("completion", shell).out
+            self.assertTrue(all(option in script for option in options), shell)
+            if shutil.which(shell):
+                self.assertEqual(subprocess.run([shell, "-n"], input=script.encode(), timeout=60).returncode, 0)
+        words = subprocess.run(["bash", "-c", run("completion", "bash").out + "COMP_WORDS=(ldptool watch --ne) COMP_CWORD=2; _ldptool; echo ${COMPREPLY[@]}"],
+                               capture_output=True, timeout=60).stdout
+        self.assertEqual(words, b"--neighbors\n")
 
     def test_full(self):
         out = decode_hex([GOOD], "--full").out

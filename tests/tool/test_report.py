@@ -40,7 +40,7 @@ class Report(unittest.TestCase):
             self.assertNotIn("<", data)
             self.assertIn("\\u003c!--\\u003cscript>", data)
             self.assertEqual(run("report", os.path.join(folder, HOSTILE), "-o", "/nowhere/page").status, 2)
-            self.assertEqual(run("report", os.path.join(folder, HOSTILE)).out, page)
+            self.assertEqual(run("report", os.path.join(folder, HOSTILE)).raw.decode(), page)
 
     @unittest.skipUnless(CHROMIUM, "chromium is not installed")
     def test_in_a_browser(self):

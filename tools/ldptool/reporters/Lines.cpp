@@ -39,11 +39,13 @@ std::string const & LineReporter::heading( LdpMsgType type ) {
 
 void LineReporter::onMessage( Message const & message ) {
    LdpMsgParser const & parser = message.parser;
+   bool const bad = message.bad();
+   if ( bad ) out_ << Colour::bad;
    out_ << heading( parser.type() ) << parser.msgId();
-   if ( message.bad() ) {
+   if ( bad ) {
       out_ << ( message.verdict == Verdict::wrong ? " BAD " : " NOT SUPPORTED HERE " )
            << message.judge().statusCode() << ": ";
-      out_.escaped( message.judge().reason().view() ) << faultOf( message );
+      out_.escaped( message.judge().reason().view() ) << faultOf( message ) << Colour::plain;
    } else if ( !parser.validMsg() ) {
       out_ << " of unknown type, to be ignored";
    } else {
@@ -54,14 +56,14 @@ void LineReporter::onMessage( Message const & message ) {
 
 void LineReporter::onBadPdu( Pdu const & pdu ) {
    onPdu( pdu );
-   out_ << prefix_ << "BAD PDU " << pdu.pdu.statusCode() << ": ";
-   out_.escaped( pdu.pdu.reason().view() ) << faultOf( pdu ) << '\n';
+   out_ << Colour::bad << prefix_ << "BAD PDU " << pdu.pdu.statusCode() << ": ";
+   out_.escaped( pdu.pdu.reason().view() ) << faultOf( pdu ) << Colour::plain << '\n';
 }
 
 void LineReporter::onFatalPdu( Pdu const & pdu, LdpPduGuardResult const & fatal ) {
-   out_ << numberedOriginText( pdu.origin )
+   out_ << Colour::bad << numberedOriginText( pdu.origin )
         << ( verdictOf( fatal ) == Verdict::wrong ? " FATAL PDU" : " NOT SUPPORTED HERE PDU" )
-        << ", not parsed: " << fatalName( fatal ) << faultOf( pdu ) << '\n';
+        << ", not parsed: " << fatalName( fatal ) << faultOf( pdu ) << Colour::plain << '\n';
 }
 
 void LineReporter::body( Message const & message ) {

@@ -3,7 +3,9 @@
 
 #include <cerrno>
 #include <charconv>
+#include <cstdlib>
 #include <cstring>
+#include <unistd.h>
 
 namespace LdpTool {
 
@@ -29,6 +31,12 @@ constexpr std::array< OctetText, 256 > octetTexts = [] {
 }();
 
 } // namespace
+
+Output::Output( std::FILE * file ) : file_( file ) {
+   char const * const without = std::getenv( "NO_COLOR" );
+   terminal_ = isatty( fileno( file ) );
+   colours_ = terminal_ && !( without && *without );
+}
 
 void Output::flush() {
    std::size_t const size = std::size_t( end_ - buffer_.data() );

@@ -20,13 +20,20 @@ class OutputError : public std::runtime_error {
    using std::runtime_error::runtime_error;
 };
 
+/// What stands out on a terminal, from here to `plain`. Anywhere else it is nothing, and nor is it where
+/// NO_COLOR is set (no-color.org).
+enum class Colour { plain, bad };
+
 class Output {
  public:
-   explicit Output( std::FILE * file ) : file_( file ) {}
+   explicit Output( std::FILE * file );
    /// What is flushed is appended to the text.
    explicit Output( std::string & text ) : text_( &text ) {}
    Output( Output const & ) = delete;
    Output & operator=( Output const & ) = delete;
+
+   /// Whether people look at it at once.
+   bool terminal() const { return terminal_; }
 
    /// Hand everything on. Throws OutputError.
    void flush();
@@ -42,6 +49,9 @@ class Output {
       if ( room() == 0 ) flush();
       *end_++ = c;
       return *this;
+   }
+   Output & operator<<( Colour colour ) {
+      return colours_ ? *this << ( colour == Colour::bad ? "\033[31m" : "\033[0m" ) : *this;
    }
    /// In decimal, octets too.
    template< std::unsigned_integral Number >
@@ -66,6 +76,8 @@ class Output {
 
    std::FILE * file_ = nullptr;
    std::string * text_ = nullptr; ///< without a file
+   bool terminal_ = false;
+   bool colours_ = false;
    std::array< char, 1 << 16 > buffer_;
    char * end_ = buffer_.data();
 };

@@ -54,6 +54,7 @@ void tellIfNobody( Output & out, Network const & network ) {
 }
 
 void addNeighbor( Table & table, NeighborRow const & neighbor, Journal const & journal ) {
+   Colour const colour = neighbor.session == "Operational" ? Colour::plain : Colour::bad;
    Table::Row row{ textOf( neighbor.peer ), "-", "-", "-", "-", "-", "-", "-" };
    if ( !neighbor.session.empty() )
       row[4] = neighbor.session + ( neighbor.oneSided ? ", one side seen" : "" );
@@ -65,10 +66,10 @@ void addNeighbor( Table & table, NeighborRow const & neighbor, Journal const & j
       row[2] = textOf( adj.helloFrom );
       row[3] =
            adj.holdLeft ? std::to_string( std::int64_t( std::ceil( *adj.holdLeft ) ) ) + " s" : "infinite";
-      table.add( row );
+      table.add( row, colour );
       row.assign( row.size(), "" );
    }
-   if ( neighbor.adjacencies.empty() ) table.add( row );
+   if ( neighbor.adjacencies.empty() ) table.add( row, colour );
 }
 
 } // namespace
@@ -153,7 +154,8 @@ void printPseudowires( Output & out, Network const & network, About const & abou
             table.add( { textOf( row.peer ), std::to_string( row.pwId ),
                          std::string( valueToStrep( row.type ).view() ), label( row.local ),
                          label( row.remote ), both( cBit( row.local ), cBit( row.remote ) ),
-                         both( mtu( row.local ), mtu( row.remote ) ), row.status() } );
+                         both( mtu( row.local ), mtu( row.remote ) ), row.status() },
+                       row.status() == "up" ? Colour::plain : Colour::bad );
       if ( !table.empty() || isAbout( about, speaker, speaker ) )
          printTable( out, speaker, table, "no pseudowires" );
    } );
