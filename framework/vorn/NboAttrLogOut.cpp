@@ -139,7 +139,7 @@ Ptr< OutState::Adapter > OutState::newAdapter( Out & out, Entity & entity, Vorn_
 void OutState::adapterDel( Adapter & adapter ) {
    if ( !closing ) { // else all go together
       references.adapterDel( adapter );
-      queueMarks.adapterDel( adapter );
+      transactions.adapterDel( adapter );
       entityIdDel( adapter, false );
       entityIdDel( adapter, true );
    }

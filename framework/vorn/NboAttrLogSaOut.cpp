@@ -201,7 +201,6 @@ void Sa::doThis() {
       reschedule();
       return;
    }
-   freeResyncState( flowOut_ ); // a walk under way begins anew
    for ( VornAttr const * attr = type().attributes; attr->name; ++attr ) {
       if ( !attr->logged() ) continue;
       if ( attr->keyed() ) {

@@ -3,8 +3,8 @@
 /// something to write, and what is being applied.
 #pragma once
 
-#include "NboAttrLogQueueMarks.h"
 #include "NboAttrLogReferences.h"
+#include "NboAttrLogTransactions.h"
 #include "Vorn/HashMap2018.h"
 
 namespace Vorn::NboAttrLog {
@@ -41,7 +41,7 @@ struct OutState {
    U32 lastEntityId = 0;         // that this end gave
    std::vector< U32 > withdrawn; // roots that have gone, and that the other end has still
    References references;
-   QueueMarks queueMarks;
+   Transactions transactions; // of the incoming side
    FlowIn * flowIn = nullptr; // what is being applied, innermost first
    bool active = false;       // something flows out, or records come in: nothing flows out by itself
    bool settling = false;     // all has been sent but what awaited entities, which goes out as it is
