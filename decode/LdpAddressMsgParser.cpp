@@ -61,7 +61,6 @@ void LdpAddressMsgParser::handleInitialized() {
    static constexpr LdpMsgRules rules = AddressRules< &LdpAddressMsgParser::addressListTlv_ >::of(
         LdpAddress, "msgHdr_->type() == LdpAddress_" );
    TWAIN_FUNCTION( "LdpAddressMsgParser::handleInitialized" );
-   initialized_ = true;
    obey( rules );
 }
 
@@ -82,7 +81,6 @@ void LdpAddressWithdrawMsgParser::handleInitialized() {
    static constexpr LdpMsgRules rules = AddressRules< &LdpAddressWithdrawMsgParser::addressListTlv_ >::of(
         LdpAddressWithdraw, "msgHdr_->type() == LdpAddressWithdraw_" );
    TWAIN_FUNCTION( "LdpAddressWithdrawMsgParser::handleInitialized" );
-   initialized_ = true;
    obey( rules );
 }
 

@@ -66,7 +66,6 @@ void LdpHelloMsgParser::handleInitialized() {
       .required = required,
    };
    TWAIN_FUNCTION( "LdpHelloMsgParser::handleInitialized" );
-   initialized_ = true;
    obey( rules );
 }
 

@@ -129,7 +129,6 @@ void LdpInitMsgParser::handleInitialized() {
       .required = {},
    };
    TWAIN_FUNCTION( "LdpInitMsgParser::handleInitialized" );
-   initialized_ = true;
    Judging const judging( *this );
    if ( !opens( rules ) ) return;
    // Before the session parameters, so a capability's fault wins wherever it stands.
@@ -157,7 +156,6 @@ LdpCapabilityMsgParser::~LdpCapabilityMsgParser() = default;
 
 void LdpCapabilityMsgParser::handleInitialized() {
    TWAIN_FUNCTION( "LdpCapabilityMsgParser::handleInitialized" );
-   initialized_ = true;
    Judging const judging( *this );
    VORN_ASSERT( msgHdr_ );
    if ( !validMsg() ) return;

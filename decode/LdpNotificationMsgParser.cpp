@@ -25,7 +25,6 @@ LdpNotificationMsgParser::~LdpNotificationMsgParser() = default;
 
 void LdpNotificationMsgParser::handleInitialized() {
    TWAIN_FUNCTION( "LdpNotificationMsgParser::handleInitialized" );
-   initialized_ = true;
    Judging const judging( *this );
    VORN_ASSERT( msgHdr_ );
    if ( !validMsg() ) return;

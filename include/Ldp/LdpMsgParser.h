@@ -60,6 +60,10 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    /// it from one to be reported.
    bool validMsg() const noexcept { return statusCode_ == success; }
 
+   /// Whether the rules of the message's type have been applied, good or bad: by `handleInitialized` of each
+   /// subclass, which its constructor runs. There are none for a plain parser.
+   bool initialized() const noexcept { return initialized_; }
+
    /// The walker over the TLVs.
    Vorn::Ptr< LdpTlvGroupParser > tlvGroupParser() const noexcept { return tlvGroupParser_; }
    /// The walker of that name: the present one if it has the name, else a new one in its place.
@@ -93,7 +97,7 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    /// Open while the message is judged by the rules of its type.
    class Judging {
     public:
-      explicit Judging( LdpMsgParser & parser ) noexcept : parser_( parser ) {}
+      explicit Judging( LdpMsgParser & parser ) noexcept : parser_( parser ) { parser_.initialized_ = true; }
       Judging( Judging const & ) = delete;
       Judging & operator=( Judging const & ) = delete;
       ~Judging() { parser_.asWalked_ = false, parser_.judgedGood_ = parser_.validMsg(); }
@@ -139,6 +143,7 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    LdpTlvHdr const * msgFecTlv_ = nullptr;
    Vorn::Ptr< LdpFecTlvParser > ldpFecTlvParser_;
    LdpStatusTlv const * msgStatusTlv_ = nullptr;
+   bool initialized_ = false;
 
  private:
    bool hasOctets( U64 octets ) const noexcept { return offset_ + octets <= pkt_->frontBytes(); }
@@ -179,7 +184,6 @@ class VORN_API LdpHelloMsgParser : public LdpMsgParser {
    LdpIpTransportAddrTlv const * msgIpTransportTlv() const noexcept { return msgIpTransportTlv_; }
    LdpIp6TransportAddrTlv const * msgIp6TransportTlv() const noexcept { return msgIp6TransportTlv_; }
    LdpConfigSeqNumTlv const * msgConfigSeqTlv() const noexcept { return msgConfigSeqTlv_; }
-   bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
 
  private:
@@ -187,7 +191,6 @@ class VORN_API LdpHelloMsgParser : public LdpMsgParser {
    LdpIpTransportAddrTlv const * msgIpTransportTlv_ = nullptr;
    LdpIp6TransportAddrTlv const * msgIp6TransportTlv_ = nullptr;
    LdpConfigSeqNumTlv const * msgConfigSeqTlv_ = nullptr;
-   bool initialized_ = false;
 };
 
 /// What Initialization and Capability messages share: the capability TLVs (RFC 5561), in order of their
@@ -237,13 +240,11 @@ class VORN_API LdpInitMsgParser : public LdpCapabilityParser {
    /// Set on every good message.
    LdpCommonSessionParamTlv const * msgSessionParamTlv() const noexcept { return msgSessionParamTlv_; }
    LdpFtSessionTlv const * msgFtSessionTlv() const noexcept { return msgFtSessionTlv_; }
-   bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
 
  private:
    LdpCommonSessionParamTlv const * msgSessionParamTlv_ = nullptr;
    LdpFtSessionTlv const * msgFtSessionTlv_ = nullptr;
-   bool initialized_ = false;
 };
 
 /// Capability (RFC 5561, 7). `ldpMsgParserGet` leaves such a message a plain `LdpMsgParser`; who wants its
@@ -256,12 +257,7 @@ class VORN_API LdpCapabilityMsgParser : public LdpCapabilityParser {
    ~LdpCapabilityMsgParser() override;
    Vorn::String stringValue() const override;
 
-   /// The mark that the judgement sets, and the judgement, which the constructor runs.
-   bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
-
- private:
-   bool initialized_ = false;
 };
 
 /// Notification (RFC 5036, 3.5.1): a Status TLV first; with the status of a pseudowire (RFC 8077, 6.3.2) a PW
@@ -276,14 +272,12 @@ class VORN_API LdpNotificationMsgParser : public LdpMsgParser {
 
    /// Set on a good pseudowire status notification only.
    LdpPwStatusTlv const * msgPwStatusTlv() const noexcept { return msgPwStatusTlv_; }
-   bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
 
  private:
    bool handlePwStatus();
 
    LdpPwStatusTlv const * msgPwStatusTlv_ = nullptr;
-   bool initialized_ = false;
 };
 
 /// Address (RFC 5036, 3.5.5): an Address List TLV first.
@@ -297,12 +291,10 @@ class VORN_API LdpAddressMsgParser : public LdpMsgParser {
 
    /// Set on every good message.
    LdpAddressListTlv const * addressListTlv() const noexcept { return addressListTlv_; }
-   bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
 
  private:
    LdpAddressListTlv const * addressListTlv_ = nullptr;
-   bool initialized_ = false;
 };
 
 /// Address Withdraw (RFC 5036, 3.5.6): an Address List TLV first.
@@ -316,12 +308,10 @@ class VORN_API LdpAddressWithdrawMsgParser : public LdpMsgParser {
 
    /// Set on every good message.
    LdpAddressListTlv const * addressListTlv() const noexcept { return addressListTlv_; }
-   bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
 
  private:
    LdpAddressListTlv const * addressListTlv_ = nullptr;
-   bool initialized_ = false;
 };
 
 /// Label Mapping (RFC 5036, 3.5.7): FEC and label, with a good FEC that is no wildcard.
@@ -339,7 +329,6 @@ class VORN_API LdpLabelMappingMsgParser : public LdpMsgParser {
    LdpHopCountTlv const * msgHopCountTlv() const noexcept { return msgHopCountTlv_; }
    LdpPathVectorTlv const * msgPathVectorTlv() const noexcept { return msgPathVectorTlv_; }
    LdpPwStatusTlv const * msgPwStatusTlv() const noexcept { return msgPwStatusTlv_; }
-   bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
 
  private:
@@ -348,7 +337,6 @@ class VORN_API LdpLabelMappingMsgParser : public LdpMsgParser {
    LdpHopCountTlv const * msgHopCountTlv_ = nullptr;
    LdpPathVectorTlv const * msgPathVectorTlv_ = nullptr;
    LdpPwStatusTlv const * msgPwStatusTlv_ = nullptr;
-   bool initialized_ = false;
 };
 
 /// Label Request (RFC 5036, 3.5.8): a good FEC that is no wildcard.
@@ -363,13 +351,11 @@ class VORN_API LdpLabelRequestMsgParser : public LdpMsgParser {
    /// Optional TLVs; null where the message has none.
    LdpHopCountTlv const * msgHopCountTlv() const noexcept { return msgHopCountTlv_; }
    LdpPathVectorTlv const * msgPathVectorTlv() const noexcept { return msgPathVectorTlv_; }
-   bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
 
  private:
    LdpHopCountTlv const * msgHopCountTlv_ = nullptr;
    LdpPathVectorTlv const * msgPathVectorTlv_ = nullptr;
-   bool initialized_ = false;
 };
 
 /// Label Withdraw (RFC 5036, 3.5.10): a good FEC, wildcards included; the label is optional.
@@ -383,12 +369,10 @@ class VORN_API LdpLabelWithdrawMsgParser : public LdpMsgParser {
 
    /// The label; null for all labels of the FEC.
    LdpGenLabelTlv const * msgGenLabelTlv() const noexcept { return msgGenLabelTlv_; }
-   bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
 
  private:
    LdpGenLabelTlv const * msgGenLabelTlv_ = nullptr;
-   bool initialized_ = false;
 };
 
 /// Label Release (RFC 5036, 3.5.11): a FEC, which is not judged: ask `ldpFecTlvParser()` whether it is
@@ -403,12 +387,10 @@ class VORN_API LdpLabelReleaseMsgParser : public LdpMsgParser {
 
    /// The label; null for all labels of the FEC.
    LdpGenLabelTlv const * msgGenLabelTlv() const noexcept { return msgGenLabelTlv_; }
-   bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
 
  private:
    LdpGenLabelTlv const * msgGenLabelTlv_ = nullptr;
-   bool initialized_ = false;
 };
 
 /// Label Abort Request (RFC 5036, 3.5.9): a good FEC that is no wildcard, and the id of the request.
@@ -422,12 +404,10 @@ class VORN_API LdpLabelAbortReqMsgParser : public LdpMsgParser {
 
    /// Set on every good message.
    LdpLabelReqMsgIdTlv const * msgReqMsgIdTlv() const noexcept { return msgReqMsgIdTlv_; }
-   bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
 
  private:
    LdpLabelReqMsgIdTlv const * msgReqMsgIdTlv_ = nullptr;
-   bool initialized_ = false;
 };
 
 /// Makes the parser of that class.
