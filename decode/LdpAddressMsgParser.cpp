@@ -50,8 +50,8 @@ Vorn::Ptr< LdpAddressWithdrawMsgParser > ldpAddressWithdrawMsgParserFactory(
    return Vorn::newObject< LdpAddressWithdrawMsgParser >( pkt, offset );
 }
 
-LdpAddressMsgParser::LdpAddressMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset )
-     : LdpMsgParser( std::move( pkt ), offset ) {
+LdpAddressMsgParser::LdpAddressMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain )
+     : LdpMsgParser( std::move( pkt ), offset, plain ) {
    handleInitialized();
 }
 
@@ -70,8 +70,9 @@ Vorn::String LdpAddressMsgParser::stringValue() const {
    return headingText( "LDP Address Msg:\n" ) + "   " + addressListTlv_->stringValue();
 }
 
-LdpAddressWithdrawMsgParser::LdpAddressWithdrawMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset )
-     : LdpMsgParser( std::move( pkt ), offset ) {
+LdpAddressWithdrawMsgParser::LdpAddressWithdrawMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset,
+                                                          LdpMsgParser * plain )
+     : LdpMsgParser( std::move( pkt ), offset, plain ) {
    handleInitialized();
 }
 

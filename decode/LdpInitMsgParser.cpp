@@ -46,8 +46,8 @@ Vorn::Ptr< LdpCapabilityMsgParser > ldpCapabilityMsgParserFactory( Vorn::Ptr< Lu
    return Vorn::newObject< LdpCapabilityMsgParser >( pkt, offset );
 }
 
-LdpCapabilityParser::LdpCapabilityParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset )
-     : LdpMsgParser( std::move( pkt ), offset ) {}
+LdpCapabilityParser::LdpCapabilityParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain )
+     : LdpMsgParser( std::move( pkt ), offset, plain ) {}
 
 LdpCapabilityParser::~LdpCapabilityParser() = default;
 
@@ -92,8 +92,8 @@ Vorn::String LdpCapabilityParser::capabilitiesText() const {
    return text;
 }
 
-LdpInitMsgParser::LdpInitMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset )
-     : LdpCapabilityParser( std::move( pkt ), offset ) {
+LdpInitMsgParser::LdpInitMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain )
+     : LdpCapabilityParser( std::move( pkt ), offset, plain ) {
    handleInitialized();
 }
 
@@ -147,8 +147,8 @@ Vorn::String LdpInitMsgParser::stringValue() const {
    return text += capabilitiesText();
 }
 
-LdpCapabilityMsgParser::LdpCapabilityMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset )
-     : LdpCapabilityParser( std::move( pkt ), offset ) {
+LdpCapabilityMsgParser::LdpCapabilityMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain )
+     : LdpCapabilityParser( std::move( pkt ), offset, plain ) {
    handleInitialized();
 }
 

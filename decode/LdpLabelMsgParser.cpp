@@ -78,7 +78,8 @@ void appendLine( Vorn::String & text, View const * view ) {
    Vorn::Ptr< Type > factory( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset ) {                             \
       return Vorn::newObject< Type >( pkt, offset );                                                         \
    }                                                                                                         \
-   Type::Type( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset ) : LdpMsgParser( std::move( pkt ), offset ) {         \
+   Type::Type( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain )                                \
+        : LdpMsgParser( std::move( pkt ), offset, plain ) {                                                  \
       handleInitialized();                                                                                   \
    }                                                                                                         \
    Type::~Type() = default;

@@ -32,8 +32,9 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    static constexpr U16 maxTotalLength = 4096;
 
    /// Parses the message at `offset`, which lies in the packet: no packet, or an offset behind its end,
-   /// asserts.
-   LdpMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   /// asserts. `plain`, here and with each subclass, is a parser that has just found this message good: its
+   /// walker is taken over, and nothing that it has judged is judged again unless somebody traces.
+   LdpMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpMsgParser() override;
 
    /// Text of the message, or of what is wrong with it.
@@ -175,7 +176,7 @@ class VORN_API LdpHelloMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpHelloMsgParser, LdpMsgParser )
 
  public:
-   LdpHelloMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpHelloMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpHelloMsgParser() override;
    Vorn::String stringValue() const override;
 
@@ -201,7 +202,7 @@ class VORN_API LdpCapabilityParser : public LdpMsgParser {
  public:
    using Capabilities = Vorn::RbTreeMap< LdpCapabilityParser, LdpTlvType, LdpCapabilityParameterTlv const * >;
 
-   LdpCapabilityParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpCapabilityParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpCapabilityParser() override;
 
    /// All of them, in ascending order of type.
@@ -233,7 +234,7 @@ class VORN_API LdpInitMsgParser : public LdpCapabilityParser {
    VORN_REFLECTED_OBJECT( LdpInitMsgParser, LdpCapabilityParser )
 
  public:
-   LdpInitMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpInitMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpInitMsgParser() override;
    Vorn::String stringValue() const override;
 
@@ -253,7 +254,7 @@ class VORN_API LdpCapabilityMsgParser : public LdpCapabilityParser {
    VORN_REFLECTED_OBJECT( LdpCapabilityMsgParser, LdpCapabilityParser )
 
  public:
-   LdpCapabilityMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpCapabilityMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpCapabilityMsgParser() override;
    Vorn::String stringValue() const override;
 
@@ -266,7 +267,7 @@ class VORN_API LdpNotificationMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpNotificationMsgParser, LdpMsgParser )
 
  public:
-   LdpNotificationMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpNotificationMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpNotificationMsgParser() override;
    Vorn::String stringValue() const override;
 
@@ -285,7 +286,7 @@ class VORN_API LdpAddressMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpAddressMsgParser, LdpMsgParser )
 
  public:
-   LdpAddressMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpAddressMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpAddressMsgParser() override;
    Vorn::String stringValue() const override;
 
@@ -302,7 +303,7 @@ class VORN_API LdpAddressWithdrawMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpAddressWithdrawMsgParser, LdpMsgParser )
 
  public:
-   LdpAddressWithdrawMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpAddressWithdrawMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpAddressWithdrawMsgParser() override;
    Vorn::String stringValue() const override;
 
@@ -319,7 +320,7 @@ class VORN_API LdpLabelMappingMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpLabelMappingMsgParser, LdpMsgParser )
 
  public:
-   LdpLabelMappingMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpLabelMappingMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpLabelMappingMsgParser() override;
    Vorn::String stringValue() const override;
 
@@ -344,7 +345,7 @@ class VORN_API LdpLabelRequestMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpLabelRequestMsgParser, LdpMsgParser )
 
  public:
-   LdpLabelRequestMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpLabelRequestMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpLabelRequestMsgParser() override;
    Vorn::String stringValue() const override;
 
@@ -363,7 +364,7 @@ class VORN_API LdpLabelWithdrawMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpLabelWithdrawMsgParser, LdpMsgParser )
 
  public:
-   LdpLabelWithdrawMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpLabelWithdrawMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpLabelWithdrawMsgParser() override;
    Vorn::String stringValue() const override;
 
@@ -381,7 +382,7 @@ class VORN_API LdpLabelReleaseMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpLabelReleaseMsgParser, LdpMsgParser )
 
  public:
-   LdpLabelReleaseMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpLabelReleaseMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpLabelReleaseMsgParser() override;
    Vorn::String stringValue() const override;
 
@@ -398,7 +399,7 @@ class VORN_API LdpLabelAbortReqMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpLabelAbortReqMsgParser, LdpMsgParser )
 
  public:
-   LdpLabelAbortReqMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpLabelAbortReqMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpLabelAbortReqMsgParser() override;
    Vorn::String stringValue() const override;
 
