@@ -22,7 +22,7 @@ class VORN_API LdpTlvGroupParser : public Vorn::PtrInterface {
    VORN_REFLECTED_OBJECT( LdpTlvGroupParser, void )
 
  public:
-   using Indexed = LdpIndexed< LdpTlvGroupParser, U32, 8 >;
+   using Indexed = LdpIndexed< LdpTlvGroupParser, U32, 32 >;
    using TlvOffsets = Indexed::Map;
 
    explicit LdpTlvGroupParser( Vorn::Name name ) : name_( std::move( name ) ) {}

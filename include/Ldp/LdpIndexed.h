@@ -80,8 +80,8 @@ class LdpIndexed {
       return *map();
    }
 
-   std::array< Value, room > first_{};
-   U32 num_ = 0; // of those in place
+   std::array< Value, room > first_; // the first `num_`
+   U32 num_ = 0;
    mutable std::atomic< Map * > map_ = nullptr;
 };
 
