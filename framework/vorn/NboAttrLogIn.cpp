@@ -228,7 +228,8 @@ void Demuxer::recordIs( U8 const * octets, std::size_t bytes ) {
       // The number of what it introduces is given, although nobody is there to hold it.
       if ( kind == introducingRecord && in.left() >= sizeof( U32 ) ) {
          in.take( in.left() - sizeof( U32 ) );
-         lastEntityId_ = std::max( lastEntityId_, in.nextEntityId() );
+         U32 const id = in.nextEntityId();
+         if ( !gone( id ) && !out_->state().adapterById( id ) ) newEntityIdIs( id );
       }
       return;
    }
@@ -310,8 +311,8 @@ void Demuxer::checkEphemeralEntityDeletion( Out::Adapter & adapter ) {
 }
 
 void Demuxer::newEntityIdIs( U32 entityId ) {
-   if ( !( entityId & numberedByPeer ) || entityId <= lastEntityId_ ) {
-      refuse( format( "entity %#x is introduced with a number that was given before", entityId ) );
+   if ( entityId != lastEntityId_ + 1 ) {
+      refuse( format( "entity %#x is introduced with another number than the next", entityId ) );
    }
    lastEntityId_ = entityId;
 }

@@ -259,9 +259,8 @@ void Sa::memberFromLog( VornAttr const & attr, In & in, GroupState * group ) {
    void const * const key = attr.keyed() ? arguments.pointers()[attr.memberKeyIndex()] : nullptr;
    checkRoom( attr, key, group );
    if ( group && !group->write ) {
-      if ( !( id & NboAttrLog::numberedByPeer ) || id <= group->lastEntityId ) {
-         refuse( "a group holds a member with a number that was given before" );
-      }
+      if ( id != group->lastEntityId + 1 )
+         refuse( "a group holds a member with another number than the next" );
       group->lastEntityId = id;
       return;
    }

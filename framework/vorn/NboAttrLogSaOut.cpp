@@ -178,15 +178,15 @@ Sent Sa::introduce( VornNboAttrLogSa & adapter, U32 id, Write const & write ) {
    auto & state = out_->state();
    VORN_ASSERT( id < NboAttrLog::numberedByPeer ); // a connection that lives so long must be made anew
    Sent sent = Sent::noRoom;
+   state.numbers.adapterIs( id, adapter );
    try {
-      state.byId.valueIs( id, &adapter );
       sent = write();
    } catch ( ... ) {
-      state.byId.del( id );
+      state.numbers.del( id );
       throw;
    }
    if ( sent != Sent::yes ) {
-      state.byId.del( id );
+      state.numbers.del( id );
       return sent;
    }
    state.lastEntityId = id;
