@@ -64,6 +64,8 @@ void In::endIs() const {
    if ( left() && !entries_ ) refuse( "the record goes on behind its value" );
 }
 
+void endIs( In & in ) { in.endIs(); }
+
 void logIn( In & in, bool * value ) { *value = in.nextbool(); }
 void logIn( In & in, U8 * value ) { *value = in.nextU8(); }
 void logIn( In & in, U16 * value ) { *value = in.nextU16(); }

@@ -182,13 +182,8 @@ void Sa::entryFromLog( In & in, GroupState & group ) {
 }
 
 void Sa::scalarFromLog( VornAttr const & attr, In & in ) {
-   GenericIf::Value value( attr.type );
-   attr.type->methods->logIn( in, value.data() );
-   in.endIs();
-   apply( attr, nullptr, [&]( FlowIn & ) {
-      void const * const arg = value.data();
-      attr.ops->op( nullptr, object(), attr, GenericIf::write, nullptr, &arg );
-   } );
+   apply( attr, nullptr,
+          [&]( FlowIn & ) { attr.ops->op( &in, object(), attr, GenericIf::fromLog, nullptr, nullptr ); } );
 }
 
 /// Refuses a key for which a collection has no room: it is not the other end that ends this process.

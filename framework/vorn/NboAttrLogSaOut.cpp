@@ -11,9 +11,9 @@ using Sa = Entity::VornNboAttrLogSa;
 
 namespace {
 
-void writeAttr( Out & out, void * object, VornAttr const & attr, GenericIf::AttributeOp read ) {
+void writeAttr( Out & out, void * object, VornAttr const & attr ) {
    GenericIf::Value value( attr.type );
-   attr.ops->op( value.data(), object, attr, read, nullptr, nullptr );
+   attr.ops->op( value.data(), object, attr, GenericIf::read, nullptr, nullptr );
    attr.type->methods->logOut( out, value.data() );
 }
 
@@ -24,8 +24,7 @@ void writeArguments( Out & out, Entity & entity ) {
    using NboAttrLog::logOut;
    if ( first && first->name && !std::strcmp( first->name, "name" ) ) logOut( out, entity.name() );
    for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
-      if ( attr->isCtorArg() )
-         writeAttr( out, static_cast< PtrInterface * >( &entity ), *attr, GenericIf::read );
+      if ( attr->isCtorArg() ) writeAttr( out, static_cast< PtrInterface * >( &entity ), *attr );
    }
 }
 
@@ -221,7 +220,7 @@ void Sa::doThis() {
 Sent Sa::serialize( VornAttr const & x ) {
    if ( x.kind() == VornKind::mutableAttr ) {
       return send( NboAttrLog::attributeRecord, x.id(),
-                   [&] { writeAttr( *out_, object(), x, GenericIf::carried ); } );
+                   [&] { x.ops->op( out_, object(), x, GenericIf::toLog, nullptr, nullptr ); } );
    }
    bool const isReference = x.kind() == VornKind::reference;
    Ptr< PtrInterface > target;
