@@ -85,7 +85,13 @@ class Model {
          {
             auto & it = held_[op.token % held_.size()].it;
             U32 const number = it->vornKey().number;
-            op.token & 16 ? gone( number, it.del( *map_ ) ) : del( number );
+            bool const its = map_->member( Key{ number } ) == it.ptr().ptr(); // and not another of that key
+            if ( op.token & 16 ) {
+               RC_ASSERT( it.del( *map_ ) == its );
+               if ( its ) gone( number, true );
+            } else {
+               del( number );
+            }
             if ( op.token % 3 == 0 ) add( number );
          }
          break;
@@ -140,8 +146,10 @@ class Model {
    }
    void del( U32 number ) {
       Ptr< M > const member( map_->member( Key{ number } ) );
-      if ( member ) map_->del( *member, Key{ number }.hash() );
-      RC_ASSERT( !member || !Vorn::NextLink::of( *member ) );
+      if ( member ) {
+         map_->del( *member, Key{ number }.hash() );
+         RC_ASSERT( !Vorn::NextLink::of( *member ) );
+      }
       gone( number, bool( member ) );
    }
    void gone( U32 number, bool wasThere ) {
