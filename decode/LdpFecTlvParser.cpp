@@ -235,6 +235,7 @@ bool LdpFecTlvParser::failed( LdpStatusCode status, Vorn::String const & reason 
 
 bool LdpFecTlvParser::parseElements() {
    TWAIN_FUNCTION( "LdpFecTlvParser::parseElements" );
+   faultOffset_ = offset_;
    U64 const frontBytes = pkt_->frontBytes();
    VORN_ASSERT( pkt_->frontBytes() >= offset_ );
    U16 const tlvLen = length();
@@ -250,6 +251,7 @@ bool LdpFecTlvParser::parseElements() {
    bool const strict = !ldpProtoParam_ || ldpProtoParam_->fecTlvStrictPrefixWildcardOnlyElement();
    // Each step takes an element of at least one octet, and leaves it in the collection.
    for ( U32 index = 0; cur < end; ++index ) {
+      U32 const at = cur;
       LdpFecElementType const type = elementAt< LdpFecTlvElementHdr >( *this, cur )->type();
       TWAIN_TRACE( 6, "      Msg/TLV/FecTlvElement ", index, ": offset ", cur, ", type ", type );
       bool ended;
@@ -262,7 +264,10 @@ bool LdpFecTlvParser::parseElements() {
       default:
          ended = failed( unknownFec, Vorn::format( "Unhandled FEC TLV Element type 0x%02hhx", U8( type ) ) );
       }
-      if ( ended ) return true;
+      if ( ended ) {
+         faultOffset_ = at;
+         return true;
+      }
    }
    TWAIN_TRACE( 6, "FEC TLV parsed ", fecElements(), " elements" );
    statusCode_ = success;

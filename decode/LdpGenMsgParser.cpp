@@ -22,9 +22,10 @@ Vorn::Ptr< LdpTlvGroupParser > LdpTlvGroupParser::named( Vorn::Ptr< LdpTlvGroupP
    return child;
 }
 
-void LdpTlvGroupParser::refuse( LdpStatusCode status, Vorn::String const & reason ) {
+void LdpTlvGroupParser::refuse( LdpStatusCode status, Vorn::String const & reason, U64 at ) {
    statusCode_ = status;
    reason_ = reason;
+   faultOffset_ = U32( at );
    TWAIN_TRACE( 5, reason_ );
 }
 
@@ -36,13 +37,15 @@ bool LdpTlvGroupParser::parseTlvGroup() {
    U64 const frontBytes = pkt_->frontBytes();
    TWAIN_TRACE( 6, "Parse packet frontBytes: ", frontBytes, ", offset: ", offset_, ", size ", size_ );
    statusCode_ = success;
+   faultOffset_ = 0;
    if ( size_ == 0 ) return true;
    if ( U64( offset_ ) + size_ > frontBytes ) {
-      refuse( badTlvLength, Vorn::format( "Packet is too small, size: %zd", ssize_t( frontBytes ) ) );
+      refuse( badTlvLength, Vorn::format( "Packet is too small, size: %zd", ssize_t( frontBytes ) ),
+              offset_ );
       return true;
    }
    if ( U64( offset_ ) + sizeof( LdpTlvHdr ) > frontBytes ) {
-      refuse( badTlvLength, "Msg/Tlv header is corrupted" );
+      refuse( badTlvLength, "Msg/Tlv header is corrupted", offset_ );
       return true;
    }
    U64 cur = offset_;
@@ -58,7 +61,7 @@ bool LdpTlvGroupParser::parseTlvGroup() {
       VORN_ASSERT( header->totalLength() > 0 );
       octets += total;
       if ( octets > size_ ) {
-         refuse( badTlvLength, "Msg/Tlv is corrupted/truncated" );
+         refuse( badTlvLength, "Msg/Tlv is corrupted/truncated", cur );
          return true;
       }
       tlvOffset_.valueIs( index, U32( cur ) );
@@ -67,7 +70,7 @@ bool LdpTlvGroupParser::parseTlvGroup() {
       // Against the packet, not the run: a header that the run cuts short may be completed by the octets
       // behind it, and then its total tells.
       if ( cur + sizeof( LdpTlvHdr ) > frontBytes ) {
-         refuse( badTlvLength, "Msg/Tlv header is corrupted" );
+         refuse( badTlvLength, "Msg/Tlv header is corrupted", cur );
          return true;
       }
    }

@@ -74,7 +74,7 @@ void LdpCapabilityParser::parseCapabilityTlvs() {
       auto const rule = CapabilityRule::of( tlv.type() );
       if ( rule.kind == CapabilityRule::isNone ) return true;
       if ( !rule.obeyedBy( tlv ) ) {
-         refuse( malformedTlv, valueToStrep( tlv.type() ) + " TLV is not the right size" );
+         refuse( malformedTlv, valueToStrep( tlv.type() ) + " TLV is not the right size", tlv );
          return false;
       }
       capabilitiesIs( tlv.type(), static_cast< LdpCapabilityParameterTlv const * >( &tlv ) );

@@ -31,6 +31,7 @@ LdpMsgParser::LdpMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser
    if ( plain ) tlvGroupParser_ = plain->tlvGroupParserDel();
    if ( plain && !Twain::tracing() ) {
       msgHdr_ = plain->msgHdr_;
+      faultOffset_ = offset_;
       asWalked_ = true;
    } else {
       handleHeader();
@@ -39,9 +40,10 @@ LdpMsgParser::LdpMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser
 
 LdpMsgParser::~LdpMsgParser() = default;
 
-void LdpMsgParser::refuse( LdpStatusCode status, Vorn::String const & reason ) {
+void LdpMsgParser::refuse( LdpStatusCode status, Vorn::String const & reason, U32 at ) {
    statusCode_ = status;
    reason_ = reason;
+   faultOffset_ = at;
 }
 
 void LdpMsgParser::handleHeader() {
@@ -54,6 +56,7 @@ void LdpMsgParser::handleHeader() {
    VORN_ASSERT( msgHdr_ );
    VORN_ASSERT( pkt_->frontBytes() >= offset_ );
    statusCode_ = success;
+   faultOffset_ = offset_;
    // Of a header that is cut short the type counts as long as its two octets are there.
    if ( hasOctets( sizeof( LdpHdrMsgUbitAndTypeField ) ) && !ldpIsKnownMsgType( msgHdr_->type() ) ) {
       return refuse( msgHdr_->unknown() ? unknownMessageTypeIgnore : unknownMessageType,
@@ -79,13 +82,16 @@ void LdpMsgParser::handleHeader() {
    tlvGroupParser_->offsetIs( offset_ + LdpMsgHdr::ldpMsgHdrSize );
    tlvGroupParser_->sizeIs( U32( total - LdpMsgHdr::ldpMsgHdrSize ) );
    tlvGroupParser_->parseTlvGroup();
-   if ( !tlvGroupParser_->valid() ) return refuse( tlvGroupParser_->statusCode(), tlvGroupParser_->reason() );
+   if ( !tlvGroupParser_->valid() ) {
+      return refuse( tlvGroupParser_->statusCode(), tlvGroupParser_->reason(),
+                     tlvGroupParser_->faultOffset() );
+   }
    asWalked_ = first;
    eachTlv( [this]( U32, LdpTlvHdr const & tlv ) {
       // A TLV to be ignored stays in the group, and the rules of the message pass over it.
       LdpStatusCode const status = tlv.validateTlvHdr();
       if ( status == success || status == unknownMessageTypeIgnore ) return true;
-      refuse( status, Vorn::format( "Unknown TLV Type: %d", int( tlv.type() ) ) );
+      refuse( status, Vorn::format( "Unknown TLV Type: %d", int( tlv.type() ) ), tlv );
       return false;
    } );
 }
@@ -144,7 +150,8 @@ void LdpMsgParser::obeyTlvs( LdpMsgRules const & rules ) {
    if ( rules.firstTlv ) {
       LdpTlvHdr const * const first = tlv( 0 );
       if ( !first ) return;
-      if ( first->type() != rules.tlvs.front().type ) return refuse( missingMessageParams, rules.firstTlv );
+      if ( first->type() != rules.tlvs.front().type )
+         return refuse( missingMessageParams, rules.firstTlv, *first );
    }
    eachTlv( [&]( U32 index, LdpTlvHdr const & tlv ) { return obeyTlv( rules, index, tlv ); } );
    if ( !validMsg() ) return;
@@ -159,19 +166,19 @@ bool LdpMsgParser::obeyTlv( LdpMsgRules const & rules, U32 index, LdpTlvHdr cons
    for ( LdpTlvRule const & rule : rules.tlvs ) {
       if ( rule.type != type ) continue;
       if ( rule.position.index != LdpTlvRule::Position::any && rule.position.index != index ) {
-         refuse( missingMessageParams, rule.position.reason );
+         refuse( missingMessageParams, rule.position.reason, tlv );
       } else if ( !sizeObeys( rule.size, tlv ) ) {
-         refuse( malformedTlv, rule.size.reason );
+         refuse( malformedTlv, rule.size.reason, tlv );
          if ( rule.size.kind == LdpTlvRule::Size::lengthTellTotal ) {
             reason_ += Vorn::format( " (%d)", tlv.totalLength() );
          }
       } else if ( rule.exclusion.has && rule.exclusion.has( *this ) ) {
-         refuse( malformedTlv, rule.exclusion.reason );
+         refuse( malformedTlv, rule.exclusion.reason, tlv );
       } else {
          rule.view.store( *this, tlv );
-         statusCode_ = rule.view.validate( tlv );
-         if ( !validMsg() )
-            reason_ = rule.invalid ? Vorn::String( rule.invalid ) : valueToStrep( statusCode_ );
+         LdpStatusCode const status = rule.view.validate( tlv );
+         if ( status != success )
+            refuse( status, rule.invalid ? Vorn::String( rule.invalid ) : valueToStrep( status ), tlv );
       }
       return validMsg();
    }
@@ -180,7 +187,7 @@ bool LdpMsgParser::obeyTlv( LdpMsgRules const & rules, U32 index, LdpTlvHdr cons
 
 bool LdpMsgParser::obeyFecTlv( LdpMsgRules const & rules, U32 index, LdpTlvHdr const & tlv ) {
    if ( index != 0 ) {
-      refuse( missingMessageParams, "FecTlv is not the 1st TLV in the message" );
+      refuse( missingMessageParams, "FecTlv is not the 1st TLV in the message", tlv );
       return false;
    }
    msgFecTlv_ = &tlv;
@@ -188,9 +195,9 @@ bool LdpMsgParser::obeyFecTlv( LdpMsgRules const & rules, U32 index, LdpTlvHdr c
    LdpFecTlvParser const & fec = *ldpFecTlvParser_;
    if ( !fec.valid() && rules.fec->refused != LdpFecRule::isForTheCaller ) {
       bool const keeps = rules.fec->refused == LdpFecRule::keepsItsCode;
-      refuse( keeps ? fec.statusCode() : malformedTlv, fec.reason() );
+      refuse( keeps ? fec.statusCode() : malformedTlv, fec.reason(), fec.faultOffset() );
    } else if ( rules.fec->wildcard && fec.hasWildcardFecElement() ) {
-      refuse( unknownFec, rules.fec->wildcard );
+      refuse( unknownFec, rules.fec->wildcard, tlv );
    }
    return validMsg();
 }

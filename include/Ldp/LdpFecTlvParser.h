@@ -127,6 +127,9 @@ class VORN_API LdpFecTlvParser : public LdpTlvParser {
    /// Text of the failure; empty for a good TLV.
    Vorn::String const & reason() const noexcept { return reason_; }
    void reasonIs( Vorn::String const & reason ) { reason_ = reason; }
+   /// Offset from the packet's front of the element that was refused, or of the TLV where no element was
+   /// come to. Of a good TLV its own.
+   U32 faultOffset() const noexcept { return faultOffset_; }
 
    /// The element at that position, from 0; null behind the last. After a failure the elements in front of
    /// the bad one are there.
@@ -166,6 +169,7 @@ class VORN_API LdpFecTlvParser : public LdpTlvParser {
 
    Vorn::Ptr< LdpProtoParam const > ldpProtoParam_;
    LdpStatusCode statusCode_ = success;
+   U32 faultOffset_ = offset_;
    bool hasWildcardFecElement_ = false;
    bool initialized_ = false;
    Vorn::String reason_;

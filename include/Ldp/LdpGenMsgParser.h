@@ -49,6 +49,9 @@ class VORN_API LdpTlvGroupParser : public Vorn::PtrInterface {
    LdpStatusCode statusCode() const noexcept { return statusCode_; }
    /// Text of the failure. A new walk does not clear it.
    Vorn::String const & reason() const noexcept { return reason_; }
+   /// Offset from the packet's front of the unit at which a bad run's walk ended; it may begin behind the
+   /// packet's end. Of a good run 0.
+   U32 faultOffset() const noexcept { return faultOffset_; }
 
    /// Offset of the unit at that index, from the packet's front; 0 for an index that the walk did not reach.
    U32 tlvOffset( U32 index ) const noexcept { return tlvOffset_.value( index ); }
@@ -67,12 +70,13 @@ class VORN_API LdpTlvGroupParser : public Vorn::PtrInterface {
    bool parseTlvGroup();
 
  private:
-   void refuse( LdpStatusCode status, Vorn::String const & reason );
+   void refuse( LdpStatusCode status, Vorn::String const & reason, U64 at );
 
    Vorn::Name name_;
    Vorn::Ptr< Lumo::Pkt > pkt_;
    U32 offset_ = 0;
    U32 size_ = 0;
+   U32 faultOffset_ = 0;
    Vorn::String reason_;
    LdpStatusCode statusCode_ = success;
    Indexed tlvOffset_;

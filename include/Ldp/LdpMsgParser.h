@@ -60,6 +60,10 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    /// Whether the message may be used. A message to be ignored is not valid: `unknownMessageTypeIgnore` tells
    /// it from one to be reported.
    bool validMsg() const noexcept { return statusCode_ == success; }
+   /// Offset from the packet's front of what a refused message was refused for: a TLV, an element of a FEC
+   /// TLV, or the message where it is refused as a whole. A TLV whose framing is bad may begin behind the
+   /// packet's end. Of a good message its own.
+   U32 faultOffset() const noexcept { return faultOffset_; }
 
    /// Whether the rules of the message's type have been applied, good or bad: by `handleInitialized` of each
    /// subclass, which its constructor runs. There are none for a plain parser.
@@ -124,7 +128,12 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
          if ( !call( i, *tlv ) ) return;
       }
    }
-   void refuse( LdpStatusCode status, Vorn::String const & reason );
+   /// For the message as a whole, for that TLV, or for what stands at that offset.
+   void refuse( LdpStatusCode status, Vorn::String const & reason ) { refuse( status, reason, offset_ ); }
+   void refuse( LdpStatusCode status, Vorn::String const & reason, LdpTlvHdr const & tlv ) {
+      refuse( status, reason, U32( reinterpret_cast< U8 const * >( &tlv ) - pkt_->front() ) );
+   }
+   void refuse( LdpStatusCode status, Vorn::String const & reason, U32 at );
    /// Judges the message by the rules of its type: what a subclass's constructor runs behind the base's.
    void obey( LdpMsgRules const & rules );
    /// The checks of `obey` that come before any TLV is looked at; false if the message is refused already.
@@ -138,6 +147,7 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    Vorn::Ptr< Lumo::Pkt > pkt_;
    U32 offset_;
    LdpStatusCode statusCode_ = success;
+   U32 faultOffset_ = offset_;
    LdpMsgHdr const * msgHdr_ = nullptr;
    Vorn::String reason_;
    Vorn::Ptr< LdpTlvGroupParser > tlvGroupParser_;

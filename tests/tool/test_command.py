@@ -14,14 +14,14 @@ class Forms(unittest.TestCase):
     def test_lines(self):
         frames = [(ether(udp(GOOD)), None, 3661.5), (ether(udp(pdu(mapping(4)), src="2001:db8::1", dst="ff02::2")), None, 3662)]
         self.assertEqual(decode(pcap(frames)).out, (
-            "13:27:41.500000 10.0.0.1 > 10.0.0.2 10.0.0.9:0 LdpHello id 1 holdTime 15\n"
-            "13:27:41.500000 10.0.0.1 > 10.0.0.2 10.0.0.9:0 LdpKeepAlive id 2\n"
-            "13:27:42.000000 2001:db8::1 > ff02::2 10.0.0.1:0 LdpLabelMapping id 4 10.1.0.0/16 label 100\n"))
+            "1 13:27:41.500000 10.0.0.1 > 10.0.0.2 10.0.0.9:0 LdpHello id 1 holdTime 15\n"
+            "1 13:27:41.500000 10.0.0.1 > 10.0.0.2 10.0.0.9:0 LdpKeepAlive id 2\n"
+            "2 13:27:42.000000 2001:db8::1 > ff02::2 10.0.0.1:0 LdpLabelMapping id 4 10.1.0.0/16 label 100\n"))
         result = decode_hex([BAD, pdu(keepalive(9), version=7)])
         self.assertEqual((result.status, result.out), (1, (
-            "line 1 10.0.0.1:0 LdpHello id 3 BAD missingMessageParams: Message has 0 TLV\n"
+            "line 1 10.0.0.1:0 LdpHello id 3 BAD missingMessageParams: Message has 0 TLV [whole message; > 0100000400000003]\n"
             "line 1 10.0.0.1:0 LdpLabelMapping id 4 10.1.0.0/16 label 100\n"
-            "line 2 10.0.0.1:0 BAD PDU badVersion: LDP Version 7 not supported\n")))
+            "line 2 10.0.0.1:0 BAD PDU badVersion: LDP Version 7 not supported [whole PDU; > 0007000e0a00000100000201000400000009]\n")))
 
     def test_a_file_is_decoded_without_a_command(self):
         self.assertEqual(run(BASIC).out, run("decode", BASIC).out)
@@ -41,9 +41,13 @@ class Forms(unittest.TestCase):
         out = decode_hex([GOOD], "--full").out
         self.assertEqual(out, (
             "line 1 LdpPduHdr: Ver(1),Len(30),LdpId: 10.0.0.9:0\n"
+            '   line 1, lsrId 10.0.0.9, labelSpace 0, pduLength 30, pduStatus success, pduReason ""\n'
             "LDP Hello Msg:\n   Msg Id: 1,   CommonHelloTlv: HT(15),0,0\n"
-            "LdpKeepAlive, Id: 0x00000002, numTlv: 0\n"))
-        self.assertIn("Error LDP PDU: LDP Version 7 not supported\n", decode_hex([pdu(keepalive(9), version=7)], "--full").out)
+            '   type LdpHello, typeValue 0x0100, unknownBit false, msgId 1, msgLength 12, status success, reason "", valid true\n'
+            "   hello holdTime 15, targeted false, requestTargeted false\n"
+            "LdpKeepAlive, Id: 0x00000002, numTlv: 0\n"
+            '   type LdpKeepAlive, typeValue 0x0201, unknownBit false, msgId 2, msgLength 4, status success, reason "", valid true\n'))
+        self.assertIn("Error LDP PDU: LDP Version 7 not supported [whole PDU; > ", decode_hex([pdu(keepalive(9), version=7)], "--full").out)
 
     def test_stats(self):
         result = decode(pcap([ether(udp(GOOD)), ether(udp(BAD)), ether(udp(GOOD))]), "--stats")
@@ -91,7 +95,7 @@ class Mistakes(unittest.TestCase):
     def test_arguments(self):
         for arguments, words in (
             ([], "subcommand"), (["decode"], "one of FILE, -i IFACE and --hex FILE"), (["decode", BASIC, "--hex", "-"], "one of FILE"),
-            (["decode", BASIC, "--json", "--full"], "excludes"), (["decode", BASIC, "--nonsense"], "--nonsense"), (["nonsense"], "subcommand"),
+            (["decode", BASIC, "--json", "--count"], "excludes"), (["decode", BASIC, "--nonsense"], "--nonsense"), (["nonsense"], "subcommand"),
             (["decode", BASIC, "--filter", "hallo"], "'hallo'"), (["decode", BASIC, "--filter", "0x8000"], "'0x8000'"),
             (["decode", BASIC, "--filter", ""], "''"), (["decode", BASIC, "--filter"], "--filter"),
             (["decode", "-i", "no-such-interface"], "no-such-interface"),

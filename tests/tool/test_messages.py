@@ -23,7 +23,7 @@ COMMON = ["line", "lsrId", "labelSpace", "pduLength", "pduStatus", "pduReason", 
 
 # name: (message, type, status, reason)
 BAD = {
-    "unknown type": (message(0x3000, 1), "12288", "unknownMessageType", "Unknown Message Type: 12288"),
+    "unknown type": (message(0x3000, 1), "0x3000", "unknownMessageType", "Unknown Message Type: 12288"),
     "hello without a TLV": (message(0x0100, 1), "LdpHello", "missingMessageParams", "Message has 0 TLV"),
     "length too big": (message(0x0201, 1, tlv(0x0302, bytes(4085))), "LdpKeepAlive", "malformedTlv",
                        "MSG length field too big, length = 4097"),
@@ -42,18 +42,18 @@ class Messages(unittest.TestCase):
         self.assertGreater(len(good), 20)
         for name, octets, line in good:
             with self.subTest(name):
-                result = decode_hex([bytes.fromhex(octets)], "--json")
+                result = decode_hex([bytes.fromhex(octets)], "--json", "--full")
                 self.assertEqual((result.err, result.status, result.raw.decode()), ("", 0, line + "\n"))
 
     def test_bad(self):
         for name, (octets, kind, code, reason) in BAD.items():
             with self.subTest(name):
-                result = decode_hex([pdu(octets) + b"\0"], "--json")
+                result = decode_hex([pdu(octets) + b"\0"], "--json", "--full")
                 self.assertEqual(result.status, 1)
                 (o,) = result.objects
                 self.assertEqual((o["type"], o["status"], o["reason"], o["valid"]), (kind, code, reason, False))
                 self.assertEqual(list(o)[: len(COMMON)], COMMON)
-                self.assertTrue(set(o) - set(COMMON) <= {"fec"})
+                self.assertTrue(set(o) - set(COMMON) <= {"fec", "fault"})
                 line = decode_hex([pdu(octets) + b"\0"]).out
                 self.assertIn(f"BAD {code}: {reason}", line)
 
@@ -61,7 +61,7 @@ class Messages(unittest.TestCase):
         result = decode_hex([pdu(message(0xB000, 1), keepalive(2))], "--json")
         first, second = result.objects
         self.assertEqual((first["type"], first["typeValue"], first["unknownBit"], first["status"], first["valid"]),
-                         ("12288", 12288, True, "unknownMessageTypeIgnore", False))
+                         ("0x3000", 12288, True, "unknownMessageTypeIgnore", False))
         self.assertEqual((second["msgId"], result.status), (2, 0))
 
     def test_bad_capability_message(self):
@@ -82,7 +82,7 @@ class Messages(unittest.TestCase):
         ]
         for octets, code, reason, lsr in cases:
             with self.subTest(reason):
-                result = decode_hex([octets, pdu(keepalive(2))], "--json")
+                result = decode_hex([octets, pdu(keepalive(2))], "--json", "--full")
                 bad, good = result.objects
                 self.assertEqual((bad["valid"], bad["pduStatus"], bad["pduReason"], bad["lsrId"]), (False, code, reason, lsr))
                 self.assertNotIn("type", bad)
@@ -99,15 +99,16 @@ class Messages(unittest.TestCase):
         ]
         for name, octets, offset in cases:
             with self.subTest(name):
-                result = decode_hex([octets, pdu(keepalive(3))], "--json")
+                result = decode_hex([octets, pdu(keepalive(3))], "--json", "--full")
                 fatal, good = result.objects
                 self.assertEqual((fatal["line"], fatal["valid"], fatal["fatalOffset"], fatal["lsrId"], fatal["pduLength"]),
                                  (1, False, offset, "10.0.0.1", len(octets) - 4))
                 self.assertEqual("unboundedP2mpDump" if "multicast" in name else "wrappedUnit", fatal["fatal"])
                 self.assertNotIn("type", fatal)
-                self.assertEqual((good["msgId"], result.status), (3, 1))
+                status = 3 if "multicast" in name else 1  # it may be good, and is more than the library takes
+                self.assertEqual((good["msgId"], result.status), (3, status))
                 for form in ([], ["--full"], ["--stats"], ["--count"]):
-                    self.assertEqual(decode_hex([octets], *form).status, 1)
+                    self.assertEqual(decode_hex([octets], *form).status, status)
         # One octet less is an ordinary message.
         (o,) = decode_hex([pdu(message(0x0400, 2, tlv(0x0100, p2mp(b"x" * 245)), LABEL))], "--json").objects
         self.assertEqual((o["valid"], len(o["fec"]["elements"][0]["opaque"])), (True, 490))
@@ -116,7 +117,7 @@ class Messages(unittest.TestCase):
         every = bytes(range(256))
         for part in (every[i : i + 64] for i in range(0, 256, 64)):
             octets = pdu(message(0x0400, 1, tlv(0x0100, pw_element(pw=1, params=bytes([3, 2 + len(part)]) + part)), LABEL))
-            result = decode_hex([octets], "--json")  # strict UTF-8 and JSON, or this fails
+            result = decode_hex([octets], "--json", "--full")  # strict UTF-8 and JSON, or this fails
             (o,) = result.objects
             self.assertEqual(o["fec"]["elements"][0]["description"], part.decode("latin-1"))
             self.assertIn(part.decode("latin-1"), o["text"])

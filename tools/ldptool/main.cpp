@@ -8,9 +8,13 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <fcntl.h>
 #include <iostream>
+#include <new>
 #include <string>
+#include <string_view>
 #include <unistd.h>
 #include <vector>
 
@@ -36,6 +40,18 @@ std::vector< std::string > argumentsOf( CLI::App const & app, int argc, char ** 
    return arguments;
 }
 
+/// Memory can run out where nothing may throw. That is no reason to abort either; nothing here may allocate.
+[[noreturn]] void onTerminate() {
+   try {
+      if ( auto const error = std::current_exception() ) std::rethrow_exception( error );
+   } catch ( std::bad_alloc const & ) {
+      constexpr std::string_view text = "ldptool: out of memory\n";
+      (void)!write( STDERR_FILENO, text.data(), text.size() );
+      _exit( LdpTool::exitUsage );
+   } catch ( ... ) {}
+   std::abort();
+}
+
 int fail( char const * why ) {
    std::fprintf( stderr, "ldptool: %s\n", why );
    return LdpTool::exitUsage;
@@ -46,6 +62,7 @@ int fail( char const * why ) {
 int main( int argc, char ** argv ) {
    using namespace LdpTool;
    holdStandardStreams();
+   std::set_terminate( onTerminate );
    CLI::App app{ "Looks at the Label Distribution Protocol (LDP, RFC 5036). ldptool FILE decodes the file." };
    app.name( "ldptool" );
    app.set_version_flag( "--version", std::string( "ldptool " ) + Ldp::version() );
@@ -55,9 +72,11 @@ int main( int argc, char ** argv ) {
    } );
    addDecodeCommand( app );
    addExplainCommand( app );
+   addReportCommand( app );
    addRingCommand( app );
    addTypesCommand( app );
    addWatchCommand( app );
+   addCompletionCommand( app );
    try {
       app.parse( argumentsOf( app, argc, argv ) );
    } catch ( CLI::RuntimeError const & done ) {

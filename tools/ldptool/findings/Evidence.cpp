@@ -85,9 +85,9 @@ void Evidence::onMessage( Message const & message ) {
    if ( !sent ) return;
    if ( message.bad() ) {
       constexpr std::size_t mostReasons = 64; // they hold numbers that the peer chooses
-      std::string const reason( parser.reason().view() );
-      if ( sent->refused.size() < mostReasons || sent->refused.contains( reason ) )
-         sent->refused[reason].at( frame );
+      std::string const reason( message.judge().reason().view() );
+      auto & refused = message.verdict == Verdict::wrong ? sent->refused : sent->unsupported;
+      if ( refused.size() < mostReasons || refused.contains( reason ) ) refused[reason].at( frame );
       return;
    }
    if ( !parser.validMsg() ) return;

@@ -55,6 +55,7 @@ struct Sent {
    std::map< Ldp::LdpStatusCode, Seen > fatal;  ///< Notifications that end the session
    std::map< Ldp::LdpStatusCode, Seen > others; ///< those that do not
    std::map< std::string, Seen > refused;       ///< messages that no receiver takes, by reason
+   std::map< std::string, Seen > unsupported;   ///< messages that this program does not follow
 };
 
 class Evidence : public Reporter {

@@ -2,6 +2,7 @@
 #include "findings/Findings.h"
 
 #include "monitor/speaker/Network.h"
+#include "text/Words.h"
 
 #include <iterator>
 #include <map>
@@ -59,21 +60,6 @@ void prefixes( std::vector< Finding > & found, Status const & status, std::strin
    shared.tell( found, pair + ": one label for two FECs", "whether both FECs go the same way" );
 }
 
-std::string statusWords( U32 flags ) {
-   static constexpr std::pair< U32, char const * > bits[] = {
-      // RFC 4446, 3.5
-      { 0x1, "not forwarding" },
-      { 0x2, "attachment circuit (ingress) receive fault" },
-      { 0x4, "attachment circuit (egress) transmit fault" },
-      { 0x8, "PSN-facing (ingress) receive fault" },
-      { 0x10, "PSN-facing (egress) transmit fault" },
-   };
-   std::string words;
-   for ( auto const & [bit, word] : bits )
-      if ( flags & bit ) words += ( words.empty() ? "" : ", " ) + std::string( word );
-   return words.empty() ? "unknown status" : words;
-}
-
 void pseudowires( std::vector< Finding > & found, Status const & status, std::string const & pair,
                   LdpSessionId const & id ) {
    struct Ends {
@@ -113,7 +99,7 @@ void pseudowires( std::vector< Finding > & found, Status const & status, std::st
          tell( "requested VLANs differ" );
       for ( auto const & [end, config] : { std::pair( "this end", local ), std::pair( "the peer", remote ) } )
          if ( U32 const flags = config->pwStatusFlags().value() )
-            tell( std::string( end ) + " reports: " + statusWords( flags ) );
+            tell( std::string( end ) + " reports: " + pwStatusText( flags ) );
    }
 }
 

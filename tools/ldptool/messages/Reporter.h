@@ -11,6 +11,14 @@
 
 namespace LdpTool {
 
+/// What a message comes to.
+enum class Verdict {
+   good,
+   ignored,     ///< of unknown type, and its U bit asks to ignore it
+   unsupported, ///< refused here, though another implementation may take it
+   wrong,       ///< refused by everybody
+};
+
 /// A decoded message.
 struct Message {
    Ldp::LdpMsgParser const &
@@ -18,11 +26,13 @@ struct Message {
    /// The typed parser of a Capability message whose header and framing are good, which the dispatch leaves
    /// plain. Null for every other message.
    Ldp::LdpCapabilityMsgParser const * capability;
+   Verdict verdict;
 
-   /// Whether a receiver would refuse it. A message of unknown type whose U bit asks to ignore it is not bad.
-   bool bad() const {
-      if ( capability ) return !capability->validMsg();
-      return !parser.validMsg() && parser.statusCode() != Ldp::unknownMessageTypeIgnore;
+   /// Whether it is refused, as wrong or as not supported here.
+   bool bad() const { return verdict == Verdict::wrong || verdict == Verdict::unsupported; }
+   /// The parser that has come to the verdict.
+   Ldp::LdpMsgParser const & judge() const {
+      return capability ? static_cast< Ldp::LdpMsgParser const & >( *capability ) : parser;
    }
 
    /// The parser as its own class. Only for a valid message of that type.

@@ -110,7 +110,7 @@ void Monitor::onSessionMessage( Message const & message ) {
    sent_->statistics->ldpMsgTxCountInc( type, 1 );
    received_->statistics->ldpMsgRxCountInc( type, 1 );
    bool const bad = message.bad();
-   if ( bad ) received_->status->sessionStateReasonIs( parser.reason() );
+   if ( message.verdict == Verdict::wrong ) received_->status->sessionStateReasonIs( parser.reason() );
    if ( !bad && !parser.validMsg() ) return; // of unknown type, to be ignored
    bool const typed = ( type == LdpLabelWithdraw || type == LdpLabelRelease ) && isTypedWildcard( parser );
    if ( bad && !typed ) return;

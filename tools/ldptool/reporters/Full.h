@@ -1,15 +1,16 @@
 #pragma once
 
-// The library's own text of each message, below that of its PDU.
+// The library's own text of each message, below that of its PDU, and behind it every field that the JSON has.
 
-#include "messages/Reporter.h"
-#include "text/Output.h"
+#include "reporters/Json.h"
+
+#include <rapidjson/document.h>
 
 namespace LdpTool {
 
 class FullReporter : public Reporter {
  public:
-   explicit FullReporter( Output & out ) : out_( out ) {}
+   explicit FullReporter( Output & out ) : out_( out ), jsonOut_( json_ ), reporter_( jsonOut_, false ) {}
 
    void onPdu( Pdu const & pdu ) override;
    void onMessage( Message const & message ) override;
@@ -17,7 +18,14 @@ class FullReporter : public Reporter {
    void onFatalPdu( Pdu const & pdu, Ldp::LdpPduGuardResult const & fatal ) override;
 
  private:
+   rapidjson::Document taken();
+   void fields( rapidjson::Value const & object, bool ofMessage );
+
    Output & out_;
+   std::string json_; ///< of the message in hand
+   Output jsonOut_;
+   JsonReporter reporter_;
+   bool pduPrinted_ = false;
 };
 
 } // namespace LdpTool

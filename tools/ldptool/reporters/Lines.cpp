@@ -1,6 +1,7 @@
 // Messages as lines.
 #include "reporters/Lines.h"
 
+#include "messages/Fault.h"
 #include "text/Words.h"
 
 namespace LdpTool {
@@ -15,20 +16,10 @@ Output & operator<<( Output & out, Text const & text ) {
    return out << text.view();
 }
 
-Output & operator<<( Output & out, Lumo::IpAddr const & addr ) { return out.ipv4( addr.octets() ); }
-
-Output & operator<<( Output & out, Lumo::IpGenAddr const & addr ) {
-   return addr.family() == Lumo::ipv4 ? out << addr.ipAddr() : out << addr.stringValue();
-}
-
-Output & operator<<( Output & out, Lumo::IpGenPrefix const & prefix ) {
-   return out << prefix.address() << '/' << prefix.len();
-}
-
 } // namespace
 
 void LineReporter::onPdu( Pdu const & pdu ) {
-   prefix_ = originText( pdu.origin );
+   prefix_ = numberedOriginText( pdu.origin );
    prefix_ += ' ';
    prefix_ += pdu.pdu.ldpIdentifier().stringValue().view();
    prefix_ += ' ';
@@ -39,7 +30,7 @@ void LineReporter::onPdu( Pdu const & pdu ) {
 std::string const & LineReporter::heading( LdpMsgType type ) {
    if ( heading_.empty() || type != headingType_ ) {
       heading_ = prefix_;
-      heading_ += valueToStrep( type ).view();
+      heading_ += nameText( type );
       heading_ += " id ";
       headingType_ = type;
    }
@@ -50,9 +41,9 @@ void LineReporter::onMessage( Message const & message ) {
    LdpMsgParser const & parser = message.parser;
    out_ << heading( parser.type() ) << parser.msgId();
    if ( message.bad() ) {
-      LdpMsgParser const & refused = message.capability ? *message.capability : parser;
-      out_ << " BAD " << refused.statusCode() << ": ";
-      out_.escaped( refused.reason().view() );
+      out_ << ( message.verdict == Verdict::wrong ? " BAD " : " NOT SUPPORTED HERE " )
+           << message.judge().statusCode() << ": ";
+      out_.escaped( message.judge().reason().view() ) << faultOf( message );
    } else if ( !parser.validMsg() ) {
       out_ << " of unknown type, to be ignored";
    } else {
@@ -64,12 +55,13 @@ void LineReporter::onMessage( Message const & message ) {
 void LineReporter::onBadPdu( Pdu const & pdu ) {
    onPdu( pdu );
    out_ << prefix_ << "BAD PDU " << pdu.pdu.statusCode() << ": ";
-   out_.escaped( pdu.pdu.reason().view() ) << '\n';
+   out_.escaped( pdu.pdu.reason().view() ) << faultOf( pdu ) << '\n';
 }
 
 void LineReporter::onFatalPdu( Pdu const & pdu, LdpPduGuardResult const & fatal ) {
-   out_ << originText( pdu.origin ) << " FATAL PDU, not parsed: " << fatalName( fatal ) << " at offset "
-        << fatal.offset << '\n';
+   out_ << numberedOriginText( pdu.origin )
+        << ( verdictOf( fatal ) == Verdict::wrong ? " FATAL PDU" : " NOT SUPPORTED HERE PDU" )
+        << ", not parsed: " << fatalName( fatal ) << faultOf( pdu ) << '\n';
 }
 
 void LineReporter::body( Message const & message ) {
@@ -171,7 +163,8 @@ void LineReporter::fec( LdpFecTlvParser const * parser ) {
    }
    // Only a Label Release is good with a FEC that is not.
    if ( !parser->valid() ) {
-      out_ << " (FEC " << parser->statusCode() << ": ";
+      out_ << ( verdictOf( *parser ) == Verdict::wrong ? " (BAD FEC " : " (FEC NOT SUPPORTED HERE " )
+           << parser->statusCode() << ": ";
       out_.escaped( parser->reason().view() ) << ')';
    }
 }
@@ -209,7 +202,13 @@ void LineReporter::pseudowire( LdpFecTlvPwIdElement const & element ) {
 }
 
 void LineReporter::label( LdpGenLabelTlv const * label ) {
-   if ( label ) out_ << " label " << label->label().value();
+   if ( !label ) return;
+   out_ << " label ";
+   if ( char const * word = reservedLabelWord( label->label() ) ) {
+      out_ << word;
+   } else {
+      out_ << label->label().value();
+   }
 }
 
 void LineReporter::hopCount( LdpHopCountTlv const * hopCount ) {
@@ -234,7 +233,9 @@ void LineReporter::status( LdpStatusTlv const * status ) {
 }
 
 void LineReporter::pwStatus( LdpPwStatusTlv const * pwStatus ) {
-   if ( pwStatus ) ( out_ << " pwStatus " ).hex( pwStatus->pwStatusField().value(), 8 );
+   if ( !pwStatus ) return;
+   U32 const flags = pwStatus->pwStatusField().value();
+   ( out_ << " pwStatus " ).hex( flags, 8 ) << " (" << pwStatusText( flags ) << ')';
 }
 
 } // namespace LdpTool

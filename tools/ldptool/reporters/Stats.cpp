@@ -1,6 +1,7 @@
 // Counts of messages, as tables.
 #include "reporters/Stats.h"
 
+#include "messages/Fault.h"
 #include "text/Words.h"
 
 #include <algorithm>
@@ -15,8 +16,6 @@ constexpr std::size_t mostReasons = 4096;
 
 constexpr int countWidth = 10;
 constexpr int nameWidth = 22;
-
-std::string nameOf( Ldp::LdpMsgType type ) { return std::string( valueToStrep( type ).view() ); }
 
 std::string padLeft( std::string const & text, int width ) {
    std::size_t const blanks = text.size() < std::size_t( width ) ? std::size_t( width ) - text.size() : 1;
@@ -42,30 +41,32 @@ void StatsReporter::onPdu( Pdu const & pdu ) {
 void StatsReporter::onMessage( Message const & message ) {
    ++peer_->messages[message.parser.type()];
    if ( !message.bad() ) return;
-   ++peer_->badMessages;
-   Ldp::LdpMsgParser const & refused = message.capability ? *message.capability : message.parser;
-   bad( valueToStrep( refused.statusCode() ).view(), refused.reason().view() );
+   bool const wrong = message.verdict == Verdict::wrong;
+   ++( wrong ? peer_->badMessages : peer_->unsupportedMessages );
+   Ldp::LdpMsgParser const & judge = message.judge();
+   bad( wrong ? bad_ : unsupported_, nameText( judge.statusCode() ), judge.reason().view() );
 }
 
 void StatsReporter::onBadPdu( Pdu const & pdu ) {
    ++badPdus_;
-   bad( valueToStrep( pdu.pdu.statusCode() ).view(), pdu.pdu.reason().view() );
+   bad( bad_, nameText( pdu.pdu.statusCode() ), pdu.pdu.reason().view() );
 }
 
 void StatsReporter::onFatalPdu( Pdu const &, Ldp::LdpPduGuardResult const & fatal ) {
    ++fatalPdus_;
-   bad( "fatal", fatalName( fatal ) );
+   bad( verdictOf( fatal ) == Verdict::wrong ? bad_ : unsupported_, "fatal", fatalName( fatal ) );
 }
 
-void StatsReporter::bad( std::string_view status, std::string_view reason ) {
+void StatsReporter::bad( Reasons & reasons, std::string_view status, std::string_view reason ) {
    std::string key = padRight( std::string( status ), nameWidth ) + std::string( reason );
-   if ( bad_.size() >= mostReasons && !bad_.contains( key ) ) key = "others";
-   ++bad_[key];
+   if ( reasons.size() >= mostReasons && !reasons.contains( key ) ) key = "others";
+   ++reasons[key];
 }
 
 void StatsReporter::print( Output & out, CaptureCounters const * capture, Gap const & gaps ) const {
    printMessages( out );
-   printBad( out );
+   printReasons( out, "bad", bad_ );
+   printReasons( out, "not here", unsupported_ );
    auto const row = [&]( char const * what, std::uint64_t count ) {
       out << padRight( what, nameWidth + 10 ) << padLeft( std::to_string( count ), countWidth ) << '\n';
    };
@@ -86,22 +87,24 @@ void StatsReporter::print( Output & out, CaptureCounters const * capture, Gap co
 
 // Peers in columns would make the table too wide, so each has a block of rows.
 void StatsReporter::printMessages( Output & out ) const {
-   ByType totals;
-   std::uint64_t badMessages = 0;
+   Peer all;
    auto const block = [&]( std::string const & name, Peer const & peer ) {
       for ( auto const & [type, count] : peer.messages ) {
-         out << padRight( name, nameWidth ) << padRight( nameOf( type ), nameWidth )
+         out << padRight( name, nameWidth ) << padRight( nameText( type ), nameWidth )
              << padLeft( std::to_string( count ), countWidth ) << '\n';
       }
-      if ( peer.badMessages ) {
-         out << padRight( name, nameWidth ) << padRight( "bad ones among them", nameWidth )
-             << padLeft( std::to_string( peer.badMessages ), countWidth ) << '\n';
+      for ( auto const & [what, count] : { std::pair( "bad ones among them", peer.badMessages ),
+                                           std::pair( "unsupported ones", peer.unsupportedMessages ) } ) {
+         if ( !count ) continue;
+         out << padRight( name, nameWidth ) << padRight( what, nameWidth )
+             << padLeft( std::to_string( count ), countWidth ) << '\n';
       }
    };
    auto const add = [&]( Peer const & peer ) {
       for ( auto const & [type, count] : peer.messages )
-         totals[type] += count;
-      badMessages += peer.badMessages;
+         all.messages[type] += count;
+      all.badMessages += peer.badMessages;
+      all.unsupportedMessages += peer.unsupportedMessages;
    };
    out << padRight( "peer", nameWidth ) << padRight( "message type", nameWidth )
        << padLeft( "messages", countWidth ) << '\n';
@@ -110,16 +113,14 @@ void StatsReporter::printMessages( Output & out ) const {
       add( peer );
    }
    if ( otherPeers_.pdus ) block( "others", otherPeers_ ), add( otherPeers_ );
-   Peer all;
-   all.messages = std::move( totals );
-   all.badMessages = badMessages;
    block( "all", all );
 }
 
-void StatsReporter::printBad( Output & out ) const {
-   if ( bad_.empty() ) return;
-   out << '\n' << padLeft( "bad", countWidth ) << "  " << padRight( "status", nameWidth ) << "reason" << '\n';
-   for ( auto const & [what, count] : bad_ ) {
+void StatsReporter::printReasons( Output & out, char const * heading, Reasons const & reasons ) const {
+   if ( reasons.empty() ) return;
+   out << '\n'
+       << padLeft( heading, countWidth ) << "  " << padRight( "status", nameWidth ) << "reason" << '\n';
+   for ( auto const & [what, count] : reasons ) {
       out << padLeft( std::to_string( count ), countWidth ) << "  ";
       out.escaped( what ) << '\n';
    }

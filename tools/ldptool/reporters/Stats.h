@@ -29,17 +29,21 @@ class StatsReporter : public Reporter {
    struct Peer {
       std::uint64_t pdus = 0;
       std::uint64_t badMessages = 0;
+      std::uint64_t unsupportedMessages = 0;
       ByType messages;
    };
 
-   void bad( std::string_view status, std::string_view reason );
+   using Reasons = std::map< std::string, std::uint64_t >; ///< by status and reason, as printed
+
+   void bad( Reasons & reasons, std::string_view status, std::string_view reason );
    void printMessages( Output & out ) const;
-   void printBad( Output & out ) const;
+   void printReasons( Output & out, char const * heading, Reasons const & reasons ) const;
 
    std::map< Ldp::LdpIdentifier, Peer > peers_;
    Peer otherPeers_;
-   Peer * peer_ = nullptr;                      ///< of the PDU in hand
-   std::map< std::string, std::uint64_t > bad_; ///< by status and reason, as printed
+   Peer * peer_ = nullptr; ///< of the PDU in hand
+   Reasons bad_;
+   Reasons unsupported_; ///< here; another implementation may take it
    std::uint64_t pdus_ = 0;
    std::uint64_t badPdus_ = 0;
    std::uint64_t fatalPdus_ = 0;

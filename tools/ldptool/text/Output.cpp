@@ -33,6 +33,10 @@ constexpr std::array< OctetText, 256 > octetTexts = [] {
 void Output::flush() {
    std::size_t const size = std::size_t( end_ - buffer_.data() );
    end_ = buffer_.data();
+   if ( text_ ) {
+      text_->append( buffer_.data(), size );
+      return;
+   }
    if ( std::fwrite( buffer_.data(), 1, size, file_ ) != size || std::fflush( file_ ) != 0 ) {
       throw OutputError( std::string( "cannot write the output: " ) + std::strerror( errno ) );
    }

@@ -1,7 +1,7 @@
 #pragma once
 
-// Text on its way to a stream: one buffer, written in large pieces. Everything that the tool prints for each
-// message is appended here in place, without a string in between.
+// Text on its way to a stream or a string: one buffer, written in large pieces. Everything that the tool
+// prints for each message is appended here in place, without a string in between.
 
 #include <array>
 #include <concepts>
@@ -23,10 +23,12 @@ class OutputError : public std::runtime_error {
 class Output {
  public:
    explicit Output( std::FILE * file ) : file_( file ) {}
+   /// What is flushed is appended to the text.
+   explicit Output( std::string & text ) : text_( &text ) {}
    Output( Output const & ) = delete;
    Output & operator=( Output const & ) = delete;
 
-   /// Hand everything to the system. Throws OutputError.
+   /// Hand everything on. Throws OutputError.
    void flush();
 
    Output & operator<<( std::string_view text ) {
@@ -62,7 +64,8 @@ class Output {
    Output & addLong( std::string_view text );
    Output & decimal( std::uint64_t number );
 
-   std::FILE * file_;
+   std::FILE * file_ = nullptr;
+   std::string * text_ = nullptr; ///< without a file
    std::array< char, 1 << 16 > buffer_;
    char * end_ = buffer_.data();
 };

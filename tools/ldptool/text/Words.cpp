@@ -1,12 +1,25 @@
 // Names that several forms of output use.
 #include "text/Words.h"
 
-#include "Lumo/Ip.h"
-
 #include <algorithm>
 #include <cstdio>
 
 namespace LdpTool {
+
+Output & operator<<( Output & out, Lumo::IpGenAddr const & addr ) {
+   return addr.family() == Lumo::ipv4 ? out << addr.ipAddr() : out << addr.stringValue().view();
+}
+
+Output & operator<<( Output & out, Lumo::IpGenPrefix const & prefix ) {
+   return out << prefix.address() << '/' << prefix.len();
+}
+
+bool isWithin( Lumo::IpGenPrefix const & prefix, Lumo::IpGenPrefix const & within ) {
+   if ( prefix.address().family() != within.address().family() || prefix.len() < within.len() ) return false;
+   return within == ( prefix.address().family() == Lumo::ipv4
+                           ? Lumo::IpGenPrefix( prefix.address().ipAddr(), within.len() )
+                           : Lumo::IpGenPrefix( prefix.address().ip6Addr(), within.len() ) );
+}
 
 std::string addressText( Flow const & flow, std::array< std::uint8_t, 16 > const & address ) {
    auto const text = [&]( auto value ) {
@@ -14,6 +27,31 @@ std::string addressText( Flow const & flow, std::array< std::uint8_t, 16 > const
       return std::string( value.stringValue().view() );
    };
    return flow.addressSize == Lumo::IpAddr::size ? text( Lumo::IpAddr() ) : text( Lumo::Ip6Addr() );
+}
+
+char const * reservedLabelWord( Lumo::MplsLabel label ) {
+   switch ( label.value() ) {
+   case 0: return "exp-null";
+   case 2: return "exp-null6";
+   case 3: return "imp-null";
+   default: return nullptr;
+   }
+}
+
+std::string pwStatusText( U32 flags ) {
+   static constexpr std::pair< U32, char const * > bits[] = {
+      // RFC 4446, 3.5
+      { 0x1, "not forwarding" },
+      { 0x2, "attachment circuit (ingress) receive fault" },
+      { 0x4, "attachment circuit (egress) transmit fault" },
+      { 0x8, "PSN-facing (ingress) receive fault" },
+      { 0x10, "PSN-facing (egress) transmit fault" },
+   };
+   if ( flags == 0 ) return "forwarding";
+   std::string words;
+   for ( auto const & [bit, word] : bits )
+      if ( flags & bit ) words += ( words.empty() ? "" : ", " ) + std::string( word );
+   return words.empty() ? "unknown status" : words;
 }
 
 Vorn::String badPduText( Ldp::LdpPdu const & pdu ) { return "Error LDP PDU: " + pdu.reason(); }
@@ -27,19 +65,14 @@ char const * fatalName( Ldp::LdpPduGuardResult const & fatal ) {
    return "none";
 }
 
-std::string timeText( Arrival const & arrival ) {
-   constexpr std::int64_t secondsOfDay = 86400;
-   auto const second = int( ( arrival.seconds % secondsOfDay + secondsOfDay ) % secondsOfDay );
-   char time[sizeof "hh:mm:ss.uuuuuu"];
-   std::snprintf( time, sizeof time, "%02d:%02d:%02d.%06u", second / 3600, second / 60 % 60, second % 60,
-                  arrival.nanoseconds / 1000 % 1000000 );
-   return time;
-}
-
 std::string originText( Origin const & origin ) {
    if ( !origin.flow ) return "line " + std::to_string( origin.arrival.frame );
    return timeText( origin.arrival ) + " " + addressText( *origin.flow, origin.flow->source ) + " > " +
           addressText( *origin.flow, origin.flow->destination );
+}
+
+std::string numberedOriginText( Origin const & origin ) {
+   return ( origin.flow ? std::to_string( origin.arrival.frame ) + " " : "" ) + originText( origin );
 }
 
 } // namespace LdpTool

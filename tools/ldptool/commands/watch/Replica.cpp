@@ -4,13 +4,17 @@
 #include "capture/PduSink.h"
 #include "views/Tree.h"
 
-#include <nlohmann/json.hpp>
+#include <rapidjson/document.h>
+#include <rapidjson/stringbuffer.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <exception>
+#include <iterator>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -19,7 +23,6 @@ namespace LdpTool {
 
 namespace {
 
-using nlohmann::ordered_json;
 namespace NboAttrLog = Vorn::NboAttrLog;
 
 bool writeAll( int descriptor, void const * octets, std::size_t bytes ) {
@@ -40,18 +43,37 @@ bool writeText( int descriptor, std::string const & text ) {
    return writeAll( descriptor, &size, sizeof size ) && writeAll( descriptor, text.data(), text.size() );
 }
 
+std::string treeJson( Vorn::Entity const & entity, TreeContent content ) {
+   std::string text;
+   auto const out = std::make_unique< Output >( text );
+   JsonWriter json( *out );
+   writeTree( json, entity, content );
+   out->flush();
+   return text;
+}
+
+std::string dump( rapidjson::Value const & value ) {
+   rapidjson::StringBuffer text;
+   rapidjson::Writer< rapidjson::StringBuffer > writer( text );
+   value.Accept( writer );
+   return text.GetString();
+}
+
 /// The first place where two JSON trees differ.
-std::string difference( ordered_json const & a, ordered_json const & b, std::string const & path ) {
-   if ( a.is_object() && b.is_object() ) {
-      for ( auto const & [key, value] : a.items() ) {
-         if ( !b.contains( key ) ) return path + "/" + key + " is missing";
-         if ( auto const found = difference( value, b[key], path + "/" + key ); !found.empty() ) return found;
-      }
-      for ( auto const & [key, value] : b.items() )
-         if ( !a.contains( key ) ) return path + "/" + key + " should not be there";
-      return {};
+std::string difference( rapidjson::Value const & a, rapidjson::Value const & b, std::string const & path ) {
+   if ( !a.IsObject() || !b.IsObject() ) {
+      std::string const one = dump( a ), other = dump( b );
+      return one == other ? std::string() : path + " is " + other + " and should be " + one;
    }
-   return a == b ? std::string() : path + " is " + b.dump() + " and should be " + a.dump();
+   for ( auto const & [key, value] : a.GetObject() ) {
+      std::string const below = path + "/" + key.GetString();
+      auto const same = b.FindMember( key );
+      if ( same == b.MemberEnd() ) return below + " is missing";
+      if ( auto const found = difference( value, same->value, below ); !found.empty() ) return found;
+   }
+   for ( auto const & [key, value] : b.GetObject() )
+      if ( !a.HasMember( key ) ) return path + "/" + key.GetString() + " should not be there";
+   return {};
 }
 
 } // namespace
@@ -90,7 +112,14 @@ void Replica::flush() {
 }
 
 void Replica::sendAll( void const * octets, std::size_t bytes ) {
-   if ( !writeAll( socket_, octets, bytes ) ) throw InputError( "the replica went away" );
+   if ( writeAll( socket_, octets, bytes ) ) return;
+   receiveVerdict(); // it may have said why before it went
+   throw InputError( "the replica went away" );
+}
+
+void Replica::receiveVerdict() {
+   std::string const error = receive();
+   if ( !error.empty() ) throw InputError( "the replica: " + error );
 }
 
 std::string Replica::receive() {
@@ -114,6 +143,7 @@ std::string Replica::receive() {
 std::string Replica::finish( bool json ) {
    flush();
    ::shutdown( socket_, SHUT_WR ); // the end of the log
+   receiveVerdict();
    std::string const text = receive();
    std::string const all = receive();
    logged_ = receive();
@@ -124,7 +154,8 @@ void Replica::run( int socket ) {
    // The terminal's Ctrl-C is for the other process; this one ends with the log.
    std::signal( SIGINT, SIG_IGN );
    std::signal( SIGTERM, SIG_IGN );
-   int status = 1;
+   std::set_terminate( [] { ::_exit( 1 ); } ); // the other process says that this one went away
+   bool sent = false;
    try {
       auto const demuxer = Vorn::newObject< NboAttrLog::Demuxer >( Vorn::newObject< NboAttrLog::Out >() );
       char octets[64 * 1024];
@@ -136,19 +167,23 @@ void Replica::run( int socket ) {
       }
       Vorn::Ptr< Vorn::Entity > const copy =
            demuxer->roots().empty() ? networkFactory( Vorn::Name( "network" ) ) : demuxer->roots().front();
-      bool const sent = writeText( socket, treeText( *copy, TreeContent::stored ) ) &&
-                        writeText( socket, treeJson( *copy, TreeContent::stored ).dump( 2 ) ) &&
-                        writeText( socket, treeJson( *copy, TreeContent::logged ).dump() );
-      status = sent ? 0 : 1;
+      std::string const texts[] = { "", treeText( *copy, TreeContent::stored ),
+                                    treeJson( *copy, TreeContent::stored ),
+                                    treeJson( *copy, TreeContent::logged ) };
+      sent = std::all_of( std::begin( texts ), std::end( texts ),
+                          [socket]( std::string const & text ) { return writeText( socket, text ); } );
    } catch ( std::exception const & error ) {
-      std::fprintf( stderr, "ldptool: replica: %s\n", error.what() );
+      writeText( socket, error.what() ); // in the place of the empty text
    }
    // Without the exit handlers and buffers that belong to the process this one was forked from.
-   ::_exit( status );
+   ::_exit( sent ? 0 : 1 );
 }
 
 std::string firstDifference( Network const & network, std::string const & logged ) {
-   return difference( treeJson( network, TreeContent::logged ), ordered_json::parse( logged ), "" );
+   rapidjson::Document own, copy;
+   own.Parse( treeJson( network, TreeContent::logged ).c_str() );
+   copy.Parse( logged.c_str() );
+   return difference( own, copy, "" );
 }
 
 } // namespace LdpTool

@@ -32,6 +32,8 @@ class Replica {
    [[noreturn]] static void run( int socket );
    void sendAll( void const * octets, std::size_t bytes );
    std::string receive();
+   /// The first thing that it says: nothing, or why it failed, which throws.
+   void receiveVerdict();
 
    Vorn::Ptr< Vorn::NboAttrLog::Out > out_;
    pid_t pid_ = -1;
