@@ -58,7 +58,7 @@ class JsonWriter : private JsonImpl::Writer {
    /// The name of the next member of an object; nothing in it needs an escape.
    void key( std::string_view name ) {
       Prefix( rapidjson::kStringType );
-      stream_.out << '"' << name << '"';
+      stream_.out.quoted( name );
    }
    /// The same of any octets.
    void foreignKey( std::string_view octets ) { value( octets ); }
@@ -80,12 +80,25 @@ class JsonWriter : private JsonImpl::Writer {
    void value( double number ) {
       if ( !Double( number ) ) stream_.out << "null";
    }
-   void value( std::string_view octets ) { String( octets.data(), rapidjson::SizeType( octets.size() ) ); }
+   void value( std::string_view octets ) {
+      if ( !octets.empty() ) {
+         String( octets.data(), rapidjson::SizeType( octets.size() ) );
+      } else {
+         Prefix( rapidjson::kStringType );
+         stream_.out.quoted( octets );
+      }
+   }
    void value( char const * text ) { value( std::string_view( text ) ); }
    void value( Vorn::String const & octets ) { value( octets.view() ); }
    /// A value of its own type as text that needs no escape: an address, an enumerator (or its number).
    void value( PlainText auto const & value ) {
       Prefix( rapidjson::kStringType );
+      if constexpr ( std::is_enum_v< std::remove_cvref_t< decltype( value ) > > ) {
+         if ( char const * const name = enumeratorName( value ) ) {
+            stream_.out.quoted( name );
+            return;
+         }
+      }
       stream_.out << '"' << value << '"';
    }
    /// Octets as hexadecimal digits.

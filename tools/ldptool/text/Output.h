@@ -50,6 +50,16 @@ class Output {
       *end_++ = c;
       return *this;
    }
+   /// The text between double quotes.
+   Output & quoted( std::string_view text ) {
+      if ( text.size() + 2 > room() ) return *this << '"' << text << '"';
+      char * const at = end_;
+      *at = '"';
+      text.copy( at + 1, text.size() );
+      at[text.size() + 1] = '"';
+      end_ = at + text.size() + 2;
+      return *this;
+   }
    Output & operator<<( Colour colour ) {
       return colours_ ? *this << ( colour == Colour::bad ? "\033[31m" : "\033[0m" ) : *this;
    }
