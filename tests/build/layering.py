@@ -10,7 +10,7 @@ import re
 import sys
 
 # include/Ldp/NAME.h belongs to the layer that holds NAME.cpp; a header without a source of its own is entered here.
-WITHOUT_SOURCE = {"Version.h": "framework", "Fwd.h": "framework"}
+WITHOUT_SOURCE = {"Version.h": "framework", "Fwd.h": "framework", "LdpIndexed.h": "decode"}
 
 # The values that decode and model share: status codes, identifiers, FEC values, the protocol's parameters.
 SHARED_WITH_MODEL = {"LdpEnums.h", "LdpIdentifier.h", "LdpFecHdr.h", "LdpProtoParam.h", "PwTypes.h",
