@@ -203,7 +203,8 @@ std::vector< Finding > findingsOf( Evidence const & evidence, LdpIdentifier cons
                             "hello interval and hold time" } );
       if ( source->link && !isLinkLocal( address ) )
          found.push_back(
-              { "IPv6 hellos of " + from + ", which is not link-local: receivers drop them (RFC 7552, 5.1)",
+              { "IPv6 hellos of " + from +
+                     ", which is not link-local, as it must be (RFC 7552, 5.1): receivers may drop them",
                 { source->seen.first },
                 "the source address of IPv6 hellos" } );
       HelloSource const & first = *sources.front().second;

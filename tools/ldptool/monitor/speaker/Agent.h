@@ -6,8 +6,10 @@
 #include "capture/Flow.h"
 #include "monitor/speaker/Journal.h"
 #include "monitor/speaker/Network.h"
+#include "monitor/speaker/Waiting.h"
 
 #include "Ldp/LdpMsgParser.h"
+#include "Ldp/PwFecSession.h"
 
 #include <algorithm>
 #include <map>
@@ -85,9 +87,15 @@ struct SessionEnd {
    std::vector< Mpls::FwdEqvClass > mapped;
    std::vector< Mpls::FwdEqvClass > held;
 
-   // The same of P2MP FECs and pseudowires, which are few: whether there are any.
-   bool mappedOthers = false;
-   bool heldOthers = false;
+   // P2MP FECs, as the speaker numbers them, and pseudowires: those that the speaker has mapped, and those
+   // that the peer has.
+   FecUse< Mpls::FwdEqvClass > p2mpLocal;
+   FecUse< Mpls::FwdEqvClass > p2mpRemote;
+   FecUse< Ldp::PwFecSessionId > pwLocal;
+   FecUse< Ldp::PwFecSessionId > pwRemote;
+
+   /// Whether anything is kept of the session before.
+   bool hasStale() const { return !stale.empty() || !p2mpRemote.stale.empty() || !pwRemote.stale.empty(); }
 
    Ldp::LdpIdentifier peer() const { return id.peerLdpId(); }
    /// Whether the session is on its way or up.
