@@ -80,6 +80,10 @@ class Links(unittest.TestCase):
         self.assertEqual(neighbors([one, one]), {})
         self.assertEqual(neighbors([one, two]), {"1.1.1.1:0": {("2.2.2.2:0", "target 2.2.2.2")},
                                                  "2.2.2.2:0": {("1.1.1.1:0", "target 1.1.1.1")}})
+        # An Initialization goes to who was heard; where link hellos were, it proves nothing about targeted ones.
+        hello, talk = targeted("10.0.0.1", "10.0.0.1", "10.0.0.2"), Talk().frames
+        heard = lambda frames: ("10.0.0.1:0", "target 10.0.0.1") in neighbors(frames + [hello]).get("10.0.0.2:0", ())
+        self.assertEqual((heard(talk[2:]), heard(talk), heard(talk[2:4] + talk[5:6])), (True, False, False))
 
     def test_pcapng_names_the_interfaces(self):
         capture = pcapng_of([(0, say_hello("1.1.1.1", "10.0.0.1")), (0, say_hello("2.2.2.2", "10.9.0.2")),

@@ -151,6 +151,12 @@ class Agents {
    /// The agent of that speaker, a new one if there is none; null for one too many.
    Agent * agentIs( Ldp::LdpIdentifier const & id );
 
+   /// The agent of that speaker; null if there is none.
+   Agent * find( Ldp::LdpIdentifier const & id ) const {
+      auto const known = agents_.find( id );
+      return known == agents_.end() ? nullptr : known->second.get();
+   }
+
    Journal & journal() { return around_.journal; }
    Journal const & journal() const { return around_.journal; }
    MonitorLimits const & limits() const { return around_.limits; }
