@@ -115,7 +115,8 @@ std::size_t tellFindings( Output & out, std::vector< Finding > const & findings 
 } // namespace
 
 std::size_t printAccounts( Output & out, Evidence const & evidence, Network const & network,
-                           Journal const & journal, std::optional< LdpIdentifier > const & about ) {
+                           Monitor & monitor, std::optional< LdpIdentifier > const & about ) {
+   Journal const & journal = monitor.journal();
    std::set< Pair > pairs;
    std::map< LdpIdentifier, Status const * > states;
    for ( auto const & [pair, sent] : evidence.sent() )
@@ -145,7 +146,9 @@ std::size_t printAccounts( Output & out, Evidence const & evidence, Network cons
       found += tellFindings( out, sessionFindings( evidence, journal, pair.first, pair.second ) );
       for ( auto const & [own, peer] : { pair, Pair( pair.second, pair.first ) } )
          if ( auto const state = states.find( own ); state != states.end() )
-            found += tellFindings( out, labelFindings( *state->second, own, peer ) );
+            monitor.show( own, peer, [&, &own = own, &peer = peer] {
+               found += tellFindings( out, labelFindings( *state->second, own, peer ) );
+            } );
    }
    if ( !told )
       out << ( states.empty() ? "no speaker: no good hello or session message was seen\n"

@@ -11,6 +11,6 @@ namespace LdpTool {
 
 /// All pairs, or those that the speaker is one of. Returns how many findings there are.
 std::size_t printAccounts( Output & out, Evidence const & evidence, Network const & network,
-                           Journal const & journal, std::optional< Ldp::LdpIdentifier > const & about );
+                           Monitor & monitor, std::optional< Ldp::LdpIdentifier > const & about );
 
 } // namespace LdpTool

@@ -274,13 +274,15 @@ void printHistory( Output & out, Journal const & journal, std::optional< LdpIden
    }
 }
 
-void printBindings( Output & out, Network const & network,
+void printBindings( Output & out, Network const & network, Monitor & monitor,
                     std::optional< Lumo::IpGenPrefix > const & within ) {
    tellIfNobody( out, network );
    eachVrf( network, [&]( LdpIdentifier const & speaker, Status const & status ) {
       Table table( { "FEC", "local", "peer", "advertised", "its label", "in use" } );
-      for ( auto const & fec : fecsWithin( status, within ) )
-         addPrefixBinding( table, status, fec );
+      monitor.show( speaker, [&] {
+         for ( auto const & fec : fecsWithin( status, within ) )
+            addPrefixBinding( table, status, fec );
+      } );
       if ( !within ) {
          std::map< Mpls::FwdEqvClass, LdpP2mpFecState const * > p2mp;
          for ( auto & state : status.p2mpFecStateColl()->p2mpFecStateColl() )

@@ -3,8 +3,7 @@
 // The tables that an operator knows from a router, of every speaker in the network. They read the model
 // alone.
 
-#include "monitor/speaker/Journal.h"
-#include "monitor/speaker/Network.h"
+#include "monitor/Monitor.h"
 #include "text/Output.h"
 
 #include <map>
@@ -20,7 +19,7 @@ void printNeighbors( Output & out, Network const & network, Journal const & jour
 void printHistory( Output & out, Journal const & journal, std::optional< Ldp::LdpIdentifier > const & about );
 
 /// The label bindings of each FEC, of all or of those within a prefix.
-void printBindings( Output & out, Network const & network,
+void printBindings( Output & out, Network const & network, Monitor & monitor,
                     std::optional< Lumo::IpGenPrefix > const & within );
 
 /// The pseudowires, both directions of each in a row.

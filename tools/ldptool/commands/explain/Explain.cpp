@@ -39,7 +39,7 @@ int explain( ExplainOptions const & options ) {
    try {
       auto const output = std::make_unique< Output >( stdout );
       auto const network = networkFactory( Vorn::Name( "network" ) );
-      Monitor monitor( *network, options.limits.monitor, options.limits.capture.flows );
+      Monitor monitor( *network, options.limits.monitor, options.limits.capture.flows, Monitor::compact );
       Evidence evidence( monitor );
       Decoder decoder( evidence, Selection(), *output );
       CaptureCounters counters;
@@ -52,7 +52,7 @@ int explain( ExplainOptions const & options ) {
       }
       std::string const text = turnedAwayText( monitor.turnedAway(), counters );
       if ( !text.empty() ) std::cerr << "ldptool: " << text << '\n';
-      found = printAccounts( *output, evidence, *network, monitor.journal(), options.peer );
+      found = printAccounts( *output, evidence, *network, monitor, options.peer );
       output->flush();
    } catch ( OutputError const & error ) {
       failure = error.what();

@@ -110,15 +110,19 @@ void timeIs( CaptureEnd & end, std::string const & text ) {
    }
 }
 
-/// The views that were asked for; the tree if nothing was.
-void printViews( Output & out, Network const & network, WatchOptions const & options,
-                 Journal const & journal ) {
+/// Whether to print the tree: nothing else was asked for, or it was.
+bool wantsTree( WatchOptions const & options ) {
    bool const others = options.follow || options.check || options.neighbors || options.bindings ||
                        options.pseudowires || options.dot || options.history;
-   if ( !others || options.tree || options.json ) printTree( out, network, options );
+   return !others || options.tree || options.json;
+}
+
+void printViews( Output & out, Network const & network, WatchOptions const & options, Monitor & monitor ) {
+   Journal const & journal = monitor.journal();
+   if ( wantsTree( options ) ) printTree( out, network, options );
    if ( options.neighbors ) printNeighbors( out, network, journal );
    if ( options.history ) printHistory( out, journal, peerOf( *options.history ) );
-   if ( options.bindings ) printBindings( out, network, prefixOf( *options.bindings ) );
+   if ( options.bindings ) printBindings( out, network, monitor, prefixOf( *options.bindings ) );
    if ( options.pseudowires ) printPseudowires( out, network );
    if ( options.dot ) printDot( out, network );
 }
@@ -127,7 +131,9 @@ int watch( WatchOptions const & options ) {
    try {
       Output out( stdout );
       auto const network = networkFactory( Vorn::Name( "network" ) );
-      Monitor monitor( *network, options.limits.monitor, options.limits.capture.flows );
+      bool const live = wantsTree( options ) || options.follow || options.replicate;
+      Monitor monitor( *network, options.limits.monitor, options.limits.capture.flows,
+                       live ? Monitor::live : Monitor::compact );
       std::unique_ptr< Replica > replica;
       if ( options.replicate ) replica = std::make_unique< Replica >( *network );
       std::optional< TreeWatcher > watcher;
@@ -155,7 +161,7 @@ int watch( WatchOptions const & options ) {
       watcher.reset();
       if ( std::string const text = turnedAwayText( monitor.turnedAway(), counters ); !text.empty() )
          std::cerr << "ldptool: " << text << '\n';
-      printViews( out, *network, options, monitor.journal() );
+      printViews( out, *network, options, monitor );
       int result = exitGood;
       if ( replica ) {
          std::string const copy = replica->finish( options.json );
