@@ -35,16 +35,16 @@ std::string sides( Seen const & a, Seen const & b, Pair const & pair ) {
    return "of " + textOf( a ? pair.first : pair.second ) + " only (" + frameText( ( a ? a : b ).first ) + ")";
 }
 
-void tellHellos( Output & out, Pair const & pair, Journal const & journal ) {
+void tellHellos( Output & out, Pair const & pair, Changes const & changes ) {
    Seen heard[2];
    std::string present[2];
-   for ( Change const & change : journal.changes() ) {
-      if ( change.subject == "session" || ordered( change.speaker, change.peer ) != pair ) continue;
-      int const side = change.speaker == pair.first ? 0 : 1;
-      if ( change.to == "hears" ) heard[side].at( change.at.frame );
-      present[side] = change.to == "hears" ? ""
-                                           : "; lost at " + timeText( change.at ) + " (" +
-                                                  frameText( change.at.frame ) + "): " + change.cause;
+   for ( Change const * change : changes ) {
+      if ( change->subject == "session" ) continue;
+      int const side = change->speaker == pair.first ? 0 : 1;
+      if ( change->to == "hears" ) heard[side].at( change->at.frame );
+      present[side] = change->to == "hears" ? ""
+                                            : "; lost at " + timeText( change->at ) + " (" +
+                                                   frameText( change->at.frame ) + "): " + change->cause;
    }
    std::string const last = present[0].empty() ? present[1] : present[0];
    // Who hears is the other one of who was heard.
@@ -67,20 +67,19 @@ void tellConnection( Output & out, Evidence const & evidence, Pair const & pair 
    if ( !any ) tell( out, "connection", works ? "began before the capture" : "none was tried" );
 }
 
-void tellSession( Output & out, Evidence const & evidence, Pair const & pair, Journal const & journal ) {
+void tellSession( Output & out, Evidence const & evidence, Pair const & pair, Changes const & changes ) {
    Sent const & there = evidence.sentTo( pair.first, pair.second );
    Sent const & back = evidence.sentTo( pair.second, pair.first );
    tell( out, "Initialization", sides( there.inits, back.inits, pair ) );
    tell( out, "KeepAlive", sides( there.keepAlives, back.keepAlives, pair ) );
    bool any = false;
-   for ( Change const & change : journal.changes() ) {
-      if ( change.subject != "session" || change.speaker != pair.first || change.peer != pair.second )
-         continue;
-      if ( change.to != "Operational" && change.from != "Operational" ) continue;
+   for ( Change const * change : changes ) {
+      if ( change->subject != "session" || change->speaker != pair.first ) continue;
+      if ( change->to != "Operational" && change->from != "Operational" ) continue;
       any = true;
       tell( out, "session",
-            timeText( change.at ) + " " + change.to + " (" + frameText( change.at.frame ) +
-                 "): " + change.cause );
+            timeText( change->at ) + " " + change->to + " (" + frameText( change->at.frame ) +
+                 "): " + change->cause );
    }
    if ( !any ) tell( out, "session", "never operational" );
 }
@@ -117,12 +116,12 @@ std::size_t tellFindings( Output & out, std::vector< Finding > const & findings 
 std::size_t printAccounts( Output & out, Evidence const & evidence, Network const & network,
                            Monitor & monitor, std::optional< LdpIdentifier > const & about ) {
    Journal const & journal = monitor.journal();
-   std::set< Pair > pairs;
+   std::map< Pair, Changes > pairs;
    std::map< LdpIdentifier, Status const * > states;
    for ( auto const & [pair, sent] : evidence.sent() )
-      pairs.insert( ordered( pair.first, pair.second ) );
+      pairs[ordered( pair.first, pair.second )];
    for ( Change const & change : journal.changes() )
-      pairs.insert( ordered( change.speaker, change.peer ) );
+      pairs[ordered( change.speaker, change.peer )].push_back( &change );
    for ( auto & speaker : network.speakerColl() )
       for ( auto & status : speaker.ldpStatusColl()->statusColl() )
          states[speaker.ldpIdentifier()] = &status;
@@ -135,15 +134,15 @@ std::size_t printAccounts( Output & out, Evidence const & evidence, Network cons
       found += tellFindings( out, findings );
    }
    std::size_t told = 0;
-   for ( Pair const & pair : pairs ) {
+   for ( auto const & [pair, changes] : pairs ) {
       if ( about && pair.first != *about && pair.second != *about ) continue;
       ++told;
       out << textOf( pair.first ) << " and " << textOf( pair.second ) << '\n';
-      tellHellos( out, pair, journal );
+      tellHellos( out, pair, changes );
       tellConnection( out, evidence, pair );
-      tellSession( out, evidence, pair, journal );
+      tellSession( out, evidence, pair, changes );
       tellUnsupported( out, evidence, pair );
-      found += tellFindings( out, sessionFindings( evidence, journal, pair.first, pair.second ) );
+      found += tellFindings( out, sessionFindings( evidence, journal, changes, pair.first, pair.second ) );
       for ( auto const & [own, peer] : { pair, Pair( pair.second, pair.first ) } )
          if ( auto const state = states.find( own ); state != states.end() )
             monitor.show( own, peer, [&, &own = own, &peer = peer] {
