@@ -4,7 +4,7 @@ PREFIX ?= /usr/local
 FUZZ_SECONDS ?= 60
 JOBS ?= $(shell nproc)
 
-.PHONY: help build dist dist-clang demo test sanitize thread memory bench fuzz fuzz-fast fuzz-keep format format-check docs model-doc ring-doc forward install
+.PHONY: help build dist dist-clang demo test sanitize thread memory bench bench-tables fuzz fuzz-fast fuzz-keep format format-check docs model-doc ring-doc forward install
 
 help:
 	@echo "make demo       decode captures of real routers, show what each router knows"
@@ -12,7 +12,7 @@ help:
 	@echo "make sanitize   the same with clang++ under address and undefined-behaviour sanitizers"
 	@echo "make thread     the tests of what threads may do at once, under the thread sanitizer"
 	@echo "make memory     the inputs of the fuzz targets under the memory sanitizer"
-	@echo "make bench      run the benchmarks"
+	@echo "make bench      the aims for speed: met or missed; bench-tables: what all benchmarks print"
 	@echo "make fuzz       run each fuzz target for FUZZ_SECONDS (60); fuzz-fast: the lean one without sanitizers"
 	@echo "make fuzz-keep  take into fuzz/corpus what the runs have found that covers more"
 	@echo "make docs       reference documentation, into build/dist/docs/html"
@@ -64,6 +64,9 @@ memory: build/memory/build.ninja
 	scripts/fuzz.sh replay build/memory
 
 bench: build
+	scripts/bench_aims.py build/release/bin
+
+bench-tables: build
 	scripts/bench.sh build/release/bin
 
 # Not watching how often a block was reached keeps the corpus of the fast one small, and four times as many executions.

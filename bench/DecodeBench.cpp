@@ -2,11 +2,14 @@
 // headers: what a user would write who only wants to know where each TLV stands.
 
 #include "BenchRing.h"
-#include "Ldp/LdpUtils.h"
+#include "Ldp/LdpFec.h"
+#include "Ldp/LdpPduStream.h"
 #include "MallocCount.h"
 #include "Vorn/Memory.h"
 
 #include <benchmark/benchmark.h>
+#include <cstring>
+#include <unordered_map>
 #include <vector>
 
 namespace {
@@ -154,8 +157,75 @@ void guardOnly( benchmark::State & state, Octets const & octets ) {
       benchmark::DoNotOptimize( Ldp::ldpPduGuard( pkt, 0 ) );
 }
 
+// The road of an agent: octets in pieces, each PDU past the guard and parsed, each mapping's FEC looked up in
+// the model. The second one is what a user would write for IPv4 prefixes alone, bounds checked.
+void wholeRoad( benchmark::State & state, Octets const & octets ) {
+   auto const known = Ldp::ldpFecNexthopCollFactory( Vorn::Name( "known" ) );
+   for ( U32 i = 0; i < 10'000; ++i )
+      known->fecNexthopIs(
+           Mpls::FwdEqvClass( Lumo::IpGenPrefix( Lumo::IpAddr( 0x0a000000 + ( i << 8 ) ), 24 ) ) );
+   Ldp::LdpPduStream stream;
+   U32 found = 0;
+   for ( auto _ : state ) {
+      found = 0;
+      std::span< U8 const > const all = octets;
+      for ( std::size_t at = 0; at < all.size(); at += 500 ) {
+         auto piece = all.subspan( at, std::min< std::size_t >( 500, all.size() - at ) );
+         while ( auto const pdu = stream.next( piece ) ) {
+            for ( U32 i = 0; i < pdu.messageNum(); ++i ) {
+               auto const message = pdu.message( i );
+               auto const fecs = message->validMsg() ? message->ldpFecTlvParser() : nullptr;
+               for ( U32 k = 0; fecs && k < fecs->fecElements(); ++k )
+                  found += bool( known->fecNexthop( fecs->fecElement( k )->fwdEqvCls() ) );
+            }
+         }
+      }
+   }
+   if ( found == 0 ) state.SkipWithError( "nothing found" );
+}
+
+void roadByHand( benchmark::State & state, Octets const & octets ) {
+   std::unordered_map< U64, U32 > known;
+   for ( U32 i = 0; i < 10'000; ++i )
+      known[U64( 0x0a000000 + ( i << 8 ) ) << 8 | 24] = i;
+   std::vector< U8 > held;
+   U32 found = 0;
+   for ( auto _ : state ) {
+      found = 0;
+      for ( std::size_t from = 0; from < octets.size(); from += 500 ) {
+         held.insert( held.end(), octets.begin() + std::ptrdiff_t( from ),
+                      octets.begin() + std::ptrdiff_t( std::min( from + 500, octets.size() ) ) );
+         while ( held.size() >= 10 && held.size() >= at16( &held[2] ) + 4 ) {
+            U8 const * const end = held.data() + at16( &held[2] ) + 4;
+            for ( U8 const * message = held.data() + 10; end - message >= 8; ) {
+               U8 const * const next = message + 4 + at16( message + 2 );
+               if ( next > end ) break;
+               for ( U8 const * tlv = message + 8; next - tlv >= 4; tlv += at16( tlv + 2 ) + 4 ) {
+                  U32 const bytes = at16( tlv + 2 );
+                  if ( std::ptrdiff_t( bytes ) > next - tlv - 4 ) break;
+                  if ( at16( tlv ) != 0x0100 || bytes < 4 || tlv[4] != 2 || at16( tlv + 5 ) != 1 ) continue;
+                  U32 const bits = tlv[7];
+                  U32 const octetsOfPrefix = ( bits + 7 ) / 8;
+                  if ( octetsOfPrefix > 4 || octetsOfPrefix + 4 > bytes ) continue;
+                  U32 prefix = 0;
+                  std::memcpy( &prefix, tlv + 8, octetsOfPrefix );
+                  found += U32( known.count( U64( __builtin_bswap32( prefix ) ) << 8 | bits ) );
+               }
+               message = next;
+            }
+            held.erase( held.begin(), held.begin() + ( end - held.data() ) );
+         }
+      }
+   }
+   if ( found == 0 ) state.SkipWithError( "nothing found" );
+}
+
 // Those without the ring first: it stays on.
 int const registered = [] {
+   benchmark::RegisterBenchmark( "30 Label Mappings to the model/by hand, a hash map of IPv4 prefixes",
+                                 roadByHand, labelMappings( 30 ) );
+   benchmark::RegisterBenchmark( "30 Label Mappings to the model/stream, guard, parsers, map of FECs",
+                                 wholeRoad, labelMappings( 30 ) );
    for ( Input const & in : inputs ) {
       std::string const name = in.name;
       benchmark::RegisterBenchmark( ( name + "/bare walk over the headers" ).c_str(), walk, in.octets );

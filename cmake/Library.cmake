@@ -13,19 +13,18 @@ target_compile_options( LdpObjects PRIVATE -fno-semantic-interposition )
 
 set( objects $<FILTER:$<TARGET_OBJECTS:LdpObjects>,INCLUDE,\\.o$> ) # and no precompiled header
 
-# The archive holds one object, made of all: a linker takes an archive's objects by the names that a program uses, and then the
-# types that it does not name would be missing from the process-wide type table.
-set( whole ${PROJECT_BINARY_DIR}/LdpWhole.o )
-add_custom_command( OUTPUT ${whole} COMMAND ${CMAKE_LINKER} -r -o ${whole} ${objects}
-   DEPENDS LdpObjects ${objects} COMMAND_EXPAND_LISTS VERBATIM )
+# A linker takes an archive's objects by the names that a program uses. The types that it does not name are in the process-wide table
+# all the same, since whoever looks into that needs this, which names them all.
+set( all_types ${PROJECT_BINARY_DIR}/LdpAllTypes.cpp )
+add_custom_command( OUTPUT ${all_types}
+   COMMAND ${PROJECT_SOURCE_DIR}/cmake/all_types.sh ${all_types} ${CMAKE_NM} ${objects}
+   DEPENDS ${PROJECT_SOURCE_DIR}/cmake/all_types.sh LdpObjects ${objects} COMMAND_EXPAND_LISTS VERBATIM )
+add_library( LdpAllTypes OBJECT ${all_types} )
+set_target_properties( LdpAllTypes PROPERTIES POSITION_INDEPENDENT_CODE ON )
 
 foreach( kind SHARED STATIC )
    string( TOLOWER ${kind} target )
-   if( kind STREQUAL STATIC )
-      add_library( Ldp_${target} ${kind} ${whole} )
-   else()
-      add_library( Ldp_${target} ${kind} ${objects} )
-   endif()
+   add_library( Ldp_${target} ${kind} ${objects} $<TARGET_OBJECTS:LdpAllTypes> )
    add_library( Ldp::${target} ALIAS Ldp_${target} )
    target_include_directories( Ldp_${target} PUBLIC
       $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/libLdp> )

@@ -50,8 +50,8 @@ Vorn::Ptr< LdpAddressWithdrawMsgParser > ldpAddressWithdrawMsgParserFactory(
    return Vorn::newObject< LdpAddressWithdrawMsgParser >( pkt, offset );
 }
 
-LdpAddressMsgParser::LdpAddressMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset )
-     : LdpMsgParser( std::move( pkt ), offset ) {
+LdpAddressMsgParser::LdpAddressMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain )
+     : LdpMsgParser( std::move( pkt ), offset, plain ) {
    handleInitialized();
 }
 
@@ -61,7 +61,6 @@ void LdpAddressMsgParser::handleInitialized() {
    static constexpr LdpMsgRules rules = AddressRules< &LdpAddressMsgParser::addressListTlv_ >::of(
         LdpAddress, "msgHdr_->type() == LdpAddress_" );
    TWAIN_FUNCTION( "LdpAddressMsgParser::handleInitialized" );
-   initialized_ = true;
    obey( rules );
 }
 
@@ -71,8 +70,9 @@ Vorn::String LdpAddressMsgParser::stringValue() const {
    return headingText( "LDP Address Msg:\n" ) + "   " + addressListTlv_->stringValue();
 }
 
-LdpAddressWithdrawMsgParser::LdpAddressWithdrawMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset )
-     : LdpMsgParser( std::move( pkt ), offset ) {
+LdpAddressWithdrawMsgParser::LdpAddressWithdrawMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset,
+                                                          LdpMsgParser * plain )
+     : LdpMsgParser( std::move( pkt ), offset, plain ) {
    handleInitialized();
 }
 
@@ -82,7 +82,6 @@ void LdpAddressWithdrawMsgParser::handleInitialized() {
    static constexpr LdpMsgRules rules = AddressRules< &LdpAddressWithdrawMsgParser::addressListTlv_ >::of(
         LdpAddressWithdraw, "msgHdr_->type() == LdpAddressWithdraw_" );
    TWAIN_FUNCTION( "LdpAddressWithdrawMsgParser::handleInitialized" );
-   initialized_ = true;
    obey( rules );
 }
 

@@ -209,22 +209,12 @@ LdpFecTlvParser::LdpFecTlvParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset,
 
 LdpFecTlvParser::~LdpFecTlvParser() = default;
 
-Vorn::Ptr< LdpFecTlvElement > LdpFecTlvParser::fecElement( U32 index ) const {
-   auto const * node = fecElement_[index];
-   return node ? node->value() : nullptr;
-}
-
 void LdpFecTlvParser::fecElementIs( U32 index, Vorn::Ptr< LdpFecTlvElement > const & element ) {
    if ( element ) {
       fecElement_.valueIs( index, element );
    } else {
       fecElement_.del( index );
    }
-}
-
-Vorn::Ptr< LdpFecTlvElement > LdpFecTlvParser::fecElementDel( U32 index ) {
-   auto deleted = fecElement_.del( index );
-   return deleted ? deleted->value() : nullptr;
 }
 
 Vorn::String LdpFecTlvParser::stringValue() const {

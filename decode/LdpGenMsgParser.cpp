@@ -22,16 +22,6 @@ Vorn::Ptr< LdpTlvGroupParser > LdpTlvGroupParser::named( Vorn::Ptr< LdpTlvGroupP
    return child;
 }
 
-U32 LdpTlvGroupParser::tlvOffset( U32 index ) const noexcept {
-   auto const * node = tlvOffset_[index];
-   return node ? node->value() : 0;
-}
-
-U32 LdpTlvGroupParser::tlvOffsetDel( U32 index ) {
-   auto const deleted = tlvOffset_.del( index );
-   return deleted ? deleted->value() : 0;
-}
-
 void LdpTlvGroupParser::refuse( LdpStatusCode status, Vorn::String const & reason, U64 at ) {
    statusCode_ = status;
    reason_ = reason;

@@ -10,6 +10,20 @@ namespace Ldp {
 
 using namespace Vorn::Rows;
 
+namespace {
+
+// What asserts where a view lies over a TLV of another type; there reflection is refused.
+template< class View >
+constexpr auto validateRow() {
+   return where< &View::liesOverItsType >( function< &View::validate >( "validate" ) );
+}
+template< class View >
+constexpr auto textRow() {
+   return where< &View::liesOverItsType >( read< &View::stringValue >( "stringValue" ) );
+}
+
+} // namespace
+
 // What asserts on a view over another type applies where that lies over its own; who goes by the record alone
 // cannot know.
 
@@ -172,31 +186,24 @@ constexpr Vorn::VornAttr LdpCommonHelloTlv::vornRows[] = {
    write< &Self::holdTime, &Self::holdTimeIs >( "holdTime" ),
    write< &Self::targetedHello, &Self::targetedHelloIs >( "targetedHello" ),
    write< &Self::requestSendTargetedHello, &Self::requestSendTargetedHelloIs >( "requestSendTargetedHello" ),
-   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) ),
-   where< &Self::liesOverItsType >( read< &Self::stringValue >( "stringValue" ) )
+   validateRow< Self >(),
+   textRow< Self >()
 };
 VORN_VIEW_RECORD( Ldp, LdpCommonHelloTlv )
 
-constexpr Vorn::VornAttr LdpIpTransportAddrTlv::vornRows[] = {
-   field< &Self::ipAddr_ >( "ipAddr" ),
-   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) ),
-   where< &Self::liesOverItsType >( read< &Self::stringValue >( "stringValue" ) )
-};
+constexpr Vorn::VornAttr LdpIpTransportAddrTlv::vornRows[] = { field< &Self::ipAddr_ >( "ipAddr" ),
+                                                               validateRow< Self >(), textRow< Self >() };
 VORN_VIEW_RECORD( Ldp, LdpIpTransportAddrTlv )
 
 constexpr Vorn::VornAttr LdpConfigSeqNumTlv::vornRows[] = {
    field< &Self::configSeqNum_ >( "configSeqNumNbo" ),
-   write< &Self::configSeqNum, &Self::configSeqNumIs >( "configSeqNum" ),
-   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) ),
-   where< &Self::liesOverItsType >( read< &Self::stringValue >( "stringValue" ) )
+   write< &Self::configSeqNum, &Self::configSeqNumIs >( "configSeqNum" ), validateRow< Self >(),
+   textRow< Self >()
 };
 VORN_VIEW_RECORD( Ldp, LdpConfigSeqNumTlv )
 
-constexpr Vorn::VornAttr LdpIp6TransportAddrTlv::vornRows[] = {
-   field< &Self::ip6Addr_ >( "ip6Addr" ),
-   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) ),
-   where< &Self::liesOverItsType >( read< &Self::stringValue >( "stringValue" ) )
-};
+constexpr Vorn::VornAttr LdpIp6TransportAddrTlv::vornRows[] = { field< &Self::ip6Addr_ >( "ip6Addr" ),
+                                                                validateRow< Self >(), textRow< Self >() };
 VORN_VIEW_RECORD( Ldp, LdpIp6TransportAddrTlv )
 
 constexpr Vorn::VornAttr LdpCommonSessionParamTlv::vornRows[] = {
@@ -233,33 +240,25 @@ constexpr Vorn::VornAttr LdpCapabilityParameterTlv::vornRows[] = {
 VORN_VIEW_RECORD( Ldp, LdpCapabilityParameterTlv )
 
 // What Notification, Address and label messages carry.
-constexpr Vorn::VornAttr LdpGenLabelTlv::vornRows[] = {
-   field< &Self::labelField_ >( "labelField" ), write< &Self::label, &Self::labelIs >( "label" ),
-   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) ),
-   where< &Self::liesOverItsType >( read< &Self::stringValue >( "stringValue" ) )
-};
+constexpr Vorn::VornAttr LdpGenLabelTlv::vornRows[] = { field< &Self::labelField_ >( "labelField" ),
+                                                        write< &Self::label, &Self::labelIs >( "label" ),
+                                                        validateRow< Self >(), textRow< Self >() };
 VORN_VIEW_RECORD( Ldp, LdpGenLabelTlv )
 
 constexpr Vorn::VornAttr LdpLabelReqMsgIdTlv::vornRows[] = {
    field< &Self::reqMsgId_ >( "reqMsgIdNbo" ), write< &Self::reqMsgId, &Self::reqMsgIdIs >( "reqMsgId" ),
-   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) ),
-   where< &Self::liesOverItsType >( read< &Self::stringValue >( "stringValue" ) )
+   validateRow< Self >(), textRow< Self >()
 };
 VORN_VIEW_RECORD( Ldp, LdpLabelReqMsgIdTlv )
 
-constexpr Vorn::VornAttr LdpHopCountTlv::vornRows[] = {
-   field< &Self::hopCount_ >( "hopCount" ),
-   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) ),
-   where< &Self::liesOverItsType >( read< &Self::stringValue >( "stringValue" ) )
-};
+constexpr Vorn::VornAttr LdpHopCountTlv::vornRows[] = { field< &Self::hopCount_ >( "hopCount" ),
+                                                        validateRow< Self >(), textRow< Self >() };
 VORN_VIEW_RECORD( Ldp, LdpHopCountTlv )
 
-constexpr Vorn::VornAttr LdpPathVectorTlv::vornRows[] = {
-   read< &Self::lsrIdNum >( "lsrIdNum" ), indexed< &Self::lsrId, &Self::lsrIdNum >( "lsrId" ),
-   keyed< &Self::lsrIdPosition >( "lsrIdPosition" ),
-   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) ),
-   where< &Self::liesOverItsType >( read< &Self::stringValue >( "stringValue" ) )
-};
+constexpr Vorn::VornAttr LdpPathVectorTlv::vornRows[] = { read< &Self::lsrIdNum >( "lsrIdNum" ),
+                                                          indexed< &Self::lsrId, &Self::lsrIdNum >( "lsrId" ),
+                                                          keyed< &Self::lsrIdPosition >( "lsrIdPosition" ),
+                                                          validateRow< Self >(), textRow< Self >() };
 VORN_VIEW_RECORD( Ldp, LdpPathVectorTlv )
 
 constexpr Vorn::VornAttr LdpStatusTlv::vornRows[] = {
@@ -271,8 +270,8 @@ constexpr Vorn::VornAttr LdpStatusTlv::vornRows[] = {
    write< &Self::statusError, &Self::statusErrorIs >( "statusError" ),
    write< &Self::msgId, &Self::msgIdIs >( "msgId" ),
    write< &Self::msgType, &Self::msgTypeIs >( "msgType" ),
-   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) ),
-   where< &Self::liesOverItsType >( read< &Self::stringValue >( "stringValue" ) )
+   validateRow< Self >(),
+   textRow< Self >()
 };
 VORN_VIEW_RECORD( Ldp, LdpStatusTlv )
 
@@ -335,35 +334,28 @@ constexpr Vorn::VornAttr LdpPwIntfParamSubTlv::vornRows[] = {
 };
 VORN_VIEW_RECORD( Ldp, LdpPwIntfParamSubTlv )
 
-constexpr Vorn::VornAttr LdpPwIntfMtuSubTlv::vornRows[] = {
-   field< &Self::mtu_ >( "mtu" ),
-   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) )
-};
+constexpr Vorn::VornAttr LdpPwIntfMtuSubTlv::vornRows[] = { field< &Self::mtu_ >( "mtu" ),
+                                                            validateRow< Self >() };
 VORN_VIEW_RECORD( Ldp, LdpPwIntfMtuSubTlv )
 
-constexpr Vorn::VornAttr LdpPwIntfDescSubTlv::vornRows[] = {
-   read< &Self::description >( "description" ), constant< &Self::maxLength >( "maxLength" ),
-   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) )
-};
+constexpr Vorn::VornAttr LdpPwIntfDescSubTlv::vornRows[] = { read< &Self::description >( "description" ),
+                                                             constant< &Self::maxLength >( "maxLength" ),
+                                                             validateRow< Self >() };
 VORN_VIEW_RECORD( Ldp, LdpPwIntfDescSubTlv )
 
-constexpr Vorn::VornAttr LdpPwRequestedVlanIdSubTlv::vornRows[] = {
-   field< &Self::vlanId_ >( "vlanId" ),
-   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) )
-};
+constexpr Vorn::VornAttr LdpPwRequestedVlanIdSubTlv::vornRows[] = { field< &Self::vlanId_ >( "vlanId" ),
+                                                                    validateRow< Self >() };
 VORN_VIEW_RECORD( Ldp, LdpPwRequestedVlanIdSubTlv )
 
 constexpr Vorn::VornAttr LdpPwFragIndicatorSubTlv::vornRows[] = {
-   field< &Self::fragIndicator_ >( "fragIndicator" ),
-   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) )
+   field< &Self::fragIndicator_ >( "fragIndicator" ), validateRow< Self >()
 };
 VORN_VIEW_RECORD( Ldp, LdpPwFragIndicatorSubTlv )
 
-constexpr Vorn::VornAttr LdpPwVccvParamSubTlv::vornRows[] = {
-   field< &Self::vccvParam_ >( "vccvParam" ), read< &Self::ccTypes >( "ccTypes" ),
-   read< &Self::cvTypes >( "cvTypes" ),
-   where< &Self::liesOverItsType >( function< &Self::validate >( "validate" ) )
-};
+constexpr Vorn::VornAttr LdpPwVccvParamSubTlv::vornRows[] = { field< &Self::vccvParam_ >( "vccvParam" ),
+                                                              read< &Self::ccTypes >( "ccTypes" ),
+                                                              read< &Self::cvTypes >( "cvTypes" ),
+                                                              validateRow< Self >() };
 VORN_VIEW_RECORD( Ldp, LdpPwVccvParamSubTlv )
 
 } // namespace Ldp

@@ -14,8 +14,8 @@ Vorn::Ptr< LdpHelloMsgParser > ldpHelloMsgParserFactory( Vorn::Ptr< Lumo::Pkt > 
    return Vorn::newObject< LdpHelloMsgParser >( pkt, offset );
 }
 
-LdpHelloMsgParser::LdpHelloMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset )
-     : LdpMsgParser( std::move( pkt ), offset ) {
+LdpHelloMsgParser::LdpHelloMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain )
+     : LdpMsgParser( std::move( pkt ), offset, plain ) {
    handleInitialized();
 }
 
@@ -66,7 +66,6 @@ void LdpHelloMsgParser::handleInitialized() {
       .required = required,
    };
    TWAIN_FUNCTION( "LdpHelloMsgParser::handleInitialized" );
-   initialized_ = true;
    obey( rules );
 }
 

@@ -46,8 +46,8 @@ Vorn::Ptr< LdpCapabilityMsgParser > ldpCapabilityMsgParserFactory( Vorn::Ptr< Lu
    return Vorn::newObject< LdpCapabilityMsgParser >( pkt, offset );
 }
 
-LdpCapabilityParser::LdpCapabilityParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset )
-     : LdpMsgParser( std::move( pkt ), offset ) {}
+LdpCapabilityParser::LdpCapabilityParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain )
+     : LdpMsgParser( std::move( pkt ), offset, plain ) {}
 
 LdpCapabilityParser::~LdpCapabilityParser() = default;
 
@@ -92,8 +92,8 @@ Vorn::String LdpCapabilityParser::capabilitiesText() const {
    return text;
 }
 
-LdpInitMsgParser::LdpInitMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset )
-     : LdpCapabilityParser( std::move( pkt ), offset ) {
+LdpInitMsgParser::LdpInitMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain )
+     : LdpCapabilityParser( std::move( pkt ), offset, plain ) {
    handleInitialized();
 }
 
@@ -129,7 +129,6 @@ void LdpInitMsgParser::handleInitialized() {
       .required = {},
    };
    TWAIN_FUNCTION( "LdpInitMsgParser::handleInitialized" );
-   initialized_ = true;
    Judging const judging( *this );
    if ( !opens( rules ) ) return;
    // Before the session parameters, so a capability's fault wins wherever it stands.
@@ -148,8 +147,8 @@ Vorn::String LdpInitMsgParser::stringValue() const {
    return text += capabilitiesText();
 }
 
-LdpCapabilityMsgParser::LdpCapabilityMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset )
-     : LdpCapabilityParser( std::move( pkt ), offset ) {
+LdpCapabilityMsgParser::LdpCapabilityMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain )
+     : LdpCapabilityParser( std::move( pkt ), offset, plain ) {
    handleInitialized();
 }
 
@@ -157,7 +156,6 @@ LdpCapabilityMsgParser::~LdpCapabilityMsgParser() = default;
 
 void LdpCapabilityMsgParser::handleInitialized() {
    TWAIN_FUNCTION( "LdpCapabilityMsgParser::handleInitialized" );
-   initialized_ = true;
    Judging const judging( *this );
    VORN_ASSERT( msgHdr_ );
    if ( !validMsg() ) return;

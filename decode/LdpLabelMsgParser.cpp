@@ -78,7 +78,8 @@ void appendLine( Vorn::String & text, View const * view ) {
    Vorn::Ptr< Type > factory( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset ) {                             \
       return Vorn::newObject< Type >( pkt, offset );                                                         \
    }                                                                                                         \
-   Type::Type( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset ) : LdpMsgParser( std::move( pkt ), offset ) {         \
+   Type::Type( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain )                                \
+        : LdpMsgParser( std::move( pkt ), offset, plain ) {                                                  \
       handleInitialized();                                                                                   \
    }                                                                                                         \
    Type::~Type() = default;
@@ -112,7 +113,6 @@ void LdpLabelMappingMsgParser::handleInitialized() {
    static constexpr LdpMsgRules rules =
         labelRules( LdpLabelMapping, "msgHdr_->type() == LdpLabelMapping_", 2, &fec, tlvs, required );
    TWAIN_FUNCTION( "LdpLabelMappingMsgParser::handleInitialized" );
-   initialized_ = true;
    obey( rules );
 }
 
@@ -143,7 +143,6 @@ void LdpLabelRequestMsgParser::handleInitialized() {
    static constexpr LdpMsgRules rules =
         labelRules( LdpLabelRequest, "msgHdr_->type() == LdpLabelRequest_", 1, &fec, tlvs, required );
    TWAIN_FUNCTION( "LdpLabelRequestMsgParser::handleInitialized" );
-   initialized_ = true;
    obey( rules );
 }
 
@@ -170,7 +169,6 @@ void LdpLabelWithdrawMsgParser::handleInitialized() {
    static constexpr LdpMsgRules rules =
         labelRules( LdpLabelWithdraw, "msgHdr_->type() == LdpLabelWithdraw_", 1, &fec, tlvs, required );
    TWAIN_FUNCTION( "LdpLabelWithdrawMsgParser::handleInitialized" );
-   initialized_ = true;
    obey( rules );
 }
 
@@ -197,7 +195,6 @@ void LdpLabelReleaseMsgParser::handleInitialized() {
    static constexpr LdpMsgRules rules =
         labelRules( LdpLabelRelease, "msgHdr_->type() == LdpLabelRelease_", 1, &fec, tlvs, required );
    TWAIN_FUNCTION( "LdpLabelReleaseMsgParser::handleInitialized" );
-   initialized_ = true;
    obey( rules );
 }
 
@@ -228,7 +225,6 @@ void LdpLabelAbortReqMsgParser::handleInitialized() {
    static constexpr LdpMsgRules rules =
         labelRules( LdpLabelAbortReq, "msgHdr_->type() == LdpLabelAbortReq_", 2, &fec, tlvs, required );
    TWAIN_FUNCTION( "LdpLabelAbortReqMsgParser::handleInitialized" );
-   initialized_ = true;
    obey( rules );
 }
 

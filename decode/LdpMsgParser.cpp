@@ -26,9 +26,16 @@ Vorn::Ptr< LdpMsgParser > ldpMsgParserFactory( Vorn::Ptr< Lumo::Pkt > const & pk
    return Vorn::newObject< LdpMsgParser >( pkt, offset );
 }
 
-LdpMsgParser::LdpMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset )
+LdpMsgParser::LdpMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain )
      : pkt_( std::move( pkt ) ), offset_( offset ) {
-   handleHeader();
+   if ( plain ) tlvGroupParser_ = plain->tlvGroupParserDel();
+   if ( plain && !Twain::tracing() ) {
+      msgHdr_ = plain->msgHdr_;
+      faultOffset_ = offset_;
+      asWalked_ = true;
+   } else {
+      handleHeader();
+   }
 }
 
 LdpMsgParser::~LdpMsgParser() = default;

@@ -15,7 +15,7 @@ constexpr Vorn::VornAttr LdpTlvGroupParser::vornRows[] = {
    read< &Self::valid >( "valid" ),
    field< &Self::reason_ >( "reason" ),
    field< &Self::statusCode_ >( "statusCode" ),
-   values< &Self::tlvOffset_, &Self::tlvOffsetIs, &Self::tlvOffsetDel >( "tlvOffset" ),
+   values< &Self::tlvOffsetColl, &Self::tlvOffsetIs, &Self::tlvOffsetDel >( "tlvOffset" ),
    read< &Self::tlvNum >( "tlvNum" ),
    function< &Self::parseTlvGroup >( "parseTlvGroup" )
 };

@@ -16,8 +16,9 @@ Vorn::Ptr< LdpNotificationMsgParser > ldpNotificationMsgParserFactory( Vorn::Ptr
    return Vorn::newObject< LdpNotificationMsgParser >( pkt, offset );
 }
 
-LdpNotificationMsgParser::LdpNotificationMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset )
-     : LdpMsgParser( std::move( pkt ), offset ) {
+LdpNotificationMsgParser::LdpNotificationMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset,
+                                                    LdpMsgParser * plain )
+     : LdpMsgParser( std::move( pkt ), offset, plain ) {
    handleInitialized();
 }
 
@@ -25,7 +26,6 @@ LdpNotificationMsgParser::~LdpNotificationMsgParser() = default;
 
 void LdpNotificationMsgParser::handleInitialized() {
    TWAIN_FUNCTION( "LdpNotificationMsgParser::handleInitialized" );
-   initialized_ = true;
    Judging const judging( *this );
    VORN_ASSERT( msgHdr_ );
    if ( !validMsg() ) return;

@@ -170,7 +170,7 @@ constexpr Vorn::VornAttr LdpFecTlvParser::vornRows[] = {
    read< &Self::valid >( "valid" ),
    field< &Self::statusCode_ >( "statusCode" ),
    field< &Self::reason_ >( "reason" ),
-   objects< &Self::fecElement_, &Self::fecElementIs, &Self::fecElementDel >( "fecElement" ),
+   objects< &Self::fecElementColl, &Self::fecElementIs, &Self::fecElementDel >( "fecElement" ),
    field< &Self::hasWildcardFecElement_ >( "hasWildcardFecElement" ),
    field< &Self::initialized_ >( "initialized" ),
    function< &Self::parseElements >( "parseElements" ),

@@ -46,19 +46,24 @@ bool isLdpSupportedInterface( Lumo::IntfId const & intfId, bool loopbackCounts )
           isSubIntfId( intfId ) || ( loopbackCounts && isLoopbackIntfId( intfId ) );
 }
 
-Vorn::Ptr< LdpMsgParser > ldpTypedMsgParser( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset,
-                                             LdpMsgType type ) {
+namespace {
+
+Vorn::Ptr< LdpMsgParser > typedParser( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset, LdpMsgType type,
+                                       LdpMsgParser * plain ) {
+   auto const made = [&]< class Parser >( std::type_identity< Parser > ) -> Vorn::Ptr< LdpMsgParser > {
+      return Vorn::newObject< Parser >( pkt, offset, plain );
+   };
    switch ( type ) {
-   case LdpNotification: return ldpNotificationMsgParserFactory( pkt, offset );
-   case LdpHello: return ldpHelloMsgParserFactory( pkt, offset );
-   case LdpInit: return ldpInitMsgParserFactory( pkt, offset );
-   case LdpAddress: return ldpAddressMsgParserFactory( pkt, offset );
-   case LdpAddressWithdraw: return ldpAddressWithdrawMsgParserFactory( pkt, offset );
-   case LdpLabelMapping: return ldpLabelMappingMsgParserFactory( pkt, offset );
-   case LdpLabelRequest: return ldpLabelRequestMsgParserFactory( pkt, offset );
-   case LdpLabelWithdraw: return ldpLabelWithdrawMsgParserFactory( pkt, offset );
-   case LdpLabelRelease: return ldpLabelReleaseMsgParserFactory( pkt, offset );
-   case LdpLabelAbortReq: return ldpLabelAbortReqMsgParserFactory( pkt, offset );
+   case LdpNotification: return made( std::type_identity< LdpNotificationMsgParser >() );
+   case LdpHello: return made( std::type_identity< LdpHelloMsgParser >() );
+   case LdpInit: return made( std::type_identity< LdpInitMsgParser >() );
+   case LdpAddress: return made( std::type_identity< LdpAddressMsgParser >() );
+   case LdpAddressWithdraw: return made( std::type_identity< LdpAddressWithdrawMsgParser >() );
+   case LdpLabelMapping: return made( std::type_identity< LdpLabelMappingMsgParser >() );
+   case LdpLabelRequest: return made( std::type_identity< LdpLabelRequestMsgParser >() );
+   case LdpLabelWithdraw: return made( std::type_identity< LdpLabelWithdrawMsgParser >() );
+   case LdpLabelRelease: return made( std::type_identity< LdpLabelReleaseMsgParser >() );
+   case LdpLabelAbortReq: return made( std::type_identity< LdpLabelAbortReqMsgParser >() );
    // KeepAlive has nothing to add. Capability stays plain, and whoever negotiates capabilities makes the
    // typed parser himself: callers tell the two apart by the class.
    case LdpKeepAlive:
@@ -67,14 +72,21 @@ Vorn::Ptr< LdpMsgParser > ldpTypedMsgParser( Vorn::Ptr< Lumo::Pkt > const & pkt,
    return nullptr;
 }
 
+} // namespace
+
+Vorn::Ptr< LdpMsgParser > ldpTypedMsgParser( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset,
+                                             LdpMsgType type ) {
+   return typedParser( pkt, offset, type, nullptr );
+}
+
 Vorn::Ptr< LdpMsgParser > ldpMsgParserGet( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset ) {
    VORN_ASSERT( pkt );
    VORN_ASSERT( pkt->front() );
    VORN_ASSERT( pkt->frontBytes() );
    Vorn::Ptr< LdpMsgParser > const plain = ldpMsgParserFactory( pkt, offset );
    if ( !plain->validMsg() || !plain->msgHdr() ) return plain;
-   // The typed parser judges header and framing once more.
-   Vorn::Ptr< LdpMsgParser > const typed = ldpTypedMsgParser( pkt, offset, plain->msgHdr()->type() );
+   // The typed parser stands for judging header and framing once more.
+   Vorn::Ptr< LdpMsgParser > const typed = typedParser( pkt, offset, plain->msgHdr()->type(), plain.ptr() );
    return typed ? typed : plain;
 }
 

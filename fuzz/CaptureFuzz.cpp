@@ -13,12 +13,12 @@
 #include "reporters/Lines.h"
 #include "reporters/Stats.h"
 #include "views/Tree.h"
+#include "views/TreeWatcher.h"
 #include "views/Views.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <iostream>
-#include <nlohmann/json.hpp>
 #include <pcap/dlt.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -79,10 +79,12 @@ class Run {
 void monitor( Run const & run, Output & out, unsigned view ) {
    auto const network = networkFactory( Vorn::Name( "network" ) );
    Monitor monitor( *network );
+   JsonWriter json( out );
    std::optional< TreeWatcher > watcher;
    if ( view == 3 ) {
       watcher.emplace( *network, [&]( TreeChange const & change ) {
-         out << change.path << change.attribute << change.value;
+         out << changeText( change );
+         writeChange( json, monitor.journal().arrival(), change );
       } );
    }
    Evidence evidence( monitor );
@@ -91,13 +93,14 @@ void monitor( Run const & run, Output & out, unsigned view ) {
    case 0:
       printAccounts( out, evidence, *network, monitor.journal(), {} );
       printHistory( out, monitor.journal(), {} );
-      printNeighbors( out, *network, monitor.journal() );
-      printBindings( out, *network, {} );
-      printPseudowires( out, *network );
+      printSummary( out, *network, monitor.journal() );
+      printNeighbors( out, *network, monitor.journal(), {} );
+      printBindings( out, *network, {}, {} );
+      printPseudowires( out, *network, {} );
       printDot( out, *network );
       break;
    case 1: out << treeText( *network, TreeContent::stored ); break;
-   case 2: out << treeJson( *network, TreeContent::stored ).dump(); break;
+   case 2: writeTree( json, *network, TreeContent::stored ); break;
    }
 }
 
@@ -118,7 +121,7 @@ extern "C" int LLVMFuzzerTestOneInput( std::uint8_t const * data, std::size_t si
    Run const run( "/proc/self/fd/" + std::to_string( silence.file ), out );
    switch ( data[0] % 8 ) {
    case 0: {
-      JsonReporter reporter( out );
+      JsonReporter reporter( out, true );
       run( reporter );
       break;
    }

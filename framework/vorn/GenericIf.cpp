@@ -1,6 +1,7 @@
 // Reflection over records: operations, iterators, generic observers, texts of composites.
 #include "Vorn/GenericIf.h"
 
+#include "TypeTable.h"
 #include "Vorn/Strep.h"
 #include "Vorn/ValueType.h"
 
@@ -10,11 +11,6 @@
 namespace Vorn {
 
 namespace {
-
-std::vector< VornType const * > & table() {
-   static std::vector< VornType const * > types;
-   return types;
-}
 
 bool nameBefore( VornType const * a, VornType const * b ) { return std::strcmp( a->name, b->name ) < 0; }
 
@@ -58,18 +54,14 @@ U32 VornAttr::memberKeyIndex() const noexcept {
    return index;
 }
 
-void typeNodeIs( VornType const * type ) {
-   auto & types = table();
-   types.insert( std::upper_bound( types.begin(), types.end(), type, nameBefore ), type );
+std::vector< VornType const * > & typeTable() {
+   static std::vector< VornType const * > types;
+   return types;
 }
 
-std::vector< VornType const * > typeNodes() { return table(); }
-
-VornType const * typeNode( char const * name ) noexcept {
-   for ( VornType const * type : table() ) {
-      if ( !std::strcmp( type->name, name ) ) return type;
-   }
-   return nullptr;
+void typeNodeIs( VornType const * type ) {
+   auto & types = typeTable();
+   types.insert( std::upper_bound( types.begin(), types.end(), type, nameBefore ), type );
 }
 
 namespace GenericIf {

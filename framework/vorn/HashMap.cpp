@@ -43,10 +43,10 @@ void HashMapGeneric::newMemberG( Entity & member, U32 hash ) {
    ++modificationCount_;
 }
 
-void HashMapGeneric::deleteMember( Entity & member, U32 hash ) {
+void HashMapGeneric::deleteMember( Entity & member, U32 bucket ) {
    Ptr< Entity > const hold( &member );
    VORN_ASSERT_TEXT( buckets_, "the member is in the map" );
-   Entity ** const head = &buckets_[bucketOf( hash )];
+   Entity ** const head = &buckets_[bucket];
    Ptr< Entity > const behind( next( member ) );
    if ( *head == &member ) {
       if ( behind ) behind->referenceInc();

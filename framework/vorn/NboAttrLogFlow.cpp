@@ -39,7 +39,8 @@ void Sa::keyDirtyIs( VornAttr const & x, void const * key ) {
 /// Marks a key, unless a walk that is still to come sends every key.
 void Sa::keyMark( VornAttr const & x, void const * key ) {
    U32 const id = x.id();
-   if ( !flowOut_.vornHasSynced( id ) && !flowOut_.walking( id ) ) return;
+   bool const walking = flowOut_.walking( id );
+   if ( walking ? flowOut_.walkAgain() : !flowOut_.vornHasSynced( id ) ) return;
    try {
       flowOut_.vornIsXDirtyIs( object(), x, key );
    } catch ( std::bad_alloc const & ) {
@@ -56,7 +57,7 @@ void Sa::keyMark( VornAttr const & x, void const * key ) {
 void Sa::resyncMark( VornAttr const & x ) {
    U32 const id = x.id();
    flowOut_.vornIsXDirtyDelAll( id );
-   if ( flowOut_.walking( id ) ) freeResyncState( flowOut_ );
+   if ( flowOut_.walking( id ) ) flowOut_.walkAgainIs();
    flowOut_.vornHasSyncedIs( id, false );
 }
 
@@ -87,7 +88,6 @@ void Sa::waits( Sent why ) {
 
 void Sa::freeResyncState( NboAttrLog::FlowOut & flowOut ) {
    delete vornFlowOutBookmarkDeq< GenericIf::Value >( flowOut );
-   flowOut.walkedAllIs( false );
 }
 
 // The walk.
@@ -162,7 +162,9 @@ bool Sa::vornHandleXSerializeColl( VornAttr const & x ) {
       flowOut_.attrIdIs( id );
       if ( !flowOut_.walkedAll() && !vornHandleXSerializeWalk( x ) ) return false;
       if ( !sendTransactionMarker( x, transactionEnd ) ) return false;
-      flowOut_.walkedAllIs( false );
+      bool const again = flowOut_.walkAgain();
+      flowOut_.walkEnds();
+      if ( again ) return vornHandleXSerializeColl( x );
       flowOut_.vornHasSyncedIs( id, true );
    }
    return vornHandleXSerializeKeys( x );
@@ -185,7 +187,12 @@ bool Sa::awaitsMembers( VornAttr const & x ) const {
 /// Sends the members, from the first, behind a marker, or from where the walk was interrupted.
 bool Sa::vornHandleXSerializeWalk( VornAttr const & x ) {
    std::unique_ptr< GenericIf::Value > const start( vornFlowOutBookmarkDeq< GenericIf::Value >( flowOut_ ) );
-   if ( !start && !sendTransactionMarker( x, transactionBegin ) ) return false;
+   if ( !flowOut_.walking() ) {
+      if ( !sendTransactionMarker( x, transactionBegin ) ) return false;
+      flowOut_.walkBegins();
+   } else if ( !start ) {
+      flowOut_.walkAgainIs(); // the place is lost, where memory ran out: the walk begins at the front
+   }
    GenericIf::Value key( x.keyType );
    for ( GenericIf::Iterator it( object(), x, start ? start->data() : nullptr ); it; it.advance() ) {
       it.key( key.data() );
@@ -207,7 +214,7 @@ bool Sa::vornHandleXSerializeWalk( VornAttr const & x ) {
       flowOut_.bookmarkIs( std::make_unique< GenericIf::Value >( key ).release() );
       return false;
    }
-   flowOut_.walkedAllIs( true );
+   flowOut_.walkedAllIs();
    return true;
 }
 

@@ -97,10 +97,6 @@ void FlowOut::attrIdIs( U32 attributeId ) {
    }
 }
 
-void FlowOut::walkedAllIs( bool all ) {
-   if ( all || rest_ ) rest().walkedAll = all;
-}
-
 void FlowOut::bookmarkIs( void * key ) {
    FlowOut * const rsc = this;
    VORN_ASSERT( !rsc->bookmark() );

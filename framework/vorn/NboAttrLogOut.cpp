@@ -106,17 +106,12 @@ U32 OutState::typeNumber( Out & out, VornType const & type ) {
    return sent ? number : 0;
 }
 
-OutState::Adapter * OutState::adapterById( U32 id ) const noexcept {
-   auto const * const node = byId[id];
-   return node ? node->value() : nullptr;
-}
-
 void OutState::entityIdIs( Adapter & adapter, U32 id ) {
    bool const byPeer = id & numberedByPeer;
    U32 const old = adapter.entityId( byPeer );
    if ( old == id ) return;
-   byId.valueIs( id, &adapter );
-   if ( old ) byId.del( old );
+   numbers.adapterIs( id, adapter );
+   if ( old ) numbers.del( old );
    adapter.entityIdIs( id, byPeer );
    references.targetIs( adapter.entity() );
 }
@@ -124,7 +119,7 @@ void OutState::entityIdIs( Adapter & adapter, U32 id ) {
 void OutState::entityIdDel( Adapter & adapter, bool byPeer ) noexcept {
    U32 const id = adapter.entityId( byPeer );
    if ( !id ) return;
-   byId.del( id );
+   numbers.del( id );
    adapter.entityIdIs( 0, byPeer );
 }
 
@@ -139,7 +134,7 @@ Ptr< OutState::Adapter > OutState::newAdapter( Out & out, Entity & entity, Vorn_
 void OutState::adapterDel( Adapter & adapter ) {
    if ( !closing ) { // else all go together
       references.adapterDel( adapter );
-      queueMarks.adapterDel( adapter );
+      transactions.adapterDel( adapter );
       entityIdDel( adapter, false );
       entityIdDel( adapter, true );
    }

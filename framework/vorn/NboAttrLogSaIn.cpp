@@ -11,6 +11,7 @@ namespace Vorn {
 using NboAttrLog::Arguments;
 using NboAttrLog::FlowIn;
 using NboAttrLog::In;
+using NboAttrLog::Transactions;
 using Sa = Entity::VornNboAttrLogSa;
 
 namespace {
@@ -181,13 +182,8 @@ void Sa::entryFromLog( In & in, GroupState & group ) {
 }
 
 void Sa::scalarFromLog( VornAttr const & attr, In & in ) {
-   GenericIf::Value value( attr.type );
-   attr.type->methods->logIn( in, value.data() );
-   in.endIs();
-   apply( attr, nullptr, [&]( FlowIn & ) {
-      void const * const arg = value.data();
-      attr.ops->op( nullptr, object(), attr, GenericIf::write, nullptr, &arg );
-   } );
+   apply( attr, nullptr,
+          [&]( FlowIn & ) { attr.ops->op( &in, object(), attr, GenericIf::fromLog, nullptr, nullptr ); } );
 }
 
 /// Refuses a key for which a collection has no room: it is not the other end that ends this process.
@@ -242,7 +238,7 @@ void Sa::valueFromLog( VornAttr const & attr, In & in, GroupState * group ) {
    }
    apply( attr, at, [&]( FlowIn & ) {
       if ( attr.kind() == VornKind::queue ) {
-         out_->state().queueMarks.indexIs( *this, attr.id(), *static_cast< U32 const * >( at ), true );
+         out_->state().transactions.indexIs( *this, attr.id(), *static_cast< U32 const * >( at ), true );
       } else if ( at ) {
          attr.ops->op( nullptr, object(), attr, GenericIf::clearMark, at, nullptr );
       }
@@ -258,9 +254,8 @@ void Sa::memberFromLog( VornAttr const & attr, In & in, GroupState * group ) {
    void const * const key = attr.keyed() ? arguments.pointers()[attr.memberKeyIndex()] : nullptr;
    checkRoom( attr, key, group );
    if ( group && !group->write ) {
-      if ( !( id & NboAttrLog::numberedByPeer ) || id <= group->lastEntityId ) {
-         refuse( "a group holds a member with a number that was given before" );
-      }
+      if ( id != group->lastEntityId + 1 )
+         refuse( "a group holds a member with another number than the next" );
       group->lastEntityId = id;
       return;
    }
@@ -322,7 +317,7 @@ void Sa::deletionFromLog( VornAttr const & attr, In & in, GroupState * group ) {
 /// An index was given that has gone again: the queue goes on behind it as the original does. Where the first
 /// index of an empty one lags behind after that, the end of the sync sets it right.
 void Sa::indexPassed( VornAttr const & attr, U32 index ) {
-   out_->state().queueMarks.indexIs( *this, attr.id(), index, false );
+   out_->state().transactions.indexIs( *this, attr.id(), index, false );
    U32 indices[2];
    attr.ops->op( indices, object(), attr, GenericIf::indices, nullptr, nullptr );
    if ( std::int32_t( index - indices[1] ) < 0 ) return;
@@ -350,24 +345,34 @@ void Sa::doHandleAttrTransaction( U32 attributeId, AttrTransactionType type, uns
       return;
    }
    checkWritable( attributeId );
-   Ptr< VornNboAttrLogSa > const hold( this ); // and with it the entity, which an observer may drop
-   if ( attr->kind() == VornKind::queue ) {
-      queueFromLog( *attr, type, *in );
-      return;
+   U32 indices[2] = {}; // the first and the next of a queue
+   if ( attr->kind() == VornKind::queue && type == transactionBegin ) {
+      indices[0] = in->nextU32();
+      indices[1] = in->nextU32();
    }
    in->endIs();
-   if ( type == transactionEnd ) {
-      sweep( *attr );
-   } else if ( attr->kind() == VornKind::entityColl ) {
-      for ( GenericIf::Iterator it( object(), *attr ); it; it.advance() ) {
-         Ptr< PtrInterface > member;
-         it.object( &member );
-         if ( auto * const adapter = out_->adapter( static_cast< Entity & >( *member ) ) ) {
-            adapter->confirmedIs( false );
-         }
+   Ptr< VornNboAttrLogSa > const hold( this ); // and with it the entity, which an observer may drop
+   auto & transactions = out_->state().transactions;
+   std::unique_ptr< Transactions::Indices > seen;
+   if ( type == transactionBegin ) {
+      if ( !transactions.begin( *this, *attr ) ) refuse( "a resynchronisation begins again and again" );
+      attr->kind() == VornKind::queue ? queueBegins( *attr, indices ) : markAll( *attr );
+   } else if ( transactions.end( *this, attributeId, seen ) ) {
+      seen ? queueEnds( *attr, *seen ) : sweep( *attr );
+   }
+}
+
+void Sa::markAll( VornAttr const & attr ) {
+   if ( attr.kind() != VornKind::entityColl ) {
+      attr.ops->op( nullptr, object(), attr, GenericIf::markAll, nullptr, nullptr );
+      return;
+   }
+   for ( GenericIf::Iterator it( object(), attr ); it; it.advance() ) {
+      Ptr< PtrInterface > member;
+      it.object( &member );
+      if ( auto * const adapter = out_->adapter( static_cast< Entity & >( *member ) ) ) {
+         adapter->confirmedIs( false );
       }
-   } else {
-      attr->ops->op( nullptr, object(), *attr, GenericIf::markAll, nullptr, nullptr );
    }
 }
 
@@ -391,45 +396,41 @@ void Sa::sweep( VornAttr const & attr ) {
    }
 }
 
+/// Deletes the elements of a queue whose indices are not wanted.
+template< class Wanted >
+void Sa::indicesKeep( VornAttr const & attr, Wanted const & wanted ) {
+   for ( GenericIf::Iterator it( object(), attr ); it && out_; it.advance() ) {
+      U32 index;
+      it.key( &index );
+      if ( !wanted( index ) ) memberDel( attr, &index );
+   }
+}
+
 /// A queue has no marks: the indices that come in are remembered, and at the end all others go. Its indices
 /// go on where those of the original do.
-void Sa::queueFromLog( VornAttr const & attr, AttrTransactionType type, In & in ) {
-   U32 indices[2] = {};
-   if ( type == transactionBegin ) {
-      indices[0] = in.nextU32();
-      indices[1] = in.nextU32();
-   }
-   in.endIs();
-   auto const delUnless = [&]( auto const & wanted ) {
-      for ( GenericIf::Iterator it( object(), attr ); it && out_; it.advance() ) {
-         U32 index;
-         it.key( &index );
-         if ( !wanted( index ) ) memberDel( attr, &index );
-      }
-   };
-   if ( type == transactionBegin ) {
-      out_->state().queueMarks.begin( *this, attr.id() );
-      // What is left rises, as it does in the original; where the indices have wrapped, nothing is.
-      U32 least = indices[0];
-      delUnless( [&]( U32 index ) {
-         if ( index < least || index >= indices[1] ) return false;
-         least = index + 1;
-         return true;
-      } );
-      void const * const arg = indices;
-      if ( out_ ) attr.ops->op( nullptr, object(), attr, GenericIf::indicesIs, nullptr, &arg );
-   } else if ( auto const seen = out_->state().queueMarks.end( *this, attr.id() ) ) {
-      delUnless( [&]( U32 index ) { return seen->has( index ); } );
-      U32 members = 0;
-      if ( out_ ) attr.ops->op( &members, object(), attr, GenericIf::members, nullptr, nullptr );
-      if ( !out_ || members ) return;
-      // An element that was announced may have gone before it came: an empty queue begins where it goes on.
-      U32 now[2];
-      attr.ops->op( now, object(), attr, GenericIf::indices, nullptr, nullptr );
-      now[0] = now[1];
-      void const * const arg = now;
-      attr.ops->op( nullptr, object(), attr, GenericIf::indicesIs, nullptr, &arg );
-   }
+void Sa::queueBegins( VornAttr const & attr, U32 const * indices ) {
+   // What is left rises, as it does in the original; where the indices have wrapped, nothing is.
+   U32 least = indices[0];
+   indicesKeep( attr, [&]( U32 index ) {
+      if ( index < least || index >= indices[1] ) return false;
+      least = index + 1;
+      return true;
+   } );
+   void const * const arg = indices;
+   if ( out_ ) attr.ops->op( nullptr, object(), attr, GenericIf::indicesIs, nullptr, &arg );
+}
+
+void Sa::queueEnds( VornAttr const & attr, Transactions::Indices const & seen ) {
+   indicesKeep( attr, [&]( U32 index ) { return seen.has( index ); } );
+   U32 members = 0;
+   if ( out_ ) attr.ops->op( &members, object(), attr, GenericIf::members, nullptr, nullptr );
+   if ( !out_ || members ) return;
+   // An element that was announced may have gone before it came: an empty queue begins where it goes on.
+   U32 now[2];
+   attr.ops->op( now, object(), attr, GenericIf::indices, nullptr, nullptr );
+   now[0] = now[1];
+   void const * const arg = now;
+   attr.ops->op( nullptr, object(), attr, GenericIf::indicesIs, nullptr, &arg );
 }
 
 } // namespace Vorn

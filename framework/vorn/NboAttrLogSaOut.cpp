@@ -11,9 +11,9 @@ using Sa = Entity::VornNboAttrLogSa;
 
 namespace {
 
-void writeAttr( Out & out, void * object, VornAttr const & attr, GenericIf::AttributeOp read ) {
+void writeAttr( Out & out, void * object, VornAttr const & attr ) {
    GenericIf::Value value( attr.type );
-   attr.ops->op( value.data(), object, attr, read, nullptr, nullptr );
+   attr.ops->op( value.data(), object, attr, GenericIf::read, nullptr, nullptr );
    attr.type->methods->logOut( out, value.data() );
 }
 
@@ -24,8 +24,7 @@ void writeArguments( Out & out, Entity & entity ) {
    using NboAttrLog::logOut;
    if ( first && first->name && !std::strcmp( first->name, "name" ) ) logOut( out, entity.name() );
    for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
-      if ( attr->isCtorArg() )
-         writeAttr( out, static_cast< PtrInterface * >( &entity ), *attr, GenericIf::read );
+      if ( attr->isCtorArg() ) writeAttr( out, static_cast< PtrInterface * >( &entity ), *attr );
    }
 }
 
@@ -178,15 +177,15 @@ Sent Sa::introduce( VornNboAttrLogSa & adapter, U32 id, Write const & write ) {
    auto & state = out_->state();
    VORN_ASSERT( id < NboAttrLog::numberedByPeer ); // a connection that lives so long must be made anew
    Sent sent = Sent::noRoom;
+   state.numbers.adapterIs( id, adapter );
    try {
-      state.byId.valueIs( id, &adapter );
       sent = write();
    } catch ( ... ) {
-      state.byId.del( id );
+      state.numbers.del( id );
       throw;
    }
    if ( sent != Sent::yes ) {
-      state.byId.del( id );
+      state.numbers.del( id );
       return sent;
    }
    state.lastEntityId = id;
@@ -201,7 +200,6 @@ void Sa::doThis() {
       reschedule();
       return;
    }
-   freeResyncState( flowOut_ ); // a walk under way begins anew
    for ( VornAttr const * attr = type().attributes; attr->name; ++attr ) {
       if ( !attr->logged() ) continue;
       if ( attr->keyed() ) {
@@ -222,7 +220,7 @@ void Sa::doThis() {
 Sent Sa::serialize( VornAttr const & x ) {
    if ( x.kind() == VornKind::mutableAttr ) {
       return send( NboAttrLog::attributeRecord, x.id(),
-                   [&] { writeAttr( *out_, object(), x, GenericIf::carried ); } );
+                   [&] { x.ops->op( out_, object(), x, GenericIf::toLog, nullptr, nullptr ); } );
    }
    bool const isReference = x.kind() == VornKind::reference;
    Ptr< PtrInterface > target;

@@ -3,8 +3,9 @@
 /// something to write, and what is being applied.
 #pragma once
 
-#include "NboAttrLogQueueMarks.h"
+#include "NboAttrLogNumbers.h"
 #include "NboAttrLogReferences.h"
+#include "NboAttrLogTransactions.h"
 #include "Vorn/HashMap2018.h"
 
 namespace Vorn::NboAttrLog {
@@ -22,7 +23,7 @@ struct OutState {
    /// The number of a type on the log, which is announced first; 0 if there is no room for that.
    U32 typeNumber( Out & out, VornType const & type );
    /// The adapter of a number, as this end counts, or null.
-   Adapter * adapterById( U32 id ) const noexcept;
+   Adapter * adapterById( U32 id ) const noexcept { return numbers.adapter( id ); }
    /// Gives an adapter a number, in the place of one that the same end gave before.
    void entityIdIs( Adapter & adapter, U32 id );
    /// Takes back the number that one end gave.
@@ -33,7 +34,7 @@ struct OutState {
    void adapterDel( Adapter & adapter );
 
    U32 adapters = 0;
-   HashMap2018< OutState, U32, Adapter * > byId;  // by the entity's number, as this end counts
+   Numbers numbers;
    HashMap2018< OutState, U64, U32 > typeNumbers; // by the record's address
    Adapter::Family roots; // adapters without a parent; with all below them they are held
    LinkedList< Adapter, Queued > pending;
@@ -41,7 +42,7 @@ struct OutState {
    U32 lastEntityId = 0;         // that this end gave
    std::vector< U32 > withdrawn; // roots that have gone, and that the other end has still
    References references;
-   QueueMarks queueMarks;
+   Transactions transactions; // of the incoming side
    FlowIn * flowIn = nullptr; // what is being applied, innermost first
    bool active = false;       // something flows out, or records come in: nothing flows out by itself
    bool settling = false;     // all has been sent but what awaited entities, which goes out as it is

@@ -45,11 +45,10 @@ void flagIs( U32 & word, U32 flag, bool set ) noexcept {
    }
 }
 
-// A mistake of the host's, which nobody would see otherwise: on from the start.
-TraceHandle const facility( "Notifiee", true );
-
-// Says what is being handled.
+// Says what is being handled: a mistake of the host's, which nobody would see otherwise, so all is on unless
+// somebody has switched it off.
 void traceException( PtrInterface::NotifieeConst const & notifiee, char const * callback ) noexcept {
+   static TraceHandle const facility( "Notifiee", true );
    alignas( TraceHelper ) std::byte room[sizeof( TraceHelper )];
    TraceHelper * const helper = TraceHelper::createIfEnabled( facility, 5, room );
    if ( !helper ) return;

@@ -38,13 +38,22 @@ std::string timeText() {
 
 } // namespace
 
-TraceFacility & TraceFacility::facility( String const & name ) {
+constinit std::atomic< bool > TraceFacility::anyEnabled_ = false;
+
+/// The facility of that name, made with those levels if there is none.
+TraceFacility & TraceFacility::facility( String const & name, U32 levels ) {
    std::scoped_lock const lock( facilities().mutex );
-   return facilities().byName.try_emplace( name, name ).first->second;
+   auto const [at, isNew] = facilities().byName.try_emplace( name, name );
+   if ( isNew && levels ) {
+      at->second.levels_.store( levels, std::memory_order_relaxed );
+      anyEnabled_.store( true, std::memory_order_relaxed );
+   }
+   return at->second;
 }
 
 void TraceFacility::levelsIs( String const & name, U32 levels ) {
-   facility( name ).levels_.store( levels, std::memory_order_relaxed );
+   facility( name, 0 ).levels_.store( levels, std::memory_order_relaxed );
+   if ( levels ) anyEnabled_.store( true, std::memory_order_relaxed );
 }
 
 void TraceFacility::sinkIs( std::ostream * sink ) {
@@ -52,9 +61,8 @@ void TraceFacility::sinkIs( std::ostream * sink ) {
    facilities().sink = sink;
 }
 
-TraceHandle::TraceHandle( String name, bool allOn ) : facility_( &TraceFacility::facility( name ) ) {
-   if ( allOn ) facility_->levels_.store( ~0u, std::memory_order_relaxed );
-}
+TraceHandle::TraceHandle( String name, bool allOn )
+     : facility_( &TraceFacility::facility( name, allOn ? ~0u : 0 ) ) {}
 
 TraceHelper * TraceHelper::createIfEnabled( TraceHandle const & handle, TraceFacility::FacilityLevel level,
                                             void * where ) noexcept {

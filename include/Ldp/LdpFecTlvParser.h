@@ -9,11 +9,11 @@
 #pragma once
 
 #include "Ldp/LdpFecHdr.h"
+#include "Ldp/LdpIndexed.h"
 #include "Ldp/LdpProtoParam.h"
 #include "Ldp/LdpTlvParser.h"
 #include "Ldp/PwTypes.h"
 #include "Mpls/FwdEqvClass.h"
-#include "Vorn/HashMap2018.h"
 
 namespace Ldp {
 
@@ -111,7 +111,8 @@ class VORN_API LdpFecTlvParser : public LdpTlvParser {
    VORN_REFLECTED_OBJECT( LdpFecTlvParser, LdpTlvParser )
 
  public:
-   using FecElements = Vorn::HashMap2018< LdpFecTlvParser, U32, Vorn::Ptr< LdpFecTlvElement > >;
+   using Indexed = LdpIndexed< LdpFecTlvParser, Vorn::Ptr< LdpFecTlvElement >, 1 >;
+   using FecElements = Indexed::Map;
 
    /// Parses the TLV at `offset`. `param` says whether a Wildcard must stand alone; null means that it must.
    LdpFecTlvParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, Vorn::Ptr< LdpProtoParam const > param );
@@ -132,14 +133,14 @@ class VORN_API LdpFecTlvParser : public LdpTlvParser {
 
    /// The element at that position, from 0; null behind the last. After a failure the elements in front of
    /// the bad one are there.
-   Vorn::Ptr< LdpFecTlvElement > fecElement( U32 index ) const;
+   Vorn::Ptr< LdpFecTlvElement > fecElement( U32 index ) const { return fecElement_.value( index ); }
    /// Puts an element at a position; null removes it.
    void fecElementIs( U32 index, Vorn::Ptr< LdpFecTlvElement > const & element );
    /// Removes the element at that position and returns it, or null.
-   Vorn::Ptr< LdpFecTlvElement > fecElementDel( U32 index );
+   Vorn::Ptr< LdpFecTlvElement > fecElementDel( U32 index ) { return fecElement_.del( index ); }
    void fecElementDelAll() { fecElement_.delAll(); }
    /// All elements with their positions, for a walk; in the map's order, not in that of the positions.
-   FecElements const & fecElementColl() const noexcept { return fecElement_; }
+   FecElements const & fecElementColl() const { return fecElement_.coll(); }
    /// Number of elements.
    U32 fecElements() const noexcept { return fecElement_.members(); }
 
@@ -172,7 +173,7 @@ class VORN_API LdpFecTlvParser : public LdpTlvParser {
    bool hasWildcardFecElement_ = false;
    bool initialized_ = false;
    Vorn::String reason_;
-   FecElements fecElement_;
+   Indexed fecElement_;
 };
 /// A new parser, which has parsed.
 VORN_API Vorn::Ptr< LdpFecTlvParser > ldpFecTlvParserFactory(

@@ -11,8 +11,8 @@
 #pragma once
 
 #include "Ldp/LdpHdr.h"
+#include "Ldp/LdpIndexed.h"
 #include "Lumo/Pkt.h"
-#include "Vorn/HashMap2018.h"
 
 namespace Ldp {
 
@@ -22,7 +22,8 @@ class VORN_API LdpTlvGroupParser : public Vorn::PtrInterface {
    VORN_REFLECTED_OBJECT( LdpTlvGroupParser, void )
 
  public:
-   using TlvOffsets = Vorn::HashMap2018< LdpTlvGroupParser, U32, U32 >;
+   using Indexed = LdpIndexed< LdpTlvGroupParser, U32, 32 >;
+   using TlvOffsets = Indexed::Map;
 
    explicit LdpTlvGroupParser( Vorn::Name name ) : name_( std::move( name ) ) {}
    ~LdpTlvGroupParser() override;
@@ -53,13 +54,13 @@ class VORN_API LdpTlvGroupParser : public Vorn::PtrInterface {
    U32 faultOffset() const noexcept { return faultOffset_; }
 
    /// Offset of the unit at that index, from the packet's front; 0 for an index that the walk did not reach.
-   U32 tlvOffset( U32 index ) const noexcept;
+   U32 tlvOffset( U32 index ) const noexcept { return tlvOffset_.value( index ); }
    void tlvOffsetIs( U32 index, U32 offset ) { tlvOffset_.valueIs( index, offset ); }
    /// Forgets the unit at that index and returns the offset that it had; 0 if there was none.
-   U32 tlvOffsetDel( U32 index );
+   U32 tlvOffsetDel( U32 index ) { return tlvOffset_.del( index ); }
    void tlvOffsetDelAll() { tlvOffset_.delAll(); }
    /// All indices with their offsets, for a walk; in the map's order, not in that of the indices.
-   TlvOffsets const & tlvOffsetColl() const noexcept { return tlvOffset_; }
+   TlvOffsets const & tlvOffsetColl() const { return tlvOffset_.coll(); }
    /// Number of units found.
    U32 tlvNum() const noexcept { return tlvOffset_.members(); }
 
@@ -78,7 +79,7 @@ class VORN_API LdpTlvGroupParser : public Vorn::PtrInterface {
    U32 faultOffset_ = 0;
    Vorn::String reason_;
    LdpStatusCode statusCode_ = success;
-   TlvOffsets tlvOffset_;
+   Indexed tlvOffset_;
 };
 
 /// Judges one PDU: its header, its length, and the framing of its messages.

@@ -32,8 +32,9 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    static constexpr U16 maxTotalLength = 4096;
 
    /// Parses the message at `offset`, which lies in the packet: no packet, or an offset behind its end,
-   /// asserts.
-   LdpMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   /// asserts. `plain`, here and with each subclass, is a parser that has just found this message good: its
+   /// walker is taken over, and nothing that it has judged is judged again unless somebody traces.
+   LdpMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpMsgParser() override;
 
    /// Text of the message, or of what is wrong with it.
@@ -63,6 +64,10 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    /// TLV, or the message where it is refused as a whole. A TLV whose framing is bad may begin behind the
    /// packet's end. Of a good message its own.
    U32 faultOffset() const noexcept { return faultOffset_; }
+
+   /// Whether the rules of the message's type have been applied, good or bad: by `handleInitialized` of each
+   /// subclass, which its constructor runs. There are none for a plain parser.
+   bool initialized() const noexcept { return initialized_; }
 
    /// The walker over the TLVs.
    Vorn::Ptr< LdpTlvGroupParser > tlvGroupParser() const noexcept { return tlvGroupParser_; }
@@ -97,7 +102,7 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    /// Open while the message is judged by the rules of its type.
    class Judging {
     public:
-      explicit Judging( LdpMsgParser & parser ) noexcept : parser_( parser ) {}
+      explicit Judging( LdpMsgParser & parser ) noexcept : parser_( parser ) { parser_.initialized_ = true; }
       Judging( Judging const & ) = delete;
       Judging & operator=( Judging const & ) = delete;
       ~Judging() { parser_.asWalked_ = false, parser_.judgedGood_ = parser_.validMsg(); }
@@ -149,6 +154,7 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    LdpTlvHdr const * msgFecTlv_ = nullptr;
    Vorn::Ptr< LdpFecTlvParser > ldpFecTlvParser_;
    LdpStatusTlv const * msgStatusTlv_ = nullptr;
+   bool initialized_ = false;
 
  private:
    bool hasOctets( U64 octets ) const noexcept { return offset_ + octets <= pkt_->frontBytes(); }
@@ -180,7 +186,7 @@ class VORN_API LdpHelloMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpHelloMsgParser, LdpMsgParser )
 
  public:
-   LdpHelloMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpHelloMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpHelloMsgParser() override;
    Vorn::String stringValue() const override;
 
@@ -189,7 +195,6 @@ class VORN_API LdpHelloMsgParser : public LdpMsgParser {
    LdpIpTransportAddrTlv const * msgIpTransportTlv() const noexcept { return msgIpTransportTlv_; }
    LdpIp6TransportAddrTlv const * msgIp6TransportTlv() const noexcept { return msgIp6TransportTlv_; }
    LdpConfigSeqNumTlv const * msgConfigSeqTlv() const noexcept { return msgConfigSeqTlv_; }
-   bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
 
  private:
@@ -197,7 +202,6 @@ class VORN_API LdpHelloMsgParser : public LdpMsgParser {
    LdpIpTransportAddrTlv const * msgIpTransportTlv_ = nullptr;
    LdpIp6TransportAddrTlv const * msgIp6TransportTlv_ = nullptr;
    LdpConfigSeqNumTlv const * msgConfigSeqTlv_ = nullptr;
-   bool initialized_ = false;
 };
 
 /// What Initialization and Capability messages share: the capability TLVs (RFC 5561), in order of their
@@ -208,7 +212,7 @@ class VORN_API LdpCapabilityParser : public LdpMsgParser {
  public:
    using Capabilities = Vorn::RbTreeMap< LdpCapabilityParser, LdpTlvType, LdpCapabilityParameterTlv const * >;
 
-   LdpCapabilityParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpCapabilityParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpCapabilityParser() override;
 
    /// All of them, in ascending order of type.
@@ -240,20 +244,18 @@ class VORN_API LdpInitMsgParser : public LdpCapabilityParser {
    VORN_REFLECTED_OBJECT( LdpInitMsgParser, LdpCapabilityParser )
 
  public:
-   LdpInitMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpInitMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpInitMsgParser() override;
    Vorn::String stringValue() const override;
 
    /// Set on every good message.
    LdpCommonSessionParamTlv const * msgSessionParamTlv() const noexcept { return msgSessionParamTlv_; }
    LdpFtSessionTlv const * msgFtSessionTlv() const noexcept { return msgFtSessionTlv_; }
-   bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
 
  private:
    LdpCommonSessionParamTlv const * msgSessionParamTlv_ = nullptr;
    LdpFtSessionTlv const * msgFtSessionTlv_ = nullptr;
-   bool initialized_ = false;
 };
 
 /// Capability (RFC 5561, 7). `ldpMsgParserGet` leaves such a message a plain `LdpMsgParser`; who wants its
@@ -262,16 +264,11 @@ class VORN_API LdpCapabilityMsgParser : public LdpCapabilityParser {
    VORN_REFLECTED_OBJECT( LdpCapabilityMsgParser, LdpCapabilityParser )
 
  public:
-   LdpCapabilityMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpCapabilityMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpCapabilityMsgParser() override;
    Vorn::String stringValue() const override;
 
-   /// The mark that the judgement sets, and the judgement, which the constructor runs.
-   bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
-
- private:
-   bool initialized_ = false;
 };
 
 /// Notification (RFC 5036, 3.5.1): a Status TLV first; with the status of a pseudowire (RFC 8077, 6.3.2) a PW
@@ -280,20 +277,18 @@ class VORN_API LdpNotificationMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpNotificationMsgParser, LdpMsgParser )
 
  public:
-   LdpNotificationMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpNotificationMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpNotificationMsgParser() override;
    Vorn::String stringValue() const override;
 
    /// Set on a good pseudowire status notification only.
    LdpPwStatusTlv const * msgPwStatusTlv() const noexcept { return msgPwStatusTlv_; }
-   bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
 
  private:
    bool handlePwStatus();
 
    LdpPwStatusTlv const * msgPwStatusTlv_ = nullptr;
-   bool initialized_ = false;
 };
 
 /// Address (RFC 5036, 3.5.5): an Address List TLV first.
@@ -301,18 +296,16 @@ class VORN_API LdpAddressMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpAddressMsgParser, LdpMsgParser )
 
  public:
-   LdpAddressMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpAddressMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpAddressMsgParser() override;
    Vorn::String stringValue() const override;
 
    /// Set on every good message.
    LdpAddressListTlv const * addressListTlv() const noexcept { return addressListTlv_; }
-   bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
 
  private:
    LdpAddressListTlv const * addressListTlv_ = nullptr;
-   bool initialized_ = false;
 };
 
 /// Address Withdraw (RFC 5036, 3.5.6): an Address List TLV first.
@@ -320,18 +313,16 @@ class VORN_API LdpAddressWithdrawMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpAddressWithdrawMsgParser, LdpMsgParser )
 
  public:
-   LdpAddressWithdrawMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpAddressWithdrawMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpAddressWithdrawMsgParser() override;
    Vorn::String stringValue() const override;
 
    /// Set on every good message.
    LdpAddressListTlv const * addressListTlv() const noexcept { return addressListTlv_; }
-   bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
 
  private:
    LdpAddressListTlv const * addressListTlv_ = nullptr;
-   bool initialized_ = false;
 };
 
 /// Label Mapping (RFC 5036, 3.5.7): FEC and label, with a good FEC that is no wildcard.
@@ -339,7 +330,7 @@ class VORN_API LdpLabelMappingMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpLabelMappingMsgParser, LdpMsgParser )
 
  public:
-   LdpLabelMappingMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpLabelMappingMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpLabelMappingMsgParser() override;
    Vorn::String stringValue() const override;
 
@@ -349,7 +340,6 @@ class VORN_API LdpLabelMappingMsgParser : public LdpMsgParser {
    LdpHopCountTlv const * msgHopCountTlv() const noexcept { return msgHopCountTlv_; }
    LdpPathVectorTlv const * msgPathVectorTlv() const noexcept { return msgPathVectorTlv_; }
    LdpPwStatusTlv const * msgPwStatusTlv() const noexcept { return msgPwStatusTlv_; }
-   bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
 
  private:
@@ -358,7 +348,6 @@ class VORN_API LdpLabelMappingMsgParser : public LdpMsgParser {
    LdpHopCountTlv const * msgHopCountTlv_ = nullptr;
    LdpPathVectorTlv const * msgPathVectorTlv_ = nullptr;
    LdpPwStatusTlv const * msgPwStatusTlv_ = nullptr;
-   bool initialized_ = false;
 };
 
 /// Label Request (RFC 5036, 3.5.8): a good FEC that is no wildcard.
@@ -366,20 +355,18 @@ class VORN_API LdpLabelRequestMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpLabelRequestMsgParser, LdpMsgParser )
 
  public:
-   LdpLabelRequestMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpLabelRequestMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpLabelRequestMsgParser() override;
    Vorn::String stringValue() const override;
 
    /// Optional TLVs; null where the message has none.
    LdpHopCountTlv const * msgHopCountTlv() const noexcept { return msgHopCountTlv_; }
    LdpPathVectorTlv const * msgPathVectorTlv() const noexcept { return msgPathVectorTlv_; }
-   bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
 
  private:
    LdpHopCountTlv const * msgHopCountTlv_ = nullptr;
    LdpPathVectorTlv const * msgPathVectorTlv_ = nullptr;
-   bool initialized_ = false;
 };
 
 /// Label Withdraw (RFC 5036, 3.5.10): a good FEC, wildcards included; the label is optional.
@@ -387,18 +374,16 @@ class VORN_API LdpLabelWithdrawMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpLabelWithdrawMsgParser, LdpMsgParser )
 
  public:
-   LdpLabelWithdrawMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpLabelWithdrawMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpLabelWithdrawMsgParser() override;
    Vorn::String stringValue() const override;
 
    /// The label; null for all labels of the FEC.
    LdpGenLabelTlv const * msgGenLabelTlv() const noexcept { return msgGenLabelTlv_; }
-   bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
 
  private:
    LdpGenLabelTlv const * msgGenLabelTlv_ = nullptr;
-   bool initialized_ = false;
 };
 
 /// Label Release (RFC 5036, 3.5.11): a FEC, which is not judged: ask `ldpFecTlvParser()` whether it is
@@ -407,18 +392,16 @@ class VORN_API LdpLabelReleaseMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpLabelReleaseMsgParser, LdpMsgParser )
 
  public:
-   LdpLabelReleaseMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpLabelReleaseMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpLabelReleaseMsgParser() override;
    Vorn::String stringValue() const override;
 
    /// The label; null for all labels of the FEC.
    LdpGenLabelTlv const * msgGenLabelTlv() const noexcept { return msgGenLabelTlv_; }
-   bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
 
  private:
    LdpGenLabelTlv const * msgGenLabelTlv_ = nullptr;
-   bool initialized_ = false;
 };
 
 /// Label Abort Request (RFC 5036, 3.5.9): a good FEC that is no wildcard, and the id of the request.
@@ -426,18 +409,16 @@ class VORN_API LdpLabelAbortReqMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpLabelAbortReqMsgParser, LdpMsgParser )
 
  public:
-   LdpLabelAbortReqMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
+   LdpLabelAbortReqMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpLabelAbortReqMsgParser() override;
    Vorn::String stringValue() const override;
 
    /// Set on every good message.
    LdpLabelReqMsgIdTlv const * msgReqMsgIdTlv() const noexcept { return msgReqMsgIdTlv_; }
-   bool initialized() const noexcept { return initialized_; }
    void handleInitialized();
 
  private:
    LdpLabelReqMsgIdTlv const * msgReqMsgIdTlv_ = nullptr;
-   bool initialized_ = false;
 };
 
 /// Makes the parser of that class.

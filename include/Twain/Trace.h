@@ -121,19 +121,24 @@ template< class... Args >
    traceText< Args... >( handle, site, args... );
 }
 
+/// False while no text line is wanted by anybody.
+inline bool textPossible() noexcept { return Vorn::TraceFacility::anyEnabled() || Vorn::coverageStream_; }
 /// Whether a text line of that level is wanted by anybody.
 inline bool textWanted( Vorn::TraceHandle const & handle,
                         Vorn::TraceFacility::FacilityLevel level ) noexcept {
    return handle.enabled( level ) || Vorn::coverageStream_;
 }
+/// False while nobody reads what any statement says.
+inline bool tracing() noexcept { return Skein::defaultSkeinHandle.traceFile() || textPossible(); }
 
 /// The trace of a function's entry and, in the ring, of its end, whichever way that comes.
 class VORN_API FunctionTrace {
  public:
    /// `name` is the class-qualified name with `() ` behind it; what the function was called with may follow.
    template< std::size_t size, class... Args >
-   [[gnu::always_inline]] FunctionTrace( Vorn::TraceHandle const & handle, Site const & site, int & msgId,
-                                         char const ( &name )[size], Args const &... args ) noexcept {
+   [[gnu::always_inline]] FunctionTrace( Vorn::TraceHandle & ( *defaultHandle )(), Site const & site,
+                                         int & msgId, char const ( &name )[size],
+                                         Args const &... args ) noexcept {
       U16 const depth = enter();
       if ( Skein::TraceFile * const file = Skein::defaultSkeinHandle.traceFile() ) {
          int id = Skein::givenMsgId( msgId );
@@ -153,8 +158,10 @@ class VORN_API FunctionTrace {
             timer_.open( *file, &msgId );
          }
       }
-      if ( textWanted( handle, site.level ) ) [[unlikely]]
-         functionText( handle, site, depth, name, args... );
+      if ( textPossible() ) [[unlikely]] {
+         Vorn::TraceHandle const & handle = defaultHandle();
+         if ( textWanted( handle, site.level ) ) functionText( handle, site, depth, name, args... );
+      }
    }
    FunctionTrace( FunctionTrace const & ) = delete;
    ~FunctionTrace() {
@@ -217,14 +224,16 @@ class VORN_API FunctionTrace {
       TWAIN_SITE( level )                                                                                    \
       if ( auto * const twainFile_ = ::Skein::defaultSkeinHandle.traceFile() )                               \
          ::Twain::traceRing( *twainFile_, twainSite_, twainMsgId_, __VA_ARGS__ );                            \
-      ::Vorn::TraceHandle const & twainHandle_ = _defaultTraceHandle();                                      \
-      if ( ::Twain::textWanted( twainHandle_, level ) ) [[unlikely]]                                         \
-         ::Twain::passText( twainHandle_, twainSite_, __VA_ARGS__ );                                         \
+      if ( ::Twain::textPossible() ) [[unlikely]] {                                                          \
+         ::Vorn::TraceHandle const & twainHandle_ = _defaultTraceHandle();                                   \
+         if ( ::Twain::textWanted( twainHandle_, level ) )                                                   \
+            ::Twain::passText( twainHandle_, twainSite_, __VA_ARGS__ );                                      \
+      }                                                                                                      \
    } while ( false )
 
 /// Traces the entry into a function, at level 8, and its end. Stands first in the function; `name` is a
 /// literal, behind which arguments of the function may follow.
 #define TWAIN_FUNCTION( name, ... )                                                                          \
    TWAIN_SITE( 8 )                                                                                           \
-   ::Twain::FunctionTrace const twainFunction_( _defaultTraceHandle(), twainSite_, twainMsgId_,              \
+   ::Twain::FunctionTrace const twainFunction_( _defaultTraceHandle, twainSite_, twainMsgId_,                \
                                                 name "() " __VA_OPT__(, ) __VA_ARGS__ )

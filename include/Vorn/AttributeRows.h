@@ -20,9 +20,10 @@
 ///     part< x, xIs >         field of a value, read by `x()` and written by `xIs( v )`
 ///     write< x, xIs >        computed by `x()`, and written by `xIs( v )`
 ///     view< x >              view over the packet, or null, by `x()`
-///     values< x_, xIs, xDel > collection in the field `x_`, changed by `xIs( key, v )` and `xDel( key )`;
-///                            of views, which reflection can drop and cannot put in, too
-///     objects< x_, xIs, xDel > the same of counted objects
+///     values< x, xIs, xDel > collection in the field `x`, or that `x()` gives, changed by `xIs( key, v )`
+///     and
+///                            `xDel( key )`; of views, which reflection can drop and cannot put in, too
+///     objects< x, xIs, xDel > the same of counted objects
 ///     child< x, xIs, xDel >  owned object: `x()`, `xIs( ... )`, `xDel()`
 ///     constant< x >          static member
 ///     function< x >          called with arguments
@@ -32,6 +33,8 @@
 #pragma once
 
 #include "Vorn/Impl/EntityRecord.h"
+
+#include <functional>
 
 namespace Vorn {
 
@@ -138,14 +141,14 @@ inline constexpr VornAttrOps indexedOps{
 };
 
 /// A collection that tells nobody, changed by the class's own mutators. Views are only dropped.
-template< auto field, auto set, auto del >
+template< auto held, auto set, auto del >
 inline constexpr VornAttrOps heldOps{
    []( void * result, void * object, VornAttr const &, U32 op, void const * k,
        void const * const * args ) -> U32 {
       using Key = KeyOf< set >;
       using T = TypeOf< set >;
       auto & self = *selfOf< ClassOf< set > >( object );
-      auto const & map = self.*field;
+      auto const & map = std::invoke( held, self );
       if ( containerOp( map, result, op ) ) return GenericIf::done;
       Key const & key = *static_cast< Key const * >( k );
       switch ( op ) {
@@ -168,7 +171,7 @@ inline constexpr VornAttrOps heldOps{
    []( void * object, void const * key, GenericIf::IteratorVTable const ** vtable ) {
       using Key = KeyOf< set >;
       using T = TypeOf< set >;
-      auto const & map = selfOf< ClassOf< set > >( object )->*field;
+      auto const & map = std::invoke( held, *selfOf< ClassOf< set > >( object ) );
       using It = typename std::remove_cvref_t< decltype( map ) >::IteratorConst;
       *vtable = &iteratorVTable< It, []( It & it, void * out ) { resultIs( out, T( it->value() ) ); },
                                  []( It & it, void * out ) { *static_cast< Key * >( out ) = it->key(); },

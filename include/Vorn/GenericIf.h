@@ -60,11 +60,15 @@ enum AttributeOp : U32 {
    indices = 9,           ///< of a queue: its head and its next index, two U32
    indicesIs = 10,        ///< of a queue: sets the next, of an empty one both, from `args[ 0 ]`
    delAll = 11,           ///< deletes each member of a collection of entities
-   carried = 12,          ///< a scalar or reference as the attribute log carries it, into the result
+   carried = 12,          ///< a reference as the attribute log carries it, into the result
    crowded = 13,   ///< whether the key is absent and has no room among `args[ 0 ]`, a U32, more keys of
                    ///< its hash, a bool
    newKeySet = 14, ///< an empty set of the collection's keys, a `std::unique_ptr< KeySet >`
-   ownKey = 15,    ///< of references that hold their key: whether the key is that of `args[ 0 ]`, a bool
+   ownKey = 15,  ///< of references that hold their key: whether the key is that of `args[ 0 ]`, a bool
+   toLog = 16,   ///< an entity's scalar as the attribute log carries it, into the `NboAttrLog::Out` that the
+                 ///< result points to
+   fromLog = 17, ///< by the mutator: an entity's scalar from the rest of a record, of which the result points
+                 ///< to the `NboAttrLog::In`
 };
 
 /// What an operation came to.

@@ -75,8 +75,8 @@ class VORN_API HashMapGeneric {
 
    /// Inserts a member whose key is not there; `hash` is that of its key.
    void newMemberG( Entity & member, U32 hash );
-   /// Takes a member out, which leaves its parent, and drops the map's reference.
-   void deleteMember( Entity & member, U32 hash );
+   /// Takes a member out of its bucket, which leaves its parent, and drops the map's reference.
+   void deleteMember( Entity & member, U32 bucket );
    U32 bucketOf( U32 hash ) const noexcept { return bitReverse( hash ) >> ( 32 - exponent_ ); }
    Entity * first( U32 bucket ) const noexcept { return buckets_ ? buckets_[bucket] : nullptr; }
    Entity *& next( Entity & member ) const noexcept {
@@ -170,7 +170,7 @@ class HashMap : public HashMapGeneric {
       return same + others >= HashMap2018BktHdr::maxSlots;
    }
    void newMember( Member & member, U32 hash ) { newMemberG( member, hash ); }
-   void del( Member & member, U32 hash ) { deleteMember( member, hash ); }
+   void del( Member & member, U32 hash ) { deleteMember( member, bucketOf( hash ) ); }
 
    IteratorConst begin() const { return IteratorConst( *this ); }
    std::nullptr_t end() const noexcept { return nullptr; }
@@ -196,9 +196,27 @@ class HashMap< Owner, Member, Key >::IteratorConst {
    /// Bucket of the member; -1 at the end.
    std::int32_t bucket() const noexcept { return bucket_; }
 
+   /// Takes the member out of the map, which is the iterator's. False if it has gone already.
+   bool del( HashMap & map ) {
+      if ( count_ == map.modificationCount() && map.first( U32( bucket_ ) ) == member_.ptr() ) {
+         // As where all go, one by one: neither this nor the way on needs a hash.
+         U32 const buckets = map.buckets();
+         map.deleteMember( *member_, U32( bucket_ ) );
+         gone_ = ++count_ == map.modificationCount() && buckets == map.buckets();
+         if ( !gone_ ) --count_; // more has happened
+         return true;
+      }
+      U32 const hash = keyHash( member_->vornKey() );
+      if ( map.member( member_->vornKey(), hash ) != member_.ptr() ) return false;
+      map.del( *member_, hash );
+      return true;
+   }
    void advance() {
       if ( count_ != map_->modificationCount() ) {
          stand( map_->findNextG( member_.ptr(), &bucket_ ) );
+      } else if ( gone_ ) {
+         Entity * const behind = map_->first( U32( bucket_ ) );
+         stand( behind ? behind : map_->findNextBucket( &bucket_ ) );
       } else if ( Entity * const behind = map_->next( *member_ ) ) {
          stand( behind );
       } else {
@@ -214,12 +232,14 @@ class HashMap< Owner, Member, Key >::IteratorConst {
  private:
    void stand( Entity * member ) {
       count_ = map_->modificationCount();
+      gone_ = false;
       member_ = static_cast< Member * >( member );
    }
 
    HashMap const * map_;
    U32 count_ = 0;
    std::int32_t bucket_ = -1;
+   bool gone_ = false; // it stood first in the bucket and was taken out; nothing else has changed since
    Ptr< Member > member_;
 };
 

@@ -11,6 +11,9 @@
 ///
 /// An index is not given twice before its 32 bits wrap. An iterator survives any change of the queue: the
 /// node on which it stands stays readable, and the walk goes on behind its index.
+///
+/// Work at the ends and in the first elements takes nothing but the links. Once something further behind is
+/// asked for, a long queue keeps its places in order beside them, until it is empty: 48 octets an element.
 #pragma once
 
 #include "Vorn/Exception.h"
@@ -18,6 +21,8 @@
 
 #include <cstdint>
 #include <iterator>
+#include <map>
+#include <memory>
 
 namespace Vorn {
 
@@ -82,10 +87,7 @@ class LinkQueue {
    Index nextIndex() const noexcept { return next_; }
 
    /// The element with that index, or null.
-   Ptr< Node > operator[]( Index index ) noexcept {
-      near_ = before( index );
-      return find( index );
-   }
+   Ptr< Node > operator[]( Index index ) noexcept { return find( index ); }
    Ptr< Node const > operator[]( Index index ) const noexcept { return find( index ); }
 
    /// The value at an index, or a default one.
@@ -104,10 +106,12 @@ class LinkQueue {
       return node;
    }
    /// Sets the index that the next element will get, and of an empty queue the first, as a copy of another
-   /// queue needs it. A next index that lags behind the last element's becomes one above that.
+   /// queue needs it. A next index that lags behind the last element's, or has come round to the first one's,
+   /// becomes one above the last.
    void indicesIs( Index first, Index next ) noexcept {
       if ( !head_ ) first_ = first;
-      bool const lags = tail_ && std::int32_t( next - tail_->index_ ) <= 0;
+      bool const lags = tail_ && ( std::int32_t( next - tail_->index_ ) <= 0 ||
+                                   Index( next - first_ ) <= Index( tail_->index_ - first_ ) );
       next_ = lags ? tail_->index_ + 1 : next;
       ++modificationCount_;
    }
@@ -141,27 +145,42 @@ class LinkQueue {
    std::default_sentinel_t end() const noexcept { return {}; }
 
  private:
+   /// Elements that a search passes by before it is worth while to keep their order.
+   static constexpr U32 scanned = 64;
+
+   /// As long as the indices have not come round to the first one that was there.
+   struct Older {
+      Index first;
+      bool operator()( Index a, Index b ) const noexcept { return Index( a - first ) < Index( b - first ); }
+   };
+   using Places = std::map< Index, Node *, Older >;
+
    /// How long ago an index was given; the order of indices that have been given, when they have wrapped too.
    Index age( Index index ) const noexcept { return next_ - index; }
    bool precedes( Index a, Index b ) const noexcept {
       bool const wrapped = next_ < first_;
       return wrapped ? age( a ) > age( b ) : a < b;
    }
-   /// The last node before `index`, or null if there is none. Whoever works through a queue in its order does
-   /// not begin at the head each time.
+   /// The last node before `index`, or null if there is none.
    Node * before( Index index ) const noexcept {
-      if ( tail_ && precedes( tail_->index_, index ) ) return tail_;
-      Node * found = near_ && precedes( near_->index_, index ) ? near_ : nullptr;
-      for ( Node * at = behind( found ); at && precedes( at->index_, index ); at = at->next_.ptr() ) {
+      if ( !head_ || !precedes( head_->index_, index ) ) return nullptr;
+      if ( precedes( tail_->index_, index ) ) return tail_;
+      if ( places_ ) return beforePlace( places_->lower_bound( index ) );
+      Node * found = nullptr;
+      U32 steps = 0;
+      for ( Node * at = head_.ptr(); at && precedes( at->index_, index ); at = at->next_.ptr() ) {
          found = at;
+         if ( ++steps == scanned && placesMake() ) return before( index );
       }
       return found;
    }
    /// The first node that was enqueued after one with that index, which has been removed; or null.
    Node * youngerThan( Index index ) const noexcept {
-      Node * at = near_ && age( near_->index_ ) >= age( index ) ? near_ : head_.ptr();
-      while ( at && age( at->index_ ) >= age( index ) ) {
-         at = at->next_.ptr();
+      Node * at = head_.ptr();
+      if ( !at || age( at->index_ ) < age( index ) ) return at;
+      if ( places_ ) return behind( beforePlace( places_->upper_bound( index ) ) );
+      for ( U32 steps = 0; at && age( at->index_ ) >= age( index ); at = at->next_.ptr() ) {
+         if ( ++steps == scanned && placesMake() ) return youngerThan( index );
       }
       return at;
    }
@@ -173,6 +192,11 @@ class LinkQueue {
    void linkIs( Node * before, Ptr< Node > node ) noexcept {
       ( before ? before->next_ : head_ ) = std::move( node );
    }
+   Node * beforePlace( typename Places::const_iterator place ) const noexcept {
+      return place == places_->begin() ? nullptr : std::prev( place )->second;
+   }
+   bool placesMake() const noexcept;
+   void placeIs( Node * before, Node * node ) noexcept;
    void append( Index index, Ptr< Node > const & node );
    void remove( Node * before, Node * node ) noexcept;
 
@@ -182,13 +206,13 @@ class LinkQueue {
    U32 members_ = 0;
    Ptr< Node > head_;
    Node * tail_ = nullptr;
-   Node * near_ = nullptr; // in the queue, before what was last asked for by a writer; or null
+   mutable std::unique_ptr< Places > places_; // of all nodes, or null
 };
 
 template< class Owner, class Index, class Value >
 void LinkQueue< Owner, Index, Value >::doMemberIs( Index index, Ptr< Node > const & node ) {
    if ( node && index == next_ ) return append( index, node );
-   Node * const place = near_ = before( index );
+   Node * const place = before( index );
    Ptr< Node > old( behind( place ) );
    if ( old && old->index_ != index ) old = nullptr;
    if ( !node ) {
@@ -211,6 +235,7 @@ void LinkQueue< Owner, Index, Value >::doMemberIs( Index index, Ptr< Node > cons
       if ( !precedes( index, next_ ) ) next_ = index + 1;
    }
    first_ = head_->index_;
+   placeIs( place, node.ptr() );
 }
 
 template< class Owner, class Index, class Value >
@@ -219,22 +244,52 @@ void LinkQueue< Owner, Index, Value >::append( Index index, Ptr< Node > const & 
    if ( Index( index + 1 ) == first_ ) throwRangeException( "linkqueue index space full" );
    if ( !head_ ) first_ = index;
    linkIs( tail_, node );
-   tail_ = node.ptr();
+   Node * const before = std::exchange( tail_, node.ptr() );
    node->linked_ = true;
    ++modificationCount_;
    ++members_;
    next_ = index + 1;
+   placeIs( before, tail_ );
+}
+
+/// Makes the order of all nodes beside the links. False if there is no memory for it: it only saves time.
+template< class Owner, class Index, class Value >
+bool LinkQueue< Owner, Index, Value >::placesMake() const noexcept {
+   try {
+      auto places = std::make_unique< Places >( Older{ head_->index_ } );
+      for ( Node * at = head_.ptr(); at; at = at->next_.ptr() ) {
+         places->emplace_hint( places->end(), at->index_, at );
+      }
+      places_ = std::move( places );
+   } catch ( std::bad_alloc const & ) {
+      return false;
+   }
+   return true;
+}
+
+/// A node has come between two, or behind all, or in the place of one.
+template< class Owner, class Index, class Value >
+void LinkQueue< Owner, Index, Value >::placeIs( Node * before, Node * node ) noexcept {
+   if ( !places_ ) return;
+   try {
+      auto const place = places_->insert_or_assign( places_->end(), node->index_, node );
+      auto const next = std::next( place );
+      if ( beforePlace( place ) == before &&
+           ( next == places_->end() ? !node->next_ : next->second == node->next_.ptr() ) )
+         return;
+   } catch ( std::bad_alloc const & ) {}
+   places_.reset(); // no memory, or the indices have come round
 }
 
 template< class Owner, class Index, class Value >
 void LinkQueue< Owner, Index, Value >::remove( Node * before, Node * node ) noexcept {
    if ( tail_ == node ) tail_ = before;
-   near_ = before;
+   if ( places_ ) places_->erase( node->index_ );
    linkIs( before, std::exchange( node->next_, nullptr ) );
    node->linked_ = false;
    first_ = head_ ? head_->index_ : next_;
    ++modificationCount_;
-   --members_;
+   if ( !--members_ ) places_.reset();
 }
 
 /// Stands on one element, with a reference on it, or at the end.

@@ -80,6 +80,17 @@ void fromLog( In & in, T * value ) {
    }
 }
 
+/// Throws AttrLogRecordException if the record goes on behind its value.
+VORN_API void endIs( In & in );
+/// A value that ends its record.
+template< class T >
+T lastOf( In & in ) {
+   T value{};
+   fromLog( in, &value );
+   endIs( in );
+   return value;
+}
+
 } // namespace NboAttrLog
 
 } // namespace Vorn

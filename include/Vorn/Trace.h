@@ -27,6 +27,9 @@ class VORN_API TraceFacility {
 
    /// Switches the levels of the facility `name`: bit l stands for level l. At first all are off.
    static void levelsIs( String const & name, U32 levels );
+   /// False as long as nobody has switched any level of any facility on: the first thing that a statement
+   /// asks.
+   static bool anyEnabled() noexcept { return anyEnabled_.load( std::memory_order_relaxed ); }
    /// Where lines go from now on, by any thread, one at a time; null is standard error, as at first. The
    /// caller owns the stream.
    static void sinkIs( std::ostream * sink );
@@ -39,8 +42,9 @@ class VORN_API TraceFacility {
 
  private:
    friend class TraceHandle;
-   static TraceFacility & facility( String const & name );
+   static TraceFacility & facility( String const & name, U32 levels );
 
+   static std::atomic< bool > anyEnabled_;
    String name_;
    std::atomic< U32 > levels_ = 0;
 };
@@ -49,7 +53,7 @@ class VORN_API TraceFacility {
 /// process is gone.
 class VORN_API TraceHandle {
  public:
-   /// `allOn` switches on all levels of the facility.
+   /// `allOn` switches on all levels of a facility that has been neither set nor named before.
    TraceHandle( String name, bool allOn );
 
    TraceFacility const & facility() const noexcept { return *facility_; }

@@ -37,7 +37,7 @@ WRONG = [
     ("public header on a private one", "include/Ldp/LdpMsgParser.h", '#include "../../decode/Walk.h"'),
     ("library on a tool's library", "decode/Walk.h", "#include <tins/tins.h>"),
     ("library on a test's library", "framework/vorn/Ptr.cpp", " # include <gtest/gtest.h>"),
-    ("library on JSON", "include/Vorn/Ptr.h", "#include <nlohmann/json.hpp>"),
+    ("library on JSON", "include/Vorn/Ptr.h", "#include <rapidjson/writer.h>"),
     ("library on a header that is nowhere", "decode/Walk.h", '#include "Gone.h"'),
     ("example on a private header", "examples/one.cpp", '#include "../decode/Walk.h"'),
     ("captures on the monitor", "tools/ldptool/capture/Flow.h", '#include "monitor/Monitor.h"'),

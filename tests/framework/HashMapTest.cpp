@@ -83,8 +83,15 @@ class Model {
       case 9: // the member on which an iterator stands, and perhaps back again
          if ( held_.empty() || !held_[op.token % held_.size()].it ) break;
          {
-            U32 const number = held_[op.token % held_.size()].it->vornKey().number;
-            del( number );
+            auto & it = held_[op.token % held_.size()].it;
+            U32 const number = it->vornKey().number;
+            bool const its = map_->member( Key{ number } ) == it.ptr().ptr(); // and not another of that key
+            if ( op.token & 16 ) {
+               RC_ASSERT( it.del( *map_ ) == its );
+               if ( its ) gone( number, true );
+            } else {
+               del( number );
+            }
             if ( op.token % 3 == 0 ) add( number );
          }
          break;
@@ -139,10 +146,15 @@ class Model {
    }
    void del( U32 number ) {
       Ptr< M > const member( map_->member( Key{ number } ) );
-      RC_ASSERT( bool( member ) == ( members_.erase( number ) == 1 ) );
-      if ( !member ) return;
-      map_->del( *member, Key{ number }.hash() );
-      RC_ASSERT( !Vorn::NextLink::of( *member ) && !map_->member( Key{ number } ) );
+      if ( member ) {
+         map_->del( *member, Key{ number }.hash() );
+         RC_ASSERT( !Vorn::NextLink::of( *member ) );
+      }
+      gone( number, bool( member ) );
+   }
+   void gone( U32 number, bool wasThere ) {
+      RC_ASSERT( wasThere == ( members_.erase( number ) == 1 ) );
+      RC_ASSERT( !map_->member( Key{ number } ) );
       for ( Held & held : held_ ) {
          held.mustMeet.erase( number );
       }
@@ -210,7 +222,10 @@ TEST( HashMap, givesBucketsBackInTheMidstOfAWalk ) {
    EXPECT_EQ( map.buckets(), 1024u );
    U32 met = 0;
    for ( auto it = map.begin(); it; it.advance() ) {
-      if ( ++met % 100 ) map.del( *it, it->vornKey().hash() );
+      if ( ++met % 100 ) {
+         EXPECT_TRUE( it.del( map ) );
+         EXPECT_FALSE( it.del( map ) );
+      }
    }
    EXPECT_EQ( met, 1000u );
    EXPECT_EQ( map.members(), 10u );

@@ -25,6 +25,9 @@ class Model {
       if ( start == 0 ) return;
       put( U32( start - 1 ), 0 ); // brings the next index there
       del( start - 1 );
+      for ( U32 token = 0; start > 1 && token < 80; ++token ) { // so many that their places are kept
+         apply( { 0, 0, token } );
+      }
    }
 
    void apply( Op const & op ) {

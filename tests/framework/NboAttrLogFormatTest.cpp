@@ -119,6 +119,7 @@ struct Thing {
       std::uint32_t next = 0;
    };
    std::map< std::uint32_t, Indices > queues; // by attribute
+   std::set< std::uint32_t > running;         // attributes between their markers
 
    /// An index was given.
    void indexIs( std::uint32_t attribute, std::string const & key ) {
@@ -229,7 +230,7 @@ class Reader {
       case reference: slot.entity = std::uint32_t( v.number( 4 ) ); break;
       case child:
       case entityColl: {
-         Thing member{ a.entity, arguments( v, a.entity ), {}, {}, {} };
+         Thing member{ a.entity, arguments( v, a.entity ), {}, {}, {}, {} };
          if ( types_.at( std::size_t( v.number( 4 ) - 1 ) ) != a.entity ) throw std::runtime_error( "type" );
          slot.entity = std::uint32_t( v.number( 4 ) );
          if ( a.kind == entityColl ) key = member.arguments[schemas.at( a.entity ).arguments[0].first];
@@ -254,6 +255,8 @@ class Reader {
          v.number( 4 ); // follows from the elements, and from the next where there is none
          thing.queues[id].next = std::uint32_t( v.number( 4 ) );
       }
+      if ( type == 0 ? !thing.running.insert( id ).second : !thing.running.erase( id ) )
+         throw std::runtime_error( "markers out of order" );
       for ( auto & [key, slot] : thing.slots[id] ) {
          if ( type == 0 ) slot.marked = true;
       }

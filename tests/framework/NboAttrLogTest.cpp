@@ -249,7 +249,9 @@ TEST( NboAttrLog, whatTheHostHoldsBackWaits ) {
    EXPECT_TRUE( waiting.flowOut()->hasDirtyCollKeys() );
    EXPECT_FALSE( waiting.flowOut()->hasDirtyAttributes() );
    pair.coll->vornNboAttrLogSaIs( 0, 0, pair.source.out );
-   auto const sent = records( pair.take() );
+   Octets const taken = pair.take();
+   pair.copy.demuxer->bytesIs( taken.data(), taken.size() );
+   auto const sent = records( taken );
    // One record for the ten changes; of the keys an introduction with six scalars, and a deletion.
    EXPECT_EQ( 9u, sent.size() );
    EXPECT_EQ( 1, std::count( sent.begin(), sent.end(), Record{ 0, 2, 0x106, { 0, 9 } } ) );

@@ -97,6 +97,10 @@ TEST( NboAttrLog, aMarkedMemberSendsNothingUntilItIsNamed ) {
    EXPECT_EQ( named, branch.twig( 5 ) );
    EXPECT_EQ( nullptr, branch.twig( 6 ) ) << "not named, so the other end does not have it";
    EXPECT_EQ( 0u, end.out->bytes() ) << "which it need not be told";
+   for ( U32 i = 1; i < 64; ++i ) {
+      take( marker( 0 ) );
+   }
+   EXPECT_THROW( take( marker( 0 ) ), Vorn::AttrLogRecordException ) << "nothing but work for this end";
 }
 
 // Ends that do not write.

@@ -69,7 +69,7 @@ def states_of(result):
     """The state of each speaker's VRF, of what watch --json has printed."""
     assert (result.status, result.err) == (0, ""), (result.status, result.err)
     speakers = json.loads(result.raw)["speaker"]
-    return {speaker: state["ldpStatusColl"]["status"]["'default'"] for speaker, state in speakers.items()}
+    return {speaker: state["ldpStatusColl"]["status"]["default"] for speaker, state in speakers.items()}
 
 
 def rows(text):

@@ -95,7 +95,7 @@ class Mistakes(unittest.TestCase):
     def test_arguments(self):
         for arguments, words in (
             ([], "subcommand"), (["decode"], "one of FILE, -i IFACE and --hex FILE"), (["decode", BASIC, "--hex", "-"], "one of FILE"),
-            (["decode", BASIC, "--json", "--full"], "excludes"), (["decode", BASIC, "--nonsense"], "--nonsense"), (["nonsense"], "subcommand"),
+            (["decode", BASIC, "--json", "--count"], "excludes"), (["decode", BASIC, "--nonsense"], "--nonsense"), (["nonsense"], "subcommand"),
             (["decode", BASIC, "--filter", "hallo"], "'hallo'"), (["decode", BASIC, "--filter", "0x8000"], "'0x8000'"),
             (["decode", BASIC, "--filter", ""], "''"), (["decode", BASIC, "--filter"], "--filter"),
             (["decode", "-i", "no-such-interface"], "no-such-interface"),

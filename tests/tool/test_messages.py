@@ -42,13 +42,13 @@ class Messages(unittest.TestCase):
         self.assertGreater(len(good), 20)
         for name, octets, line in good:
             with self.subTest(name):
-                result = decode_hex([bytes.fromhex(octets)], "--json")
+                result = decode_hex([bytes.fromhex(octets)], "--json", "--full")
                 self.assertEqual((result.err, result.status, result.raw.decode()), ("", 0, line + "\n"))
 
     def test_bad(self):
         for name, (octets, kind, code, reason) in BAD.items():
             with self.subTest(name):
-                result = decode_hex([pdu(octets) + b"\0"], "--json")
+                result = decode_hex([pdu(octets) + b"\0"], "--json", "--full")
                 self.assertEqual(result.status, 1)
                 (o,) = result.objects
                 self.assertEqual((o["type"], o["status"], o["reason"], o["valid"]), (kind, code, reason, False))
@@ -82,7 +82,7 @@ class Messages(unittest.TestCase):
         ]
         for octets, code, reason, lsr in cases:
             with self.subTest(reason):
-                result = decode_hex([octets, pdu(keepalive(2))], "--json")
+                result = decode_hex([octets, pdu(keepalive(2))], "--json", "--full")
                 bad, good = result.objects
                 self.assertEqual((bad["valid"], bad["pduStatus"], bad["pduReason"], bad["lsrId"]), (False, code, reason, lsr))
                 self.assertNotIn("type", bad)
@@ -99,7 +99,7 @@ class Messages(unittest.TestCase):
         ]
         for name, octets, offset in cases:
             with self.subTest(name):
-                result = decode_hex([octets, pdu(keepalive(3))], "--json")
+                result = decode_hex([octets, pdu(keepalive(3))], "--json", "--full")
                 fatal, good = result.objects
                 self.assertEqual((fatal["line"], fatal["valid"], fatal["fatalOffset"], fatal["lsrId"], fatal["pduLength"]),
                                  (1, False, offset, "10.0.0.1", len(octets) - 4))
@@ -117,7 +117,7 @@ class Messages(unittest.TestCase):
         every = bytes(range(256))
         for part in (every[i : i + 64] for i in range(0, 256, 64)):
             octets = pdu(message(0x0400, 1, tlv(0x0100, pw_element(pw=1, params=bytes([3, 2 + len(part)]) + part)), LABEL))
-            result = decode_hex([octets], "--json")  # strict UTF-8 and JSON, or this fails
+            result = decode_hex([octets], "--json", "--full")  # strict UTF-8 and JSON, or this fails
             (o,) = result.objects
             self.assertEqual(o["fec"]["elements"][0]["description"], part.decode("latin-1"))
             self.assertIn(part.decode("latin-1"), o["text"])

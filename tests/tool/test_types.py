@@ -15,7 +15,7 @@ class Types(unittest.TestCase):
         self.assertEqual((adj["kind"], adj["base"], adj["ctor"]),
                          ("entity", "Vorn::Entity", [["ldpAdjId", "Ldp::LdpAdjId"]]))
         self.assertEqual(len(adj["attributes"]), 16)
-        self.assertIn({"name": "adjStatusCode", "id": 259, "type": "Ldp::LdpStatusCode", "key": None,
+        self.assertIn({"name": "adjStatusCode", "id": 259, "type": "Ldp::LdpStatusCode", "key": None, "kind": "mutable",
                        "flags": "0xb80001ff00000103", "logged": True, "instantiating": False}, adj["attributes"])
         self.assertEqual(types["Ldp::LdpAdjType"]["kind"], "enum")
         self.assertEqual(types["Ldp::LdpAdjType"]["enumerators"], {"LdpLinkAdj": 1, "LdpTargetAdj": 2})

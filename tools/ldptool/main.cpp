@@ -72,9 +72,11 @@ int main( int argc, char ** argv ) {
    } );
    addDecodeCommand( app );
    addExplainCommand( app );
+   addReportCommand( app );
    addRingCommand( app );
    addTypesCommand( app );
    addWatchCommand( app );
+   addCompletionCommand( app );
    try {
       app.parse( argumentsOf( app, argc, argv ) );
    } catch ( CLI::RuntimeError const & done ) {

@@ -198,12 +198,10 @@ Ptr< Type > memberIs( Owner< Self > const & owner, HashMap< Self, Type, Key > & 
    return member;
 }
 
-/// Takes out a member that somebody holds; `hash` is that of its key.
-template< class Self, class Type, class Key, class Change >
-void memberTakeOut( Owner< Self > const & owner, HashMap< Self, Type, Key > & map, Change const & change,
-                    Type & member, U32 hash ) {
-   map.del( member, hash );
-   Key const & key = member.vornKey();
+/// Tells that a member, which somebody holds, has been taken out.
+template< class Self, class Type, class Change >
+void memberTold( Owner< Self > const & owner, Change const & change, Type const & member ) {
+   auto const & key = member.vornKey();
    owner.notify( change, &key );
 }
 
@@ -212,7 +210,9 @@ Ptr< Type > memberDel( Owner< Self > const & owner, HashMap< Self, Type, Key > &
                        Key const & key ) {
    U32 const hash = keyHash( key );
    Ptr< Type > const member( map.member( key, hash ) );
-   if ( member ) memberTakeOut( owner, map, change, *member, hash );
+   if ( !member ) return nullptr;
+   map.del( *member, hash );
+   memberTold( owner, change, *member );
    return member;
 }
 
@@ -222,8 +222,7 @@ void membersDel( Owner< Self > const & owner, HashMap< Self, Type, Key > & map, 
    while ( map.members() ) {
       // The iterator holds the member until it moves on. What ends then may have deleted the next one.
       for ( auto it = map.begin(); it; it.advance() ) {
-         U32 const hash = keyHash( it->vornKey() );
-         if ( map.member( it->vornKey(), hash ) == &*it ) memberTakeOut( owner, map, change, *it, hash );
+         if ( it.del( map ) ) memberTold( owner, change, *it );
       }
    }
 }

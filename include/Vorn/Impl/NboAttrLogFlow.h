@@ -61,13 +61,19 @@ class VORN_API FlowOut {
    /// The attribute at which to go on; 0 for the first.
    U32 attrId() const noexcept { return rest_ ? rest_->attrId : 0; }
    void attrIdIs( U32 attributeId );
+   /// Whether the present collection is being walked: its markers stand around that, and the flow-out goes on
+   /// there.
+   bool walking() const noexcept { return rest_ && rest_->walking; }
+   /// Whether it is that collection, so that some of its members may have been sent already.
+   bool walking( U32 attributeId ) const noexcept { return walking() && attrId() == attributeId; }
+   void walkBegins() { rest().walking = true; }
+   /// The walk that is under way is to be followed by another: what it says is no longer all.
+   void walkAgainIs() noexcept { rest_->walkAgain = true; }
+   bool walkAgain() const noexcept { return walking() && rest_->walkAgain; }
+   void walkEnds() noexcept { rest_->walking = rest_->walkedAll = rest_->walkAgain = false; }
    /// Whether all members of the present collection have been sent, but the marker behind them has not.
    bool walkedAll() const noexcept { return rest_ && rest_->walkedAll; }
-   void walkedAllIs( bool all );
-   /// Whether the present collection is being walked: the flow-out goes on there.
-   bool walking() const noexcept { return bookmark() || walkedAll(); }
-   /// Whether it is that collection, so that some of its members may have been sent already.
-   bool walking( U32 attributeId ) const noexcept { return attrId() == attributeId && walking(); }
+   void walkedAllIs() noexcept { rest_->walkedAll = true; }
 
    /// The key at which the walk of the present collection goes on, or null.
    void * bookmark() const noexcept { return rest_ ? rest_->bookmark : nullptr; }
@@ -84,6 +90,8 @@ class VORN_API FlowOut {
    using Ids = std::set< U32 >;
    struct Rest {
       U32 attrId = 0;
+      bool walking = false;
+      bool walkAgain = false;
       bool walkedAll = false;
       void * bookmark = nullptr;
       std::vector< std::pair< U32, std::unique_ptr< KeySet > > > keys; // by attribute

@@ -166,7 +166,7 @@ class VORN_API Demuxer : public PtrInterface {
    std::vector< VornType const * > types_;
    std::unique_ptr< Offers > const offers_;
    std::unique_ptr< Roots > const roots_;
-   U32 lastEntityId_ = 0;
+   U32 lastEntityId_ = numberedByPeer;
    U64 records_ = 0;
    bool headerSeen_ = false;
    bool failed_ = false;

@@ -93,6 +93,12 @@ inline constexpr VornAttrOps constantOps{
    nullptr,
 };
 
+/// Whether a scalar can go to an attribute log: one of an entity that is no reference.
+template< class Self, class T >
+inline constexpr bool isLoggedScalar = std::is_base_of_v< Entity, Self >;
+template< class Self, class T >
+inline constexpr bool isLoggedScalar< Self, Ptr< T > > = false;
+
 /// A scalar with a mutator, a single reference included. A value's field that has one is placed by it as
 /// well.
 template< class Self, class T, auto get, auto set >
@@ -108,6 +114,18 @@ inline constexpr VornAttrOps scalarOps{
       case GenericIf::place:
          ( selfOf< Self >( object )->*set )( ArgOf< T >::get( args[0] ) );
          return GenericIf::done;
+      case GenericIf::toLog:
+      case GenericIf::fromLog:
+         if constexpr ( isLoggedScalar< Self, T > ) {
+            auto & self = *selfOf< Self >( object );
+            if ( op == GenericIf::toLog ) {
+               NboAttrLog::toLog< T >( *static_cast< NboAttrLog::Out * >( result ), ( self.*get )() );
+            } else {
+               ( self.*set )( NboAttrLog::lastOf< T >( *static_cast< NboAttrLog::In * >( result ) ) );
+            }
+            return GenericIf::done;
+         }
+         return GenericIf::notApplicable;
       default: return GenericIf::notApplicable;
       }
    },
@@ -120,8 +138,13 @@ template< class Self, class T, auto get, auto set, auto inContext >
 inline constexpr VornAttrOps contextOps{
    []( void * result, void * object, VornAttr const & attr, U32 op, void const * key,
        void const * const * args ) -> U32 {
-      if ( op == GenericIf::carried && ( selfOf< Self >( object )->*inContext )( attr.id() ) ) {
-         resultIs( result, T() );
+      if ( ( op == GenericIf::carried || op == GenericIf::toLog ) &&
+           ( selfOf< Self >( object )->*inContext )( attr.id() ) ) {
+         if constexpr ( isLoggedScalar< Self, T > ) {
+            NboAttrLog::toLog( *static_cast< NboAttrLog::Out * >( result ), T() );
+         } else {
+            resultIs( result, T() );
+         }
          return GenericIf::done;
       }
       return scalarOps< Self, T, get, set >.op( result, object, attr, op, key, args );

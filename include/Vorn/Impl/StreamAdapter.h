@@ -72,6 +72,7 @@ class VORN_API StreamAdapter : public PtrInterface {
 namespace NboAttrLog {
 
 class FlowIn;
+class Transactions;
 enum class Sent : U8;
 /// Tags of the lists in which an adapter stands.
 struct Siblings;
@@ -223,7 +224,11 @@ class VORN_API Entity::VornNboAttrLogSa final
    void memberDel( VornAttr const & attr, void const * key );
    void indexPassed( VornAttr const & attr, U32 index );
    void sweep( VornAttr const & attr );
-   void queueFromLog( VornAttr const & attr, AttrTransactionType type, In & in );
+   void markAll( VornAttr const & attr );
+   template< class Wanted >
+   void indicesKeep( VornAttr const & attr, Wanted const & wanted );
+   void queueBegins( VornAttr const & attr, U32 const * indices );
+   void queueEnds( VornAttr const & attr, HashMap2018< NboAttrLog::Transactions, U32 > const & seen );
 
    void * object() const noexcept { return static_cast< PtrInterface * >( entity_ ); }
    VornType const & type() const noexcept { return flowOut_.type(); } // the entity's

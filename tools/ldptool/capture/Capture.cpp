@@ -1,6 +1,8 @@
 // Packets from libpcap, handed on as segments and datagrams.
 #include "capture/Capture.h"
 
+#include "capture/Gzip.h"
+
 #include <pcap/pcap.h>
 #include <tins/exceptions.h>
 #include <tins/ip.h>
@@ -8,8 +10,10 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <net/if.h>
 #include <sys/stat.h>
+#include <tuple>
 
 namespace LdpTool {
 
@@ -24,15 +28,61 @@ std::string unsupported( int linkType ) {
    return "link type " + ( name ? std::string( name ) : std::to_string( linkType ) ) + " is not supported";
 }
 
+int firstOctet( std::FILE * file ) {
+   int const first = std::getc( file );
+   if ( first != EOF ) std::ungetc( first, file );
+   return first;
+}
+
+/// What may hold LDP: the port itself, and whatever carries packets within packets (Link.h). A test of a tag
+/// or label shifts all that follows it, so each depth of tags needs its own.
+std::string liveFilter( bool ethernet ) {
+   std::string one = "port 646 or ip proto 4 or ip proto 41 or ip proto 47 or udp dst port 4789 or "
+                     "(ip[6:2] & 0x1fff != 0) or (ip6 and (";
+   for ( int const next : { 0, 4, 41, 43, 44, 47, 51, 60, 135, 139, 140 } )
+      one += ( next ? " or ip6[6] == " : "ip6[6] == " ) + std::to_string( next );
+   one += "))";
+   if ( !ethernet ) return one;
+   one += " or ether proto 0x8847 or ether proto 0x8848 or ether proto 0x8864";
+   return one + " or (vlan and (" + one + " or (vlan and (" + one + " or vlan))))";
+}
+
 /// The size of a regular file; 0 of anything else.
 std::int64_t sizeOf( std::FILE * file ) {
    struct stat status;
    return file && fstat( fileno( file ), &status ) == 0 && S_ISREG( status.st_mode ) ? status.st_size : 0;
 }
 
+/// Returns what is wrong with the expression; empty for nothing.
+std::string compile( std::string const & expression, int linkType, bpf_program & program ) {
+   constexpr int wholePackets = 262144;
+   pcap * const handle = pcap_open_dead( linkType, wholePackets );
+   if ( !handle ) return "out of memory";
+   bool const good = pcap_compile( handle, &program, expression.c_str(), 1, PCAP_NETMASK_UNKNOWN ) == 0;
+   std::string const error = good ? "" : pcap_geterr( handle );
+   pcap_close( handle );
+   return error;
+}
+
 } // namespace
 
+std::string Capture::filterError( std::string const & expression ) {
+   std::string error;
+   for ( int const linkType : { DLT_RAW, DLT_LINUX_SLL2, DLT_EN10MB } ) {
+      bpf_program program{};
+      error = compile( expression, linkType, program );
+      pcap_freecode( &program );
+      if ( error.empty() ) break;
+   }
+   return error;
+}
+
 void Capture::PcapCloser::operator()( pcap * handle ) const { pcap_close( handle ); }
+
+void Capture::ProgramFreer::operator()( bpf_program * program ) const {
+   pcap_freecode( program );
+   delete program;
+}
 
 void Capture::handleIs( Handle handle ) {
    handle_ = std::move( handle );
@@ -44,8 +94,12 @@ Capture Capture::file( std::string const & name, CaptureLimits const & limits ) 
    Capture capture( name, limits );
    capture.file_.reset( name == "-" ? stdin : std::fopen( name.c_str(), "rb" ) );
    if ( !capture.file_ ) throw InputError( name + ": " + std::strerror( errno ) );
-   int const first = std::getc( capture.file_.get() );
-   if ( first != EOF ) std::ungetc( first, capture.file_.get() );
+   int first = firstOctet( capture.file_.get() );
+   if ( first == gzipFirstOctet ) {
+      capture.file_.reset( gunzip( capture.file_.release() ) );
+      if ( !capture.file_ ) throw InputError( name + ": " + std::strerror( errno ) );
+      first = firstOctet( capture.file_.get() );
+   }
    if ( first == PcapngReader::firstOctet ) {
       capture.pcapng_ = std::make_unique< PcapngReader >( capture.file_.get() );
       return capture;
@@ -71,17 +125,19 @@ Capture Capture::interface( std::string const & name, CaptureLimits const & limi
    pcap_set_tstamp_precision( handle.get(), PCAP_TSTAMP_PRECISION_NANO );
    if ( int const status = pcap_activate( handle.get() ); status < 0 ) {
       std::string const detail = pcap_geterr( handle.get() );
-      throw InputError( name + ": " + ( detail.empty() ? pcap_statustostr( status ) : detail ) );
+      std::string why = detail.empty() ? pcap_statustostr( status ) : detail;
+      if ( status == PCAP_ERROR_PERM_DENIED )
+         why += " (as root, or once: setcap cap_net_raw+ep on the program)";
+      throw InputError( name + ": " + why );
    }
    // All interfaces at once: this link type says which one each packet was on.
    if ( pcap_datalink( handle.get() ) == DLT_LINUX_SLL ) pcap_set_datalink( handle.get(), DLT_LINUX_SLL2 );
-   // `vlan` shifts all that follows it, so each depth of tags needs its own test. Some link types know no
-   // tags.
    bpf_program program;
-   char const * const filters[] = { "port 646 or (vlan and (port 646 or (vlan and port 646)))", "port 646" };
    bool compiled = false;
-   for ( char const * filter : filters ) {
-      compiled = pcap_compile( handle.get(), &program, filter, 1, PCAP_NETMASK_UNKNOWN ) == 0;
+   for ( std::string const & filter :
+         { liveFilter( true ), liveFilter( false ), std::string( "port 646" ) } ) {
+      // Some link types know no tags.
+      compiled = pcap_compile( handle.get(), &program, filter.c_str(), 1, PCAP_NETMASK_UNKNOWN ) == 0;
       if ( compiled ) break;
    }
    if ( !compiled ) throw InputError( name + ": " + pcap_geterr( handle.get() ) );
@@ -100,23 +156,44 @@ void Capture::stop() {
    if ( handle_ ) pcap_breakloop( handle_.get() );
 }
 
-// Whether the packet lies behind the end that was set.
-bool Capture::isOver( Arrival const & arrival ) {
-   constexpr std::int64_t secondsOfDay = 86400;
+// Whether the packet lies within the range, and the filter takes it. The first one behind the range ends the
+// run.
+bool Capture::isWanted( Octets octets, Arrival const & arrival, int linkType ) {
    double const at = double( arrival.seconds ) + double( arrival.nanoseconds ) * 1e-9;
    if ( !started_ ) {
       started_ = true;
-      double const midnight = double( arrival.seconds - arrival.seconds % secondsOfDay );
-      end_.time = std::min( end_.time, midnight + end_.timeOfDay );
+      std::time_t second = std::time_t( arrival.seconds );
+      std::tm day{};
+      range_.utc ? gmtime_r( &second, &day ) : localtime_r( &second, &day );
+      day.tm_hour = day.tm_min = day.tm_sec = 0;
+      second = range_.utc ? timegm( &day ) : mktime( &day );
+      for ( CaptureMoment * moment : { &range_.from, &range_.to } )
+         if ( moment->timeOfDay ) moment->time = double( second ) + *moment->timeOfDay;
    }
-   if ( arrival.frame <= end_.frame && at <= end_.time ) return false;
-   stop();
-   return true;
+   auto const & [from, to] = std::tie( range_.from, range_.to );
+   if ( arrival.frame > to.frame.value_or( arrival.frame ) || at > to.time.value_or( at ) ) {
+      stop();
+      return false;
+   }
+   return arrival.frame >= from.frame.value_or( 0 ) && at >= from.time.value_or( at ) &&
+          ( range_.filter.empty() || passes( octets, linkType ) );
 }
 
-void Capture::run( PduSink & sink, CaptureEnd const & end ) {
+bool Capture::passes( Octets octets, int linkType ) {
+   auto & filter = filters_[linkType];
+   if ( !filter ) {
+      filter.reset( new bpf_program{} );
+      std::string const error = compile( range_.filter, linkType, *filter );
+      if ( !error.empty() ) throw InputError( "--bpf '" + range_.filter + "': " + error );
+   }
+   pcap_pkthdr header{};
+   header.caplen = header.len = bpf_u_int32( octets.size() );
+   return pcap_offline_filter( filter.get(), &header, octets.data() ) != 0;
+}
+
+void Capture::run( PduSink & sink, CaptureRange const & range ) {
    sink_ = &sink;
-   end_ = end;
+   range_ = range;
    streams_ = std::make_unique< Streams >( sink, limits_.flows );
    std::FILE * const stream = live_ ? nullptr : file_ ? file_.get() : pcap_file( handle_.get() );
    std::int64_t const size = sizeOf( stream );
@@ -132,6 +209,8 @@ void Capture::run( PduSink & sink, CaptureEnd const & end ) {
    counters_.repeatedOctets = streams_->repeatedOctets();
    counters_.straySegments = streams_->straySegments();
    counters_.forgottenFlows = streams_->forgotten();
+   pcap_stat system{};
+   if ( live_ && pcap_stats( handle_.get(), &system ) == 0 ) counters_.dropped = system.ps_drop;
    if ( failure.empty() && otherLinkTypes_ && otherLinkTypes_ == counters_.packets )
       failure = unsupported( linkType_ );
    if ( !failure.empty() ) throw InputError( name_ + ": " + failure );
@@ -145,10 +224,11 @@ bool Capture::readPcap( std::string & failure ) {
       // With nanosecond precision, tv_usec holds nanoseconds.
       Arrival const arrival{ capture.counters_.packets, header->ts.tv_sec,
                              std::uint32_t( header->ts.tv_usec ) };
-      if ( capture.isOver( arrival ) ) return;
       try {
-         capture.onPacket( { octets, header->caplen }, arrival, capture.linkType_,
-                           capture.live_ ? &capture.interface_ : nullptr );
+         Octets const packet( octets, header->caplen );
+         if ( capture.isWanted( packet, arrival, capture.linkType_ ) )
+            capture.onPacket( packet, arrival, capture.linkType_,
+                              capture.live_ ? &capture.interface_ : nullptr );
       } catch ( ... ) { // not through libpcap, which is C
          if ( !capture.thrown_ ) capture.thrown_ = std::current_exception();
          capture.stop();
@@ -163,7 +243,7 @@ bool Capture::readPcap( std::string & failure ) {
 
 bool Capture::readPcapng( std::string & failure ) {
    PcapngReader::Packet packet;
-   for ( int i = 0; i < packetsAtOnce; ++i ) {
+   for ( int i = 0; i < packetsAtOnce && !stopped_; ++i ) {
       try {
          if ( !pcapng_->next( packet ) ) return false;
       } catch ( InputError const & error ) {
@@ -172,9 +252,9 @@ bool Capture::readPcapng( std::string & failure ) {
       }
       ++counters_.packets;
       Arrival const arrival{ counters_.packets, packet.seconds, packet.nanoseconds };
-      if ( isOver( arrival ) ) return false;
       if ( linkTypeKnown( packet.linkType ) ) {
-         onPacket( packet.octets, arrival, packet.linkType, packet.interface );
+         if ( isWanted( packet.octets, arrival, packet.linkType ) )
+            onPacket( packet.octets, arrival, packet.linkType, packet.interface );
       } else {
          linkType_ = packet.linkType;
          ++otherLinkTypes_;
@@ -228,7 +308,8 @@ void Capture::onFragment( Octets ipPacket, Arrival const & arrival, Place const 
       auto const whole = packet.serialize();
       Segment segment;
       segment.place = place;
-      if ( parseIp( whole, segment ) == LinkResult::segment ) onSegment( segment, arrival );
+      Octets within; // a fragment of a packet that this one carries is given up
+      if ( parseIp( whole, segment, within ) == LinkResult::segment ) onSegment( segment, arrival );
    } catch ( Tins::exception_base const & ) {
       ++counters_.truncated; // what libtins does not take for an IP packet
    }

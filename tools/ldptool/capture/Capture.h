@@ -17,6 +17,7 @@
 #include <memory>
 #include <string>
 
+struct bpf_program;
 struct pcap;
 struct pcap_pkthdr;
 
@@ -31,6 +32,7 @@ struct CaptureCounters {
    std::uint64_t repeatedOctets = 0;
    std::uint64_t straySegments = 0;  ///< of no connection that is under way: far from its sequence numbers
    std::uint64_t forgottenFlows = 0; ///< conversations given up for others, because there are too many
+   std::uint64_t dropped = 0;        ///< by the system, which had no room for them
    std::uint64_t lostFragments = 0;  ///< given up before their fellows came, because there are too many
 };
 
@@ -41,12 +43,15 @@ class Capture {
    /// Listen on an interface. Throws InputError.
    static Capture interface( std::string const & name, CaptureLimits const & limits = {} );
 
+   /// What is wrong with an expression of pcap-filter(7); empty if it makes sense on some link.
+   static std::string filterError( std::string const & expression );
+
    /// Deliver every PDU to `sink`. Returns at the end of the file, or once `stop` was called.
    /// Throws InputError when the file turns out damaged; what stands before the damage has been delivered by
    /// then.
-   void run( PduSink & sink, CaptureEnd const & end = {} );
-   /// The time up to which it was to be read, once that is known; else `CaptureEnd::never`.
-   double endTime() const { return end_.time; }
+   void run( PduSink & sink, CaptureRange const & range = {} );
+   /// The time up to which it was to be read, once that is known.
+   std::optional< double > endTime() const { return range_.to.time; }
 
    /// End `run` from within a signal handler, or from within the sink.
    void stop();
@@ -58,6 +63,9 @@ class Capture {
       void operator()( pcap * handle ) const;
    };
    using Handle = std::unique_ptr< pcap, PcapCloser >;
+   struct ProgramFreer {
+      void operator()( bpf_program * program ) const;
+   };
 
    struct FileCloser {
       void operator()( std::FILE * file ) const { std::fclose( file ); }
@@ -67,7 +75,8 @@ class Capture {
    Capture( std::string name, CaptureLimits const & limits )
         : name_( std::move( name ) ), limits_( limits ) {}
    void handleIs( Handle handle );
-   bool isOver( Arrival const & arrival );
+   bool isWanted( Octets octets, Arrival const & arrival, int linkType );
+   bool passes( Octets octets, int linkType );
    bool readPcap( std::string & failure );
    bool readPcapng( std::string & failure );
    std::string const * interfaceOf( std::uint32_t index );
@@ -87,7 +96,8 @@ class Capture {
    std::map< std::uint32_t, std::string > interfaces_; ///< by the index that the link header has
    volatile std::sig_atomic_t stopped_ = 0;
    std::uint64_t otherLinkTypes_ = 0; ///< packets of links that cannot be read
-   CaptureEnd end_;
+   CaptureRange range_;
+   std::map< int, std::unique_ptr< bpf_program, ProgramFreer > > filters_; ///< by link type
    bool started_ = false;
    std::exception_ptr thrown_; ///< by the sink, while libpcap is on the stack
    PduSink * sink_ = nullptr;

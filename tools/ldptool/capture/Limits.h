@@ -5,7 +5,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <limits>
+#include <optional>
+#include <string>
 
 namespace LdpTool {
 
@@ -14,13 +15,19 @@ struct CaptureLimits {
    std::size_t fragmentOctets = 8 << 20; ///< of IP packets that wait for their other fragments
 };
 
-/// Where to stop reading.
-struct CaptureEnd {
-   static constexpr double never = std::numeric_limits< double >::infinity();
+/// A packet of a capture, by its number or its time. The default is none.
+struct CaptureMoment {
+   std::optional< std::uint64_t > frame; ///< counted from 1
+   std::optional< double > time;         ///< seconds since the epoch
+   std::optional< double > timeOfDay;    ///< seconds, on the day of the first packet
+};
 
-   std::uint64_t frame = std::numeric_limits< std::uint64_t >::max(); ///< the last one read
-   double time = never;      ///< nothing later is read; seconds since the epoch
-   double timeOfDay = never; ///< the same, on the day of the first packet (UTC)
+/// Which packets to read.
+struct CaptureRange {
+   CaptureMoment from;
+   CaptureMoment to;   ///< the last one
+   bool utc = false;   ///< the day begins by universal and not by local time
+   std::string filter; ///< in the language of pcap-filter(7); empty for all
 };
 
 } // namespace LdpTool

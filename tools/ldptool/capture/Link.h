@@ -1,7 +1,8 @@
 #pragma once
 
 // From a captured packet to its UDP datagram or TCP segment: link header (Ethernet with any VLAN tags, Linux
-// cooked version 1 and 2, raw IP, loopback), IPv4 or IPv6 with its extension headers, UDP or TCP. Reads only
+// cooked version 1 and 2, PPP, Cisco HDLC, raw IP, loopback), IPv4 or IPv6 with its extension headers, UDP or
+// TCP; and what may carry all this once more: MPLS labels, PPPoE, IP in IP, GRE, ERSPAN, VXLAN. Reads only
 // what was captured and allocates nothing: this runs for every packet of a capture, also for those that are
 // not LDP.
 
@@ -30,18 +31,17 @@ struct Segment {
 enum class LinkResult {
    segment,   ///< a segment or datagram of LDP
    other,     ///< something else
-   fragment,  ///< a piece of an IP packet; `ipPacket` holds it when it is IPv4
+   fragment,  ///< a piece of an IP packet, the innermost that can be seen
    truncated, ///< the capture cut the packet off inside a header, so nobody can tell
 };
 
 /// Whether packets of this link type (a `DLT_` value of libpcap) can be read.
 bool linkTypeKnown( int linkType );
 
-/// Read one packet. On `segment` the parts of `segment` are set; on `fragment` of IPv4, `ipPacket` is that
-/// packet.
+/// Read one packet. On `segment` the parts of `segment` are set; on `fragment`, `ipPacket` is that packet.
 LinkResult parseLink( int linkType, Octets packet, Segment & segment, Octets & ipPacket );
 
 /// The same for a packet that begins with its IP header.
-LinkResult parseIp( Octets packet, Segment & segment );
+LinkResult parseIp( Octets packet, Segment & segment, Octets & ipPacket );
 
 } // namespace LdpTool

@@ -15,8 +15,10 @@ constexpr int exitBadMessage = 1;  ///< the input held something that is not as 
 constexpr int exitUsage = 2;       ///< wrong arguments, unreadable input, unwritable output
 constexpr int exitUnsupported = 3; ///< nothing was wrong, but something is not supported here
 
+void addCompletionCommand( CLI::App & app );
 void addDecodeCommand( CLI::App & app );
 void addExplainCommand( CLI::App & app );
+void addReportCommand( CLI::App & app );
 void addRingCommand( CLI::App & app );
 void addTypesCommand( CLI::App & app );
 void addWatchCommand( CLI::App & app );

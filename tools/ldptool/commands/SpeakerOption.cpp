@@ -1,4 +1,4 @@
-// Speakers by name.
+// Speakers and prefixes by name.
 #include "commands/SpeakerOption.h"
 
 #include "Vorn/Strep.h"
@@ -15,6 +15,18 @@ Ldp::LdpIdentifier speakerOf( std::string const & option, std::string const & te
       return identifier;
    } catch ( Vorn::RangeException const & ) {
       throw CLI::ValidationError( option, text + " is not an LDP identifier" );
+   }
+}
+
+Lumo::IpGenPrefix prefixOf( std::string const & option, std::string const & text ) {
+   try {
+      bool const whole = text.find( '/' ) != text.npos;
+      std::string const bits = text.find( ':' ) == text.npos ? "/32" : "/128";
+      Lumo::IpGenPrefix prefix;
+      Vorn::strepToValue( ( whole ? text : text + bits ).c_str(), &prefix );
+      return prefix;
+   } catch ( Vorn::RangeException const & ) {
+      throw CLI::ValidationError( option, text + " is not a prefix" );
    }
 }
 

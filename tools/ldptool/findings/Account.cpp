@@ -21,11 +21,106 @@ Pair ordered( LdpIdentifier const & a, LdpIdentifier const & b ) {
    return a < b ? Pair( a, b ) : Pair( b, a );
 }
 
-void tell( Output & out, std::string const & topic, std::string const & text ) {
-   std::string line = "  " + topic;
-   line.resize( std::max< std::size_t >( line.size() + 1, 16 ), ' ' );
-   out.escaped( line + text ) << '\n';
-}
+/// What an account is made of, one after the other.
+class Account {
+ public:
+   virtual ~Account() = default;
+   /// What follows is of the speaker, or of the pair.
+   virtual void speaker( LdpIdentifier const & id ) = 0;
+   virtual void pair( Pair const & pair ) = 0;
+   virtual void fact( char const * topic, std::string const & text ) = 0;
+   virtual void finding( Finding const & finding, std::vector< std::uint64_t > const & frames ) = 0;
+};
+
+class TextAccount : public Account {
+ public:
+   explicit TextAccount( Output & out ) : out_( out ) {}
+   void speaker( LdpIdentifier const & id ) override { out_ << "speaker " << textOf( id ) << '\n'; }
+   void pair( Pair const & pair ) override {
+      out_ << textOf( pair.first ) << " and " << textOf( pair.second ) << '\n';
+   }
+   void fact( char const * topic, std::string const & text ) override {
+      std::string line = std::string( "  " ) + topic;
+      line.resize( std::max< std::size_t >( line.size() + 1, 16 ), ' ' );
+      out_.escaped( line + text ) << '\n';
+   }
+   void finding( Finding const & finding, std::vector< std::uint64_t > const & frames ) override {
+      std::string text;
+      for ( std::uint64_t frame : frames )
+         text += ( text.empty() ? "" : ", " ) + std::to_string( frame );
+      if ( !frames.empty() ) text = ( frames.size() == 1 ? " [frame " : " [frames " ) + text + "]";
+      out_.escaped( "  ! " + finding.what + text ) << '\n';
+      out_.escaped( "    look at: " + finding.look ) << '\n';
+   }
+
+ private:
+   Output & out_;
+};
+
+/// An object for each speaker and each pair.
+class JsonAccount : public Account {
+ public:
+   explicit JsonAccount( JsonWriter & json ) : json_( json ) { json_.array(); }
+   ~JsonAccount() override {
+      close();
+      json_.endArray();
+   }
+   void speaker( LdpIdentifier const & id ) override {
+      open();
+      json_.member( "speaker", id.stringValue() );
+   }
+   void pair( Pair const & pair ) override {
+      open();
+      json_.key( "pair" );
+      json_.array();
+      json_.value( pair.first.stringValue() );
+      json_.value( pair.second.stringValue() );
+      json_.endArray();
+   }
+   void fact( char const * topic, std::string const & text ) override {
+      in( "facts" );
+      json_.object();
+      json_.member( "topic", topic );
+      json_.member( "text", text );
+      json_.endObject();
+   }
+   void finding( Finding const & finding, std::vector< std::uint64_t > const & frames ) override {
+      in( "findings" );
+      json_.object();
+      json_.member( "what", finding.what );
+      json_.key( "frames" );
+      json_.array();
+      for ( std::uint64_t frame : frames )
+         json_.value( frame );
+      json_.endArray();
+      json_.member( "look", finding.look );
+      json_.endObject();
+   }
+
+ private:
+   void open() {
+      close();
+      json_.object();
+      open_ = true;
+   }
+   void in( std::string_view list ) {
+      if ( list == list_ ) return;
+      if ( !list_.empty() ) json_.endArray();
+      json_.key( list );
+      json_.array();
+      list_ = list;
+   }
+   void close() {
+      if ( !list_.empty() ) json_.endArray();
+      if ( open_ ) json_.endObject();
+      list_ = "";
+      open_ = false;
+   }
+
+   JsonWriter & json_;
+   bool open_ = false;     ///< an object
+   std::string_view list_; ///< that is open in it; facts come before findings
+};
 
 /// What both, one or none of two have done.
 std::string sides( Seen const & a, Seen const & b, Pair const & pair ) {
@@ -35,7 +130,7 @@ std::string sides( Seen const & a, Seen const & b, Pair const & pair ) {
    return "of " + textOf( a ? pair.first : pair.second ) + " only (" + frameText( ( a ? a : b ).first ) + ")";
 }
 
-void tellHellos( Output & out, Pair const & pair, Changes const & changes ) {
+void tellHellos( Account & account, Pair const & pair, Changes const & changes ) {
    Seen heard[2];
    std::string present[2];
    for ( Change const * change : changes ) {
@@ -48,10 +143,10 @@ void tellHellos( Output & out, Pair const & pair, Changes const & changes ) {
    }
    std::string const last = present[0].empty() ? present[1] : present[0];
    // Who hears is the other one of who was heard.
-   tell( out, "hellos", sides( heard[1], heard[0], pair ) + last );
+   account.fact( "hellos", sides( heard[1], heard[0], pair ) + last );
 }
 
-void tellConnection( Output & out, Evidence const & evidence, Pair const & pair ) {
+void tellConnection( Account & account, Evidence const & evidence, Pair const & pair ) {
    bool any = false;
    for ( auto const & [own, peer] : { pair, Pair( pair.second, pair.first ) } ) {
       Sent const & sent = evidence.sentTo( own, peer );
@@ -60,61 +155,58 @@ void tellConnection( Output & out, Evidence const & evidence, Pair const & pair 
       std::string text = textOf( own ) + " connects: " + std::to_string( sent.syns.times ) +
                          ( sent.syns.times == 1 ? " SYN, " : " SYNs, " );
       text += sent.established ? "established in " + frameText( sent.established.last ) : "never established";
-      tell( out, "connection", text );
+      account.fact( "connection", text );
    }
    bool const works = evidence.sentTo( pair.first, pair.second ).keepAlives ||
                       evidence.sentTo( pair.second, pair.first ).keepAlives;
-   if ( !any ) tell( out, "connection", works ? "began before the capture" : "none was tried" );
+   if ( !any ) account.fact( "connection", works ? "began before the capture" : "none was tried" );
 }
 
-void tellSession( Output & out, Evidence const & evidence, Pair const & pair, Changes const & changes ) {
+void tellSession( Account & account, Evidence const & evidence, Pair const & pair, Changes const & changes ) {
    Sent const & there = evidence.sentTo( pair.first, pair.second );
    Sent const & back = evidence.sentTo( pair.second, pair.first );
-   tell( out, "Initialization", sides( there.inits, back.inits, pair ) );
-   tell( out, "KeepAlive", sides( there.keepAlives, back.keepAlives, pair ) );
+   account.fact( "Initialization", sides( there.inits, back.inits, pair ) );
+   account.fact( "KeepAlive", sides( there.keepAlives, back.keepAlives, pair ) );
    bool any = false;
    for ( Change const * change : changes ) {
       if ( change->subject != "session" || change->speaker != pair.first ) continue;
       if ( change->to != "Operational" && change->from != "Operational" ) continue;
       any = true;
-      tell( out, "session",
-            timeText( change->at ) + " " + change->to + " (" + frameText( change->at.frame ) +
-                 "): " + change->cause );
+      account.fact( "session", timeText( change->at ) + " " + change->to + " (" +
+                                    frameText( change->at.frame ) + "): " + change->cause );
    }
-   if ( !any ) tell( out, "session", "never operational" );
+   if ( !any ) account.fact( "session", "never operational" );
 }
 
 /// What the sender may well mean, but nobody here knows what comes of it.
-void tellUnsupported( Output & out, Evidence const & evidence, Pair const & pair ) {
+void tellUnsupported( Account & account, Evidence const & evidence, Pair const & pair ) {
    for ( auto const & [own, peer] : { pair, Pair( pair.second, pair.first ) } )
       for ( auto const & [reason, seen] : evidence.sentTo( own, peer ).unsupported )
-         tell( out, "not followed",
-               std::to_string( seen.times ) + " message(s) of " + textOf( own ) + ", not supported here (" +
-                    frameText( seen.first ) + "): " + reason );
+         account.fact( "not followed", std::to_string( seen.times ) + " message(s) of " + textOf( own ) +
+                                            ", not supported here (" + frameText( seen.first ) +
+                                            "): " + reason );
 }
 
-std::size_t tellFindings( Output & out, std::vector< Finding > const & findings ) {
+/// Returns how many they are.
+std::size_t tellFindings( Account & account, std::vector< Finding > const & findings ) {
    for ( Finding const & finding : findings ) {
-      std::string frames;
-      unsigned shown = 0;
-      std::uint64_t before = 0;
-      for ( std::uint64_t frame : finding.frames ) {
-         if ( !frame || frame == before ) continue;
-         frames += ( frames.empty() ? "" : ", " ) + std::to_string( frame );
-         before = frame;
-         ++shown;
-      }
-      if ( shown ) frames = ( shown == 1 ? " [frame " : " [frames " ) + frames + "]";
-      out.escaped( "  ! " + finding.what + frames ) << '\n';
-      out.escaped( "    look at: " + finding.look ) << '\n';
+      std::vector< std::uint64_t > frames;
+      for ( std::uint64_t frame : finding.frames )
+         if ( frame && ( frames.empty() || frame != frames.back() ) ) frames.push_back( frame );
+      account.finding( finding, frames );
    }
    return findings.size();
 }
 
-} // namespace
+/// What was found, and of whom.
+struct Told {
+   std::size_t findings = 0;
+   bool anySpeaker = false;
+   bool anyPair = false;
+};
 
-std::size_t printAccounts( Output & out, Evidence const & evidence, Network const & network,
-                           Monitor & monitor, std::optional< LdpIdentifier > const & about ) {
+Told tellAll( Account & account, Evidence const & evidence, Network const & network, Monitor & monitor,
+              std::optional< LdpIdentifier > const & about ) {
    Journal const & journal = monitor.journal();
    std::map< Pair, Changes > pairs;
    std::map< LdpIdentifier, Status const * > states;
@@ -125,34 +217,50 @@ std::size_t printAccounts( Output & out, Evidence const & evidence, Network cons
    for ( auto & speaker : network.speakerColl() )
       for ( auto & status : speaker.ldpStatusColl()->statusColl() )
          states[speaker.ldpIdentifier()] = &status;
-   std::size_t found = 0;
+   Told told;
+   told.anySpeaker = !states.empty();
    for ( auto const & [id, status] : states ) {
       if ( about && id != *about ) continue;
       auto const findings = findingsOf( evidence, id );
       if ( findings.empty() ) continue;
-      out << "speaker " << textOf( id ) << '\n';
-      found += tellFindings( out, findings );
+      account.speaker( id );
+      told.findings += tellFindings( account, findings );
    }
-   std::size_t told = 0;
    for ( auto const & [pair, changes] : pairs ) {
       if ( about && pair.first != *about && pair.second != *about ) continue;
-      ++told;
-      out << textOf( pair.first ) << " and " << textOf( pair.second ) << '\n';
-      tellHellos( out, pair, changes );
-      tellConnection( out, evidence, pair );
-      tellSession( out, evidence, pair, changes );
-      tellUnsupported( out, evidence, pair );
-      found += tellFindings( out, sessionFindings( evidence, journal, changes, pair.first, pair.second ) );
+      told.anyPair = true;
+      account.pair( pair );
+      tellHellos( account, pair, changes );
+      tellConnection( account, evidence, pair );
+      tellSession( account, evidence, pair, changes );
+      tellUnsupported( account, evidence, pair );
+      told.findings +=
+           tellFindings( account, sessionFindings( evidence, journal, changes, pair.first, pair.second ) );
       for ( auto const & [own, peer] : { pair, Pair( pair.second, pair.first ) } )
          if ( auto const state = states.find( own ); state != states.end() )
             monitor.show( own, peer, [&, &own = own, &peer = peer] {
-               found += tellFindings( out, labelFindings( *state->second, own, peer ) );
+               told.findings += tellFindings( account, labelFindings( *state->second, own, peer ) );
             } );
    }
-   if ( !told )
-      out << ( states.empty() ? "no speaker: no good hello or session message was seen\n"
-                              : "no two speakers have anything to do with each other\n" );
-   return found;
+   return told;
+}
+
+} // namespace
+
+std::size_t printAccounts( Output & out, Evidence const & evidence, Network const & network,
+                           Monitor & monitor, std::optional< LdpIdentifier > const & about ) {
+   TextAccount account( out );
+   Told const told = tellAll( account, evidence, network, monitor, about );
+   if ( !told.anyPair )
+      out << ( told.anySpeaker ? "no two speakers have anything to do with each other\n"
+                               : "no speaker: no good hello or session message was seen\n" );
+   return told.findings;
+}
+
+std::size_t writeAccounts( JsonWriter & json, Evidence const & evidence, Network const & network,
+                           Monitor & monitor, std::optional< LdpIdentifier > const & about ) {
+   JsonAccount account( json );
+   return tellAll( account, evidence, network, monitor, about ).findings;
 }
 
 } // namespace LdpTool

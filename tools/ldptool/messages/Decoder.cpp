@@ -4,17 +4,33 @@
 #include "messages/Fault.h"
 #include "text/Words.h"
 
+#include <algorithm>
 #include <iostream>
 
 namespace LdpTool {
 
 using namespace Ldp;
 
+// A wildcard is about every FEC.
+bool Selection::takes( LdpMsgParser const & parser ) const {
+   auto const & fec = parser.ldpFecTlvParser();
+   if ( !fec ) return !fecsOnly;
+   for ( U32 i = 0; i < fec->fecElements(); ++i ) {
+      LdpFecTlvElement const & element = *fec->fecElement( i );
+      bool const prefix = element.type() == prefixElement || element.type() == hostAddrElement;
+      if ( element.type() == wildcardElement ||
+           ( prefix && isWithin( element.fwdEqvCls().prefix(), *within ) ) )
+         return true;
+   }
+   return false;
+}
+
 Decoder::Decoder( Reporter & reporter, Selection selection, Output & idle )
      : reporter_( reporter ), selection_( std::move( selection ) ), idle_( idle ) {}
 
 void Decoder::onPdu( Origin const & origin, LdpPdu const & taken ) {
    Pdu const pdu{ origin, taken, { taken.pkt()->front(), std::size_t( taken.pkt()->frontBytes() ) } };
+   if ( selection_.speaker && !isOfSpeaker( pdu ) ) return;
    if ( taken.valid() ) {
       decodeMessages( pdu );
       return;
@@ -28,6 +44,22 @@ void Decoder::onPdu( Origin const & origin, LdpPdu const & taken ) {
    }
 }
 
+// Who the other side of a flow is, it says itself; until then its address may.
+bool Decoder::isOfSpeaker( Pdu const & pdu ) {
+   LdpIdentifier const & speaker = *selection_.speaker;
+   LdpIdentifier const & sender = pdu.pdu.ldpIdentifier();
+   if ( !pdu.origin.flow ) return sender == speaker;
+   Flow const & flow = *pdu.origin.flow;
+   constexpr std::size_t mostFlows = 65536;
+   if ( senders_.size() < mostFlows ) senders_[flow] = sender;
+   if ( sender == speaker ) return true;
+   auto const other = senders_.find( flow.reversed() );
+   if ( other != senders_.end() ) return other->second == speaker;
+   Lumo::IpAddr destination;
+   std::copy_n( flow.destination.begin(), Lumo::IpAddr::size, destination.octets() );
+   return flow.addressSize == Lumo::IpAddr::size && destination == Lumo::IpAddr( speaker.lsrId() );
+}
+
 void Decoder::decodeMessages( Pdu const & pdu ) {
    pduReported_ = false;
    Vorn::Ptr< Lumo::Pkt > const & pkt = pdu.pdu.pkt();
@@ -39,7 +71,7 @@ void Decoder::decodeMessages( Pdu const & pdu ) {
       U8 const * const unit = pdu.octets.data() + offset;
       auto const type = LdpMsgType( ( unit[0] << 8 | unit[1] ) & 0x7fff );
       next = offset + totalOfLength( U16( unit[2] << 8 | unit[3] ) );
-      if ( !selection_.types.empty() && !selection_.types.contains( type ) ) continue;
+      if ( !selection_.takes( type ) ) continue;
       // The dispatch comes to the same parser of a good message by way of a plain one, which is half of the
       // work. What it makes of any other message is for the dispatch alone to say.
       auto const typed = ldpTypedMsgParser( pkt, offset, type );
@@ -48,6 +80,7 @@ void Decoder::decodeMessages( Pdu const & pdu ) {
 }
 
 void Decoder::report( LdpMsgParser const & parser, Pdu const & pdu ) {
+   if ( selection_.within && !selection_.takes( parser ) ) return;
    Vorn::Ptr< LdpCapabilityMsgParser > capability;
    if ( parser.type() == LdpCapability && parser.validMsg() ) {
       capability = ldpCapabilityMsgParserFactory( parser.pkt(), parser.offset() );

@@ -6,14 +6,23 @@
 #include "text/Output.h"
 #include "text/Progress.h"
 
+#include <optional>
 #include <set>
+#include <unordered_map>
 
 namespace LdpTool {
 
 /// Which messages the user wants to see. What is left out is not judged either.
 struct Selection {
-   std::set< std::uint32_t > types; ///< of messages; empty is all
-   bool badOnly = false;            ///< nothing that is good
+   std::set< std::uint32_t > types;             ///< of messages; empty is all
+   bool butTypes = false;                       ///< all but those types
+   std::optional< Lumo::IpGenPrefix > within;   ///< of what has a FEC, only what is about one within
+   bool fecsOnly = false;                       ///< and nothing without a FEC
+   std::optional< Ldp::LdpIdentifier > speaker; ///< only what it says, or is told
+   bool badOnly = false;                        ///< nothing that is good
+
+   bool takes( Ldp::LdpMsgType type ) const { return types.empty() || types.contains( type ) != butTypes; }
+   bool takes( Ldp::LdpMsgParser const & parser ) const;
 };
 
 class Decoder : public PduSink {
@@ -41,11 +50,13 @@ class Decoder : public PduSink {
    void decodeMessages( Pdu const & pdu );
    void report( Ldp::LdpMsgParser const & parser, Pdu const & pdu );
    void count( Verdict verdict );
+   bool isOfSpeaker( Pdu const & pdu );
 
    Reporter & reporter_;
    Selection selection_;
    Output & idle_;
-   bool pduReported_ = false; ///< the PDU in hand
+   std::unordered_map< Flow, Ldp::LdpIdentifier, FlowHash > senders_; ///< of each flow, if they matter
+   bool pduReported_ = false;                                         ///< the PDU in hand
    std::uint64_t messages_ = 0;
    std::uint64_t wrong_ = 0;
    std::uint64_t unsupported_ = 0;

@@ -4,14 +4,16 @@
 #include "messages/Fault.h"
 #include "text/Words.h"
 
+#include <charconv>
+
 namespace LdpTool {
 
 namespace {
 
-using Json = FullReporter::Json;
+using Json = rapidjson::Value;
 
 /// The octets for which the code points of a JSON text stand.
-std::string octetsOf( std::string const & utf8 ) {
+std::string octetsOf( std::string_view utf8 ) {
    std::string octets;
    for ( std::size_t i = 0; i < utf8.size(); ++i ) {
       auto const lead = static_cast< unsigned char >( utf8[i] );
@@ -25,46 +27,54 @@ std::string octetsOf( std::string const & utf8 ) {
 }
 
 /// Numbers of a registry, which everybody writes in hexadecimal.
-bool isTypeNumber( std::string const & key ) {
+bool isTypeNumber( std::string_view key ) {
    return key == "typeValue" || key == "refMsgType" || key == "tlv" || key == "type";
 }
 
-void print( Output & out, std::string const & key, Json const & value ) {
+std::string_view viewOf( Json const & text ) { return { text.GetString(), text.GetStringLength() }; }
+
+// Numbers are as they were written.
+void print( Output & out, std::string_view key, Json const & value ) {
    char const * separator = "";
-   if ( value.is_object() ) {
-      for ( auto const & [name, member] : value.items() ) {
-         out << separator << name << ' ';
-         print( out, name, member );
+   if ( value.IsObject() ) {
+      for ( auto const & [name, member] : value.GetObject() ) {
+         out << separator << viewOf( name ) << ' ';
+         print( out, viewOf( name ), member );
          separator = ", ";
       }
-   } else if ( value.is_array() ) {
+   } else if ( value.IsArray() ) {
       out << '[';
-      for ( auto const & member : value ) {
+      for ( auto const & member : value.GetArray() ) {
          out << separator;
          print( out, key, member );
-         separator = member.is_object() ? "; " : ", ";
+         separator = member.IsObject() ? "; " : ", ";
       }
       out << ']';
-   } else if ( value.is_string() ) {
+   } else if ( value.IsBool() ) {
+      out << ( value.GetBool() ? "true" : "false" );
+   } else {
+      std::string const text = octetsOf( viewOf( value ) );
+      std::uint64_t number = 0;
+      auto const [stop, error] = std::from_chars( text.data(), text.data() + text.size(), number );
+      if ( isTypeNumber( key ) && error == std::errc() && stop == text.data() + text.size() ) {
+         out.hex( number, 4 );
+         return;
+      }
       // Quotes show where a text ends. They are for texts alone, which may have blanks.
-      std::string const text = octetsOf( value.get_ref< std::string const & >() );
       bool const quoted = text.empty() || text.find( ' ' ) != std::string::npos;
       if ( quoted ) out << '"';
       out.escaped( text );
       if ( quoted ) out << '"';
-   } else if ( value.is_number_unsigned() && isTypeNumber( key ) ) {
-      out.hex( value.get< std::uint64_t >(), 4 );
-   } else {
-      out << value.dump();
    }
 }
 
 } // namespace
 
 /// The fields of the message or PDU in hand, as JSON.
-Json FullReporter::taken() {
+rapidjson::Document FullReporter::taken() {
    jsonOut_.flush();
-   Json const object = Json::parse( json_ );
+   rapidjson::Document object;
+   object.Parse< rapidjson::kParseNumbersAsStringsFlag >( json_.data(), json_.size() );
    json_.clear();
    return object;
 }
@@ -77,14 +87,15 @@ void FullReporter::fields( Json const & object, bool ofMessage ) {
       if ( begun ) out_ << '\n';
       begun = false;
    };
-   for ( auto const & [key, value] : object.items() ) {
+   for ( auto const & [name, value] : object.GetObject() ) {
+      std::string_view const key = viewOf( name );
       inMessage = inMessage || key == "type";
       if ( key == "text" || inMessage != ofMessage ) continue;
-      if ( value.is_structured() ) endLine();
+      if ( value.IsObject() || value.IsArray() ) endLine();
       out_ << ( begun ? ", " : "   " ) << key << ' ';
       print( out_, key, value );
       begun = true;
-      if ( value.is_structured() ) endLine();
+      if ( value.IsObject() || value.IsArray() ) endLine();
    }
    endLine();
 }
@@ -98,7 +109,7 @@ void FullReporter::onPdu( Pdu const & pdu ) {
 
 void FullReporter::onMessage( Message const & message ) {
    reporter_.onMessage( message );
-   Json const object = taken();
+   rapidjson::Document const object = taken();
    if ( !pduPrinted_ ) fields( object, false );
    pduPrinted_ = true;
    out_.escaped( message.parser.stringValue().view(), true ) << '\n';

@@ -4,15 +4,13 @@
 
 #include "reporters/Json.h"
 
-#include <nlohmann/json.hpp>
+#include <rapidjson/document.h>
 
 namespace LdpTool {
 
 class FullReporter : public Reporter {
  public:
-   using Json = nlohmann::ordered_json;
-
-   explicit FullReporter( Output & out ) : out_( out ), jsonOut_( json_ ), reporter_( jsonOut_ ) {}
+   explicit FullReporter( Output & out ) : out_( out ), jsonOut_( json_ ), reporter_( jsonOut_, false ) {}
 
    void onPdu( Pdu const & pdu ) override;
    void onMessage( Message const & message ) override;
@@ -20,8 +18,8 @@ class FullReporter : public Reporter {
    void onFatalPdu( Pdu const & pdu, Ldp::LdpPduGuardResult const & fatal ) override;
 
  private:
-   Json taken();
-   void fields( Json const & object, bool ofMessage );
+   rapidjson::Document taken();
+   void fields( rapidjson::Value const & object, bool ofMessage );
 
    Output & out_;
    std::string json_; ///< of the message in hand

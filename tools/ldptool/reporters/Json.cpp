@@ -2,330 +2,322 @@
 #include "reporters/Json.h"
 
 #include "messages/Fault.h"
-#include "text/Words.h"
-
-#include <nlohmann/json.hpp>
 
 namespace LdpTool {
 
 using namespace Ldp;
-using Json = nlohmann::ordered_json;
 
 namespace {
 
-// A text is octets that a peer may have chosen. Each becomes the code point of its value, so that none is
-// lost and the JSON is valid whatever they are.
-std::string latin1( Vorn::String const & octets ) {
-   std::string text;
-   for ( char c : octets ) {
-      auto const octet = static_cast< unsigned char >( c );
-      if ( octet < 0x80 ) {
-         text += c;
-      } else {
-         text += char( 0xc0 | octet >> 6 );
-         text += char( 0x80 | ( octet & 0x3f ) );
-      }
-   }
-   return text;
-}
-
-template< class Enum >
-std::string nameOrNumber( Enum value ) {
-   return latin1( valueToStrep( value ) );
-}
-
-template< class Value >
-std::string text( Value const & value ) {
-   return latin1( value.stringValue() );
-}
-
-std::string hexText( Vorn::String const & octets ) {
-   std::string hex;
-   for ( char c : octets ) {
-      auto const octet = static_cast< unsigned char >( c );
-      hex += "0123456789abcdef"[octet >> 4];
-      hex += "0123456789abcdef"[octet & 0xf];
-   }
-   return hex;
-}
-
-Json originJson( Origin const & origin ) {
+void writeOrigin( JsonWriter & json, Origin const & origin ) {
    Arrival const & arrival = origin.arrival;
-   if ( !origin.flow ) return { { "line", arrival.frame } };
+   if ( !origin.flow ) return json.member( "line", arrival.frame );
    Flow const & flow = *origin.flow;
-   return {
-      { "frame", arrival.frame },
-      { "time", double( arrival.seconds ) + arrival.nanoseconds / 1e9 },
-      { "src", addressText( flow, flow.source ) },
-      { "dst", addressText( flow, flow.destination ) },
-      { "sport", flow.sourcePort },
-      { "dport", flow.destinationPort },
-      { "proto", flow.protocol == protocolTcp ? "tcp" : "udp" },
-   };
+   json.member( "frame", arrival.frame );
+   json.key( "time" );
+   json.time( arrival.seconds, arrival.nanoseconds );
+   json.member( "src", addressText( flow, flow.source ) );
+   json.member( "dst", addressText( flow, flow.destination ) );
+   json.member( "sport", flow.sourcePort );
+   json.member( "dport", flow.destinationPort );
+   json.member( "proto", flow.protocol == protocolTcp ? "tcp" : "udp" );
 }
 
 // Where the PDU comes from, and its header as far as it is there.
-Json pduJson( Pdu const & pdu ) {
+void writePdu( JsonWriter & json, Pdu const & pdu ) {
    LdpPduHdr header;
    if ( pdu.octets.size() >= sizeof header ) {
       header = *reinterpret_cast< LdpPduHdr const * >( pdu.octets.data() );
    }
-   Json json = originJson( pdu.origin );
-   json["lsrId"] = text( Lumo::IpAddr( header.ldpIdentifier().lsrId() ) );
-   json["labelSpace"] = header.ldpIdentifier().lblSpace();
-   json["pduLength"] = header.length();
-   return json;
+   writeOrigin( json, pdu.origin );
+   json.member( "lsrId", Lumo::IpAddr( header.ldpIdentifier().lsrId() ) );
+   json.member( "labelSpace", header.ldpIdentifier().lblSpace() );
+   json.member( "pduLength", header.length() );
 }
 
-std::string textOf( Json const & json ) {
-   constexpr bool onlyAscii = true; // so that no reader takes an octet for a line end
-   return json.dump( -1, ' ', onlyAscii );
+void writePduVerdict( JsonWriter & json, Pdu const & pdu ) {
+   json.member( "pduStatus", pdu.pdu.statusCode() );
+   json.member( "pduReason", pdu.pdu.reason() );
 }
 
-Json helloJson( LdpHelloMsgParser const & hello ) {
+void writeHello( JsonWriter & json, LdpHelloMsgParser const & hello ) {
    LdpCommonHelloTlv const & common = *hello.msgCommonHelloTlv();
-   Json json = {
-      { "holdTime", common.holdTime() },
-      { "targeted", common.targetedHello() },
-      { "requestTargeted", common.requestSendTargetedHello() },
-   };
-   if ( auto const * tlv = hello.msgIpTransportTlv() ) json["ipv4"] = text( tlv->ipAddr() );
-   if ( auto const * tlv = hello.msgIp6TransportTlv() ) json["ipv6"] = text( tlv->ip6Addr() );
-   if ( auto const * tlv = hello.msgConfigSeqTlv() ) json["configSeqNum"] = tlv->configSeqNum();
-   return json;
+   json.object();
+   json.member( "holdTime", common.holdTime() );
+   json.member( "targeted", common.targetedHello() );
+   json.member( "requestTargeted", common.requestSendTargetedHello() );
+   if ( auto const * tlv = hello.msgIpTransportTlv() ) json.member( "ipv4", tlv->ipAddr() );
+   if ( auto const * tlv = hello.msgIp6TransportTlv() )
+      json.member( "ipv6", Lumo::IpGenAddr( tlv->ip6Addr() ) );
+   if ( auto const * tlv = hello.msgConfigSeqTlv() ) json.member( "configSeqNum", tlv->configSeqNum() );
+   json.endObject();
 }
 
-Json capabilitiesJson( LdpCapabilityParser const & parser ) {
-   Json list = Json::array();
+void writeCapabilities( JsonWriter & json, LdpCapabilityParser const & parser ) {
+   json.key( "capabilities" );
+   json.array();
    for ( auto const & node : parser.capabilities() ) {
-      list.push_back( { { "type", U32( node.key() ) },
-                        { "name", nameOrNumber( node.key() ) },
-                        { "state", node.value()->state() } } );
+      json.object();
+      json.member( "type", U32( node.key() ) );
+      json.member( "name", node.key() );
+      json.member( "state", node.value()->state() );
+      json.endObject();
    }
-   return list;
+   json.endArray();
 }
 
-Json initJson( LdpInitMsgParser const & init ) {
+void writeInit( JsonWriter & json, LdpInitMsgParser const & init ) {
    LdpCommonSessionParamTlv const & session = *init.msgSessionParamTlv();
-   Json json = {
-      { "version", session.protocolVersion() },
-      { "keepAlive", session.keepAliveTime() },
-      { "advDiscipline", session.advDiscipline() },
-      { "loopDetect", session.loopDetect() },
-      { "pathVecLim", session.pathVecLim() },
-      { "maxPdu", session.maxPduLength() },
-      { "receiver", text( session.recvLdpIdentifier() ) },
-      { "capabilities", capabilitiesJson( init ) },
-   };
+   json.object();
+   json.member( "version", session.protocolVersion() );
+   json.member( "keepAlive", session.keepAliveTime() );
+   json.member( "advDiscipline", session.advDiscipline() );
+   json.member( "loopDetect", session.loopDetect() );
+   json.member( "pathVecLim", session.pathVecLim() );
+   json.member( "maxPdu", session.maxPduLength() );
+   json.member( "receiver", session.recvLdpIdentifier().stringValue() );
+   writeCapabilities( json, init );
    if ( auto const * ft = init.msgFtSessionTlv() ) {
-      json["ft"] = {
-         { "flags", ft->ftFlags().value() },
-         { "reconnect", ft->ftReconnectTimeout() },
-         { "recovery", ft->ftRecoveryTime() },
-      };
+      json.key( "ft" );
+      json.object();
+      json.member( "flags", ft->ftFlags().value() );
+      json.member( "reconnect", ft->ftReconnectTimeout() );
+      json.member( "recovery", ft->ftRecoveryTime() );
+      json.endObject();
    }
-   return json;
+   json.endObject();
 }
 
-Json capabilityJson( LdpCapabilityMsgParser const & capability ) {
-   return {
-      { "valid", capability.validMsg() },
-      { "status", nameOrNumber( capability.statusCode() ) },
-      { "reason", latin1( capability.reason() ) },
-      { "text", text( capability ) },
-      { "capabilities", capabilitiesJson( capability ) },
-   };
+void writeCapability( JsonWriter & json, LdpCapabilityMsgParser const & capability, bool texts ) {
+   json.object();
+   json.member( "valid", capability.validMsg() );
+   json.member( "status", capability.statusCode() );
+   json.member( "reason", capability.reason() );
+   if ( texts ) json.member( "text", capability.stringValue() );
+   writeCapabilities( json, capability );
+   json.endObject();
 }
 
-Json statusJson( LdpStatusTlv const & status ) {
-   return {
-      { "error", status.statusError() },
-      { "forward", status.statusForwardUnknown() },
-      { "statusData", U32( status.statusData() ) },
-      { "statusName", nameOrNumber( status.statusData() ) },
-      { "refMsgId", status.msgId() },
-      { "refMsgType", U32( status.msgType() ) },
-   };
+void writeStatus( JsonWriter & json, LdpStatusTlv const & status ) {
+   json.member( "error", status.statusError() );
+   json.member( "forward", status.statusForwardUnknown() );
+   json.member( "statusData", U32( status.statusData() ) );
+   json.member( "statusName", status.statusData() );
+   json.member( "refMsgId", status.msgId() );
+   json.member( "refMsgType", U32( status.msgType() ) );
 }
 
-Json addressesJson( LdpAddressListTlv const & tlv ) {
-   Json list = Json::array();
+void writePwStatus( JsonWriter & json, LdpPwStatusTlv const * tlv ) {
+   if ( tlv ) json.member( "pwStatus", tlv->pwStatusField().value() );
+}
+
+void writeNotification( JsonWriter & json, LdpNotificationMsgParser const & notification ) {
+   json.object();
+   writeStatus( json, *notification.msgStatusTlv() );
+   writePwStatus( json, notification.msgPwStatusTlv() );
+   json.endObject();
+}
+
+void writeAddresses( JsonWriter & json, LdpAddressListTlv const & tlv ) {
+   json.object();
+   json.member( "family", tlv.family() );
+   json.key( "list" );
+   json.array();
    for ( U16 i = 0; i < tlv.numAddress(); ++i )
-      list.push_back( text( tlv.address( i ) ) );
-   return { { "family", nameOrNumber( tlv.family() ) }, { "list", std::move( list ) } };
+      json.value( tlv.address( i ) );
+   json.endArray();
+   json.endObject();
 }
 
-Json pwIdJson( LdpFecTlvPwIdElement const & element ) {
+void writePwId( JsonWriter & json, LdpFecTlvPwIdElement const & element ) {
    PwFwdEqvClassInfo const & info = element.pwFwdEqvCls();
    LdpPwIntfParamFlags const sent = element.parsedIntfParams();
-   Json json = { { "type", "pwId" } };
-   if ( info.pwId().value() ) json["pwId"] = info.pwId().value(); // 0 is the short form, which has none
-   json["pwType"] = info.fwdEqvClass().pwTypeValue();
-   json["controlWord"] = info.fwdEqvClass().controlWord();
-   json["groupId"] = info.groupId().value();
-   if ( sent.intfMtu() ) json["mtu"] = info.params().mtu();
-   if ( sent.intfDesc() ) json["description"] = latin1( info.intfDescription() );
-   if ( sent.requestedVlanId() ) json["requestedVlan"] = info.requestedVlanId().value();
-   if ( sent.fragIndicator() ) json["fragmentation"] = info.params().fragCapable();
+   json.member( "type", "pwId" );
+   if ( info.pwId().value() ) json.member( "pwId", info.pwId().value() ); // 0: the short form, which has none
+   json.member( "pwType", info.fwdEqvClass().pwTypeValue() );
+   json.member( "controlWord", info.fwdEqvClass().controlWord() );
+   json.member( "groupId", info.groupId().value() );
+   if ( sent.intfMtu() ) json.member( "mtu", info.params().mtu() );
+   if ( sent.intfDesc() ) json.member( "description", info.intfDescription() );
+   if ( sent.requestedVlanId() ) json.member( "requestedVlan", info.requestedVlanId().value() );
+   if ( sent.fragIndicator() ) json.member( "fragmentation", info.params().fragCapable() );
    if ( sent.vccvParam() ) {
-      json["vccvCc"] = info.params().vccvCcTypes();
-      json["vccvCv"] = info.params().vccvCvTypes().value();
+      json.member( "vccvCc", info.params().vccvCcTypes() );
+      json.member( "vccvCv", info.params().vccvCvTypes().value() );
    }
-   return json;
 }
 
-Json elementJson( LdpFecTlvElement const & element ) {
+void writeElement( JsonWriter & json, LdpFecTlvElement const & element ) {
+   json.object();
    switch ( element.type() ) {
-   case wildcardElement: return { { "type", "wildcard" } };
-   case prefixElement: return { { "type", "prefix" }, { "prefix", text( element.fwdEqvCls().prefix() ) } };
-   case hostAddrElement: return { { "type", "host" }, { "prefix", text( element.fwdEqvCls().prefix() ) } };
+   case wildcardElement: json.member( "type", "wildcard" ); break;
+   case prefixElement:
+   case hostAddrElement:
+      json.member( "type", element.type() == prefixElement ? "prefix" : "host" );
+      json.member( "prefix", element.fwdEqvCls().prefix() );
+      break;
    case p2mpElement:
-      return {
-         { "type", "p2mp" },
-         { "root", text( element.p2mpFecElem().rootIp() ) },
-         { "opaque", hexText( element.p2mpFecElem().opaqueStr() ) },
-      };
-   case pwIdElement: return pwIdJson( static_cast< LdpFecTlvPwIdElement const & >( element ) );
-   default: return {}; // the FEC parser keeps no other
+      json.member( "type", "p2mp" );
+      json.member( "root", element.p2mpFecElem().rootIp() );
+      json.key( "opaque" );
+      json.hex( element.p2mpFecElem().opaqueStr().view() );
+      break;
+   case pwIdElement: writePwId( json, static_cast< LdpFecTlvPwIdElement const & >( element ) ); break;
+   default: break; // the FEC parser keeps no other
    }
+   json.endObject();
 }
 
-Json fecJson( LdpFecTlvParser const & fec ) {
-   Json elements = Json::array();
+void writeFec( JsonWriter & json, LdpFecTlvParser const & fec ) {
+   json.object();
+   json.member( "valid", fec.valid() );
+   json.member( "status", fec.statusCode() );
+   json.member( "reason", fec.reason() );
+   json.key( "elements" );
+   json.array();
    for ( U32 i = 0; i < fec.fecElements(); ++i )
-      elements.push_back( elementJson( *fec.fecElement( i ) ) );
-   return {
-      { "valid", fec.valid() },
-      { "status", nameOrNumber( fec.statusCode() ) },
-      { "reason", latin1( fec.reason() ) },
-      { "elements", std::move( elements ) },
-   };
+      writeElement( json, *fec.fecElement( i ) );
+   json.endArray();
+   json.endObject();
 }
 
-Json pathVectorJson( LdpPathVectorTlv const & tlv ) {
-   Json list = Json::array();
+void writePathVector( JsonWriter & json, LdpPathVectorTlv const & tlv ) {
+   json.key( "pathVector" );
+   json.array();
    for ( U32 i = 0; i < tlv.lsrIdNum(); ++i )
-      list.push_back( text( tlv.lsrId( i ) ) );
-   return list;
+      json.value( tlv.lsrId( i ) );
+   json.endArray();
 }
 
 // The views of the label messages, each of which only some of them have.
 template< class Parser >
-void addLabelViews( Json & json, Parser const & parser ) {
+void writeLabelViews( JsonWriter & json, Parser const & parser ) {
    if constexpr ( requires { parser.msgGenLabelTlv(); } ) {
-      if ( auto const * tlv = parser.msgGenLabelTlv() ) json["label"] = tlv->label().value();
+      if ( auto const * tlv = parser.msgGenLabelTlv() ) json.member( "label", tlv->label().value() );
    }
    if constexpr ( requires { parser.msgHopCountTlv(); } ) {
-      if ( auto const * tlv = parser.msgHopCountTlv() ) json["hopCount"] = tlv->hopCount();
+      if ( auto const * tlv = parser.msgHopCountTlv() ) json.member( "hopCount", tlv->hopCount() );
    }
    if constexpr ( requires { parser.msgPathVectorTlv(); } ) {
-      if ( auto const * tlv = parser.msgPathVectorTlv() ) json["pathVector"] = pathVectorJson( *tlv );
+      if ( auto const * tlv = parser.msgPathVectorTlv() ) writePathVector( json, *tlv );
    }
    if constexpr ( requires { parser.msgReqMsgIdTlv(); } ) {
-      if ( auto const * tlv = parser.msgReqMsgIdTlv() ) json["reqMsgId"] = tlv->reqMsgId();
+      if ( auto const * tlv = parser.msgReqMsgIdTlv() ) json.member( "reqMsgId", tlv->reqMsgId() );
    }
-   if constexpr ( requires { parser.msgPwStatusTlv(); } ) {
-      if ( auto const * tlv = parser.msgPwStatusTlv() ) json["pwStatus"] = tlv->pwStatusField().value();
+   if constexpr ( requires { parser.msgPwStatusTlv(); } ) writePwStatus( json, parser.msgPwStatusTlv() );
+   if ( auto const * tlv = parser.msgStatusTlv() ) {
+      json.key( "statusTlv" );
+      json.object();
+      writeStatus( json, *tlv );
+      json.endObject();
    }
-   if ( auto const * tlv = parser.msgStatusTlv() ) json["statusTlv"] = statusJson( *tlv );
-}
-
-Json notificationJson( LdpNotificationMsgParser const & notification ) {
-   Json json = statusJson( *notification.msgStatusTlv() );
-   if ( auto const * tlv = notification.msgPwStatusTlv() ) json["pwStatus"] = tlv->pwStatusField().value();
-   return json;
 }
 
 // What a valid message holds, by its type.
-void addBody( Json & json, Message const & message ) {
+void writeBody( JsonWriter & json, Message const & message, bool texts ) {
    switch ( message.parser.type() ) {
-   case LdpHello: json["hello"] = helloJson( message.as< LdpHelloMsgParser >() ); return;
-   case LdpInit: json["init"] = initJson( message.as< LdpInitMsgParser >() ); return;
-   case LdpCapability: json["capability"] = capabilityJson( *message.capability ); return;
+   case LdpHello: json.key( "hello" ); return writeHello( json, message.as< LdpHelloMsgParser >() );
+   case LdpInit: json.key( "init" ); return writeInit( json, message.as< LdpInitMsgParser >() );
+   case LdpCapability: json.key( "capability" ); return writeCapability( json, *message.capability, texts );
    case LdpNotification:
-      json["notification"] = notificationJson( message.as< LdpNotificationMsgParser >() );
-      return;
+      json.key( "notification" );
+      return writeNotification( json, message.as< LdpNotificationMsgParser >() );
    case LdpAddress:
-      json["addresses"] = addressesJson( *message.as< LdpAddressMsgParser >().addressListTlv() );
-      return;
+      json.key( "addresses" );
+      return writeAddresses( json, *message.as< LdpAddressMsgParser >().addressListTlv() );
    case LdpAddressWithdraw:
-      json["addresses"] = addressesJson( *message.as< LdpAddressWithdrawMsgParser >().addressListTlv() );
-      return;
-   case LdpLabelMapping: return addLabelViews( json, message.as< LdpLabelMappingMsgParser >() );
-   case LdpLabelRequest: return addLabelViews( json, message.as< LdpLabelRequestMsgParser >() );
-   case LdpLabelWithdraw: return addLabelViews( json, message.as< LdpLabelWithdrawMsgParser >() );
-   case LdpLabelRelease: return addLabelViews( json, message.as< LdpLabelReleaseMsgParser >() );
-   case LdpLabelAbortReq: return addLabelViews( json, message.as< LdpLabelAbortReqMsgParser >() );
+      json.key( "addresses" );
+      return writeAddresses( json, *message.as< LdpAddressWithdrawMsgParser >().addressListTlv() );
+   case LdpLabelMapping: return writeLabelViews( json, message.as< LdpLabelMappingMsgParser >() );
+   case LdpLabelRequest: return writeLabelViews( json, message.as< LdpLabelRequestMsgParser >() );
+   case LdpLabelWithdraw: return writeLabelViews( json, message.as< LdpLabelWithdrawMsgParser >() );
+   case LdpLabelRelease: return writeLabelViews( json, message.as< LdpLabelReleaseMsgParser >() );
+   case LdpLabelAbortReq: return writeLabelViews( json, message.as< LdpLabelAbortReqMsgParser >() );
    case LdpKeepAlive: return;
    }
 }
 
-Json faultJson( Fault const & fault, Verdict verdict ) {
-   auto const hex = []( Octets octets ) {
-      return hexText( Vorn::String( octets.data(), U32( octets.size() ) ) );
+void writeFault( JsonWriter & json, Fault const & fault, Verdict verdict ) {
+   auto const hex = [&]( char const * name, Octets octets ) {
+      json.key( name );
+      json.hex( { reinterpret_cast< char const * >( octets.data() ), octets.size() } );
    };
-   Json json = { { "supported", verdict != Verdict::unsupported }, { "offset", fault.offset } };
-   if ( !fault.ofPdu ) json["messageOffset"] = fault.begin;
-   json["whole"] = fault.whole();
+   json.key( "fault" );
+   json.object();
+   json.member( "supported", verdict != Verdict::unsupported );
+   json.member( "offset", fault.offset );
+   if ( !fault.ofPdu ) json.member( "messageOffset", fault.begin );
+   json.member( "whole", fault.whole() );
    if ( fault.tlv ) {
-      json["tlv"] = U32( *fault.tlv );
-      json["tlvName"] = nameText( *fault.tlv );
+      json.member( "tlv", U32( *fault.tlv ) );
+      json.member( "tlvName", *fault.tlv );
    }
    if ( fault.element ) {
-      json["element"] = U32( *fault.element );
-      json["elementName"] = nameText( *fault.element );
+      json.member( "element", U32( *fault.element ) );
+      json.member( "elementName", *fault.element );
    }
-   json["before"] = hex( fault.before );
-   json["octets"] = hex( fault.at );
-   return json;
+   hex( "before", fault.before );
+   hex( "octets", fault.at );
+   json.endObject();
 }
 
 } // namespace
 
 void JsonReporter::onPdu( Pdu const & pdu ) {
-   Json shared = pduJson( pdu );
-   shared["pduStatus"] = nameOrNumber( pdu.pdu.statusCode() );
-   shared["pduReason"] = latin1( pdu.pdu.reason() );
-   pdu_ = textOf( shared );
-   pdu_.back() = ','; // the message's own fields go on here
+   pdu_.clear();
+   shared_.object();
+   writePdu( shared_, pdu );
+   writePduVerdict( shared_, pdu );
+   shared_.endObject();
+   shared_.endLine();
+   sharedOut_.flush();
 }
 
 void JsonReporter::onMessage( Message const & message ) {
+   constexpr std::size_t braces = sizeof "{}\n" - 1;
    LdpMsgParser const & parser = message.parser;
-   Json json;
-   json["type"] = nameText( parser.type() );
-   json["typeValue"] = U32( parser.type() );
-   json["unknownBit"] = parser.unknown();
-   json["msgId"] = parser.msgId();
-   json["msgLength"] = parser.length();
-   json["status"] = nameOrNumber( parser.statusCode() );
-   json["reason"] = latin1( parser.reason() );
-   json["valid"] = parser.validMsg();
-   json["text"] = text( parser );
+   json_.object();
+   json_.members( std::string_view( pdu_ ).substr( 1, pdu_.size() - braces ) );
+   json_.member( "type", parser.type() );
+   json_.member( "typeValue", U32( parser.type() ) );
+   json_.member( "unknownBit", parser.unknown() );
+   json_.member( "msgId", parser.msgId() );
+   json_.member( "msgLength", parser.length() );
+   json_.member( "status", parser.statusCode() );
+   json_.member( "reason", parser.reason() );
+   json_.member( "valid", parser.validMsg() );
+   if ( texts_ ) json_.member( "text", parser.stringValue() );
    // The FEC parser owns what it found; the views are to be looked at only in a message that is valid.
-   if ( auto const & fec = parser.ldpFecTlvParser() ) json["fec"] = fecJson( *fec );
-   if ( parser.validMsg() ) addBody( json, message );
-   if ( message.bad() ) json["fault"] = faultJson( faultOf( message ), message.verdict );
-   out_ << pdu_ << std::string_view( textOf( json ) ).substr( 1 ) << '\n';
+   if ( auto const & fec = parser.ldpFecTlvParser() ) {
+      json_.key( "fec" );
+      writeFec( json_, *fec );
+   }
+   if ( parser.validMsg() ) writeBody( json_, message, texts_ );
+   if ( message.bad() ) writeFault( json_, faultOf( message ), message.verdict );
+   json_.endObject();
+   json_.endLine();
 }
 
 void JsonReporter::onBadPdu( Pdu const & pdu ) {
-   Json json = pduJson( pdu );
-   json["pduStatus"] = nameOrNumber( pdu.pdu.statusCode() );
-   json["pduReason"] = latin1( pdu.pdu.reason() );
-   json["valid"] = false;
-   json["text"] = latin1( badPduText( pdu.pdu ) );
-   json["fault"] = faultJson( faultOf( pdu ), Verdict::wrong );
-   out_ << textOf( json ) << '\n';
+   json_.object();
+   writePdu( json_, pdu );
+   writePduVerdict( json_, pdu );
+   json_.member( "valid", false );
+   if ( texts_ ) json_.member( "text", badPduText( pdu.pdu ) );
+   writeFault( json_, faultOf( pdu ), Verdict::wrong );
+   json_.endObject();
+   json_.endLine();
 }
 
 void JsonReporter::onFatalPdu( Pdu const & pdu, LdpPduGuardResult const & fatal ) {
-   Json json = pduJson( pdu );
-   json["valid"] = false;
-   json["fatal"] = fatalName( fatal );
-   json["fatalOffset"] = fatal.offset;
-   json["fault"] = faultJson( faultOf( pdu ), verdictOf( fatal ) );
-   out_ << textOf( json ) << '\n';
+   json_.object();
+   writePdu( json_, pdu );
+   json_.member( "valid", false );
+   json_.member( "fatal", fatalName( fatal ) );
+   json_.member( "fatalOffset", fatal.offset );
+   writeFault( json_, faultOf( pdu ), verdictOf( fatal ) );
+   json_.endObject();
+   json_.endLine();
 }
 
 } // namespace LdpTool

@@ -1,10 +1,10 @@
 #pragma once
 
 // One JSON object for each message, on a line of its own. The fields and their order are an interface that
-// scripts rely on; docs/ldptool.1 lists them.
+// scripts rely on; docs/json.md lists them.
 
 #include "messages/Reporter.h"
-#include "text/Output.h"
+#include "text/JsonWriter.h"
 
 #include <string>
 
@@ -12,7 +12,8 @@ namespace LdpTool {
 
 class JsonReporter : public Reporter {
  public:
-   explicit JsonReporter( Output & out ) : out_( out ) {}
+   /// `texts`: with the library's own text of each message.
+   JsonReporter( Output & out, bool texts ) : json_( out ), texts_( texts ) {}
 
    void onPdu( Pdu const & pdu ) override;
    void onMessage( Message const & message ) override;
@@ -20,8 +21,11 @@ class JsonReporter : public Reporter {
    void onFatalPdu( Pdu const & pdu, Ldp::LdpPduGuardResult const & fatal ) override;
 
  private:
-   Output & out_;
-   std::string pdu_; ///< what the objects of a PDU begin with
+   JsonWriter json_;
+   bool const texts_;
+   std::string pdu_; ///< what the objects of a PDU begin with, as an object
+   Output sharedOut_{ pdu_ };
+   JsonWriter shared_{ sharedOut_ };
 };
 
 } // namespace LdpTool

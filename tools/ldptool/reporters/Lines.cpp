@@ -16,16 +16,6 @@ Output & operator<<( Output & out, Text const & text ) {
    return out << text.view();
 }
 
-Output & operator<<( Output & out, Lumo::IpAddr const & addr ) { return out.ipv4( addr.octets() ); }
-
-Output & operator<<( Output & out, Lumo::IpGenAddr const & addr ) {
-   return addr.family() == Lumo::ipv4 ? out << addr.ipAddr() : out << addr.stringValue();
-}
-
-Output & operator<<( Output & out, Lumo::IpGenPrefix const & prefix ) {
-   return out << prefix.address() << '/' << prefix.len();
-}
-
 } // namespace
 
 void LineReporter::onPdu( Pdu const & pdu ) {

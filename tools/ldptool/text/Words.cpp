@@ -1,12 +1,25 @@
 // Names that several forms of output use.
 #include "text/Words.h"
 
-#include "Lumo/Ip.h"
-
 #include <algorithm>
 #include <cstdio>
 
 namespace LdpTool {
+
+Output & operator<<( Output & out, Lumo::IpGenAddr const & addr ) {
+   return addr.family() == Lumo::ipv4 ? out << addr.ipAddr() : out << addr.stringValue().view();
+}
+
+Output & operator<<( Output & out, Lumo::IpGenPrefix const & prefix ) {
+   return out << prefix.address() << '/' << prefix.len();
+}
+
+bool isWithin( Lumo::IpGenPrefix const & prefix, Lumo::IpGenPrefix const & within ) {
+   if ( prefix.address().family() != within.address().family() || prefix.len() < within.len() ) return false;
+   return within == ( prefix.address().family() == Lumo::ipv4
+                           ? Lumo::IpGenPrefix( prefix.address().ipAddr(), within.len() )
+                           : Lumo::IpGenPrefix( prefix.address().ip6Addr(), within.len() ) );
+}
 
 std::string addressText( Flow const & flow, std::array< std::uint8_t, 16 > const & address ) {
    auto const text = [&]( auto value ) {
@@ -50,15 +63,6 @@ char const * fatalName( Ldp::LdpPduGuardResult const & fatal ) {
    case Ldp::LdpPduGuardResult::none: break;
    }
    return "none";
-}
-
-std::string timeText( Arrival const & arrival ) {
-   constexpr std::int64_t secondsOfDay = 86400;
-   auto const second = int( ( arrival.seconds % secondsOfDay + secondsOfDay ) % secondsOfDay );
-   char time[sizeof "hh:mm:ss.uuuuuu"];
-   std::snprintf( time, sizeof time, "%02d:%02d:%02d.%06u", second / 3600, second / 60 % 60, second % 60,
-                  arrival.nanoseconds / 1000 % 1000000 );
-   return time;
 }
 
 std::string originText( Origin const & origin ) {

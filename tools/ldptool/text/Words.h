@@ -5,6 +5,9 @@
 #include "Ldp/LdpUtils.h"
 #include "capture/PduSink.h"
 #include "text/Output.h"
+#include "text/Times.h"
+
+#include "Lumo/Ip.h"
 
 #include <cstdio>
 #include <string>
@@ -41,6 +44,11 @@ requires std::is_enum_v< Enum > Output & operator<<( Output & out, Enum value ) 
    return name ? out << std::string_view( name ) : appendNumber( out, value );
 }
 
+/// Append an address or a prefix.
+inline Output & operator<<( Output & out, Lumo::IpAddr const & addr ) { return out.ipv4( addr.octets() ); }
+Output & operator<<( Output & out, Lumo::IpGenAddr const & addr );
+Output & operator<<( Output & out, Lumo::IpGenPrefix const & prefix );
+
 /// Append the number, and the name if there is one: `0x0103 hopCountTlv`.
 template< class Enum >
 struct Numbered {
@@ -69,6 +77,9 @@ char const * reservedLabelWord( Lumo::MplsLabel label );
 /// What the flags of a pseudowire's status say: "not forwarding".
 std::string pwStatusText( U32 flags );
 
+/// Whether a prefix is the other or one of its parts.
+bool isWithin( Lumo::IpGenPrefix const & prefix, Lumo::IpGenPrefix const & within );
+
 /// Text of one of a flow's addresses.
 std::string addressText( Flow const & flow, std::array< std::uint8_t, 16 > const & address );
 
@@ -78,10 +89,7 @@ Vorn::String badPduText( Ldp::LdpPdu const & pdu );
 /// What the guard refused a PDU for.
 char const * fatalName( Ldp::LdpPduGuardResult const & fatal );
 
-/// Time of day of a packet, in UTC: `12:26:40.000012`.
-std::string timeText( Arrival const & arrival );
-
-/// Where a PDU comes from: `12:26:40.000012 10.0.0.1 > 10.0.0.2` (the time is UTC), or `line 3`.
+/// Where a PDU comes from: `12:26:40.000012 10.0.0.1 > 10.0.0.2`, or `line 3`.
 std::string originText( Origin const & origin );
 /// The same behind the number of its frame.
 std::string numberedOriginText( Origin const & origin );

@@ -1,49 +1,27 @@
 #pragma once
 
-// Entities as a tree, by reflection alone: nothing here knows a type of the model.
+// An entity and all below it, as text and as JSON.
 
-#include "Vorn/GenericIf.h"
-
-#include <nlohmann/json_fwd.hpp>
-
-#include <functional>
-#include <memory>
-#include <string>
+#include "text/JsonWriter.h"
+#include "views/Reflection.h"
 
 namespace LdpTool {
 
-/// Which attributes stand in a tree.
-enum class TreeContent {
-   stored, ///< everything that is stored: what a user wants to see
-   logged, ///< what the attribute log carries: what two copies must agree on
-};
-
-/// The entity and all below it, an attribute a line, members in order of their keys' texts.
+/// An attribute a line, members in the order of their keys.
 std::string treeText( Vorn::Entity const & entity, TreeContent content );
+/// The attribute as text: of a collection the member at `key`, "-" where there is none.
+std::string attributeText( Vorn::Entity const & entity, Vorn::VornAttr const & attr, void const * key );
 
-/// The same as JSON: attributes by name; collections as objects by the keys' texts, sets as lists.
-nlohmann::ordered_json treeJson( Vorn::Entity const & entity, TreeContent content );
-
-/// A change of an attribute, in words.
-struct TreeChange {
-   std::string const & path; ///< of the entity, from the root
-   std::string attribute;    ///< its name, with the key where there is one
-   std::string value;        ///< what it is now; "-" for a member or child that went
-};
-
-/// Tells every change of an entity and of all below it, children that come later included, for as long as it
-/// lives.
-class TreeWatcher {
- public:
-   using OnChange = std::function< void( TreeChange const & ) >;
-
-   TreeWatcher( Vorn::Entity & root, OnChange onChange );
-   ~TreeWatcher();
-
- private:
-   class Watch;
-   struct Watches;
-   std::unique_ptr< Watches > watches_;
-};
+/// An object with a member for each attribute; `docs/json.md` says what becomes of each kind of value.
+void writeTree( JsonWriter & json, Vorn::Entity const & entity, TreeContent content );
+/// A value by its record.
+void writeValue( JsonWriter & json, Vorn::VornType const & type, void const * value );
+/// A key's text, or any other value's, without the quotes around it.
+std::string plainText( Vorn::VornType const & type, void const * value );
+/// What values of the type are in JSON.
+char const * jsonForm( Vorn::VornType const & type );
+/// Whether collections with such keys are arrays of objects with `key` and `value`, since the keys have no
+/// short text.
+bool isKeyedByStructure( Vorn::VornAttr const & attr );
 
 } // namespace LdpTool

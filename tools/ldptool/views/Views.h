@@ -4,45 +4,47 @@
 // alone.
 
 #include "monitor/Monitor.h"
-#include "text/Output.h"
+#include "text/JsonWriter.h"
+#include "views/Rows.h"
 
-#include <map>
 #include <optional>
-#include <string>
 
 namespace LdpTool {
 
-/// The neighbours: adjacencies with what is left of their hold times at the journal's time, and sessions.
-void printNeighbors( Output & out, Network const & network, Journal const & journal );
+/// The speaker that rows are limited to: it is the one that has them, or the peer.
+using About = std::optional< Ldp::LdpIdentifier >;
 
-/// What has changed between speakers, in order; of all, or of those pairs that the identifier is one of.
-void printHistory( Output & out, Journal const & journal, std::optional< Ldp::LdpIdentifier > const & about );
+/// How many there are of what, in a line.
+void printSummary( Output & out, Network const & network, Journal const & journal );
+
+/// The neighbours: adjacencies with what is left of their hold times at the journal's time, and sessions.
+void printNeighbors( Output & out, Network const & network, Journal const & journal, About const & about );
+
+/// What has changed between speakers, in order.
+void printHistory( Output & out, Journal const & journal, About const & about );
 
 /// The label bindings of each FEC, of all or of those within a prefix.
 void printBindings( Output & out, Network const & network, Monitor & monitor,
-                    std::optional< Lumo::IpGenPrefix > const & within );
+                    std::optional< Lumo::IpGenPrefix > const & within, About const & about );
 
 /// The pseudowires, both directions of each in a row.
-void printPseudowires( Output & out, Network const & network );
+void printPseudowires( Output & out, Network const & network, About const & about );
+
+/// The same as JSON, an array of rows each.
+void writeNeighbors( JsonWriter & json, Network const & network, Journal const & journal,
+                     About const & about );
+void writeHistory( JsonWriter & json, Journal const & journal, About const & about );
+void writeBindings( JsonWriter & json, Network const & network,
+                    std::optional< Lumo::IpGenPrefix > const & within, About const & about );
+void writePseudowires( JsonWriter & json, Network const & network, About const & about );
+
+/// Whether rows of the speaker about the peer are wanted.
+inline bool isAbout( About const & about, Ldp::LdpIdentifier const & speaker,
+                     Ldp::LdpIdentifier const & peer ) {
+   return !about || speaker == *about || peer == *about;
+}
 
 /// Speakers, adjacencies and sessions as a graph for Graphviz.
 void printDot( Output & out, Network const & network );
-
-/// The state of a VRF of each speaker, by speaker.
-template< class Call >
-void eachVrf( Network const & network, Call const & call ) {
-   std::map< Ldp::LdpIdentifier, Speaker const * > speakers;
-   for ( auto & speaker : network.speakerColl() )
-      speakers[speaker.ldpIdentifier()] = &speaker;
-   for ( auto const & [id, speaker] : speakers )
-      for ( auto & status : speaker->ldpStatusColl()->statusColl() )
-         call( id, status );
-}
-
-/// A value's text as a string of the standard library.
-template< class Value >
-std::string textOf( Value const & value ) {
-   return std::string( value.stringValue().view() );
-}
 
 } // namespace LdpTool

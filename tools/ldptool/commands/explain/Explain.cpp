@@ -1,8 +1,7 @@
 // `ldptool explain`: what became of each pair of speakers, and why.
 #include "capture/Capture.h"
 #include "commands/Commands.h"
-#include "commands/LimitOptions.h"
-#include "commands/SpeakerOption.h"
+#include "commands/InputOptions.h"
 #include "findings/Account.h"
 #include "messages/Decoder.h"
 
@@ -28,9 +27,8 @@ Exit status: 0 when nothing was found, 1 when something was, 2 for wrong argumen
 input that cannot be read.)";
 
 struct ExplainOptions {
-   std::string file;
-   std::optional< Ldp::LdpIdentifier > peer;
-   LimitOptions limits;
+   InputOptions input;
+   bool json = false;
 };
 
 int explain( ExplainOptions const & options ) {
@@ -39,20 +37,24 @@ int explain( ExplainOptions const & options ) {
    try {
       auto const output = std::make_unique< Output >( stdout );
       auto const network = networkFactory( Vorn::Name( "network" ) );
-      Monitor monitor( *network, options.limits.monitor, options.limits.capture.flows, Monitor::compact );
+      Monitor monitor( *network, options.input.limits.monitor, options.input.limits.capture.flows,
+                       Monitor::compact );
       Evidence evidence( monitor );
-      Decoder decoder( evidence, Selection(), *output );
-      CaptureCounters counters;
+      Decoder decoder( evidence, options.input.selection, *output );
       try {
-         Capture capture = Capture::file( options.file, options.limits.capture );
-         capture.run( decoder );
-         counters = capture.counters();
+         Capture capture = options.input.open();
+         capture.run( decoder, options.input.range );
+         tellInput( capture.counters(), monitor.turnedAway() );
       } catch ( InputError const & error ) {
          failure = error.what();
       }
-      std::string const text = turnedAwayText( monitor.turnedAway(), counters );
-      if ( !text.empty() ) std::cerr << "ldptool: " << text << '\n';
-      found = printAccounts( *output, evidence, *network, monitor, options.peer );
+      if ( options.json ) {
+         JsonWriter json( *output );
+         found = writeAccounts( json, evidence, *network, monitor, options.input.peer );
+         json.endLine();
+      } else {
+         found = printAccounts( *output, evidence, *network, monitor, options.input.peer );
+      }
       output->flush();
    } catch ( OutputError const & error ) {
       failure = error.what();
@@ -68,14 +70,8 @@ void addExplainCommand( CLI::App & app ) {
    auto const options = std::make_shared< ExplainOptions >();
    CLI::App & command =
         *app.add_subcommand( "explain", "Say what became of each pair of speakers, and why." );
-   command.add_option( "FILE", options->file, "capture to read, pcap or pcapng; - is standard input" )
-        ->required();
-   command
-        .add_option_function< std::string >(
-             "--peer", [options]( std::string const & text ) { options->peer = speakerOf( "--peer", text ); },
-             "only pairs that this speaker is one of" )
-        ->type_name( "ID" );
-   addLimitOption( command, options->limits );
+   addInputOptions( command, options->input, true );
+   command.add_flag( "--json", options->json, "print an array of JSON, an object for each speaker and pair" );
    command.footer( examples );
    command.callback( [options] { throw CLI::RuntimeError( explain( *options ) ); } );
 }

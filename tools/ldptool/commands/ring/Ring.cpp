@@ -1,7 +1,7 @@
 // ldptool ring: a ring trace as text or JSON.
 #include "commands/Commands.h"
 #include "ring/RingReader.h"
-#include "text/Output.h"
+#include "text/JsonWriter.h"
 
 #include <CLI/CLI.hpp>
 #include <cerrno>
@@ -10,7 +10,6 @@
 #include <deque>
 #include <fcntl.h>
 #include <iostream>
-#include <nlohmann/json.hpp>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -85,19 +84,25 @@ std::string lineOf( RingRecord const & record, bool threaded ) {
 
 std::string jsonOf( RingRecord const & record ) {
    static constexpr char const * kinds[] = { "message", "open", "close" };
-   nlohmann::ordered_json object;
-   object["time"] = timeText( record.nanoseconds );
-   object["timed"] = record.timed;
-   object["kind"] = kinds[record.kind];
-   object["thread"] = record.writer;
-   object["depth"] = record.depth;
-   object["file"] = record.site->file;
-   object["line"] = record.site->line;
-   object["function"] = record.site->function;
-   object["level"] = record.site->level;
-   object["text"] = record.text;
-   if ( record.took ) object[record.exact ? "took" : "tookAtMost"] = record.took;
-   return object.dump() + "\n";
+   std::string line;
+   Output out( line );
+   JsonWriter json( out );
+   json.object();
+   json.member( "time", timeText( record.nanoseconds ) );
+   json.member( "timed", record.timed );
+   json.member( "kind", kinds[record.kind] );
+   json.member( "thread", record.writer );
+   json.member( "depth", record.depth );
+   json.member( "file", record.site->file );
+   json.member( "line", record.site->line );
+   json.member( "function", record.site->function );
+   json.member( "level", record.site->level );
+   json.member( "text", record.text );
+   if ( record.took ) json.member( record.exact ? "took" : "tookAtMost", record.took );
+   json.endObject();
+   json.endLine();
+   out.flush();
+   return line;
 }
 
 void printRing( RingOptions const & options ) {

@@ -1,13 +1,13 @@
 // ldptool types: the library's type table.
 
 #include "commands/Commands.h"
-#include "text/Output.h"
+#include "text/JsonWriter.h"
+#include "views/Tree.h"
 
 #include "Vorn/Entity.h"
 #include "Vorn/GenericIf.h"
 
 #include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
 
 #include <cstdio>
 #include <cstring>
@@ -65,33 +65,54 @@ std::string flagText( VornAttr const & attr ) {
    return text;
 }
 
-nlohmann::ordered_json typeJson( VornType const & type ) {
-   nlohmann::ordered_json json;
-   json["type"] = type.name;
-   json["kind"] = kindOf( type );
-   json["base"] = type.base ? nlohmann::ordered_json( type.base->name ) : nlohmann::ordered_json();
+void writeName( JsonWriter & json, char const * member, VornType const * type ) {
+   json.key( member );
+   type ? json.value( type->name ) : json.null();
+}
+
+void writeType( JsonWriter & json, VornType const & type ) {
+   json.object();
+   json.member( "type", type.name );
+   json.member( "kind", kindOf( type ) );
+   writeName( json, "base", type.base );
+   if ( type.methods ) json.member( "json", jsonForm( type ) );
    if ( type.isEnum() ) {
-      auto & enumerators = json["enumerators"] = nlohmann::ordered_json::object();
+      json.key( "enumerators" );
+      json.object();
       for ( VornAttr const * attr = type.attributes; attr->name; ++attr )
-         enumerators[attr->name] = attr->id();
-      return json;
+         json.member( attr->name, attr->id() );
+      json.endObject();
+      return json.endObject();
    }
-   auto & ctor = json["ctor"] = nlohmann::ordered_json::array();
-   for ( auto const * arg = type.ctorArgs; arg && arg->name; ++arg )
-      ctor.push_back( { arg->name, arg->type->name } );
-   auto & attributes = json["attributes"] = nlohmann::ordered_json::array();
+   json.key( "ctor" );
+   json.array();
+   for ( auto const * arg = type.ctorArgs; arg && arg->name; ++arg ) {
+      json.array();
+      json.value( arg->name );
+      json.value( arg->type->name );
+      json.endArray();
+   }
+   json.endArray();
+   json.key( "attributes" );
+   json.array();
    for ( VornAttr const * attr = type.attributes; attr && attr->name; ++attr ) {
-      nlohmann::ordered_json row;
-      row["name"] = attr->name;
-      row["id"] = attr->id();
-      row["type"] = attr->type->name;
-      row["key"] = attr->keyType ? nlohmann::ordered_json( attr->keyType->name ) : nlohmann::ordered_json();
-      row["flags"] = flagText( *attr );
-      row["logged"] = attr->logged();
-      row["instantiating"] = attr->instantiating();
-      attributes.push_back( std::move( row ) );
+      json.object();
+      json.member( "name", attr->name );
+      json.member( "id", attr->id() );
+      json.member( "type", attr->type->name );
+      writeName( json, "key", attr->keyType );
+      json.member( "kind", kindText( attr->kind() ) );
+      json.member( "flags", flagText( *attr ) );
+      json.member( "logged", attr->logged() );
+      json.member( "instantiating", attr->instantiating() );
+      if ( attr->keyed() && attr->keyType ) {
+         bool const array = attr->isSet() || attr->kind() == VornKind::queue;
+         json.member( "json", array ? "array" : isKeyedByStructure( *attr ) ? "pairs" : "object" );
+      }
+      json.endObject();
    }
-   return json;
+   json.endArray();
+   json.endObject();
 }
 
 void printType( Output & out, VornType const & type ) {
@@ -124,11 +145,13 @@ bool matches( VornType const & type, std::string const & pattern ) {
 int typesCommand( TypesOptions const & options ) {
    auto const output = std::make_unique< Output >( stdout );
    Output & out = *output;
+   JsonWriter json( out );
    bool found = false;
    for ( VornType const * type : Vorn::typeNodes() ) {
       if ( !matches( *type, options.pattern ) ) continue;
       if ( options.json ) {
-         out << typeJson( *type ).dump() << '\n';
+         writeType( json, *type );
+         json.endLine();
       } else {
          if ( found ) out << '\n';
          printType( out, *type );

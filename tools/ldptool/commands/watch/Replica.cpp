@@ -4,7 +4,8 @@
 #include "capture/PduSink.h"
 #include "views/Tree.h"
 
-#include <nlohmann/json.hpp>
+#include <rapidjson/document.h>
+#include <rapidjson/stringbuffer.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -22,7 +23,6 @@ namespace LdpTool {
 
 namespace {
 
-using nlohmann::ordered_json;
 namespace NboAttrLog = Vorn::NboAttrLog;
 
 bool writeAll( int descriptor, void const * octets, std::size_t bytes ) {
@@ -43,18 +43,37 @@ bool writeText( int descriptor, std::string const & text ) {
    return writeAll( descriptor, &size, sizeof size ) && writeAll( descriptor, text.data(), text.size() );
 }
 
+std::string treeJson( Vorn::Entity const & entity, TreeContent content ) {
+   std::string text;
+   auto const out = std::make_unique< Output >( text );
+   JsonWriter json( *out );
+   writeTree( json, entity, content );
+   out->flush();
+   return text;
+}
+
+std::string dump( rapidjson::Value const & value ) {
+   rapidjson::StringBuffer text;
+   rapidjson::Writer< rapidjson::StringBuffer > writer( text );
+   value.Accept( writer );
+   return text.GetString();
+}
+
 /// The first place where two JSON trees differ.
-std::string difference( ordered_json const & a, ordered_json const & b, std::string const & path ) {
-   if ( a.is_object() && b.is_object() ) {
-      for ( auto const & [key, value] : a.items() ) {
-         if ( !b.contains( key ) ) return path + "/" + key + " is missing";
-         if ( auto const found = difference( value, b[key], path + "/" + key ); !found.empty() ) return found;
-      }
-      for ( auto const & [key, value] : b.items() )
-         if ( !a.contains( key ) ) return path + "/" + key + " should not be there";
-      return {};
+std::string difference( rapidjson::Value const & a, rapidjson::Value const & b, std::string const & path ) {
+   if ( !a.IsObject() || !b.IsObject() ) {
+      std::string const one = dump( a ), other = dump( b );
+      return one == other ? std::string() : path + " is " + other + " and should be " + one;
    }
-   return a == b ? std::string() : path + " is " + b.dump() + " and should be " + a.dump();
+   for ( auto const & [key, value] : a.GetObject() ) {
+      std::string const below = path + "/" + key.GetString();
+      auto const same = b.FindMember( key );
+      if ( same == b.MemberEnd() ) return below + " is missing";
+      if ( auto const found = difference( value, same->value, below ); !found.empty() ) return found;
+   }
+   for ( auto const & [key, value] : b.GetObject() )
+      if ( !a.HasMember( key ) ) return path + "/" + key.GetString() + " should not be there";
+   return {};
 }
 
 } // namespace
@@ -149,8 +168,8 @@ void Replica::run( int socket ) {
       Vorn::Ptr< Vorn::Entity > const copy =
            demuxer->roots().empty() ? networkFactory( Vorn::Name( "network" ) ) : demuxer->roots().front();
       std::string const texts[] = { "", treeText( *copy, TreeContent::stored ),
-                                    treeJson( *copy, TreeContent::stored ).dump( 2 ),
-                                    treeJson( *copy, TreeContent::logged ).dump() };
+                                    treeJson( *copy, TreeContent::stored ),
+                                    treeJson( *copy, TreeContent::logged ) };
       sent = std::all_of( std::begin( texts ), std::end( texts ),
                           [socket]( std::string const & text ) { return writeText( socket, text ); } );
    } catch ( std::exception const & error ) {
@@ -161,7 +180,10 @@ void Replica::run( int socket ) {
 }
 
 std::string firstDifference( Network const & network, std::string const & logged ) {
-   return difference( treeJson( network, TreeContent::logged ), ordered_json::parse( logged ), "" );
+   rapidjson::Document own, copy;
+   own.Parse( treeJson( network, TreeContent::logged ).c_str() );
+   copy.Parse( logged.c_str() );
+   return difference( own, copy, "" );
 }
 
 } // namespace LdpTool
