@@ -80,6 +80,10 @@ class Links(unittest.TestCase):
         self.assertEqual(neighbors([one, one]), {})
         self.assertEqual(neighbors([one, two]), {"1.1.1.1:0": {("2.2.2.2:0", "target 2.2.2.2")},
                                                  "2.2.2.2:0": {("1.1.1.1:0", "target 1.1.1.1")}})
+        # An Initialization goes to who was heard; where link hellos were, it proves nothing about targeted ones.
+        hello, talk = targeted("10.0.0.1", "10.0.0.1", "10.0.0.2"), Talk().frames
+        heard = lambda frames: ("10.0.0.1:0", "target 10.0.0.1") in neighbors(frames + [hello]).get("10.0.0.2:0", ())
+        self.assertEqual((heard(talk[2:]), heard(talk), heard(talk[2:4] + talk[5:6])), (True, False, False))
 
     def test_pcapng_names_the_interfaces(self):
         capture = pcapng_of([(0, say_hello("1.1.1.1", "10.0.0.1")), (0, say_hello("2.2.2.2", "10.9.0.2")),
@@ -266,6 +270,43 @@ class Labels(unittest.TestCase):
         self.assertEqual((labels(talk.frames + at(20)), labels(talk.frames + at(40))), (["100"], []))
         again = [(frame, None, 25 + i / 1000) for i, frame in enumerate(Talk(40001, ft=struct.pack("!HHII", 1, 0, 30000, 20000)).frames)]
         self.assertEqual((labels(talk.frames + again + at(40)), labels(talk.frames + again + at(50))), (["100"], []))
+
+        # So with the labels of trees and pseudowires; what comes again is not stale.
+        both = Talk(ft=struct.pack("!HHII", 1, 0, 30000, 20000))
+        both.say(2, 0x0400, fec(P2MP), label(300))
+        both.say(2, 0x0400, fec(pw_id(7)), label(500), tlv(0x896A, b"\0\0\0\0"))
+        both.segment(2, flags=RST)
+
+        def kept(frames):
+            end = states(frames)["10.0.0.1:0"]
+            return (len(end["p2mpFecSessionRemoteStateColl"].get("p2mpFecSessionRemoteStateColl", {})),
+                    len(end["remotePwFecSessionStatusColl"].get("fecSessionStatus", {})))
+        self.assertEqual((kept(both.frames + at(20)), kept(both.frames + at(40))), ((1, 1), (0, 0)))
+        after = Talk(40001, ft=struct.pack("!HHII", 1, 0, 30000, 20000))
+        after.say(2, 0x0400, fec(P2MP), label(301))
+        again = [(frame, None, 25 + i / 1000) for i, frame in enumerate(after.frames)]
+        self.assertEqual((kept(both.frames + again + at(40)), kept(both.frames + again + at(50))), ((1, 1), (1, 0)))
+
+    def test_wildcards_find_what_they_are_about_each_time(self):
+        talk = Talk()
+        left = lambda: tuple(len(states(talk.frames)["10.0.0.1:0"][coll].get(name, {})) for coll, name in (
+            ("p2mpFecSessionRemoteStateColl", "p2mpFecSessionRemoteStateColl"), ("remotePwFecSessionStatusColl", "fecSessionStatus")))
+        group = struct.pack("!BHBI", 0x80, 5, 0, 0)
+        for fecs, value in ((P2MP, 300), (pw_id(7), 500), (pw_id(8), 501), (pw_id(7), 502)):  # 500 is replaced
+            talk.say(2, 0x0400, fec(fecs), label(value))
+        for kind, fecs, values, expected in (
+                (0x0402, b"\1", [label(777)], (1, 2)),   # nobody's label
+                (0x0403, b"\1", [label(500)], (1, 2)),   # of the one that is replaced
+                (0x0402, b"\1", [label(300)], (1, 2)),   # withdrawn, not released
+                (0x0403, b"\1", [label(300)], (0, 2)),
+                (0x0402, group, [label(502)], (0, 2)), (0x0403, group, [label(502)], (0, 1)),
+                (0x0402, group, [], (0, 1)), (0x0403, b"\1", [], (0, 0))):
+            talk.say(1 if kind == 0x0403 else 2, kind, fec(fecs), *values)
+            self.assertEqual(left(), expected, (hex(kind), fecs, values))
+        talk.say(2, 0x0400, fec(P2MP), label(300))
+        for kind in (0x0402, 0x0403):
+            talk.say(1 if kind == 0x0403 else 2, kind, fec(b"\1"))
+        self.assertEqual(left(), (0, 0))
 
 
 class History(unittest.TestCase):

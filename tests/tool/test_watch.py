@@ -205,6 +205,14 @@ class Captures(unittest.TestCase):
             result = run("watch", "--replicate", "--check", file)
             self.assertEqual((result.status, result.out, result.err), (0, "the replica agrees\n", ""), file)
 
+    def test_bindings_are_the_same_when_the_tree_is_kept(self):
+        # Without the tree they are kept in few octets, and become objects of the model only to be shown.
+        for name in sorted(os.listdir(CAPTURES)):
+            if name.endswith(".pcap"):
+                file = os.path.join(CAPTURES, name)
+                alone = run("watch", "--bindings", file).out
+                self.assertTrue(run("watch", "--tree", "--bindings", file).out.endswith("\n" + alone), name)
+
     def test_replica_prints_what_it_holds(self):
         result = watch("basic-v4", "--replicate")
         self.assertEqual(result.status, 0)

@@ -130,16 +130,16 @@ std::string sides( Seen const & a, Seen const & b, Pair const & pair ) {
    return "of " + textOf( a ? pair.first : pair.second ) + " only (" + frameText( ( a ? a : b ).first ) + ")";
 }
 
-void tellHellos( Account & account, Pair const & pair, Journal const & journal ) {
+void tellHellos( Account & account, Pair const & pair, Changes const & changes ) {
    Seen heard[2];
    std::string present[2];
-   for ( Change const & change : journal.changes() ) {
-      if ( change.subject == "session" || ordered( change.speaker, change.peer ) != pair ) continue;
-      int const side = change.speaker == pair.first ? 0 : 1;
-      if ( change.to == "hears" ) heard[side].at( change.at.frame );
-      present[side] = change.to == "hears" ? ""
-                                           : "; lost at " + timeText( change.at ) + " (" +
-                                                  frameText( change.at.frame ) + "): " + change.cause;
+   for ( Change const * change : changes ) {
+      if ( change->subject == "session" ) continue;
+      int const side = change->speaker == pair.first ? 0 : 1;
+      if ( change->to == "hears" ) heard[side].at( change->at.frame );
+      present[side] = change->to == "hears" ? ""
+                                            : "; lost at " + timeText( change->at ) + " (" +
+                                                   frameText( change->at.frame ) + "): " + change->cause;
    }
    std::string const last = present[0].empty() ? present[1] : present[0];
    // Who hears is the other one of who was heard.
@@ -162,19 +162,18 @@ void tellConnection( Account & account, Evidence const & evidence, Pair const & 
    if ( !any ) account.fact( "connection", works ? "began before the capture" : "none was tried" );
 }
 
-void tellSession( Account & account, Evidence const & evidence, Pair const & pair, Journal const & journal ) {
+void tellSession( Account & account, Evidence const & evidence, Pair const & pair, Changes const & changes ) {
    Sent const & there = evidence.sentTo( pair.first, pair.second );
    Sent const & back = evidence.sentTo( pair.second, pair.first );
    account.fact( "Initialization", sides( there.inits, back.inits, pair ) );
    account.fact( "KeepAlive", sides( there.keepAlives, back.keepAlives, pair ) );
    bool any = false;
-   for ( Change const & change : journal.changes() ) {
-      if ( change.subject != "session" || change.speaker != pair.first || change.peer != pair.second )
-         continue;
-      if ( change.to != "Operational" && change.from != "Operational" ) continue;
+   for ( Change const * change : changes ) {
+      if ( change->subject != "session" || change->speaker != pair.first ) continue;
+      if ( change->to != "Operational" && change->from != "Operational" ) continue;
       any = true;
-      account.fact( "session", timeText( change.at ) + " " + change.to + " (" + frameText( change.at.frame ) +
-                                    "): " + change.cause );
+      account.fact( "session", timeText( change->at ) + " " + change->to + " (" +
+                                    frameText( change->at.frame ) + "): " + change->cause );
    }
    if ( !any ) account.fact( "session", "never operational" );
 }
@@ -206,14 +205,15 @@ struct Told {
    bool anyPair = false;
 };
 
-Told tellAll( Account & account, Evidence const & evidence, Network const & network, Journal const & journal,
+Told tellAll( Account & account, Evidence const & evidence, Network const & network, Monitor & monitor,
               std::optional< LdpIdentifier > const & about ) {
-   std::set< Pair > pairs;
+   Journal const & journal = monitor.journal();
+   std::map< Pair, Changes > pairs;
    std::map< LdpIdentifier, Status const * > states;
    for ( auto const & [pair, sent] : evidence.sent() )
-      pairs.insert( ordered( pair.first, pair.second ) );
+      pairs[ordered( pair.first, pair.second )];
    for ( Change const & change : journal.changes() )
-      pairs.insert( ordered( change.speaker, change.peer ) );
+      pairs[ordered( change.speaker, change.peer )].push_back( &change );
    for ( auto & speaker : network.speakerColl() )
       for ( auto & status : speaker.ldpStatusColl()->statusColl() )
          states[speaker.ldpIdentifier()] = &status;
@@ -226,18 +226,21 @@ Told tellAll( Account & account, Evidence const & evidence, Network const & netw
       account.speaker( id );
       told.findings += tellFindings( account, findings );
    }
-   for ( Pair const & pair : pairs ) {
+   for ( auto const & [pair, changes] : pairs ) {
       if ( about && pair.first != *about && pair.second != *about ) continue;
       told.anyPair = true;
       account.pair( pair );
-      tellHellos( account, pair, journal );
+      tellHellos( account, pair, changes );
       tellConnection( account, evidence, pair );
-      tellSession( account, evidence, pair, journal );
+      tellSession( account, evidence, pair, changes );
       tellUnsupported( account, evidence, pair );
-      told.findings += tellFindings( account, sessionFindings( evidence, journal, pair.first, pair.second ) );
+      told.findings +=
+           tellFindings( account, sessionFindings( evidence, journal, changes, pair.first, pair.second ) );
       for ( auto const & [own, peer] : { pair, Pair( pair.second, pair.first ) } )
          if ( auto const state = states.find( own ); state != states.end() )
-            told.findings += tellFindings( account, labelFindings( *state->second, own, peer ) );
+            monitor.show( own, peer, [&, &own = own, &peer = peer] {
+               told.findings += tellFindings( account, labelFindings( *state->second, own, peer ) );
+            } );
    }
    return told;
 }
@@ -245,9 +248,9 @@ Told tellAll( Account & account, Evidence const & evidence, Network const & netw
 } // namespace
 
 std::size_t printAccounts( Output & out, Evidence const & evidence, Network const & network,
-                           Journal const & journal, std::optional< LdpIdentifier > const & about ) {
+                           Monitor & monitor, std::optional< LdpIdentifier > const & about ) {
    TextAccount account( out );
-   Told const told = tellAll( account, evidence, network, journal, about );
+   Told const told = tellAll( account, evidence, network, monitor, about );
    if ( !told.anyPair )
       out << ( told.anySpeaker ? "no two speakers have anything to do with each other\n"
                                : "no speaker: no good hello or session message was seen\n" );
@@ -255,9 +258,9 @@ std::size_t printAccounts( Output & out, Evidence const & evidence, Network cons
 }
 
 std::size_t writeAccounts( JsonWriter & json, Evidence const & evidence, Network const & network,
-                           Journal const & journal, std::optional< LdpIdentifier > const & about ) {
+                           Monitor & monitor, std::optional< LdpIdentifier > const & about ) {
    JsonAccount account( json );
-   return tellAll( account, evidence, network, journal, about ).findings;
+   return tellAll( account, evidence, network, monitor, about ).findings;
 }
 
 } // namespace LdpTool

@@ -17,9 +17,13 @@ struct Finding {
 
 /// Of the hellos of one speaker, whoever may hear them.
 std::vector< Finding > findingsOf( Evidence const & evidence, Ldp::LdpIdentifier const & speaker );
+/// What has changed between two, in order.
+using Changes = std::vector< Change const * >;
+
 /// Of discovery, connection and session between two.
 std::vector< Finding > sessionFindings( Evidence const & evidence, Journal const & journal,
-                                        Ldp::LdpIdentifier const & a, Ldp::LdpIdentifier const & b );
+                                        Changes const & changes, Ldp::LdpIdentifier const & a,
+                                        Ldp::LdpIdentifier const & b );
 /// Of the labels and pseudowires that the speaker has with the peer, as its state says at the end.
 std::vector< Finding > labelFindings( Ldp::Status const & status, Ldp::LdpIdentifier const & speaker,
                                       Ldp::LdpIdentifier const & peer );

@@ -97,17 +97,16 @@ std::uint64_t hellosOf( Evidence const & evidence, LdpIdentifier const & speaker
 }
 
 /// Both hear each other, for two hello intervals at least, and neither begins the session.
-void nobodyConnects( Found & found, Evidence const & evidence, Journal const & journal,
+void nobodyConnects( Found & found, Evidence const & evidence, Changes const & changes,
                      LdpIdentifier const & a, LdpIdentifier const & b ) {
    auto const begins = []( Sent const & sent ) { return sent.syns || sent.inits || sent.keepAlives; };
    if ( begins( evidence.sentTo( a, b ) ) || begins( evidence.sentTo( b, a ) ) ) return;
    if ( std::min( hellosOf( evidence, a ), hellosOf( evidence, b ) ) < 3 ) return;
    std::uint64_t heardByA = 0;
    std::uint64_t heardByB = 0;
-   for ( Change const & change : journal.changes() ) {
-      if ( change.subject == "session" || change.to != "hears" ) continue;
-      if ( change.speaker == a && change.peer == b ) heardByA = change.at.frame;
-      if ( change.speaker == b && change.peer == a ) heardByB = change.at.frame;
+   for ( Change const * change : changes ) {
+      if ( change->subject == "session" || change->to != "hears" ) continue;
+      ( change->speaker == a ? heardByA : heardByB ) = change->at.frame;
    }
    if ( !heardByA || !heardByB ) return;
    Addr const ofA = transportOf( evidence, a );
@@ -203,7 +202,8 @@ std::vector< Finding > findingsOf( Evidence const & evidence, LdpIdentifier cons
                             "hello interval and hold time" } );
       if ( source->link && !isLinkLocal( address ) )
          found.push_back(
-              { "IPv6 hellos of " + from + ", which is not link-local: receivers drop them (RFC 7552, 5.1)",
+              { "IPv6 hellos of " + from +
+                     ", which is not link-local, as it must be (RFC 7552, 5.1): receivers may drop them",
                 { source->seen.first },
                 "the source address of IPv6 hellos" } );
       HelloSource const & first = *sources.front().second;
@@ -228,7 +228,8 @@ std::vector< Finding > findingsOf( Evidence const & evidence, LdpIdentifier cons
 }
 
 std::vector< Finding > sessionFindings( Evidence const & evidence, Journal const & journal,
-                                        LdpIdentifier const & a, LdpIdentifier const & b ) {
+                                        Changes const & changes, LdpIdentifier const & a,
+                                        LdpIdentifier const & b ) {
    Found found;
    for ( auto const & [own, peer] : { std::pair( a, b ), std::pair( b, a ) } ) {
       hellosBetween( found, evidence, own, peer );
@@ -243,7 +244,7 @@ std::vector< Finding > sessionFindings( Evidence const & evidence, Journal const
                             { released.first },
                             "the label retention mode of " + textOf( peer ) } );
    }
-   nobodyConnects( found, evidence, journal, a, b );
+   nobodyConnects( found, evidence, changes, a, b );
    if ( journal.oneSided( a, b ) )
       found.push_back( { "the capture has only one side of the session", {}, "where it was taken" } );
    return found;

@@ -69,7 +69,7 @@ bool isTaken( LdpFecElementType type ) {
           type == p2mpElement || type == pwIdElement;
 }
 
-/// Vendor-private and experimental types (RFC 5036, 4.2) mean what their users have agreed on.
+/// Vendor-private and experimental types (RFC 5036, 3.6) mean what their users have agreed on.
 bool isPrivate( U32 type ) { return type >= 0x3e00 && type <= 0x3fff; }
 
 } // namespace

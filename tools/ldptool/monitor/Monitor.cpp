@@ -1,6 +1,7 @@
 // Each message, taken to the agents of its sender and its receiver.
 #include "monitor/Monitor.h"
 
+#include "monitor/labels/CompactFec.h"
 #include "monitor/labels/LabelMessages.h"
 #include "monitor/labels/TypedWildcard.h"
 
@@ -23,6 +24,22 @@ void Monitor::arrive( Origin const & origin ) {
    expiredAt_ = now;
    discovery_.expire();
    sessions_.expire();
+}
+
+void Monitor::show( LdpIdentifier const & speaker, std::function< void() > const & view ) {
+   Agent * const agent = agents_.find( speaker );
+   if ( agent ) agent->eachSession( []( SessionEnd & end ) { PrefixLabels::show( end ); } );
+   view();
+   if ( agent ) agent->eachSession( []( SessionEnd & end ) { PrefixLabels::hide( end ); } );
+}
+
+void Monitor::show( LdpIdentifier const & speaker, LdpIdentifier const & peer,
+                    std::function< void() > const & view ) {
+   Agent * const agent = agents_.find( speaker );
+   SessionEnd * const end = agent && agent->hasSession( peer ) ? &agent->sessionEnd( peer ) : nullptr;
+   if ( end ) PrefixLabels::show( *end );
+   view();
+   if ( end ) PrefixLabels::hide( *end );
 }
 
 void Monitor::timeIs( double now ) {

@@ -7,13 +7,20 @@
 #include "monitor/discovery/Discovery.h"
 #include "monitor/session/Sessions.h"
 
+#include <functional>
+
 namespace LdpTool {
 
 class Monitor : public Reporter {
  public:
-   explicit Monitor( Network & network, MonitorLimits const & limits = {}, std::size_t mostFlows = 32768 )
-        : agents_( network, limits ), discovery_( agents_ ), sessions_( agents_ ), connections_( mostFlows ) {
-   }
+   enum Bindings {
+      live,   ///< as objects of the model, all the time: for who follows each change, or the whole tree
+      compact ///< as such objects only where `show` has asked for them: a fifth of the memory
+   };
+   explicit Monitor( Network & network, MonitorLimits const & limits = {}, std::size_t mostFlows = 32768,
+                     Bindings bindings = live )
+        : agents_( network, limits, bindings == compact ), discovery_( agents_ ), sessions_( agents_ ),
+          connections_( mostFlows ) {}
 
    void onPdu( Pdu const & pdu ) override;
    void onMessage( Message const & message ) override;
@@ -24,6 +31,12 @@ class Monitor : public Reporter {
 
    /// Nothing has come until that time, in seconds since the epoch.
    void timeIs( double now );
+
+   /// Calls `view` while the model has the bindings of the speaker, of all its sessions or of that with one
+   /// peer.
+   void show( Ldp::LdpIdentifier const & speaker, std::function< void() > const & view );
+   void show( Ldp::LdpIdentifier const & speaker, Ldp::LdpIdentifier const & peer,
+              std::function< void() > const & view );
 
    /// The packet that the monitor has come to, and all that it has seen change.
    Journal const & journal() const { return agents_.journal(); }

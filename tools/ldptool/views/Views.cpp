@@ -122,13 +122,15 @@ void printHistory( Output & out, Journal const & journal, About const & about ) 
    }
 }
 
-void printBindings( Output & out, Network const & network, std::optional< Lumo::IpGenPrefix > const & within,
-                    About const & about ) {
+void printBindings( Output & out, Network const & network, Monitor & monitor,
+                    std::optional< Lumo::IpGenPrefix > const & within, About const & about ) {
    tellIfNobody( out, network );
    eachVrf( network, [&]( LdpIdentifier const & speaker, Status const & status ) {
       Table table( { "FEC", "local", "peer", "advertised", "its label", "in use" } );
       std::string fec;
-      for ( BindingRow const & row : bindingsOf( status, within ) ) {
+      std::vector< BindingRow > bindings;
+      monitor.show( speaker, [&] { bindings = bindingsOf( status, within ); } );
+      for ( BindingRow const & row : bindings ) {
          if ( !isAbout( about, speaker, row.peer ) ) continue;
          bool const same = fec == row.fec;
          table.add( { same ? "" : row.fec, same ? "" : labelsText( row.local ), textOf( row.peer ),

@@ -3,6 +3,7 @@
 // The tables that an operator knows from a router, of every speaker in the network. They read the model
 // alone.
 
+#include "monitor/Monitor.h"
 #include "text/JsonWriter.h"
 #include "views/Rows.h"
 
@@ -23,8 +24,8 @@ void printNeighbors( Output & out, Network const & network, Journal const & jour
 void printHistory( Output & out, Journal const & journal, About const & about );
 
 /// The label bindings of each FEC, of all or of those within a prefix.
-void printBindings( Output & out, Network const & network, std::optional< Lumo::IpGenPrefix > const & within,
-                    About const & about );
+void printBindings( Output & out, Network const & network, Monitor & monitor,
+                    std::optional< Lumo::IpGenPrefix > const & within, About const & about );
 
 /// The pseudowires, both directions of each in a row.
 void printPseudowires( Output & out, Network const & network, About const & about );

@@ -37,7 +37,8 @@ int explain( ExplainOptions const & options ) {
    try {
       auto const output = std::make_unique< Output >( stdout );
       auto const network = networkFactory( Vorn::Name( "network" ) );
-      Monitor monitor( *network, options.input.limits.monitor, options.input.limits.capture.flows );
+      Monitor monitor( *network, options.input.limits.monitor, options.input.limits.capture.flows,
+                       Monitor::compact );
       Evidence evidence( monitor );
       Decoder decoder( evidence, options.input.selection, *output );
       try {
@@ -49,10 +50,10 @@ int explain( ExplainOptions const & options ) {
       }
       if ( options.json ) {
          JsonWriter json( *output );
-         found = writeAccounts( json, evidence, *network, monitor.journal(), options.input.peer );
+         found = writeAccounts( json, evidence, *network, monitor, options.input.peer );
          json.endLine();
       } else {
-         found = printAccounts( *output, evidence, *network, monitor.journal(), options.input.peer );
+         found = printAccounts( *output, evidence, *network, monitor, options.input.peer );
       }
       output->flush();
    } catch ( OutputError const & error ) {

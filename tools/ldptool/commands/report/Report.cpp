@@ -229,7 +229,7 @@ void report( ReportOptions const & options ) {
    auto const sessions = activity.sessions();
    json.member( "binWidth", sessions.empty() ? 1.0 : sessions.begin()->second.width() );
    json.key( "accounts" );
-   writeAccounts( json, activity, *network, monitor.journal(), input.peer );
+   writeAccounts( json, activity, *network, monitor, input.peer );
    json.endObject();
    memory->flush();
 

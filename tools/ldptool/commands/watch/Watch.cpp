@@ -96,14 +96,14 @@ std::optional< Ldp::LdpIdentifier > historyOf( WatchOptions const & options ) {
 }
 
 /// The views that were asked for; a summary and the neighbours if nothing was.
-void printViews( Output & out, Network const & network, WatchOptions const & options,
-                 Journal const & journal ) {
+void printViews( Output & out, Network const & network, WatchOptions const & options, Monitor & monitor ) {
+   Journal const & journal = monitor.journal();
    About const about = options.input.peer;
    if ( !options.anyView() ) printSummary( out, network, journal );
    if ( options.tree ) out << treeText( network, TreeContent::stored );
    if ( options.neighbors || !options.anyView() ) printNeighbors( out, network, journal, about );
    if ( options.history ) printHistory( out, journal, historyOf( options ) );
-   if ( options.bindings ) printBindings( out, network, bindingsWithin( options ), about );
+   if ( options.bindings ) printBindings( out, network, monitor, bindingsWithin( options ), about );
    if ( options.pseudowires ) printPseudowires( out, network, about );
    if ( options.dot ) printDot( out, network );
 }
@@ -139,7 +139,9 @@ int watch( WatchOptions const & options ) {
    try {
       Output out( stdout );
       auto const network = networkFactory( Vorn::Name( "network" ) );
-      Monitor monitor( *network, options.input.limits.monitor, options.input.limits.capture.flows );
+      bool const live = options.tree || options.json || options.follow || options.replicate;
+      Monitor monitor( *network, options.input.limits.monitor, options.input.limits.capture.flows,
+                       live ? Monitor::live : Monitor::compact );
       std::unique_ptr< Replica > replica;
       if ( options.replicate ) replica = std::make_unique< Replica >( *network );
       JsonWriter followed( out );
@@ -164,7 +166,7 @@ int watch( WatchOptions const & options ) {
                if ( now == last ) return;
                last = now;
                out << clearScreen;
-               printViews( out, *network, options, monitor.journal() );
+               printViews( out, *network, options, monitor );
             };
          capture.run( sink, options.input.range );
          tellInput( capture.counters(), monitor.turnedAway() );
@@ -176,7 +178,7 @@ int watch( WatchOptions const & options ) {
       if ( options.json ) {
          writeViews( out, *network, options, monitor.journal() );
       } else {
-         printViews( out, *network, options, monitor.journal() );
+         printViews( out, *network, options, monitor );
       }
       int result = exitGood;
       if ( replica ) {

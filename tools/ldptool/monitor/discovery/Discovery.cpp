@@ -238,10 +238,30 @@ void Discovery::onTargetedHello( Agent & sender, Addr const & source, Addr const
    target->txPktCountInc( 1 );
    // That somebody is at the destination and listens shows when the hello is answered.
    auto const answer = targets_.find( { destination, source } );
-   if ( answer == targets_.end() || answer->second.sender->id().lsrId() == sender.id().lsrId() ) return;
+   if ( answer == targets_.end() ) {
+      if ( Agent * const hearer = heardBySession( sender, destination ) )
+         hearTarget( *hearer, sender, source, facts, 0 );
+      return;
+   }
+   if ( answer->second.sender->id().lsrId() == sender.id().lsrId() ) return;
    hearTarget( *answer->second.sender, sender, source, facts, answer->second.last.holdTime );
    if ( isNew )
       hearTarget( sender, *answer->second.sender, destination, answer->second.last, facts.holdTime );
+}
+
+/// Who is at the target, if his part in a session with the sender shows that he has heard such hellos: an
+/// Initialization goes to who was heard (RFC 5036, 3.5.3). It proves nothing if they have heard each other on
+/// a link.
+Agent * Discovery::heardBySession( Agent & sender, Addr const & target ) {
+   Agent * const hearer = agents_.find( agents_.at( target ) );
+   if ( !hearer || hearer->id().lsrId() == sender.id().lsrId() || !hearer->hasSession( sender.id() ) ||
+        !hearer->sessionEnd( sender.id() ).proposed.made )
+      return nullptr;
+   auto const peer = hearer->status().ldpPeerConfigColl()->peerConfig( sender.id() );
+   if ( !peer ) return hearer;
+   for ( auto const & adjacency : peer->ldpAdjColl() )
+      if ( adjacency.key().adjType() == LdpLinkAdj ) return nullptr;
+   return hearer;
 }
 
 void Discovery::hearTarget( Agent & hearer, Agent & other, Addr const & source, HelloFacts const & hello,

@@ -38,6 +38,7 @@ class Discovery {
    void onLinkHello( Agent & sender, Addr const & source, Place const & place, HelloFacts const & facts );
    void onTargetedHello( Agent & sender, Addr const & source, Addr const & destination,
                          HelloFacts const & facts );
+   Agent * heardBySession( Agent & sender, Addr const & target );
    void hearTarget( Agent & hearer, Agent & other, Addr const & source, HelloFacts const & hello,
                     U16 ownHoldTime );
 

@@ -1,6 +1,8 @@
 // The life of a label, at either end.
 #include "monitor/labels/FecEnd.h"
 
+#include "monitor/labels/CompactFec.h"
+
 #include <algorithm>
 
 namespace LdpTool::PrefixLabels {
@@ -16,7 +18,7 @@ void FecEnd::mapSent( MplsLabel label ) {
    state->withdrawLabelDel( label );
    config().mplsLabelSet()->mplsLabelIs( label, true );
    config().advertisedTo()->ldpIdentifierIs( end.peer() );
-   model.localLabelBindingTable()->labelBindingIs( fec, label );
+   if ( !end.agent.compact() ) model.localLabelBindingTable()->labelBindingIs( fec, label );
    model.index()->labelToFecIs( label )->fecIs( fec );
    bool const outstanding = isReleaseOutstanding();
    localWord( [&]( auto & word ) {
@@ -37,9 +39,10 @@ void FecEnd::mapRcvd( MplsLabel label ) {
    state->localLabelActivelyReleasedIs( false );
    config().mappedLsrIs( end.peer(), true );
    if ( config().downstreamLsr( end.peer() ) ) config().downstreamLsrMappingAvailIs( true );
-   model.peerLabelBindingTableColl()
-        ->labelBindingTableIs( routerOf( end.peer() ) )
-        ->labelBindingIs( fec, label );
+   if ( !end.agent.compact() )
+      model.peerLabelBindingTableColl()
+           ->labelBindingTableIs( routerOf( end.peer() ) )
+           ->labelBindingIs( fec, label );
    bool const withdrawn = anyPeer( LdpPeerLabelState::withdrawRcvd );
    bool const more = withdrawn || anyPeer( releaseGen );
    peerWord( [&]( auto & word ) {
@@ -92,16 +95,47 @@ void FecEnd::dropPeerLabels( AnyLabel but ) {
    }
 }
 
+/// The model's object, for as long as it is worked on.
+void FecEnd::makeState() {
+   auto const known = end.compactFecs.find( fec );
+   if ( known == end.compactFecs.end() ) return;
+   state = model.ldpFecSessionStatusColl()->fecSessionStatusIs( id() );
+   expand( known->second, *state );
+}
+
+void FecEnd::keepState() {
+   end.compactFecs[fec] = compact( *state );
+   model.ldpFecSessionStatusColl()->fecSessionStatusDel( id() );
+}
+
+std::size_t fecNum( SessionEnd & end ) {
+   if ( end.agent.compact() ) return end.compactFecs.size();
+   auto const view = end.agent.status().ldpFecSessionStatusColl()->fecSessionStatusBySessionColl( end.id );
+   return view ? view->fecSessionStatuss() : 0;
+}
+
+std::vector< Fec > fecsOf( SessionEnd & end ) {
+   if ( end.agent.compact() ) {
+      std::vector< Fec > fecs;
+      for ( auto const & [fec, octets] : end.compactFecs )
+         fecs.push_back( fec );
+      return fecs;
+   }
+   auto const view = end.agent.status().ldpFecSessionStatusColl()->fecSessionStatusBySessionColl( end.id );
+   if ( !view ) return {};
+   return sorted( view->fecSessionStatusColl(),
+                  []( auto const & node ) { return node.key().fwdEqvClass(); } );
+}
+
 // Remembers the FEC as one that the next wildcard is about. Who maps and withdraws one FEC again and again
 // does not make the list longer than twice what is there.
-void FecEnd::noteIn( std::vector< Fec > & list ) {
-   list.push_back( fec );
-   auto const view = model.ldpFecSessionStatusColl()->fecSessionStatusBySessionColl( end.id );
-   std::size_t const present = view ? view->fecSessionStatuss() : 0;
+void FecEnd::noteIn( std::optional< std::vector< Fec > > & list ) {
+   if ( !list ) return;
+   list->push_back( fec );
    constexpr std::size_t few = 64;
-   if ( list.size() < 2 * present + few ) return;
-   std::sort( list.begin(), list.end() );
-   list.erase( std::unique( list.begin(), list.end() ), list.end() );
+   if ( list->size() < 2 * fecNum( end ) + few ) return;
+   std::sort( list->begin(), list->end() );
+   list->erase( std::unique( list->begin(), list->end() ), list->end() );
 }
 
 void FecEnd::withdrawRcvd( MplsLabel label ) {
@@ -146,9 +180,9 @@ void FecEnd::localLabelGone( MplsLabel label ) {
    localWord( [&]( auto & word ) { word.localMappingSentIs( sent ); } );
    if ( !sent ) config().advertisedTo()->ldpIdentifierDel( end.peer() );
    for ( auto const & member : config().sessionMemberColl() ) {
-      auto const other =
-           model.ldpFecSessionStatusColl()->fecSessionStatus( LdpFecSessionId( fec, member.key() ) );
-      if ( other && other->localLabelState( label ) == mappingSent ) return;
+      if ( member.key() == end.id ) continue; // it has just gone there
+      FecEnd const other( end.agent.sessionEnd( member.key().peerLdpId() ), fec );
+      if ( other.state && other.state->localLabelState( label ) == mappingSent ) return;
    }
    config().mplsLabelSet()->mplsLabelDel( label );
    if ( auto const users = model.index()->labelToFec( label ) ) {
@@ -187,6 +221,7 @@ void FecEnd::rebind( Mpls::LabelBindingTable & bindings, MplsLabel gone, AnyLabe
 // its owner, and the FEC itself goes with its last session.
 void FecEnd::drop() {
    auto const coll = model.ldpFecSessionStatusColl();
+   end.compactFecs.erase( fec );
    if ( auto const view = coll->fecSessionStatusBySessionColl( end.id ) ) view->fecSessionStatusDel( id() );
    coll->fecSessionStatusDel( id() );
    state = nullptr;

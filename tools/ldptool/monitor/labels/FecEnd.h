@@ -15,6 +15,12 @@ using Fec = Mpls::FwdEqvClass;
 struct FecEnd {
    FecEnd( SessionEnd & e, Fec const & f ) : end( e ), fec( f ), model( e.agent.status() ) {
       state = model.ldpFecSessionStatusColl()->fecSessionStatus( id() );
+      if ( end.agent.compact() ) makeState();
+   }
+   FecEnd( FecEnd const & ) = delete;
+   FecEnd & operator=( FecEnd const & ) = delete;
+   ~FecEnd() {
+      if ( state && end.agent.compact() ) keepState();
    }
 
    /// Looked up only where something changes: most messages repeat what is known.
@@ -32,6 +38,7 @@ struct FecEnd {
       config().sessionMemberIs( end.id, true );
       auto const coll = model.ldpFecSessionStatusColl();
       state = coll->fecSessionStatusIs( id() );
+      if ( end.agent.compact() ) return;
       coll->fecSessionStatusBySessionCollIs( end.id )->fecSessionStatusIs( id(), state );
    }
 
@@ -55,7 +62,7 @@ struct FecEnd {
    void replaceSent( Lumo::MplsLabel label );
    void replaceRcvd( Lumo::MplsLabel label );
    void dropPeerLabels( AnyLabel but );
-   void noteIn( std::vector< Fec > & list );
+   void noteIn( std::optional< std::vector< Fec > > & list );
    bool isReleaseOutstanding() const;
 
    /// The labels in either collection of states that the message names.
@@ -83,6 +90,14 @@ struct FecEnd {
       return false;
    }
 
+   /// Counts a message at this end. Only who has the whole tree sees that.
+   void sent( Ldp::LdpMsgType type ) {
+      if ( state && !end.agent.compact() ) state->ldpMsgTxInc( type, 1 );
+   }
+   void received( Ldp::LdpMsgType type ) {
+      if ( state && !end.agent.compact() ) state->ldpMsgRxInc( type, 1 );
+   }
+
    /// Changes some bits of a state word.
    template< class Change >
    void localWord( Change const & change ) {
@@ -105,7 +120,14 @@ struct FecEnd {
    Vorn::Ptr< Ldp::LdpFecSessionStatus > state;
 
  private:
+   void makeState();
+   void keepState();
+
    Vorn::Ptr< Ldp::LdpFecConfig > config_;
 };
+
+/// How many FECs the session has at that end, and which.
+std::size_t fecNum( SessionEnd & end );
+std::vector< Fec > fecsOf( SessionEnd & end );
 
 } // namespace LdpTool::PrefixLabels

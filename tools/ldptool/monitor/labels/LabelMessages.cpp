@@ -26,18 +26,8 @@ AnyLabel labelOf( LdpMsgParser const & message ) {
    }
 }
 
-void noteOther( Exchange const & exchange ) {
-   if ( exchange.message.type() != LdpLabelMapping ) return;
-   exchange.sender.mappedOthers = exchange.receiver.heldOthers = true;
-}
-
-// One that follows another finds nothing that the first has left.
 void onWildcard( Exchange const & exchange, AnyLabel label ) {
    PrefixLabels::onWildcard( exchange, label );
-   bool & others = exchange.message.type() == LdpLabelRelease ? exchange.sender.heldOthers
-                                                              : exchange.sender.mappedOthers;
-   if ( !others ) return;
-   if ( !label ) others = false;
    P2mpLabels::onWildcard( exchange, label );
    Pseudowires::onWildcard( exchange, label );
 }
@@ -54,14 +44,8 @@ void onLabelMessage( Exchange const & exchange ) {
       case wildcardElement: onWildcard( exchange, label ); break;
       case prefixElement:
       case hostAddrElement: PrefixLabels::onMessage( exchange, element->fwdEqvCls(), label ); break;
-      case p2mpElement:
-         noteOther( exchange );
-         P2mpLabels::onMessage( exchange, element->p2mpFecElem(), label );
-         break;
-      case pwIdElement:
-         noteOther( exchange );
-         Pseudowires::onMessage( exchange, element->pwFwdEqvCls(), label );
-         break;
+      case p2mpElement: P2mpLabels::onMessage( exchange, element->p2mpFecElem(), label ); break;
+      case pwIdElement: Pseudowires::onMessage( exchange, element->pwFwdEqvCls(), label ); break;
       default: break; // the FEC parser keeps no other
       }
    }

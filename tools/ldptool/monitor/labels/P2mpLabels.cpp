@@ -113,6 +113,7 @@ void mapSent( SessionEnd & end, LdpP2mpFecElement const & element, MplsLabel lab
    state->mplsLabelSet()->mplsLabelIs( label, true );
    local->ephemeralState()->activeLabelIs( label );
    localStateIs( *local, mappingSent );
+   end.p2mpLocal.add( fec, label );
    status.p2mpLocalLabelBindingTable()->labelBindingIs( fec, label );
    membersChanged( end, *state );
 }
@@ -127,6 +128,7 @@ void mapRcvd( SessionEnd & end, LdpP2mpFecElement const & element, MplsLabel lab
                             ->p2mpFecSessionRemoteStateIs( LdpFecSessionId( fec, end.id ) );
    remote->peerLabelStateIs( mappingRcvd );
    remote->peerLabelIs( label );
+   end.p2mpRemote.add( fec, label );
    // An upstream router sends to every downstream one that has given it a label (RFC 6388, 2.4).
    remote->remoteFecSessionInUseIs( true );
    status.p2mpPeerLabelBindingTableColl()
@@ -142,6 +144,7 @@ void peerLabelGone( SessionEnd & end, Fec const & fec ) {
 }
 
 void dropLocal( SessionEnd & end, Fec const & fec, LdpP2mpFecSessionLocalState & local ) {
+   end.p2mpLocal.drop( fec );
    localStateIs( local, noneSent );
    localLabelGone( end, fec, local.ephemeralState()->activeLabel() );
    auto const coll = end.agent.status().p2mpFecSessionLocalStateColl();
@@ -155,6 +158,7 @@ void dropLocal( SessionEnd & end, Fec const & fec, LdpP2mpFecSessionLocalState &
 }
 
 void dropRemote( SessionEnd & end, Fec const & fec ) {
+   end.p2mpRemote.drop( fec );
    peerLabelGone( end, fec );
    auto const coll = end.agent.status().p2mpFecSessionRemoteStateColl();
    auto const session = coll->p2mpFecSessionRemoteStateColl( end.id );
@@ -199,26 +203,8 @@ void apply( Exchange const & exchange, Fec const & senderFec, Fec const & receiv
 }
 
 bool hasRoom( SessionEnd & end, LdpP2mpFecElement const & element ) {
-   auto const session =
-        end.agent.status().p2mpFecSessionLocalStateColl()->p2mpFecSessionLocalStateColl( end.id );
-   return !session || session->p2mpFecSessionLocalStates() < end.agent.limits().fecs ||
+   return end.p2mpLocal.present.size() < end.agent.limits().fecs ||
           localState( end, knownFec( end, element ) );
-}
-
-std::vector< Fec > localFecs( SessionEnd & end ) {
-   auto const session =
-        end.agent.status().p2mpFecSessionLocalStateColl()->p2mpFecSessionLocalStateColl( end.id );
-   if ( !session ) return {};
-   return sorted( session->p2mpFecSessionLocalStateColl(),
-                  []( auto const & state ) { return state.ldpP2mpFecSessionId().fwdEqvClass(); } );
-}
-
-std::vector< Fec > remoteFecs( SessionEnd & end ) {
-   auto const session =
-        end.agent.status().p2mpFecSessionRemoteStateColl()->p2mpFecSessionRemoteStateColl( end.id );
-   if ( !session ) return {};
-   return sorted( session->p2mpFecSessionRemoteStateColl(),
-                  []( auto const & state ) { return state.ldpP2mpFecSessionId().fwdEqvClass(); } );
 }
 
 } // namespace
@@ -235,19 +221,48 @@ void onMessage( Exchange const & exchange, LdpP2mpFecElement const & element, An
    apply( exchange, knownFec( exchange.sender, element ), knownFec( exchange.receiver, element ), label );
 }
 
-// The two ends number opaque values differently, so each is gone through by its own FECs.
+// The two ends number opaque values differently, so each is gone through by its own FECs. One that the label
+// does not concern any more waits for the next wildcard.
 void onWildcard( Exchange const & exchange, AnyLabel label ) {
-   bool const release = exchange.message.type() == LdpLabelRelease;
-   for ( Fec const & fec : release ? remoteFecs( exchange.sender ) : localFecs( exchange.sender ) )
-      apply( exchange, fec, Fec(), label );
-   for ( Fec const & fec : release ? localFecs( exchange.receiver ) : remoteFecs( exchange.receiver ) )
-      apply( exchange, Fec(), fec, label );
+   auto & [sender, receiver, message, now] = exchange;
+   bool const release = message.type() == LdpLabelRelease;
+   auto const waiting = [&]( FecUse< Fec > & use ) -> Waiting< Fec > & {
+      return release ? use.release : use.withdraw;
+   };
+   SessionEnd & owner = release ? receiver : sender;
+   SessionEnd & user = release ? sender : receiver;
+   for ( Fec const & fec : waiting( owner.p2mpLocal ).take( label ) ) {
+      release ? apply( exchange, Fec(), fec, label ) : apply( exchange, fec, Fec(), label );
+      auto const local = localState( owner, fec );
+      if ( !local ) continue;
+      auto const ephemeral = local->ephemeralState();
+      if ( release || ephemeral->activeLabelState() == mappingSent )
+         waiting( owner.p2mpLocal ).add( fec, ephemeral->activeLabel() );
+   }
+   for ( Fec const & fec : waiting( user.p2mpRemote ).take( label ) ) {
+      release ? apply( exchange, fec, Fec(), label ) : apply( exchange, Fec(), fec, label );
+      auto const remote = remoteState( user, fec );
+      if ( remote && ( release || remote->peerLabelState() == mappingRcvd ) )
+         waiting( user.p2mpRemote ).add( fec, remote->peerLabel() );
+   }
 }
 
-void forget( SessionEnd & end ) {
-   for ( Fec const & fec : localFecs( end ) )
+void forget( SessionEnd & end, bool keepsPeerLabels ) {
+   for ( Fec const & fec : std::set( end.p2mpLocal.present ) )
       dropLocal( end, fec, *localState( end, fec ) );
-   for ( Fec const & fec : remoteFecs( end ) )
+   for ( Fec const & fec : std::set( end.p2mpRemote.present ) ) {
+      if ( keepsPeerLabels && remoteState( end, fec )->peerLabelState() == mappingRcvd ) {
+         end.p2mpRemote.stale.insert( fec );
+      } else {
+         dropRemote( end, fec );
+      }
+   }
+   end.p2mpRemote.withdraw.clear();
+   end.p2mpRemote.release.clear();
+}
+
+void forgetStale( SessionEnd & end ) {
+   for ( Fec const & fec : std::set( end.p2mpRemote.stale ) )
       dropRemote( end, fec );
 }
 

@@ -13,7 +13,9 @@ namespace LdpTool::P2mpLabels {
 void onMessage( Exchange const & exchange, Ldp::LdpP2mpFecElement const & element, AnyLabel label );
 /// A withdraw or release of all FECs, or of all that have the label.
 void onWildcard( Exchange const & exchange, AnyLabel label );
-/// All that was said on the session goes.
-void forget( SessionEnd & end );
+/// All that was said on the session goes. Labels of the peer stay, stale, if it restarts gracefully.
+void forget( SessionEnd & end, bool keepsPeerLabels );
+/// What is stale goes.
+void forgetStale( SessionEnd & end );
 
 } // namespace LdpTool::P2mpLabels

@@ -71,19 +71,7 @@ void onRelease( Exchange const & exchange, FecEnd & sender, FecEnd & receiver, A
    }
 }
 
-bool hasRoom( FecEnd const & end ) {
-   if ( end.state ) return true;
-   auto const view = end.model.ldpFecSessionStatusColl()->fecSessionStatusBySessionColl( end.end.id );
-   return !view || view->fecSessionStatuss() < end.end.agent.limits().fecs;
-}
-
-// The FECs of the session at that end.
-std::vector< Fec > fecsOf( SessionEnd & end ) {
-   auto const view = end.agent.status().ldpFecSessionStatusColl()->fecSessionStatusBySessionColl( end.id );
-   if ( !view ) return {};
-   return sorted( view->fecSessionStatusColl(),
-                  []( auto const & node ) { return node.key().fwdEqvClass(); } );
-}
+bool hasRoom( FecEnd const & end ) { return end.state || fecNum( end.end ) < end.end.agent.limits().fecs; }
 
 } // namespace
 
@@ -105,8 +93,8 @@ void onMessage( Exchange const & exchange, Fec const & fec, AnyLabel label ) {
    case LdpLabelRelease: onRelease( exchange, sender, receiver, label ); break;
    default: break; // an abort asks; its answer is a notification or the mapping
    }
-   if ( sender.state ) sender.state->ldpMsgTxInc( type, 1 );
-   if ( receiver.state ) receiver.state->ldpMsgRxInc( type, 1 );
+   sender.sent( type );
+   receiver.received( type );
    sender.dropIfIdle();
    receiver.dropIfIdle();
 }
@@ -118,16 +106,18 @@ void onWildcard( Exchange const & exchange, AnyLabel label, Lumo::AddressFamily 
    auto const meant = [&]( Fec const & fec ) {
       return family == Lumo::noFamily || fec.prefix().address().family() == family;
    };
+   auto & waiting = release ? exchange.sender.held : exchange.sender.mapped;
+   if ( !waiting ) waiting = fecsOf( exchange.sender );
    std::vector< Fec > fecs;
    if ( label ) {
       SessionEnd & owner = release ? exchange.receiver : exchange.sender;
       if ( auto const users = owner.agent.status().index()->labelToFec( *label ) )
          fecs = sortedKeys( users->fecColl() );
       // Withdrawn labels are not in the index, but are still to be released.
-      if ( release ) fecs.insert( fecs.end(), exchange.sender.held.begin(), exchange.sender.held.end() );
+      if ( release ) fecs.insert( fecs.end(), waiting->begin(), waiting->end() );
       std::erase_if( fecs, [&]( Fec const & fec ) { return !meant( fec ); } );
    } else {
-      auto & list = release ? exchange.sender.held : exchange.sender.mapped;
+      auto & list = *waiting;
       auto const others = std::stable_partition( list.begin(), list.end(), meant );
       fecs.assign( list.begin(), others );
       list.erase( list.begin(), others );
@@ -179,9 +169,10 @@ void forget( SessionEnd & end, bool keepsPeerLabels ) {
       end.stale.insert( fec );
       state.config().membershipIs( fecMemberSessionGr, true );
    }
-   end.mapped.clear();
-   end.held.clear();
-   if ( end.stale.empty() )
+   end.mapped.reset();
+   end.held.reset();
+   if ( !end.stale.empty() ) end.mapped.emplace(), end.held.emplace(); // what is stale is not meant
+   if ( end.stale.empty() && !end.agent.compact() )
       end.agent.status().ldpFecSessionStatusColl()->fecSessionStatusBySessionCollDel( end.id );
 }
 

@@ -19,6 +19,7 @@ using Config = Vorn::Ptr< PwFecSessionConfig >;
 struct Local {
    static auto configs( Status & status ) { return status.localPwFecSessionConfigColl(); }
    static auto statuses( Status & status ) { return status.localPwFecSessionStatusColl(); }
+   static auto & use( SessionEnd & end ) { return end.pwLocal; }
    static void refer( PwFecSessionInfoMap & all, Config const & config,
                       Vorn::Ptr< LocalPwFecSessionStatus > const & status ) {
       all.localConfigIs( config );
@@ -32,6 +33,7 @@ struct Local {
 struct Remote {
    static auto configs( Status & status ) { return status.remotePwFecSessionConfigColl(); }
    static auto statuses( Status & status ) { return status.remotePwFecSessionStatusColl(); }
+   static auto & use( SessionEnd & end ) { return end.pwRemote; }
    static void refer( PwFecSessionInfoMap & all, Config const & config,
                       Vorn::Ptr< RemotePwFecSessionStatus > const & status ) {
       all.remoteConfigIs( config );
@@ -62,6 +64,7 @@ void negotiate( SessionEnd & end, Key const & key ) {
 
 template< class Direction >
 void drop( SessionEnd & end, Id const & id ) {
+   Direction::use( end ).drop( id );
    Status & status = end.agent.status();
    auto const index = status.index();
    Key const key = keyOf( end, id.pwFwdEqvClass().pwId() );
@@ -95,23 +98,38 @@ std::vector< Id > named( SessionEnd & end, PwFwdEqvClassInfo const & fec ) {
       }
       return ids;
    }
-   for ( auto & config : configs->fecSessionConfigColl() ) {
-      Id const & id = config.pwFecSessionId();
-      if ( id.ldpSessionId() == end.id && id.pwFwdEqvClass().pwType() == wanted.pwType() &&
-           config.fecParams().groupId() == fec.groupId() )
+   for ( Id const & id : Direction::use( end ).present )
+      if ( id.pwFwdEqvClass().pwType() == wanted.pwType() &&
+           configs->fecSessionConfig( id )->fecParams().groupId() == fec.groupId() )
          ids.push_back( id );
-   }
-   std::sort( ids.begin(), ids.end() );
    return ids;
 }
 
+/// What stands for all pseudowires of that group and type.
+template< class Group >
+U64 groupOf( PwFwdEqvClass const & fec, Group const & group ) {
+   return U64( fec.pwTypeValue() ) << 32 | group.value();
+}
+template< class Group >
+U64 groupOf( Id const & id, Group const & group ) {
+   return groupOf( id.pwFwdEqvClass(), group );
+}
+
+/// The pseudowires that a withdraw or release is about, each of which a group or wildcard finds once.
 template< class Direction >
-std::vector< Id > allOf( SessionEnd & end ) {
-   std::vector< Id > ids;
-   for ( auto & config : Direction::configs( end.agent.status() )->fecSessionConfigColl() )
-      if ( config.pwFecSessionId().ldpSessionId() == end.id ) ids.push_back( config.pwFecSessionId() );
-   std::sort( ids.begin(), ids.end() );
-   return ids;
+std::vector< Id > concerned( SessionEnd & end, LdpMsgType type, AnyLabel label,
+                             std::optional< U64 > group = {} ) {
+   auto & use = Direction::use( end );
+   return type == LdpLabelRelease ? use.release.take( label, group ) : use.withdraw.take( label, group );
+}
+template< class Direction >
+std::vector< Id > concerned( SessionEnd & end, LdpMsgType type, AnyLabel label,
+                             PwFwdEqvClassInfo const & fec ) {
+   bool const one = fec.pwId() != Pseudowire::PseudowireId();
+   bool const takesBack = type == LdpLabelWithdraw || type == LdpLabelRelease;
+   return one || !takesBack
+               ? named< Direction >( end, fec )
+               : concerned< Direction >( end, type, label, groupOf( fec.fwdEqvClass(), fec.groupId() ) );
 }
 
 /// What a mapping says, written into the config and status of one direction at one end.
@@ -132,6 +150,7 @@ auto mapped( SessionEnd & end, PwFwdEqvClassInfo const & fec, MplsLabel label, L
    auto const all = model.index()->pwKeyToPwFecSessionInfoIs( key );
    all->ldpRequestIs( key, true );
    Direction::refer( *all, config, status );
+   Direction::use( end ).add( id, label, groupOf( id, fec.groupId() ) );
    model.index()->peerToPwRequestIs( key.neighbor() )->requestIs( key, true );
    return status;
 }
@@ -168,8 +187,17 @@ void requestIs( SessionEnd & end, PwFwdEqvClassInfo const & fec, MplsLabel label
    if ( target ) target->targetMembershipIs( targetMemberPw, true );
 }
 
+bool hasRoom( SessionEnd & end, PwFwdEqvClassInfo const & fec ) {
+   return end.pwLocal.present.size() < end.agent.limits().fecs ||
+          end.pwLocal.present.contains( Id( fec.fwdEqvClass(), end.id ) );
+}
+
 void onMapping( Exchange const & exchange, PwFwdEqvClassInfo const & fec, MplsLabel label ) {
    if ( fec.pwId() == Pseudowire::PseudowireId() ) return; // a mapping names one pseudowire
+   if ( !hasRoom( exchange.sender, fec ) ) {
+      ++exchange.sender.agent.turnedAway().fecs;
+      return;
+   }
    auto const * tlv = static_cast< LdpLabelMappingMsgParser const & >( exchange.message ).msgPwStatusTlv();
    auto const local = mapped< Local >( exchange.sender, fec, label, tlv );
    requestIs( exchange.sender, fec, label, tlv );
@@ -273,6 +301,18 @@ void count( SessionEnd & end, std::vector< Id > const & ids, LdpMsgType type, bo
    }
 }
 
+/// What the message has left in force waits for the next one.
+template< class Direction, class InForce >
+void waitAgain( SessionEnd & end, Waiting< Id > & waiting, std::vector< Id > const & ids,
+                InForce const & inForce ) {
+   for ( Id const & id : ids ) {
+      auto const config = Direction::configs( end.agent.status() )->fecSessionConfig( id );
+      if ( !config || !inForce( *Direction::statuses( end.agent.status() )->fecSessionStatus( id ) ) )
+         continue;
+      waiting.add( id, config->label(), groupOf( id, config->fecParams().groupId() ) );
+   }
+}
+
 /// A withdraw is about what its sender has signalled, a release about what its receiver has.
 void onWithdraw( Exchange const & exchange, std::vector< Id > const & local, std::vector< Id > const & remote,
                  AnyLabel label ) {
@@ -280,6 +320,11 @@ void onWithdraw( Exchange const & exchange, std::vector< Id > const & local, std
       withdrawSent( exchange.sender, id, label );
    for ( Id const & id : remote )
       withdrawRcvd( exchange.receiver, id, label, exchange.message.msgId() );
+   waitAgain< Local >( exchange.sender, exchange.sender.pwLocal.withdraw, local,
+                       []( auto const & status ) { return status.mappingActive(); } );
+   waitAgain< Remote >(
+        exchange.receiver, exchange.receiver.pwRemote.withdraw, remote,
+        []( auto const & status ) { return status.labelSessionState().peerLabelMappingCached(); } );
 }
 void onRelease( Exchange const & exchange, std::vector< Id > const & local, std::vector< Id > const & remote,
                 AnyLabel label ) {
@@ -287,6 +332,9 @@ void onRelease( Exchange const & exchange, std::vector< Id > const & local, std:
       releaseRcvd( exchange.receiver, id, label );
    for ( Id const & id : remote )
       releaseSent( exchange.sender, id, label );
+   auto const any = []( auto const & ) { return true; };
+   waitAgain< Local >( exchange.receiver, exchange.receiver.pwLocal.release, local, any );
+   waitAgain< Remote >( exchange.sender, exchange.sender.pwRemote.release, remote, any );
 }
 
 } // namespace
@@ -298,8 +346,8 @@ void onMessage( Exchange const & exchange, PwFwdEqvClassInfo const & fec, AnyLab
    // The direction that the message is about: its sender's own, but its receiver's if it is asked for or
    // released.
    bool const backward = type != LdpLabelMapping && type != LdpLabelWithdraw;
-   auto const local = named< Local >( backward ? receiver : sender, fec );
-   auto const remote = named< Remote >( backward ? sender : receiver, fec );
+   auto const local = concerned< Local >( backward ? receiver : sender, type, label, fec );
+   auto const remote = concerned< Remote >( backward ? sender : receiver, type, label, fec );
    count< Local >( backward ? receiver : sender, local, type, !backward );
    count< Remote >( backward ? sender : receiver, remote, type, backward );
    if ( type == LdpLabelWithdraw ) onWithdraw( exchange, local, remote, label );
@@ -314,9 +362,11 @@ void onMessage( Exchange const & exchange, PwFwdEqvClassInfo const & fec, AnyLab
 
 void onWildcard( Exchange const & exchange, AnyLabel label ) {
    if ( exchange.message.type() == LdpLabelWithdraw ) {
-      onWithdraw( exchange, allOf< Local >( exchange.sender ), allOf< Remote >( exchange.receiver ), label );
+      onWithdraw( exchange, concerned< Local >( exchange.sender, LdpLabelWithdraw, label ),
+                  concerned< Remote >( exchange.receiver, LdpLabelWithdraw, label ), label );
    } else {
-      onRelease( exchange, allOf< Local >( exchange.receiver ), allOf< Remote >( exchange.sender ), label );
+      onRelease( exchange, concerned< Local >( exchange.receiver, LdpLabelRelease, label ),
+                 concerned< Remote >( exchange.sender, LdpLabelRelease, label ), label );
    }
 }
 
@@ -337,10 +387,23 @@ void onNotification( Exchange const & exchange, LdpNotificationMsgParser const &
    }
 }
 
-void forget( SessionEnd & end ) {
-   for ( Id const & id : allOf< Local >( end ) )
+void forget( SessionEnd & end, bool keepsPeerLabels ) {
+   for ( Id const & id : std::set( end.pwLocal.present ) )
       drop< Local >( end, id );
-   for ( Id const & id : allOf< Remote >( end ) )
+   for ( Id const & id : std::set( end.pwRemote.present ) ) {
+      auto const status = Remote::statuses( end.agent.status() )->fecSessionStatus( id );
+      if ( keepsPeerLabels && status->labelSessionState().peerLabelMappingCached() ) {
+         end.pwRemote.stale.insert( id );
+      } else {
+         drop< Remote >( end, id );
+      }
+   }
+   end.pwRemote.withdraw.clear();
+   end.pwRemote.release.clear();
+}
+
+void forgetStale( SessionEnd & end ) {
+   for ( Id const & id : std::set( end.pwRemote.stale ) )
       drop< Remote >( end, id );
 }
 

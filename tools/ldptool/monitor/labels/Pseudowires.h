@@ -16,7 +16,9 @@ void onMessage( Exchange const & exchange, Ldp::PwFwdEqvClassInfo const & fec, A
 void onWildcard( Exchange const & exchange, AnyLabel label );
 /// The sender's pseudowire status.
 void onNotification( Exchange const & exchange, Ldp::LdpNotificationMsgParser const & notification );
-/// All that was said on the session goes.
-void forget( SessionEnd & end );
+/// All that was said on the session goes. Labels of the peer stay, stale, if it restarts gracefully.
+void forget( SessionEnd & end, bool keepsPeerLabels );
+/// What is stale goes.
+void forgetStale( SessionEnd & end );
 
 } // namespace LdpTool::Pseudowires

@@ -94,7 +94,7 @@ void Sessions::onInit( SessionEnd & sender, SessionEnd & receiver, InitFacts con
    received.peerGrRecoveryTimeoutIs( init.recoveryTime );
    // What was kept of the session before has the recovery time of the peer to come back (RFC 3478, 3.3); one
    // that has not kept its forwarding state says 0.
-   if ( !receiver.stale.empty() ) {
+   if ( receiver.hasStale() ) {
       constexpr double milliseconds = 1e-3;
       receiver.staleUntil = now() + init.recoveryTime * milliseconds;
       if ( init.recoveryTime == 0 ) {
@@ -226,8 +226,8 @@ void Sessions::end( SessionEnd & end, LdpSessionState const & state, Vorn::Strin
    }
    end.status->operGrStateIs( keeps ? grStateActive : grStateUnknown );
    PrefixLabels::forget( end, keeps );
-   P2mpLabels::forget( end );
-   Pseudowires::forget( end );
+   P2mpLabels::forget( end, keeps );
+   Pseudowires::forget( end, keeps );
    end.statistics->ldpMsgIdFecMappingInfoDelAll();
    if ( auto const connection = end.agent.status().ldpTcpConnStatusColl()->connStatus( end.peer() ) ) {
       connection->reasonIs( reason );
@@ -239,6 +239,8 @@ void Sessions::staleOver( SessionEnd & end ) {
    end.staleUntil = 0.0;
    end.status->operGrStateIs( grStateInactive );
    PrefixLabels::forgetStale( end );
+   P2mpLabels::forgetStale( end );
+   Pseudowires::forgetStale( end );
 }
 
 /// When to look at the session again; 0 for not before it says so.

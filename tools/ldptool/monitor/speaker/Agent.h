@@ -6,12 +6,15 @@
 #include "capture/Flow.h"
 #include "monitor/speaker/Journal.h"
 #include "monitor/speaker/Network.h"
+#include "monitor/speaker/Waiting.h"
 
 #include "Ldp/LdpMsgParser.h"
+#include "Ldp/PwFecSession.h"
 
 #include <algorithm>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <vector>
 
@@ -55,6 +58,9 @@ struct Proposal {
    bool onDemand = false;
 };
 
+/// A FEC's state on a session, while the model has no object of it.
+using CompactFec = std::unique_ptr< char[] >;
+
 /// What a speaker has of its session with one peer.
 struct SessionEnd {
    SessionEnd( Agent & a, Ldp::LdpSessionId const & sessionId, Vorn::Ptr< Ldp::LdpSessionStatus > s,
@@ -81,13 +87,22 @@ struct SessionEnd {
    std::set< Mpls::FwdEqvClass > stale;
 
    /// Prefixes that the speaker has mapped for the peer, or has got mappings of, since a wildcard took them
-   /// all away: what the next one is about, each at least once.
-   std::vector< Mpls::FwdEqvClass > mapped;
-   std::vector< Mpls::FwdEqvClass > held;
+   /// all away: what the next one is about, each at least once. No list stands for all of the session.
+   std::optional< std::vector< Mpls::FwdEqvClass > > mapped;
+   std::optional< std::vector< Mpls::FwdEqvClass > > held;
 
-   // The same of P2MP FECs and pseudowires, which are few: whether there are any.
-   bool mappedOthers = false;
-   bool heldOthers = false;
+   /// States of prefixes, where the model's objects are made only to be changed or shown.
+   std::map< Mpls::FwdEqvClass, CompactFec > compactFecs;
+
+   // P2MP FECs, as the speaker numbers them, and pseudowires: those that the speaker has mapped, and those
+   // that the peer has.
+   FecUse< Mpls::FwdEqvClass > p2mpLocal;
+   FecUse< Mpls::FwdEqvClass > p2mpRemote;
+   FecUse< Ldp::PwFecSessionId > pwLocal;
+   FecUse< Ldp::PwFecSessionId > pwRemote;
+
+   /// Whether anything is kept of the session before.
+   bool hasStale() const { return !stale.empty() || !p2mpRemote.stale.empty() || !pwRemote.stale.empty(); }
 
    Ldp::LdpIdentifier peer() const { return id.peerLdpId(); }
    /// Whether the session is on its way or up.
@@ -105,6 +120,8 @@ struct Exchange {
 /// What all agents share.
 struct Surroundings {
    MonitorLimits limits;
+   bool compact; ///< the model's objects of prefixes on sessions are there to be shown only, not to be
+                 ///< followed
    TurnedAway turnedAway;
    Journal journal{ limits, turnedAway };
 };
@@ -122,11 +139,17 @@ class Agent {
    Journal & journal() { return around_.journal; }
    MonitorLimits const & limits() const { return around_.limits; }
    TurnedAway & turnedAway() { return around_.turnedAway; }
+   bool compact() const { return around_.compact; }
 
    /// The speaker's end of the session with that peer, a new one if there is none.
    SessionEnd & sessionEnd( Ldp::LdpIdentifier const & peer );
    bool hasSession( Ldp::LdpIdentifier const & peer ) const { return sessionEnds_.contains( peer ); }
    std::size_t sessionNum() const { return sessionEnds_.size(); }
+   template< class Call >
+   void eachSession( Call const & call ) {
+      for ( auto & [peer, end] : sessionEnds_ )
+         call( end );
+   }
 
  private:
    Speaker & speaker_;
@@ -138,10 +161,17 @@ class Agent {
 /// The agents, and who was seen at which address.
 class Agents {
  public:
-   Agents( Network & network, MonitorLimits const & limits ) : network_( network ), around_{ limits, {} } {}
+   Agents( Network & network, MonitorLimits const & limits, bool compact )
+        : network_( network ), around_{ limits, compact, {} } {}
 
    /// The agent of that speaker, a new one if there is none; null for one too many.
    Agent * agentIs( Ldp::LdpIdentifier const & id );
+
+   /// The agent of that speaker; null if there is none.
+   Agent * find( Ldp::LdpIdentifier const & id ) const {
+      auto const known = agents_.find( id );
+      return known == agents_.end() ? nullptr : known->second.get();
+   }
 
    Journal & journal() { return around_.journal; }
    Journal const & journal() const { return around_.journal; }
