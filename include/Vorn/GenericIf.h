@@ -64,7 +64,7 @@ enum AttributeOp : U32 {
    crowded = 13,   ///< whether the key is absent and has no room among `args[ 0 ]`, a U32, more keys of
                    ///< its hash, a bool
    newKeySet = 14, ///< an empty set of the collection's keys, a `std::unique_ptr< KeySet >`
-   ownKey = 15,  ///< of references that hold their key: whether the key is that of `args[ 0 ]`, a bool
+   ownKey = 15,    ///< of references that hold their key: whether the key is that of `args[ 0 ]`, a bool
    toLog = 16,   ///< an entity's scalar as the attribute log carries it, into the `NboAttrLog::Out` that the
                  ///< result points to
    fromLog = 17, ///< by the mutator: an entity's scalar from the rest of a record, of which the result points
