@@ -78,7 +78,7 @@ class Run {
 // The monitor, and one of the things that are made of what it knows.
 void monitor( Run const & run, Output & out, unsigned view ) {
    auto const network = networkFactory( Vorn::Name( "network" ) );
-   Monitor monitor( *network );
+   Monitor monitor( *network, {}, 32768, view == 0 ? Monitor::compact : Monitor::live );
    JsonWriter json( out );
    std::optional< TreeWatcher > watcher;
    if ( view == 3 ) {
@@ -91,11 +91,11 @@ void monitor( Run const & run, Output & out, unsigned view ) {
    run( evidence );
    switch ( view ) {
    case 0:
-      printAccounts( out, evidence, *network, monitor.journal(), {} );
+      printAccounts( out, evidence, *network, monitor, {} );
       printHistory( out, monitor.journal(), {} );
       printSummary( out, *network, monitor.journal() );
       printNeighbors( out, *network, monitor.journal(), {} );
-      printBindings( out, *network, {}, {} );
+      printBindings( out, *network, monitor, {}, {} );
       printPseudowires( out, *network, {} );
       printDot( out, *network );
       break;
