@@ -21,6 +21,7 @@ add_custom_command( OUTPUT ${all_types}
    DEPENDS ${PROJECT_SOURCE_DIR}/cmake/all_types.sh LdpObjects ${objects} COMMAND_EXPAND_LISTS VERBATIM )
 add_library( LdpAllTypes OBJECT ${all_types} )
 set_target_properties( LdpAllTypes PROPERTIES POSITION_INDEPENDENT_CODE ON )
+target_compile_options( LdpAllTypes PRIVATE -g0 ) # nothing of where it was built
 
 foreach( kind SHARED STATIC )
    string( TOLOWER ${kind} target )
