@@ -22,6 +22,7 @@ class LdpIndexed {
    LdpIndexed & operator=( LdpIndexed const & ) = delete;
    ~LdpIndexed() { drop( map() ); }
 
+   /// Number of values.
    U32 members() const noexcept { return map() ? map()->members() : num_; }
    /// The value at an index, or a default one.
    Value value( U32 index ) const {

@@ -268,6 +268,7 @@ class VORN_API LdpCapabilityMsgParser : public LdpCapabilityParser {
    ~LdpCapabilityMsgParser() override;
    Vorn::String stringValue() const override;
 
+   /// The judgement, which the constructor runs.
    void handleInitialized();
 };
 
