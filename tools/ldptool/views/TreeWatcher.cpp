@@ -16,7 +16,8 @@ namespace GenericIf = Vorn::GenericIf;
 namespace {
 
 std::string keyText( VornAttr const & attr, void const * key ) {
-   return "[" + std::string( GenericIf::Value( attr.keyType, key ).stringValue().view() ) + "]";
+   return std::string( 1, '[' ) + std::string( GenericIf::Value( attr.keyType, key ).stringValue().view() ) +
+          ']';
 }
 
 } // namespace
