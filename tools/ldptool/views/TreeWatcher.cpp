@@ -16,8 +16,9 @@ namespace GenericIf = Vorn::GenericIf;
 namespace {
 
 std::string keyText( VornAttr const & attr, void const * key ) {
-   return std::string( 1, '[' ) + std::string( GenericIf::Value( attr.keyType, key ).stringValue().view() ) +
-          ']';
+   std::string text = "[";
+   text += GenericIf::Value( attr.keyType, key ).stringValue().view();
+   return text += ']';
 }
 
 } // namespace
