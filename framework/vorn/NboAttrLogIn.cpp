@@ -1,13 +1,9 @@
 // What comes in: values from octets, arguments of constructors, numbers of entities.
 #include "Vorn/Impl/NboAttrLogIn.h"
 
-#include "NboAttrLogAnchors.h"
-#include "NboAttrLogRoots.h"
 #include "NboAttrLogState.h"
 #include "Vorn/Impl/Mutators.h"
 #include "Vorn/Strep.h"
-
-#include <algorithm>
 
 namespace Vorn::NboAttrLog {
 

@@ -62,8 +62,13 @@ class LdpIndexed {
    Map * map() const noexcept { return map_.load( std::memory_order_acquire ); }
    Map * make() const {
       Map * const map = new ( Vorn::vornMemAlloc( sizeof( Map ) ) ) Map;
-      for ( U32 i = 0; i < num_; ++i ) {
-         map->valueIs( i, first_[i] );
+      try {
+         for ( U32 i = 0; i < num_; ++i ) {
+            map->valueIs( i, first_[i] );
+         }
+      } catch ( ... ) { // no memory for them
+         drop( map );
+         throw;
       }
       return map;
    }
