@@ -4,7 +4,7 @@ PREFIX ?= /usr/local
 FUZZ_SECONDS ?= 60
 JOBS ?= $(shell nproc)
 
-.PHONY: help build dist dist-clang demo test sanitize thread memory bench bench-tables fuzz fuzz-fast fuzz-keep format format-check docs model-doc ring-doc forward install
+.PHONY: help build dist dist-clang demo test sanitize thread memory bench bench-tables fuzz fuzz-fast fuzz-keep format format-check docs model-doc ring-doc forward install deb abi
 
 help:
 	@echo "make demo       decode captures of real routers, show what each router knows"
@@ -22,6 +22,7 @@ help:
 	@echo "make format     put all sources into the project's format; format-check only looks"
 	@echo "make dist       what is installed: libraries and ldptool; dist-clang: the same with clang++"
 	@echo "make install    install into PREFIX (/usr/local)"
+	@echo "make deb        Debian packages, into build/deb, used once in a clean Debian; abi compares with the last tag"
 
 # What each preset needs installed, see scripts/setup.sh.
 needs_release := tests
@@ -96,6 +97,14 @@ ring-doc: build
 
 forward:
 	scripts/forward.py include/Ldp/Fwd.h
+
+deb:
+	@scripts/setup.sh tool deb
+	scripts/deb.sh build/deb
+
+abi: build
+	@scripts/setup.sh tests deb
+	scripts/abi.sh build/release/lib/libLdp.so.0
 
 install: dist
 	cmake --install build/dist --prefix $(PREFIX) --strip

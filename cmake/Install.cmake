@@ -17,3 +17,7 @@ set( pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig )
 cmake_path( RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX}/${pkgconfig_dir} OUTPUT_VARIABLE prefix_from_pc )
 configure_file( ${PROJECT_SOURCE_DIR}/cmake/Ldp.pc.in ${PROJECT_BINARY_DIR}/Ldp.pc @ONLY )
 install( FILES ${PROJECT_BINARY_DIR}/Ldp.pc DESTINATION ${pkgconfig_dir} )
+
+# gdb loads what lies here under the library's own path.
+install( FILES ${PROJECT_SOURCE_DIR}/tools/gdb/libLdp-gdb.py
+   DESTINATION ${CMAKE_INSTALL_DATADIR}/gdb/auto-load/${CMAKE_INSTALL_FULL_LIBDIR} RENAME libLdp.so.${PROJECT_VERSION}-gdb.py )

@@ -5,6 +5,7 @@
 #   scripts/setup.sh GROUP...
 #      tool         ldptool and the libraries            tests        the suite and the benchmarks, ldptool included
 #      clang        second compiler, sanitizers, fuzzer, formatting    docs         reference documentation
+#      deb          making and trying Debian packages, comparing interfaces
 #      comparison   what the benchmarks are measured against: decoders, and libraries that a table leaves out where they are missing
 set -euo pipefail
 
@@ -16,8 +17,9 @@ for group in "$@"; do
       tests) packages+=( git libgtest-dev librapidcheck-dev libbenchmark-dev python3-jsonschema ) ;;
       clang) packages+=( git clang clang-format libclang-rt-14-dev libc++-14-dev libc++abi-14-dev ) ;;
       docs) packages+=( doxygen ) ;;
+      deb) packages+=( git debhelper dpkg-dev lintian mmdebstrap abigail-tools ) ;;
       comparison) packages+=( tcpdump tshark libabsl-dev libboost-dev libsigc++-2.0-dev libprotobuf-dev protobuf-compiler ) ;;
-      *) echo "usage: scripts/setup.sh [tool|tests|clang|docs|comparison]..." >&2; exit 2 ;;
+      *) echo "usage: scripts/setup.sh [tool|tests|clang|docs|deb|comparison]..." >&2; exit 2 ;;
    esac
 done
 
