@@ -154,13 +154,14 @@ bool LdpPduParser::hasText() const noexcept {
 
 Vorn::String LdpPduParser::stringValue() const {
    if ( !validLdpPdu() ) return "Error LDP PDU: " + reason_;
-   Vorn::String text = header_->stringValue();
+   std::string text( header_->stringValue().view() ); // a Vorn::String is copied by each piece
    U32 const num = messageNum();
    for ( U32 i = 0; i < num; ++i ) {
-      text += Vorn::format( "\n%d: ", int( i ) );
-      text += ldpMsgParserGet( pkt_, messageOffset( i ) )->stringValue();
+      text += Vorn::format( "\n%d: ", int( i ) ).view();
+      text += ldpMsgParserGet( pkt_, messageOffset( i ) )->stringValue().view();
    }
-   return text += "\n";
+   text += '\n';
+   return Vorn::String( std::string_view( text ) );
 }
 
 } // namespace Ldp

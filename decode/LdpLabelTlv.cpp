@@ -95,7 +95,8 @@ Lumo::AddressFamily LdpAddressListTlv::family() const noexcept {
 }
 
 U16 LdpAddressListTlv::numAddress() const noexcept {
-   if ( length() < 3 || !hasFamily() ) return 0;
+   // Both families' lengths fit the shorter one's, so the family need not be there for this.
+   if ( length() < 3 || length() % Lumo::IpAddr::size != 2 || !hasFamily() ) return 0;
    U16 const octets = U16( length() - 2 );
    switch ( family() ) {
    case Lumo::ipv4: return octets % Lumo::IpAddr::size ? 0 : U16( octets / Lumo::IpAddr::size );

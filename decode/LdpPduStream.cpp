@@ -38,7 +38,7 @@ void LdpPduStream::maxPduLengthIs( U16 octets ) noexcept {
 }
 
 std::span< U8 const > LdpPduStream::held() const noexcept {
-   return { held_ < hdrBytes ? header_ : pkt_->front(), held_ };
+   return { held_ <= hdrBytes ? header_ : pkt_->front(), held_ };
 }
 
 LdpPdu LdpPduStream::next( std::span< U8 const > & octets ) {
@@ -46,22 +46,24 @@ LdpPdu LdpPduStream::next( std::span< U8 const > & octets ) {
       octets = {};
       return {};
    }
-   if ( held_ < hdrBytes ) {
+   if ( held_ <= hdrBytes ) { // with the header alone there may be no packet yet: memory may have run out
       fill( header_, hdrBytes, octets );
       if ( held_ < hdrBytes ) return {};
       auto const & hdr = reinterpret_cast< LdpPduHdr const & >( header_ );
       if ( Vorn::String const reason = lengthReason( hdr ); !reason.empty() ) {
+         LdpPdu pdu = refused( header_, reason );
          broken_ = true;
          held_ = 0;
-         return refused( header_, reason );
+         return pdu;
       }
       std::memcpy( room( hdr.totalLength() ), header_, hdrBytes );
    }
    U16 const total = reinterpret_cast< LdpPduHdr const * >( pkt_->front() )->totalLength();
    fill( pkt_->room(), total, octets );
    if ( held_ < total ) return {};
+   LdpPdu pdu = judged( total );
    held_ = 0;
-   return judged( total );
+   return pdu;
 }
 
 LdpPdu LdpPduStream::datagram( std::span< U8 const > octets ) {
@@ -87,7 +89,7 @@ void LdpPduStream::fill( U8 * at, std::size_t wanted, std::span< U8 const > & oc
    octets = octets.subspan( more );
 }
 
-/// What is wrong with the length; empty if nothing is. In the parser's order and words.
+/// What is wrong with the length; empty if nothing is. With the parser's verdict and words.
 Vorn::String LdpPduStream::lengthReason( LdpPduHdr const & hdr ) const {
    U16 const total = hdr.totalLength();
    if ( total < LdpPduParser::minTotalLength )

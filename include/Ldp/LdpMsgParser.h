@@ -258,7 +258,7 @@ class VORN_API LdpInitMsgParser : public LdpCapabilityParser {
    LdpFtSessionTlv const * msgFtSessionTlv_ = nullptr;
 };
 
-/// Capability (RFC 5561, 7). `ldpMsgParserGet` leaves such a message a plain `LdpMsgParser`; who wants its
+/// Capability (RFC 5561, 4). `ldpMsgParserGet` leaves such a message a plain `LdpMsgParser`; who wants its
 /// capabilities builds this class.
 class VORN_API LdpCapabilityMsgParser : public LdpCapabilityParser {
    VORN_REFLECTED_OBJECT( LdpCapabilityMsgParser, LdpCapabilityParser )

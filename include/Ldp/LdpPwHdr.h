@@ -143,7 +143,7 @@ class VORN_API LdpPwRequestedVlanIdSubTlv : public LdpPwIntfParamSubTlvOf< reque
 };
 static_assert( sizeof( LdpPwRequestedVlanIdSubTlv ) == 4 && alignof( LdpPwRequestedVlanIdSubTlv ) == 1 );
 
-/// Fragmentation indicator (RFC 4623, 5).
+/// Fragmentation indicator (RFC 4623, 4).
 class VORN_API LdpPwFragIndicatorSubTlv : public LdpPwIntfParamSubTlvOf< fragIndicator > {
    VORN_REFLECTED( LdpPwFragIndicatorSubTlv, LdpPwIntfParamSubTlv )
 
@@ -174,7 +174,7 @@ class VORN_API LdpPwVccvParamField : public Lumo::NetU16 {
 };
 VORN_TEXT( LdpPwVccvParamField )
 
-/// VCCV parameter (RFC 5085, 6.1).
+/// VCCV parameter (RFC 5085, 5.3.1).
 class VORN_API LdpPwVccvParamSubTlv : public LdpPwIntfParamSubTlvOf< vccvParam > {
    VORN_REFLECTED( LdpPwVccvParamSubTlv, LdpPwIntfParamSubTlv )
 

@@ -190,7 +190,7 @@ class VORN_API LdpSessionStatus : public Vorn::Entity {
    VORN_MUTABLE( 0x11e, U16, peerPort, PeerPort, replicated ) = 0;
    /// Addresses of the peer's interfaces, which it announced.
    VORN_VALUE_COLL( 0x11f, bool, Lumo::IpGenAddr, peerIntfIp, PeerIntfIp, replicated );
-   /// How often the peer said that it has label resources again (RFC 5036, 3.4.6).
+   /// How often the peer said that it has label resources again (RFC 5036, 3.5.8.1).
    VORN_COUNTER( 0x120, U32, peerLabelRescAvailableCount, PeerLabelRescAvailableCount, local ) = 0;
    /// How often the session was tried again after a fatal error.
    VORN_COUNTER( 0x121, U64, fatalRetryCount, FatalRetryCount, local ) = 0;

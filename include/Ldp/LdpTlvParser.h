@@ -68,8 +68,10 @@ bool ldpLengthRefuses( Body const & tlv, U64 ) noexcept {
 inline bool ldpLengthRefuses( LdpPathVectorTlv const & tlv, U64 ) noexcept { return !tlv.lsrIdNum(); }
 /// An address list has its family, and whole addresses of that family.
 inline bool ldpLengthRefuses( LdpAddressListTlv const & tlv, U64 octets ) noexcept {
-   // How long the list may be follows from the family in front of it.
-   return tlv.length() < 3 || ( octets >= sizeof tlv + 2 && !tlv.numAddress() );
+   // How long the list may be follows from the family in front of it, but some lengths no family has.
+   bool const ofNoFamily =
+        tlv.length() < 3 || tlv.length() % Lumo::IpAddr::size != 2 || tlv.totalLength() < tlv.length();
+   return ofNoFamily || ( octets >= sizeof tlv + 2 && !tlv.numAddress() );
 }
 
 /// What the parsers of one kind of TLV share: the view as that kind, its judgement and its text.

@@ -41,8 +41,8 @@ VORN_API bool isLoopbackInterface( Lumo::IntfId const & intfId );
 VORN_API bool isLdpSupportedInterface( Lumo::IntfId const & intfId, bool loopbackCounts );
 
 /// A parser of the class that messages of that type have, judged whole, header and framing included; null for
-/// a type without a class. `type` is that of the message at `offset`: another one asserts unless header or
-/// framing is bad.
+/// KeepAlive, Capability and types that are not known. `type` is that of the message at `offset`: another one
+/// asserts unless header or framing is bad.
 ///
 /// For who knows the type already; `ldpMsgParserGet` is the way of everybody else.
 VORN_API Vorn::Ptr< LdpMsgParser > ldpTypedMsgParser( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset,
@@ -68,9 +68,9 @@ struct VORN_API LdpPduGuardResult {
    U32 offset;
 
    /// What to answer to the sender: `success` where there is nothing, `badTlvLength` for a wrapped unit, as
-   /// for any other bad framing, and for a P2MP element `internalError`, since it may be good and is beyond
-   /// this library. Both end the session (their E bit is set), which they must: the messages of a PDU that is
-   /// not parsed are lost, and the two sides would differ for good.
+   /// for any TLV that is longer than its message, and for a P2MP element `internalError`, since it may be
+   /// good and is beyond this library. Both end the session (their E bit is set), which they must: the
+   /// messages of a PDU that is not parsed are lost, and the two sides would differ for good.
    LdpStatusCode statusCode() const noexcept;
    /// The same in a sentence; empty where there is nothing.
    Vorn::String reason() const;
