@@ -310,6 +310,15 @@ void HashMap2018Generic::trivialNewBucketAssemble( VTable const & vt, void * des
 
 // Iteration.
 
+HashMap2018LinkNodeBase * HashMap2018Generic::firstG( VTable const & vt ) const noexcept {
+   return HashMap2018IteratorGeneric( *this, vt ).currNodeMaybeStale();
+}
+
+HashMap2018LinkNodeBase * HashMap2018Generic::atOrBehindG( VTable const & vt,
+                                                           HashHelper const & key ) const noexcept {
+   return HashMap2018IteratorGeneric( *this, vt, key ).currNodeMaybeStale();
+}
+
 HashMap2018IteratorGeneric::HashMap2018IteratorGeneric( HashMap2018Generic const & map,
                                                         VTable const & vt ) noexcept
      : map_( &map ), vt_( &vt ) {

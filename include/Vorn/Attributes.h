@@ -71,23 +71,23 @@ using LastLine = LineRank< 0x82 >;
                                                                                                              \
  private:                                                                                                    \
    /* Behind the lines so far stands the class with their callbacks. */                                      \
-   static ::std::type_identity< Base::NotifieeConst > vornTells( ::Vorn::LineRank< 0 > );
+   static ::std::type_identity< Base::NotifieeConst > vornTells( ::Vorn::LineRank< 0 > );                    \
+   static void vornClosed( ... ); /* until VORN_OBSERVERS */                                                 \
+   VORN_FIRST_LINE_
 
 /// What a line's last word stands for.
 #define VORN_REPLICATION_( word ) ::Vorn::replicationOf( #word )
 
 /// Stands in the lines that end in a field and add no callback.
 #define VORN_BEFORE_OBSERVERS_                                                                               \
-   static_assert( !::std::is_void_v< decltype( vornTells( ::Vorn::LastLine{} ) ) >,                          \
+   static_assert( ::std::is_void_v< decltype( vornClosed( 0 ) ) >,                                           \
                   "attribute lines stand before VORN_OBSERVERS" );
 /// The callbacks that a line adds.
 #define VORN_CALLBACKS_( id, X, word, ... )                                                                  \
+   VORN_BEFORE_OBSERVERS_                                                                                    \
  public:                                                                                                     \
    static_assert( ::Vorn::isReplicationWord( #word ),                                                        \
                   "the last word of an attribute line is replicated or local" );                             \
-   static_assert( ::std::is_same_v< decltype( vornTells( ::Vorn::LineOf< id, vornFirstId, -1 >{} ) ),        \
-                                    decltype( vornTells( ::Vorn::LastLine{} ) ) >,                           \
-                  "attribute lines stand in the order of their ids, before VORN_OBSERVERS" );                \
    class On##X##_ : public decltype( vornTells( ::Vorn::LineOf< id, vornFirstId, -1 >{} ) )::type {          \
     public:                                                                                                  \
       __VA_ARGS__                                                                                            \
@@ -387,7 +387,7 @@ using LastLine = LineRank< 0x82 >;
    Type x##Del( ::Vorn::Arg< Key > key ) {                                                                   \
       return ::Vorn::valueDel< Type >( ::Vorn::Owner( *this ), x##_, x##Change_(), key );                    \
    }                                                                                                         \
-   void x##DelAll() { ::Vorn::valuesDel( ::Vorn::Owner( *this ), x##_, x##Change_() ); }                     \
+   void x##DelAll() { ::Vorn::valuesDel< Key >( ::Vorn::Owner( *this ), x##_, x##Change_() ); }              \
    VORN_ATTR_( id ) {                                                                                        \
       return ::Vorn::keyedRecord< VORN_SELF_, Type, Key >(                                                   \
            #x, kind, id, VORN_REPLICATION_( replication ), nullptr, nullptr,                                 \
@@ -419,7 +419,7 @@ using LastLine = LineRank< 0x82 >;
    bool x##Del( ::Vorn::Arg< Key > key ) {                                                                   \
       return ::Vorn::keyDel( ::Vorn::Owner( *this ), x##_, x##Change_(), key );                              \
    }                                                                                                         \
-   void x##DelAll() { ::Vorn::valuesDel( ::Vorn::Owner( *this ), x##_, x##Change_() ); }                     \
+   void x##DelAll() { ::Vorn::valuesDel< Key >( ::Vorn::Owner( *this ), x##_, x##Change_() ); }              \
    VORN_ATTR_( id ) {                                                                                        \
       auto attr = ::Vorn::keyedRecord< VORN_SELF_, bool, Key >(                                              \
            #x, ::Vorn::VornKind::valueColl, id, VORN_REPLICATION_( replication ), nullptr, nullptr,          \
@@ -448,7 +448,7 @@ using LastLine = LineRank< 0x82 >;
    ::Vorn::Ptr< Type > x##Del( ::Vorn::Arg< Key > key ) {                                                    \
       return ::Vorn::valueDel< ::Vorn::Ptr< Type > >( ::Vorn::Owner( *this ), x##_, x##Change_(), key );     \
    }                                                                                                         \
-   void x##DelAll() { ::Vorn::valuesDel( ::Vorn::Owner( *this ), x##_, x##Change_() ); }                     \
+   void x##DelAll() { ::Vorn::valuesDel< Key >( ::Vorn::Owner( *this ), x##_, x##Change_() ); }              \
    VORN_ATTR_( id ) {                                                                                        \
       return ::Vorn::keyedRecord< VORN_SELF_, Type, Key >(                                                   \
            #x, ::Vorn::VornKind::referenceColl, id, VORN_REPLICATION_( replication ), nullptr, nullptr,      \
@@ -474,7 +474,7 @@ using LastLine = LineRank< 0x82 >;
    ::Vorn::Ptr< Type > x##Del( ::Vorn::Arg< Key > key ) {                                                    \
       return ::Vorn::valueDel< ::Vorn::Ptr< Type > >( ::Vorn::Owner( *this ), x##_, x##Change_(), key );     \
    }                                                                                                         \
-   void x##DelAll() { ::Vorn::valuesDel( ::Vorn::Owner( *this ), x##_, x##Change_() ); }                     \
+   void x##DelAll() { ::Vorn::valuesDel< Key >( ::Vorn::Owner( *this ), x##_, x##Change_() ); }              \
    VORN_ATTR_( id ) {                                                                                        \
       return ::Vorn::keyedRecord< VORN_SELF_, Type, Key >(                                                   \
            #x, ::Vorn::VornKind::referenceColl, id, VORN_REPLICATION_( replication ), nullptr, nullptr,      \
@@ -490,6 +490,7 @@ using LastLine = LineRank< 0x82 >;
    VORN_CHECK_TYPE_( Type ) VORN_QUEUE_CHECKED_( id, ::Vorn::AttrType< Type >, x, X, replication )
 #define VORN_QUEUE_CHECKED_( id, Type, x, X, replication )                                                   \
    VORN_COLL_( id, U32, x, X, replication, VORN_ARG_( ::Vorn::LinkQueue< Self, U32, Type > ) )               \
+   using Vorn##X = typename ::Vorn::LinkQueue< Self, U32, Type >::Node;                                      \
    ::Vorn::LinkQueue< Self, U32, Type > const & x() const noexcept { return x##_; }                          \
    Type x( U32 index ) const { return x##_.value( index ); }                                                 \
    U32 x##Enq( ::Vorn::Arg< Type > value ) {                                                                 \
@@ -518,6 +519,7 @@ using LastLine = LineRank< 0x82 >;
 /// Stands behind the attributes of a type whose entities are members of a collection: the collection's link,
 /// which the collection alone writes.
 #define VORN_NEXT_LINK                                                                                       \
+   VORN_BEFORE_OBSERVERS_                                                                                    \
  private:                                                                                                    \
    friend struct ::Vorn::NextLink;                                                                           \
    [[maybe_unused]] ::Vorn::Entity * next_ = nullptr /* counted, like every link of a chain */
@@ -555,7 +557,7 @@ using LastLine = LineRank< 0x82 >;
    };                                                                                                        \
    /** Observer that also writes to what it watches. */                                                      \
    class VORN_API Notifiee : public NotifieeConst {};                                                        \
-   static void vornTells( ::Vorn::LastLine );
+   static bool vornClosed( int );
 
 /// Keeps commas of a template's arguments within one argument of a macro.
 #define VORN_ARG_( ... ) __VA_ARGS__
@@ -567,7 +569,6 @@ using LastLine = LineRank< 0x82 >;
    Type::~Type() = default;
 /// The same for a type that defines its destructor by hand.
 #define VORN_RECORD_BUT_DESTRUCTOR( Namespace, Type )                                                        \
-   VORN_CHECK_IDS_( Type )                                                                                   \
    static_assert( ::Vorn::endsInObservers< Type >,                                                           \
                   "the type lacks its last line: VORN_OBSERVERS, or VORN_BASE_OBSERVERS where its base has " \
                   "observers" );                                                                             \

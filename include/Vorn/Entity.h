@@ -89,6 +89,9 @@ class VORN_API Entity : public PtrInterface {
    /// The child below this entity whose name or key has that text, or null.
    Ptr< Entity > entity( String const & childName ) const;
 
+ protected:
+   static void vornClosed( ... ); // no type is whose lines are not closed by VORN_OBSERVERS
+
  private:
    Entity * parent_ = nullptr; // not counted: the parent owns this entity
 };
@@ -109,7 +112,8 @@ class Child {
 
    /// Puts another child, or none, in the place of the present one, which leaves and is returned.
    Ptr< Type > replace( Ptr< Type > child ) {
-      Ptr< Type > old = std::exchange( child_, std::move( child ) );
+      Ptr< Type > old( static_cast< Ptr< Type > && >( child_ ) );
+      child_ = static_cast< Ptr< Type > && >( child );
       if ( old ) old->vornLeft();
       return old;
    }

@@ -7,8 +7,9 @@
 /// the process.
 ///
 /// A few kinds of key have a fixed formula instead: `Ldp::LdpIdentifier` and what is made of it,
-/// `Lumo::NetU16` and `Lumo::NetU32`. Of those a peer can choose as many of one hash as it likes; see
-/// `HashMap2018` for how many of them a map bears.
+/// `Lumo::NetU16` and `Lumo::NetU32`, and plain numbers and enumerations, of which no more than two can meet.
+/// Of the others a peer can choose as many of one hash as it likes; see `HashMap2018` for how many of them a
+/// map bears.
 #pragma once
 
 #include "Vorn/Api.h"

@@ -122,7 +122,9 @@ class HashMapVTable final : public HashMapVTableGeneric {
       Entity *& link = NextLink::of( static_cast< Member & >( member ) );
       if ( link == next ) return;
       if ( next ) next->referenceInc();
-      if ( Entity * const old = std::exchange( link, next ) ) old->referenceDec();
+      Entity * const old = link;
+      link = next;
+      if ( old ) old->referenceDec();
    }
 
    static HashMapVTable const instance;

@@ -23,7 +23,6 @@
 
 #include <iterator>
 #include <memory>
-#include <optional>
 #include <variant>
 
 namespace Vorn {
@@ -115,11 +114,21 @@ class HashMap2018NodeOps {
 
  private:
    static Node * nodePtr( void * slot ) noexcept { return static_cast< Node * >( slot ); }
+   // Written out here and below: the standard's algorithms for it would be made for each kind of node, in
+   // each file that includes the model, and double what that costs.
+   static void destroy( Node * at, Node const * end ) noexcept {
+      for ( ; at != end; ++at ) {
+         at->~Node();
+      }
+   }
 
    static void bktHdrRefDec( BktHdr * header ) noexcept {
       if ( HashMap2018Generic::bktHdrRefDecHelper( header ) != 0 ) return;
       vornAllocTrackTypeInfo_.trackArrayDeallocation( header->capacity(), sizeof( Node ) );
-      if constexpr ( !trivial ) std::destroy_n( nodePtr( header->nodes() ), header->used() );
+      if constexpr ( !trivial ) {
+         Node * const nodes = nodePtr( header->nodes() );
+         destroy( nodes, nodes + header->used() );
+      }
       HashMap2018Generic::bucketFree( header, sizeof( Node ) );
    }
 
@@ -147,8 +156,11 @@ class HashMap2018NodeOps {
                       int slotsToShift ) noexcept {
       Node * const nodes = nodePtr( base );
       if ( slotsToShift < 0 ) {
-         std::destroy( std::move( nodes + position - slotsToShift, nodes + count, nodes + position ),
-                       nodes + count );
+         U32 to = position;
+         for ( U32 from = position - U32( slotsToShift ); from < count; ++from, ++to ) {
+            nodes[to] = std::move( nodes[from] );
+         }
+         destroy( nodes + to, nodes + count );
          return;
       }
       VORN_ASSERT( slotsToShift == 1 );
@@ -158,7 +170,9 @@ class HashMap2018NodeOps {
          return;
       }
       new ( nodes + count ) Node( std::move( nodes[count - 1] ) );
-      std::move_backward( nodes + position, nodes + count - 1, nodes + count );
+      for ( U32 to = count - 1; to > position; --to ) {
+         nodes[to] = std::move( nodes[to - 1] );
+      }
       nodes[position] = std::move( node );
    }
 
@@ -171,8 +185,9 @@ class HashMap2018NodeOps {
          Node * to = nodePtr( destination );
          for ( auto const & run : sources ) {
             auto * const from = static_cast< Node * >( run.nodes );
-            to = run.copy ? std::uninitialized_copy_n( from, run.count, to )
-                          : std::uninitialized_move_n( from, run.count, to ).second;
+            for ( U32 i = 0; i < run.count; ++i, ++to ) {
+               place( vt, to, from + i, run.copy ? VTable::copy : VTable::move );
+            }
          }
       }
    }
@@ -248,16 +263,29 @@ class HashMap2018 : public HashMap2018Generic {
       return newMemberG( vt_, HashKey< Key >::form( key ), Node( key ) ).added;
    }
 
-   /// Removes the member with that key and returns it; nothing where there is none. Its value is still alive
-   /// when the map is without it.
-   std::optional< Node > del( Key const & key ) {
-      alignas( Node ) unsigned char slot[sizeof( Node )];
-      if ( !deleteMemberG( vt_, HashKey< Key >::form( key ), slot ) ) return std::nullopt;
-      auto * const node = std::launder( reinterpret_cast< Node * >( slot ) );
-      std::optional< Node > deleted( std::move( *node ) );
-      std::destroy_at( node );
-      return deleted;
-   }
+   /// A member that was taken out of the map, or nothing where there was none: `if ( auto const deleted =
+   /// map.del( key ) ) use( deleted->value() )`.
+   class Deleted {
+    public:
+      Deleted( HashMap2018 & map, Key const & key ) noexcept
+           : there_( map.deleteMemberG( vt_, HashKey< Key >::form( key ), slot_ ) ) {}
+      Deleted( Deleted const & ) = delete;
+      Deleted & operator=( Deleted const & ) = delete;
+      ~Deleted() {
+         if ( there_ ) std::launder( reinterpret_cast< Node * >( slot_ ) )->~Node();
+      }
+      explicit operator bool() const noexcept { return there_; }
+      Node const & operator*() const noexcept {
+         return *std::launder( reinterpret_cast< Node const * >( slot_ ) );
+      }
+      Node const * operator->() const noexcept { return &**this; }
+
+    private:
+      alignas( Node ) unsigned char slot_[sizeof( Node )];
+      bool const there_;
+   };
+   /// Removes the member with that key and returns it. Its value is still alive when the map is without it.
+   Deleted del( Key const & key ) noexcept { return Deleted( *this, key ); }
    /// Removes all members.
    void delAll() noexcept { emptyAllBuckets( vt_ ); }
 
@@ -270,6 +298,12 @@ class HashMap2018 : public HashMap2018Generic {
 
    Iterator begin() noexcept { return Iterator( *this ); }
    IteratorConst begin() const noexcept { return IteratorConst( *this ); }
+   /// The first member, null where there is none.
+   Node const * first() const noexcept { return static_cast< Node const * >( firstG( vt_ ) ); }
+   /// The member with that key, or else the one that follows where it would stand; null behind the last.
+   Node const * atOrBehind( Key const & key ) const noexcept {
+      return static_cast< Node const * >( atOrBehindG( vt_, HashKey< Key >::form( key ) ) );
+   }
    std::default_sentinel_t end() const noexcept { return {}; }
 
  private:

@@ -67,8 +67,8 @@ class VORN_API PtrInterface::NotifieeConst : public PtrInterface {
    /// Whether the binding leaves the object's life alone; a strong binding, the default, keeps the object
    /// alive.
    void isWeakReferenceIs( bool weak );
-   /// Callbacks come only to an observer that is active: the factory's last step, so that none comes to an
-   /// observer under construction.
+   /// Callbacks of changes come only to an observer that is active: the factory's last step, so that none
+   /// comes to an observer under construction. `onZeroReferences` comes to all that are registered.
    void hasNotificationActiveIs( bool active ) override;
 
    bool isRegisteredNotifiee() const noexcept { return registered_; }

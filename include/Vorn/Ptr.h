@@ -55,6 +55,9 @@ class VORN_API PtrInterface : public VFPtrInterface {
    /// Flag: observers are bound to the object that stand in no list of its own (Notifiee.h).
    static constexpr U32 boundAside = 0x20000000;
 
+   /// Memory for an object, as every factory takes it: `Vorn::vornMemAlloc`.
+   static void * vornMemAlloc( std::size_t bytes ) { return ::Vorn::vornMemAlloc( bytes ); }
+
    PtrInterface() noexcept = default;
    PtrInterface( PtrInterface const & ) = delete;
    PtrInterface & operator=( PtrInterface const & ) = delete;
@@ -70,9 +73,8 @@ class VORN_API PtrInterface : public VFPtrInterface {
    /// Asserts that nobody has kept a reference that was taken on the way down.
    virtual ~PtrInterface();
 
-   /// References held, without the flags.
-   /// Whoever sees that only its own is left may write to the object: what other threads did with theirs is
-   /// past.
+   /// References held, without the flags; no number for an object that is being destroyed. Whoever sees that
+   /// only its own is left may write to the object: what other threads did with theirs is past.
    U32 references() const noexcept { return __atomic_load_n( &refs_, __ATOMIC_ACQUIRE ) & referenceMask; }
 
    /// Takes one reference. `Ptr` does this; nobody else needs to.
@@ -126,6 +128,12 @@ class Hold {
    bool const counted_;
 };
 
+/// Whether a pointer to `From` converts to one to `To`.
+template< class From, class To >
+concept PointsTo = requires( From * from, To *& to ) {
+   to = from;
+};
+
 /// Strong pointer to a counted object, one word. Null when empty. Copying takes a reference, destruction and
 /// overwriting drop one. `Ptr< T const >` gives read access only.
 template< class T >
@@ -137,13 +145,13 @@ class Ptr {
    constexpr Ptr( std::nullptr_t ) noexcept {}
    Ptr( T * object ) noexcept : object_( object ) { inc(); }
    Ptr( Ptr const & other ) noexcept : object_( other.object_ ) { inc(); }
-   Ptr( Ptr && other ) noexcept : object_( std::exchange( other.object_, nullptr ) ) {}
+   Ptr( Ptr && other ) noexcept : object_( other.release() ) {}
    /// From a pointer to a derived class, or to the same class with write access.
-   template< class U, class = std::enable_if_t< std::is_convertible_v< U *, T * > > >
+   template< PointsTo< T > U >
    Ptr( Ptr< U > const & other ) noexcept : object_( other.ptr() ) {
       inc();
    }
-   template< class U, class = std::enable_if_t< std::is_convertible_v< U *, T * > > >
+   template< PointsTo< T > U >
    Ptr( Ptr< U > && other ) noexcept : object_( other.release() ) {}
    ~Ptr() {
       if ( object_ ) object_->referenceDec();
@@ -151,7 +159,9 @@ class Ptr {
 
    /// The old object is dropped last, so that its destructor already sees the new value here.
    Ptr & operator=( Ptr other ) noexcept {
-      std::swap( object_, other.object_ );
+      T * const old = object_;
+      object_ = other.object_;
+      other.object_ = old;
       return *this;
    }
 
@@ -163,7 +173,11 @@ class Ptr {
    bool operator!() const noexcept { return !object_; }
 
    /// Hands the reference over to the caller and leaves this pointer empty.
-   T * release() noexcept { return std::exchange( object_, nullptr ); }
+   T * release() noexcept {
+      T * const object = object_;
+      object_ = nullptr;
+      return object;
+   }
 
    /// Pointers compare by identity of the object.
    template< class U >

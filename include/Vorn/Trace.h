@@ -25,7 +25,8 @@ class VORN_API TraceFacility {
 
    explicit TraceFacility( String name ) : name_( std::move( name ) ) {}
 
-   /// Switches the levels of the facility `name`: bit l stands for level l. At first all are off.
+   /// Switches the levels of the facility `name`: bit l stands for level l. At first all are off, but for
+   /// those of the facility `Notifiee`.
    static void levelsIs( String const & name, U32 levels );
    /// False as long as nobody has switched any level of any facility on: the first thing that a statement
    /// asks.

@@ -182,19 +182,22 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
    bool operator!() const noexcept { return *this == Type(); }                                               \
    VORN_FROM_LOG( Type )                                                                                     \
                                                                                                              \
- private:
+ private:                                                                                                    \
+   VORN_FIRST_LINE_
+
+/// What each line finds before it, the first one too, and finds instead where a line is left out.
+#define VORN_FIRST_LINE_                                                                                     \
+   static int vornAttr( ::Vorn::AttrId< vornFirstId - 1 > );                                                 \
+   static void vornAttr( ... );
 
 /// Heads the function that gives an attribute's record. It is a template so that a file that only includes
 /// the header does not have to compile what the record points to: that is most of a header's cost.
 #define VORN_ATTR_( id )                                                                                     \
-   static_assert( ::Vorn::isAttrIdOf( id, vornFirstId ), "attribute ids begin with the type's first one" );  \
+   static_assert( ::Vorn::isAttrIdOf( id, vornFirstId ) &&                                                   \
+                       !::std::is_void_v< decltype( vornAttr( ::Vorn::AttrId< id - 1 >{} ) ) >,              \
+                  "attribute ids begin with the type's first one and follow each other without a gap" );     \
    template< class VornWhenUsed = void >                                                                     \
    static constexpr ::Vorn::VornAttr vornAttr( ::Vorn::AttrId< id > )
-
-/// Checks the ids of a type whose lines are all there.
-#define VORN_CHECK_IDS_( Type )                                                                              \
-   static_assert( ::Vorn::AttrTable< Type >::own == ::Vorn::AttrTable< Type >::declared(),                   \
-                  "attribute ids follow each other without a gap" );
 
 /// Checks the types that a line is given.
 #define VORN_CHECK_TYPE_( Type )                                                                             \
@@ -296,7 +299,6 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
 /// Defines the record of a value type and registers the type. Stands in the source file, inside the type's
 /// namespace.
 #define VORN_VALUE_RECORD( Namespace, Type )                                                                 \
-   VORN_CHECK_IDS_( Type )                                                                                   \
    constinit ::Vorn::VornType const Type::_vornType =                                                        \
         ::Vorn::valueRecord< Type >( #Namespace "::" #Type, ::Vorn::AttrTable< Type >::attributes,           \
                                      ::Vorn::AttrTable< Type >::num, ::Vorn::AttrTable< Type >::ctorArgs );  \

@@ -67,8 +67,8 @@ VORN_VIEW_RECORD( Test, View )
 
 TYPE = "an attribute's type has a record"
 KEY = "a key has a record, U32 hash() const, == and <"
-ORDER = "attribute lines stand in the order of their ids, before VORN_OBSERVERS"
-WINDOW = "attribute ids begin with the type's first one"
+ORDER = "attribute ids begin with the type's first one and follow each other without a gap"
+LAST = "attribute lines stand before VORN_OBSERVERS"
 # What is written, what is written instead, what the first error says, the line that it names, and how many errors there are at
 # most where others follow from it.
 MISTAKES = [
@@ -86,12 +86,13 @@ MISTAKES = [
     ("VORN_OBSERVERS;\n};\nVORN_RECORD(", "VORN_BASE_OBSERVERS;\n};\nVORN_RECORD(", "the base has no list of observers: VORN_OBSERVERS",
      "VORN_BASE_", 2),
     ("   VORN_COUNTER( 0x104, U16, count, Count, replicated ) = 1;\n   VORN_OBSERVERS;\n",
-     "   VORN_OBSERVERS;\n   VORN_COUNTER( 0x104, U16, count, Count, replicated ) = 1;\n", ORDER, "VORN_COUNTER"),
-    ("0x102, U32", "0x101, U32", WINDOW, "VORN_MUTABLE", 2),
-    ("0x104, U16", "0x105, U16", "attribute ids follow each other without a gap", "VORN_RECORD"),
-    ("0x102, U32", "0x105, U32", ORDER, "VORN_SET", 3),
-    ("0x102, U32", "0x103, U32", ORDER, "VORN_SET", 4),
-    ("0x2, U32", "0x80, U32", WINDOW, "VORN_FIELD"),
+     "   VORN_OBSERVERS;\n   VORN_COUNTER( 0x104, U16, count, Count, replicated ) = 1;\n", LAST, "VORN_COUNTER"),
+    ("   VORN_OBSERVERS;\n};", "   VORN_OBSERVERS;\n   VORN_NEXT_LINK;\n};", LAST, "VORN_NEXT_LINK"),
+    ("0x102, U32", "0x101, U32", ORDER, "VORN_MUTABLE", 2),
+    ("0x104, U16", "0x105, U16", ORDER, "VORN_COUNTER"),
+    ("0x102, U32", "0x105, U32", ORDER, "VORN_MUTABLE", 2),
+    ("0x102, U32", "0x103, U32", ORDER, "VORN_MUTABLE", 4),
+    ("0x2, U32", "0x80, U32", ORDER, "VORN_FIELD"),
     (" = 1;", ' = "one";', "", "VORN_COUNTER"),
     ("&Self::octets", "&Self::octet", "octet", "View::vornRows", 8),
 ]

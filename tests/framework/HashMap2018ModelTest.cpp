@@ -130,7 +130,7 @@ class Model {
       auto const known = model_.find( number );
       U32 const modificationCount = map_->modificationCount();
       auto const gone = map_->del( K::key( number ) );
-      RC_ASSERT( gone.has_value() == ( known != model_.end() ) );
+      RC_ASSERT( bool( gone ) == ( known != model_.end() ) );
       if ( !gone ) return;
       RC_ASSERT( K::holds( *gone, known->second.token ) && map_->modificationCount() != modificationCount );
       model_.erase( known );

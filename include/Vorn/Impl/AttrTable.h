@@ -36,8 +36,8 @@ consteval U32 firstAttrId() {
 }
 
 /// Collects the attributes of a type into its table, the base's rows first. They are the overloads of its
-/// attribute lines, whose ids run without a gap: the record of a type where one is left out, or given twice,
-/// does not compile. A class that is written by hand has rows instead, which get their ids by position.
+/// attribute lines, each of which stands behind that of the id before. A class that is written by hand has
+/// rows instead, which get their ids by position.
 template< class T >
 struct AttrTable {
    static constexpr U32 first = firstAttrId< T >();
@@ -45,7 +45,7 @@ struct AttrTable {
 
    template< U32 id >
    static constexpr bool has = requires {
-      T::vornAttr( AttrId< id >{} );
+      { T::vornAttr( AttrId< id >{} ) } -> std::same_as< VornAttr >;
    };
 
    static constexpr bool hasRows = requires { &T::vornRows; };
@@ -63,12 +63,6 @@ struct AttrTable {
       }
       ( std::make_integer_sequence< U32, window >{} );
       return found;
-   }
-   static constexpr U32 declared() {
-      return []< U32... i >( std::integer_sequence< U32, i... > ) {
-         return ( U32( has< first + i > ) + ... );
-      }
-      ( std::make_integer_sequence< U32, window >{} );
    }
    static constexpr U32 own = count();
 

@@ -46,6 +46,9 @@ class VORN_API HashMap2018Generic {
    /// Changes with each insertion and deletion.
    U32 modificationCount() const noexcept { return modificationCount_; }
 
+   /// The first member, the one with that key or else behind where it would stand, null where there is none.
+   Node * firstG( VTable const & vt ) const noexcept;
+   Node * atOrBehindG( VTable const & vt, HashHelper const & key ) const noexcept;
    /// The member with that key, or null. Valid until the next insertion or deletion.
    [[gnu::always_inline]] Node * lookupNodeG( VTable const & vt, HashHelper const & key ) const noexcept;
    /// Moves `node` into the map, unless there is a member with that key, which must be the node's.

@@ -5,6 +5,7 @@
 
 #include "Vorn/HashMap2018.h"
 
+#include <optional>
 #include <vector>
 
 namespace Vorn {

@@ -10,7 +10,6 @@
 #include "Vorn/LinkQueue.h"
 
 #include <algorithm>
-#include <optional>
 
 namespace Vorn {
 
@@ -171,7 +170,7 @@ template< class Type, class First, class... More >
 inline constexpr std::size_t keyIndex< Type, std::tuple< First, More... > > = [] {
    using Key = std::remove_cvref_t< decltype( std::declval< Type const & >().vornKey() ) >;
    bool const isKey[] = { std::is_same_v< First, Key >, std::is_same_v< More, Key >... };
-   return std::size_t( std::ranges::find( isKey, true ) - isKey );
+   return std::size_t( std::find( std::begin( isKey ), std::end( isKey ), true ) - isKey );
 }();
 
 /// See VORN_ENTITY_COLL. `given` are the members' constructor arguments in their order.
@@ -266,13 +265,14 @@ bool keyDel( Owner< Self > const & owner, Map & map, Change const & change, Key 
    return true;
 }
 
-template< class Self, class Map, class Change >
+template< class Key, class Self, class Map, class Change >
 void valuesDel( Owner< Self > const & owner, Map & map, Change const & change ) {
    // No iterator stands in a bucket while observers are told: they may do the same, as deep as they like.
-   auto const keyAt = []( auto const & it ) { return it ? std::optional( it->key() ) : std::nullopt; };
    while ( map.members() ) {
-      for ( auto key = keyAt( map.begin() ); key; key = keyAt( typename Map::IteratorConst( map, *key ) ) ) {
-         if ( map.del( *key ) ) owner.notify( change, &*key );
+      for ( auto const * node = map.first(); node; ) {
+         Key const key = node->key();
+         if ( map.del( key ) ) owner.notify( change, &key );
+         node = map.atOrBehind( key );
       }
    }
 }

@@ -74,7 +74,7 @@ class VORN_API Out : public Connection::Out {
 
    /// Octets that are ready. What is dirty is written first, as far as there is room.
    std::size_t bytes();
-   /// Whether everything that the log carries has been written and drained.
+   /// Whether everything that the log carries has been written and drained, but for what the host holds back.
    bool idle();
    /// Takes an entity that was attached by hand off the log, with all below it, and withdraws it from the
    /// other end. False if it is not on the log by itself.

@@ -141,10 +141,12 @@ inline constexpr VornAttrOps contextOps{
       if ( ( op == GenericIf::carried || op == GenericIf::toLog ) &&
            ( selfOf< Self >( object )->*inContext )( attr.id() ) ) {
          if constexpr ( isLoggedScalar< Self, T > ) {
-            NboAttrLog::toLog( *static_cast< NboAttrLog::Out * >( result ), T() );
-         } else {
-            resultIs( result, T() );
+            if ( op == GenericIf::toLog ) {
+               NboAttrLog::toLog( *static_cast< NboAttrLog::Out * >( result ), T() );
+               return GenericIf::done;
+            }
          }
+         resultIs( result, T() );
          return GenericIf::done;
       }
       return scalarOps< Self, T, get, set >.op( result, object, attr, op, key, args );
