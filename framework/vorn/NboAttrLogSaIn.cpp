@@ -78,7 +78,7 @@ void Sa::checkWritable( U32 attributeId ) const {
 
 bool Sa::allowWriteFromReadOnlyRemote( U32 attributeId ) const {
    auto * const permits = out_->permits();
-   return permits && permits->writeFromReadOnlyRemote( *entity_, attributeId );
+   return permits && permits->writeFromReadOnlyRemote( entity(), attributeId );
 }
 
 void Sa::throwWriteUpdateFromReadOnlyProxyException() { refuse( "a change came in from a read-only copy" ); }
@@ -126,7 +126,7 @@ void Sa::doHandleAttrDeserialization( U32 attributeId, bool introducing, unsigne
 }
 
 VornAttr const & Sa::loggedAttribute( U32 id ) const {
-   VornAttr const * const attr = flowOut_.attribute( id );
+   VornAttr const * const attr = attribute( id );
    if ( !attr || !attr->logged() ) doBaseVornNboAttrLogSaMsg( id );
    return *attr;
 }
@@ -167,7 +167,7 @@ void Sa::groupFromLog( Ptr< In > const & in ) {
 void Sa::entryFromLog( In & in, GroupState & group ) {
    U32 const attributeId = in.nextAttributeId();
    bool const deletion = attributeId & 0x80000000;
-   VornAttr const * const attr = flowOut_.attribute( deletion ? 0 - attributeId : attributeId );
+   VornAttr const * const attr = attribute( deletion ? 0 - attributeId : attributeId );
    if ( !attr || !attr->logged() ) return;
    if ( !attr->keyed() ) refuse( "a group holds records of collections only" );
    checkWritable( attr->id() );
@@ -296,7 +296,7 @@ void Sa::memberFromLog( VornAttr const & attr, In & in, GroupState * group ) {
    } );
    auto & entity = static_cast< Entity & >( *member );
    // An observer may have taken it out again.
-   if ( out_ && entity.parent().ptr() == entity_ ) in.demuxer().doEntityIdIs( entity, id, this );
+   if ( out_ && entity.parent().ptr() == &this->entity() ) in.demuxer().doEntityIdIs( entity, id, this );
 }
 
 void Sa::deletionFromLog( VornAttr const & attr, In & in, GroupState * group ) {
@@ -338,7 +338,7 @@ void StreamAdapter::doHandleAttrTransaction( U32, AttrTransactionType, unsigned,
 
 void Sa::doHandleAttrTransaction( U32 attributeId, AttrTransactionType type, unsigned word,
                                   Ptr< In > const & in ) {
-   VornAttr const * const attr = flowOut_.attribute( attributeId );
+   VornAttr const * const attr = attribute( attributeId );
    if ( !attr || !attr->logged() || !attr->keyed() || word ||
         ( type != transactionBegin && type != transactionEnd ) ) {
       StreamAdapter::doHandleAttrTransaction( attributeId, type, word, in );

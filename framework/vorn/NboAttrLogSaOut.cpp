@@ -49,7 +49,7 @@ U32 Sa::typeNumber( VornType const & type ) {
 // What a change becomes.
 
 void Sa::onAttribute( U32 attributeId, void const * key ) {
-   VornAttr const * const x = flowOut_.attribute( attributeId );
+   VornAttr const * const x = attribute( attributeId );
    if ( !x || !x->logged() ) return;
    try {
       onX( *x, key );
@@ -131,14 +131,14 @@ bool Sa::prepareImmediateTransmission( VornAttr const & x ) const {
 
 /// Whether a read-only adapter may write after all.
 bool Sa::convertedToWritable() {
-   if ( auto * const permits = out_->permits(); permits && permits->writable( *entity_ ) ) {
+   if ( auto * const permits = out_->permits(); permits && permits->writable( entity() ) ) {
       status_.bitsIs( readOnly, false );
    }
    return !status_.any( readOnly );
 }
 
 void Sa::doThrowReadOnly( VornAttr const & x ) const {
-   throw RangeException( "attribute " + String( x.name ) + " of " + valueToStrep( entity_->fullName() ) +
+   throw RangeException( "attribute " + String( x.name ) + " of " + valueToStrep( entity().fullName() ) +
                          " was written where the attribute log is read-only" );
 }
 
@@ -158,7 +158,7 @@ bool Sa::doSerializeOrphan() {
             out_->putU8( Out::typeSection );
             out_->putU32( type );
             out_->putU8( Out::argumentSection );
-            writeArguments( *out_, *entity_ );
+            writeArguments( *out_, entity() );
             out_->putU8( Out::entityIdSection );
             out_->putU32( id );
          } );

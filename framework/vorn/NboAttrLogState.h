@@ -37,8 +37,9 @@ struct OutState {
    Numbers numbers;
    HashMap2018< OutState, U64, U32 > typeNumbers; // by the record's address
    Adapter::Family roots; // adapters without a parent; with all below them they are held
-   LinkedList< Adapter, Queued > pending;
-   LinkedList< Adapter, Queued > awaiting;
+   LinkedList< FlowOut::Waiting, Queued > pending;
+   LinkedList< FlowOut::Waiting, Queued > awaiting;
+   bool forgotten = false;       // somebody waits who stands in neither: memory ran out
    U32 lastEntityId = 0;         // that this end gave
    std::vector< U32 > withdrawn; // roots that have gone, and that the other end has still
    References references;
