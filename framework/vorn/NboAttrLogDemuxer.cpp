@@ -109,14 +109,16 @@ void Demuxer::headerIs() {
 }
 
 void Demuxer::recordIs( U8 const * octets, std::size_t bytes ) {
+   // A record without room for its head and the last token has been refused.
+   constexpr std::size_t headBytes = sizeof( U32 ) + Out::recordHeadBytes;
    In & in = *in_;
-   in.take( sizeof( U32 ) ); // the length
-   U8 const kind = in.nextU8();
+   in.octetsIs( octets + 5, headBytes - 5 );
+   U8 const kind = octets[4];
    U32 const entity = in.nextEntityId();
    U32 const attribute = in.nextAttributeId();
-   if ( in.nextU8() != Out::beginToken ) refuse( "a record's value does not begin with its token" );
+   if ( octets[headBytes - 1] != Out::beginToken ) refuse( "a record's value does not begin with its token" );
    if ( octets[bytes - 1] != Out::endToken ) refuse( "a record's value does not end with its token" );
-   in.octetsIs( in.place(), in.left() - 1 );
+   in.octetsIs( octets + headBytes, bytes - headBytes - 1 );
    switch ( kind ) {
    case typeRecord:
       if ( entity ) refuse( "a type record names an entity" );

@@ -37,11 +37,7 @@ String In::nextString() {
    return String( take( bytes ), bytes );
 }
 
-U32 In::nextEntityId() {
-   U32 const id = nextU32();
-   if ( id == numberedByPeer ) refuse( "an entity has the number 0" );
-   return id ? id ^ numberedByPeer : 0;
-}
+void In::throwNumber() { refuse( "an entity has the number 0" ); }
 
 Ptr< Entity > In::nextEntity() {
    U32 const id = nextEntityId();

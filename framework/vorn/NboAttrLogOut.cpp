@@ -94,8 +94,12 @@ Out::Adapter * Out::adapter( Entity const & entity ) const noexcept {
 // What the two directions share.
 
 U32 OutState::typeNumber( Out & out, VornType const & type ) {
+   if ( &type == lastType ) return lastTypeNumber;
    U64 const address = reinterpret_cast< std::uintptr_t >( &type );
-   if ( auto const * node = typeNumbers[address] ) return node->value();
+   if ( auto const * node = typeNumbers[address] ) {
+      lastType = &type;
+      return lastTypeNumber = node->value();
+   }
    // The place is taken first, so that a number that has been announced is never forgotten.
    U32 const number = typeNumbers.members() + 1;
    typeNumbers.valueIs( address, number );

@@ -194,6 +194,4 @@ void Sa::vornFwkActivity() {
    if ( parent_ && entity().parent().ptr() != &parent_->entity() ) close();
 }
 
-void Sa::handleNotification( U32 attributeId, void const * key ) { onAttribute( attributeId, key ); }
-
 } // namespace Vorn

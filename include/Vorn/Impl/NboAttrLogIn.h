@@ -50,7 +50,11 @@ class VORN_API In final : public PtrInterface {
    /// An attribute's id; of a deletion its negative, as 32 bits.
    U32 nextAttributeId() { return nextU32(); }
    /// The number of an entity as this end counts: `numberedByPeer` is turned round.
-   U32 nextEntityId();
+   U32 nextEntityId() {
+      U32 const id = nextU32();
+      if ( id == numberedByPeer ) throwNumber();
+      return id ? id ^ numberedByPeer : 0;
+   }
    /// The entity of that number; null for 0 and for one that is no longer on the log.
    Ptr< Entity > nextEntity();
    /// The type of a number that a type record gave.
@@ -78,6 +82,7 @@ class VORN_API In final : public PtrInterface {
 
  private:
    [[noreturn]] static void throwShort();
+   [[noreturn]] static void throwNumber();
 
    U8 const * at_;
    U8 const * end_;

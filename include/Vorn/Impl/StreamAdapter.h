@@ -173,7 +173,7 @@ class VORN_API Entity::VornNboAttrLogSa final
    Family & family() noexcept;
 
    // Changes that go out (NboAttrLogSaOut.cpp); `x` is the attribute.
-   void onAttribute( U32 attributeId, void const * key );
+   void onAttribute( VornAttr const & x, void const * key );
    void onX( VornAttr const & x, void const * key );
    void handleValueSerialization( VornAttr const & x );
    NboAttrLog::Out * handleValueSerializationImpl( VornAttr const & x );
@@ -184,6 +184,8 @@ class VORN_API Entity::VornNboAttrLogSa final
    void doThis();
    template< class Body >
    NboAttrLog::Sent send( NboAttrLog::RecordKind kind, U32 attributeId, Body const & body );
+   NboAttrLog::Sent serializeScalar( VornAttr const & x );
+   void markFrom( VornAttr const * attr );
    U32 typeNumber( VornType const & type );
    template< class Write >
    NboAttrLog::Sent introduce( VornNboAttrLogSa & adapter, U32 id, Write const & write );
@@ -210,8 +212,7 @@ class VORN_API Entity::VornNboAttrLogSa final
    // Records that come in (NboAttrLogSaIn.cpp).
    NboAttrLog::FlowIn * flowInFor( VornAttr const & attr, void const * key ) const noexcept;
    /// Whether a change that the observer reports is one that is being applied.
-   bool handlingFlowInFor( VornAttr const & attr, void const * key );
-   bool flowInReported( VornAttr const & attr, void const * key );
+   bool handlingFlowInFor( VornAttr const & attr, void const * key ) const;
    template< class Call >
    void apply( VornAttr const & attr, void const * key, Call const & call );
    bool allowWriteFromReadOnlyRemote( U32 attributeId ) const;
