@@ -51,7 +51,7 @@ void Sa::apply( VornAttr const & attr, void const * key, Call const & call ) {
    }
    if ( !again || !out_ ) return;
    try {
-      onAttribute( attr, key );
+      handleNotification( attr.id(), key );
    } catch ( ... ) {
       onNotificationException();
    }
@@ -63,8 +63,12 @@ void Sa::doHandleAttrDeserialization( U32 attributeId, bool introducing, unsigne
    if ( scalar && scalar->logged() && scalar->kind() == VornKind::mutableAttr && !introducing ) [[likely]] {
       checkWritable( attributeId );
       scalarFromLog( *scalar, *in );
-      return;
+   } else {
+      otherFromLog( attributeId, introducing, in );
    }
+}
+
+void Sa::otherFromLog( U32 attributeId, bool introducing, Ptr< In > const & in ) {
    bool const isGroup = attributeId == NboAttrLog::groupId || attributeId == 0 - NboAttrLog::groupId;
    bool const deletion = attributeId & 0x80000000;
    VornAttr const * const attr =

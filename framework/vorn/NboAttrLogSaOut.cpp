@@ -51,14 +51,23 @@ U32 Sa::typeNumber( VornType const & type ) {
 
 void Sa::handleNotification( U32 attributeId, void const * key ) {
    VornAttr const * const x = attribute( attributeId );
-   if ( x && x->logged() ) onAttribute( *x, key );
-}
-
-void Sa::onAttribute( VornAttr const & x, void const * key ) {
+   if ( !x || !x->logged() ) return;
+   constexpr U32 asked =
+        suppressed | stopped | readOnly | alwaysFlowOut | handlingFlowOut | flowOutPresent | hasEntityId;
    try {
-      onX( x, key );
+      // Most changes are of a scalar, and either have just come in, or nothing is in their way.
+      if ( x->kind() == VornKind::mutableAttr ) [[likely]] {
+         if ( auto * const flowIn = out_->state().flowIn ) {
+            if ( flowIn->holds( *this, *x, nullptr ) && !status_.any( suppressed ) )
+               return flowIn->reported();
+         } else if ( ( status_.word() & asked ) == hasEntityId && out_->hasSufficientBuffer() &&
+                     serializeScalar( *x ) == Sent::yes ) {
+            return;
+         }
+      }
+      onX( *x, key );
    } catch ( std::bad_alloc const & ) {
-      if ( out_ && status_.any( hasEntityId ) ) markAgain( x );
+      if ( out_ && status_.any( hasEntityId ) ) markAgain( *x );
       throw;
    }
 }

@@ -160,6 +160,7 @@ class VORN_API Demuxer : public PtrInterface {
    std::size_t wanted( U8 const * octets, std::size_t bytes ) const;
    void headerIs();
    void recordIs( U8 const * octets, std::size_t bytes );
+   void otherRecordIs( U8 kind, U32 entity, U32 attribute );
    void orphanIs();
    void typeIs( U32 number );
    void checkEphemeralEntityDeletion( Out::Adapter & adapter );

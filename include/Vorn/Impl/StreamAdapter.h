@@ -173,7 +173,6 @@ class VORN_API Entity::VornNboAttrLogSa final
    Family & family() noexcept;
 
    // Changes that go out (NboAttrLogSaOut.cpp); `x` is the attribute.
-   void onAttribute( VornAttr const & x, void const * key );
    void onX( VornAttr const & x, void const * key );
    void handleValueSerialization( VornAttr const & x );
    NboAttrLog::Out * handleValueSerializationImpl( VornAttr const & x );
@@ -218,6 +217,7 @@ class VORN_API Entity::VornNboAttrLogSa final
    bool allowWriteFromReadOnlyRemote( U32 attributeId ) const;
    [[noreturn]] void doBaseVornNboAttrLogSaMsg( U32 attributeId ) const;
    VornAttr const & loggedAttribute( U32 id ) const;
+   void otherFromLog( U32 attributeId, bool introducing, Ptr< In > const & in );
    void groupFromLog( Ptr< In > const & in );
    void scalarFromLog( VornAttr const & attr, In & in );
    struct GroupState;
