@@ -34,7 +34,15 @@ double In::nextSeconds() {
 
 String In::nextString() {
    U32 const bytes = nextU32();
-   return String( take( bytes ), bytes );
+   return demuxer_->string( take( bytes ), bytes );
+}
+
+String Demuxer::string( U8 const * octets, std::size_t bytes ) {
+   if ( bytes > longestString ) return String( octets, bytes );
+   String & known = strings_[hashBytes( octets, bytes ) % stringNum];
+   if ( known.bytes() != bytes || std::memcmp( known.charPtr(), octets, bytes ) )
+      known = String( octets, bytes );
+   return known;
 }
 
 void In::throwNumber() { refuse( "an entity has the number 0" ); }

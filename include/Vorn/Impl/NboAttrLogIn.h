@@ -14,6 +14,8 @@
 
 #include "Vorn/Impl/StreamAdapter.h"
 
+#include <array>
+
 namespace Vorn::NboAttrLog {
 
 class Demuxer;
@@ -154,6 +156,9 @@ class VORN_API Demuxer : public PtrInterface {
    void newEntityIdIs( U32 entityId );
    /// Ties an entity that came in to its number.
    void doEntityIdIs( Entity & entity, U32 entityId, Out::Adapter * parent );
+   /// A string of these octets: one that came in lately, if it is equal, since most are names of a few
+   /// things.
+   String string( U8 const * octets, std::size_t bytes );
 
  private:
    std::size_t recordsIs( U8 const * octets, std::size_t bytes );
@@ -172,6 +177,10 @@ class VORN_API Demuxer : public PtrInterface {
    std::vector< VornType const * > types_;
    std::unique_ptr< Offers > const offers_;
    std::unique_ptr< Roots > const roots_;
+   /// The strings that came in lately, each where its hash says, and none that is long.
+   static constexpr std::size_t stringNum = 64;
+   static constexpr std::size_t longestString = 64;
+   std::array< String, stringNum > strings_;
    U32 lastEntityId_ = numberedByPeer;
    U64 records_ = 0;
    bool headerSeen_ = false;
