@@ -310,6 +310,32 @@ BENCHMARK_CAPTURE( syncByLog, again, true )
      ->Name( "sync of 100000 entities/log, to a copy that has them" )
      ->Unit( benchmark::kMillisecond );
 
+/// What a million entities hold at both ends together beyond what the source holds: the copy, and adapters.
+void memoryByLog( benchmark::State & state ) {
+   constexpr U32 entities = 1'000'000;
+   malloc_trim( 0 );
+   double const before = heapBytes();
+   auto const coll = Ldp::ldpAdjStatusCollFactory( Name( "default" ) );
+   for ( U32 i = 0; i < entities; ++i ) {
+      coll->adjStatusIs( adjId( i ) );
+   }
+   double const source = heapBytes() - before;
+   double more = 0;
+   for ( [[maybe_unused]] auto _ : state ) {
+      Link link;
+      coll->vornNboAttrLogSaIs( 0, 0, link.out );
+      link.drain();
+      more = heapBytes() - before - source;
+   }
+   state.counters["octets of an entity"] = source / entities;
+   state.counters["octets more at both ends"] = more / entities;
+   state.counters["octets of its adapters"] = ( more - source ) / entities;
+}
+BENCHMARK( memoryByLog )
+     ->Name( "sync of 1000000 entities/log" )
+     ->Unit( benchmark::kMillisecond )
+     ->Iterations( 1 );
+
 // Growth: the time for each element must not depend on how many there are. Run with
 // --benchmark_filter=growth.
 

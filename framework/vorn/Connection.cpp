@@ -27,41 +27,6 @@ void Out::drained( std::size_t n ) {
    }
 }
 
-void Out::begin( U8 kind, U32 entityId, U32 attributeId ) {
-   VORN_ASSERT( !record_ );
-   record_ = at_;
-   missing_ = 0;
-   constexpr std::size_t headBytes = sizeof( U32 ) + recordHeadBytes;
-   if ( std::size_t( limit_ - at_ ) < headBytes ) {
-      missing_ = headBytes;
-      return;
-   }
-   // The length, in front, is set by `end`.
-   entityId = __builtin_bswap32( entityId );
-   attributeId = __builtin_bswap32( attributeId );
-   at_[4] = kind;
-   std::memcpy( at_ + 5, &entityId, sizeof entityId );
-   std::memcpy( at_ + 9, &attributeId, sizeof attributeId );
-   at_[13] = beginToken;
-   at_ += headBytes;
-}
-
-bool Out::end() {
-   putU8( endToken );
-   U8 * const start = std::exchange( record_, nullptr );
-   std::size_t const size = std::size_t( at_ - start ) + missing_;
-   if ( missing_ ) {
-      at_ = start;
-      need_ = size;
-      return false;
-   }
-   U32 const length = __builtin_bswap32( U32( size - sizeof( U32 ) ) );
-   std::memcpy( start, &length, sizeof length );
-   // A long record takes a block of its own, and nothing may follow it there.
-   if ( !large_.empty() ) blocked_ = true;
-   return true;
-}
-
 /// Finds room for the `need_` octets of a record that did not fit; false if that has to wait.
 bool Out::roomIs() {
    std::size_t const ready = used();

@@ -46,7 +46,6 @@ bool isNamed( Ptr< PtrInterface > const & child, String const & name ) {
 /// False if there was none.
 bool childrenDel( Entity & entity ) {
    VornType const & ownType = *entity.fwkType();
-   if ( !ownType.instantiatingNum ) return false;
    void * const object = objectOf( entity );
    bool any = false;
    for ( VornType const * type = &ownType; type; type = type->base ) {
@@ -95,10 +94,11 @@ void Entity::zeroReferencesIs( bool zero ) {
    if ( !zero ) return;
    NotifieeList * const list = notifieeList();
    if ( list && !list->empty() ) list->doVisitZeroReferences( *this );
-   childrenDel( *this );
-   if ( list ) list->deleteAll();
+   bool const owns = fwkType()->instantiatingNum;
+   if ( owns ) childrenDel( *this );
+   if ( list && !list->empty() ) list->deleteAll();
    // Again, for what observers have made: nobody must find a way here from below when the fields go.
-   while ( childrenDel( *this ) ) {}
+   while ( owns && childrenDel( *this ) ) {}
 }
 
 void Entity::nameIsFromBackup( Name const & ) {}

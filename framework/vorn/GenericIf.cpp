@@ -243,6 +243,9 @@ void recordFromSequence( String::IteratorConst & it, String::IteratorConst const
 void recordLogOut( NboAttrLog::Out & out, void const * value, VornType const & type ) {
    for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
       if ( !attr->isField() ) continue;
+      if ( attr->ops->op( &out, writable( value ), *attr, GenericIf::toLog, nullptr, nullptr ) ==
+           GenericIf::done )
+         continue;
       GenericIf::Value field( attr->type );
       attr->ops->op( field.data(), writable( value ), *attr, GenericIf::read, nullptr, nullptr );
       attr->type->methods->logOut( out, field.data() );
@@ -252,6 +255,8 @@ void recordLogOut( NboAttrLog::Out & out, void const * value, VornType const & t
 void recordLogIn( NboAttrLog::In & in, void * value, VornType const & type ) {
    for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
       if ( !attr->isField() ) continue;
+      if ( attr->ops->op( &in, value, *attr, GenericIf::fromLog, nullptr, nullptr ) == GenericIf::done )
+         continue;
       GenericIf::Value field( attr->type );
       attr->type->methods->logIn( in, field.data() );
       void const * const arg = field.data();

@@ -46,21 +46,14 @@ void HashMapGeneric::newMemberG( Entity & member, U32 hash ) {
 void HashMapGeneric::deleteMember( Entity & member, U32 bucket ) {
    Ptr< Entity > const hold( &member );
    VORN_ASSERT_TEXT( buckets_, "the member is in the map" );
-   Entity ** const head = &buckets_[bucket];
-   Ptr< Entity > const behind( next( member ) );
-   if ( *head == &member ) {
-      if ( behind ) behind->referenceInc();
-      *head = behind.ptr();
-      member.referenceDec();
-   } else {
-      Entity * previous = *head;
-      while ( previous && next( *previous ) != &member ) {
-         previous = next( *previous );
-      }
-      VORN_ASSERT_TEXT( previous, "the member is in the map" );
-      vtable_->setNext( *previous, behind.ptr() );
+   Entity ** link = &buckets_[bucket];
+   while ( *link && *link != &member ) {
+      link = &next( **link );
    }
-   vtable_->setNext( member, nullptr );
+   VORN_ASSERT_TEXT( *link, "the member is in the map" );
+   // The reference of the member's link becomes that of the one in front.
+   *link = std::exchange( next( member ), nullptr );
+   member.referenceDec();
    --memberCount_;
    ++modificationCount_;
    if ( exponent_ >= initialExponent + 2 && memberCount_ < buckets() / mostBuckets )

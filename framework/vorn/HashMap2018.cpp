@@ -357,12 +357,16 @@ void HashMap2018IteratorGeneric::standIs( BktHdr * bucket, U32 slot ) noexcept {
    node_ = bucket ? HashMap2018Generic::nodeAt( *vt_, bucket, slot ) : nullptr;
    behind_ = bucket ? bucket->used() - 1 - slot : 0;
    modificationCount_ = map_->modificationCount_;
-   if ( old && old != bucket ) vt_->bktHdrRefDec( old );
+   if ( old && old != bucket ) letGo( old );
 }
 
 /// On the slot of that bucket, or if there is none, at the start of the next bucket with members.
 void HashMap2018IteratorGeneric::standAtOrBehind( U32 word, BktHdr * bucket, U32 slot ) noexcept {
-   if ( slot < bucket->used() ) return standIs( bucket, slot );
+   slot < bucket->used() ? standIs( bucket, slot ) : standBehind( word, bucket );
+}
+
+/// At the start of the next bucket with members behind that one, which stands where the word belongs.
+void HashMap2018IteratorGeneric::standBehind( U32 word, BktHdr * bucket ) noexcept {
    U32 index = map_->directoryIndex( word ) + 1;
    while ( index < 1u << map_->directoryBits_ && map_->directory()[index] == bucket ) {
       ++index;

@@ -109,14 +109,28 @@ void Demuxer::headerIs() {
 }
 
 void Demuxer::recordIs( U8 const * octets, std::size_t bytes ) {
+   // A record without room for its head and the last token has been refused.
+   constexpr std::size_t headBytes = sizeof( U32 ) + Out::recordHeadBytes;
    In & in = *in_;
-   in.take( sizeof( U32 ) ); // the length
-   U8 const kind = in.nextU8();
+   in.octetsIs( octets + 5, headBytes - 5 );
+   U8 const kind = octets[4];
    U32 const entity = in.nextEntityId();
    U32 const attribute = in.nextAttributeId();
-   if ( in.nextU8() != Out::beginToken ) refuse( "a record's value does not begin with its token" );
+   if ( octets[headBytes - 1] != Out::beginToken ) refuse( "a record's value does not begin with its token" );
    if ( octets[bytes - 1] != Out::endToken ) refuse( "a record's value does not end with its token" );
-   in.octetsIs( in.place(), in.left() - 1 );
+   in.octetsIs( octets + headBytes, bytes - headBytes - 1 );
+   if ( kind == attributeRecord && attribute != 0 - orphanId ) [[likely]] {
+      if ( Ptr< Out::Adapter > const adapter{ out_->state().adapterById( entity ) } ) [[likely]] {
+         adapter->doHandleAttrDeserialization( attribute, false, unsigned( in.left() ), in_ );
+         return;
+      }
+   }
+   otherRecordIs( kind, entity, attribute );
+}
+
+/// A record that does not set an attribute of an entity which is known.
+void Demuxer::otherRecordIs( U8 kind, U32 entity, U32 attribute ) {
+   In & in = *in_;
    switch ( kind ) {
    case typeRecord:
       if ( entity ) refuse( "a type record names an entity" );

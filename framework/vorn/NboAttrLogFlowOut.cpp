@@ -5,63 +5,61 @@
 
 namespace Vorn::NboAttrLog {
 
-FlowOut::FlowOut( VornType const & type ) noexcept : type_( &type ) {}
+FlowOut::FlowOut( VornType const & type ) {
+   std::size_t behind = 0;
+   for ( U32 i = type.attributeNum; i && !bit( type.attributes[i - 1].id() ); --i ) {
+      behind += type.attributes[i - 1].logged();
+   }
+   if ( behind ) waitingIs().marks.reserve( behind );
+}
 
 FlowOut::~FlowOut() = default;
 
-FlowOut::Rest & FlowOut::rest() {
-   if ( !rest_ ) rest_ = std::make_unique< Rest >();
-   return *rest_;
+FlowOut::Waiting & FlowOut::waitingIs() {
+   if ( !waiting_ ) waiting_ = std::make_unique< Waiting >();
+   return *waiting_;
 }
 
-bool FlowOut::restAny() const noexcept {
-   return !rest_->dirty.empty() || !rest_->unsynced.empty() || hasDirtyCollKeys();
-}
-
-bool FlowOut::vornIsDirty( U32 attributeId ) const noexcept {
-   if ( U32 const one = bit( attributeId ) ) return dirty_ & one;
-   return rest_ && rest_->dirty.contains( attributeId );
-}
-
-void FlowOut::vornIsDirtyIs( U32 attributeId, bool dirty ) {
-   if ( U32 const one = bit( attributeId ) ) {
-      dirty_ = dirty ? dirty_ | one : dirty_ & ~one;
-   } else if ( dirty ) {
-      rest().dirty.insert( attributeId );
-   } else if ( rest_ ) {
-      rest_->dirty.erase( attributeId );
+void FlowOut::waitingDel() noexcept {
+   if ( !waiting_ || waiting_->adapter || waiting_->attrId || walking() || bookmark() || waitingAny() )
+      return;
+   // Keys that went out leave their sets behind, for when nothing waits at all.
+   if ( waiting_->marks.capacity() ) {
+      waiting_->keys.clear();
+   } else {
+      waiting_ = nullptr;
    }
 }
 
-bool FlowOut::vornHasSynced( U32 attributeId ) const noexcept {
-   if ( U32 const one = bit( attributeId ) ) return !( unsynced_ & one );
-   return !rest_ || !rest_->unsynced.contains( attributeId );
+bool FlowOut::waitingAny() const noexcept { return !waiting_->marks.empty() || hasDirtyCollKeys(); }
+
+bool FlowOut::markedBehind( U32 attributeId ) const noexcept {
+   return waiting_ && std::ranges::find( waiting_->marks, attributeId ) != waiting_->marks.end();
 }
 
-void FlowOut::vornHasSyncedIs( U32 attributeId, bool synced ) {
-   if ( U32 const one = bit( attributeId ) ) {
-      unsynced_ = synced ? unsynced_ & ~one : unsynced_ | one;
-   } else if ( !synced ) {
-      rest().unsynced.insert( attributeId );
-   } else if ( rest_ ) {
-      rest_->unsynced.erase( attributeId );
+void FlowOut::markBehindIs( U32 attributeId, bool mark ) {
+   if ( mark == markedBehind( attributeId ) ) return;
+   if ( mark ) {
+      waitingIs().marks.push_back( attributeId );
+   } else {
+      std::erase( waiting_->marks, attributeId );
    }
 }
 
 bool FlowOut::hasDirtyAttributes() const noexcept {
-   return dirty_ | unsynced_ || ( rest_ && ( !rest_->dirty.empty() || !rest_->unsynced.empty() ) );
+   return marks_ || ( waiting_ && !waiting_->marks.empty() );
 }
 
 KeySet * FlowOut::vornIsXDirty( U32 attributeId ) const noexcept {
-   if ( !rest_ ) return nullptr;
-   auto const & keys = rest_->keys;
+   if ( !waiting_ ) return nullptr;
+   auto const & keys = waiting_->keys;
    auto const found = std::find_if( keys.begin(), keys.end(),
                                     [&]( auto const & entry ) { return entry.first == attributeId; } );
    return found != keys.end() && found->second->members() ? found->second.get() : nullptr;
 }
 
 void FlowOut::vornIsXDirtyIs( void * object, VornAttr const & x, void const * key ) {
-   auto & keys = rest().keys;
+   auto & keys = waitingIs().keys;
    auto at =
         std::find_if( keys.begin(), keys.end(), [&]( auto const & entry ) { return entry.first == x.id(); } );
    if ( at == keys.end() ) {
@@ -78,29 +76,28 @@ void FlowOut::vornIsXDirtyDel( U32 attributeId, void const * key ) {
 }
 
 void FlowOut::vornIsXDirtyDelAll( U32 attributeId ) noexcept {
-   if ( rest_ )
-      std::erase_if( rest_->keys, [&]( auto const & entry ) { return entry.first == attributeId; } );
+   if ( waiting_ )
+      std::erase_if( waiting_->keys, [&]( auto const & entry ) { return entry.first == attributeId; } );
 }
 
 bool FlowOut::hasDirtyCollKeys() const noexcept {
-   return rest_ && std::any_of( rest_->keys.begin(), rest_->keys.end(),
-                                []( auto const & entry ) { return entry.second->members() != 0; } );
+   return waiting_ && std::any_of( waiting_->keys.begin(), waiting_->keys.end(),
+                                   []( auto const & entry ) { return entry.second->members() != 0; } );
 }
 
 void FlowOut::attrIdIs( U32 attributeId ) {
    if ( attributeId ) {
-      rest().attrId = attributeId;
-   } else if ( rest_ ) {
-      rest_->attrId = 0;
-      // The end of a pass. Keys that went out leave their sets behind, for when nothing waits at all.
-      if ( !walking() && !restAny() ) rest_ = nullptr;
+      waitingIs().attrId = attributeId;
+   } else if ( waiting_ ) {
+      waiting_->attrId = 0;
+      waitingDel(); // the end of a pass
    }
 }
 
 void FlowOut::bookmarkIs( void * key ) {
    FlowOut * const rsc = this;
    VORN_ASSERT( !rsc->bookmark() );
-   rest().bookmark = key;
+   waitingIs().bookmark = key;
 }
 
 } // namespace Vorn::NboAttrLog

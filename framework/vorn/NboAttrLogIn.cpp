@@ -34,14 +34,18 @@ double In::nextSeconds() {
 
 String In::nextString() {
    U32 const bytes = nextU32();
-   return String( take( bytes ), bytes );
+   return demuxer_->string( take( bytes ), bytes );
 }
 
-U32 In::nextEntityId() {
-   U32 const id = nextU32();
-   if ( id == numberedByPeer ) refuse( "an entity has the number 0" );
-   return id ? id ^ numberedByPeer : 0;
+String Demuxer::string( U8 const * octets, std::size_t bytes ) {
+   if ( bytes > longestString ) return String( octets, bytes );
+   String & known = strings_[hashBytes( octets, bytes ) % stringNum];
+   if ( known.bytes() != bytes || std::memcmp( known.charPtr(), octets, bytes ) )
+      known = String( octets, bytes );
+   return known;
 }
+
+void In::throwNumber() { refuse( "an entity has the number 0" ); }
 
 Ptr< Entity > In::nextEntity() {
    U32 const id = nextEntityId();

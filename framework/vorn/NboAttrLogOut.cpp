@@ -4,8 +4,6 @@
 #include "NboAttrLogAnchors.h"
 #include "NboAttrLogState.h"
 
-#include <typeinfo>
-
 namespace Vorn::NboAttrLog {
 
 VORN_UNLISTED_RECORD( Vorn::NboAttrLog, Out, nullptr )
@@ -44,19 +42,29 @@ void Out::flow() {
    if ( state_->active ) return;
    Ptr< Out > const hold( this );
    ClearIsActiveAnchor const anchor( state_->active );
+   if ( state_->forgotten ) queueForgotten();
    if ( !sendWithdrawals() ) return;
    while ( hasSufficientBuffer() ) {
-      if ( Adapter * const next = state_->pending.first() ) {
-         next->flow();
+      if ( auto * const next = state_->pending.first() ) {
+         next->adapter->flow();
          continue;
       }
       // All else has been sent: what is still not there will not come.
       state_->settling = state_->awaiting.first();
       if ( !state_->settling ) return;
-      while ( Adapter * const next = state_->awaiting.first() ) {
-         next->queueIs( StreamAdapter::pendingQueued );
+      while ( auto * const next = state_->awaiting.first() ) {
+         next->adapter->queueIs( StreamAdapter::pendingQueued );
       }
    }
+}
+
+/// Queues all that wait, whom memory was lacking for.
+void Out::queueForgotten() {
+   state_->forgotten = false;
+   for ( Adapter * adapter = state_->roots.first(); adapter; adapter = adapter->following() ) {
+      adapter->reschedule();
+   }
+   if ( state_->forgotten ) throw std::bad_alloc();
 }
 
 /// Says which roots have gone. False if there is no room for all.
@@ -78,20 +86,20 @@ bool Out::rootDel( Entity & entity ) {
 
 Out::Adapter * Out::adapter( Entity const & entity ) const noexcept {
    // Among the entity's observers, which are few, so that no table has to be kept.
-   using Observer = Adapter::VornNboAttrLogSaAdapter_;
-   auto const * const found =
-        entity.notifieeList()->find( [&]( PtrInterface::NotifieeConst const & notifiee ) {
-           return typeid( notifiee ) == typeid( Observer ) &&
-                  static_cast< Observer const & >( notifiee ).adapter()->nboAttrLogOut() == this;
-        } );
-   return found ? static_cast< Observer const * >( found )->adapter() : nullptr;
+   return static_cast< Adapter * >( entity.notifieeList()->find( [&]( NotifieeConst const & notifiee ) {
+      return notifiee.isStreamAdapter() && static_cast< Adapter const & >( notifiee ).nboAttrLogOut() == this;
+   } ) );
 }
 
 // What the two directions share.
 
 U32 OutState::typeNumber( Out & out, VornType const & type ) {
+   if ( &type == lastType ) return lastTypeNumber;
    U64 const address = reinterpret_cast< std::uintptr_t >( &type );
-   if ( auto const * node = typeNumbers[address] ) return node->value();
+   if ( auto const * node = typeNumbers[address] ) {
+      lastType = &type;
+      return lastTypeNumber = node->value();
+   }
    // The place is taken first, so that a number that has been announced is never forgotten.
    U32 const number = typeNumbers.members() + 1;
    typeNumbers.valueIs( address, number );

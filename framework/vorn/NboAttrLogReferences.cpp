@@ -49,6 +49,7 @@ void References::referenceIs( Adapter & adapter, VornAttr const & attr, void con
 }
 
 void References::targetIs( Entity const & target ) {
+   if ( targets_.empty() ) return;
    auto const found = targets_.find( &target );
    if ( found == targets_.end() ) return;
    for ( Place * place = found->second.first(); place; place = TargetPlaces::next( *place ) ) {

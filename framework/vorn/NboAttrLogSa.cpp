@@ -63,19 +63,19 @@ U32 StreamAdapter::handleAttrFlowOut( U32 ) { return 0; }
 
 Sa::VornNboAttrLogSa( Entity & entity, Out & out, Vorn_BitSet flags, unsigned level,
                       VornNboAttrLogSa * parent )
-     : StreamAdapter( Vorn_BitSet( flags.word() & Vorn_BitSet::notificationBitMask() ), level ),
-       entity_( &entity ), out_( &out ), observer_( *this ), parent_( parent ),
-       flowOut_( *entity.fwkType() ) {
+     : StreamAdapter( Vorn_BitSet( flags.word() & Vorn_BitSet::notificationBitMask() ), level ), out_( &out ),
+       parent_( parent ), flowOut_( *entity.fwkType() ) {
+   notifierTypeIs( entity.fwkType() );
+   watchesAllIs( true );
+   streamAdapterIs();
+   isRegisteredNotifieeIs( true );
+   isWeakReferenceIs( true );
+   notifierIs( Ptr< PtrInterface const >( &entity ) );
    entity.referenceInc();
    family().pushFront( *this );
 }
 
-Sa::~VornNboAttrLogSa() {
-   observer_.adapterDel();
-   entity_->referenceDec();
-}
-
-void Sa::hasNotificationActiveIs( bool active ) { observer_.hasNotificationActiveIs( active ); }
+Sa::~VornNboAttrLogSa() { entity().referenceDec(); }
 
 Ptr< Sa > Sa::childNboAttrLogAdapterIs( Entity & child ) {
    if ( auto * const present = out_->adapter( child ) ) {
@@ -105,7 +105,6 @@ void Sa::flagsIs( Vorn_BitSet flags ) {
    if ( wasSuppressed && !status_.any( suppressed ) && entityId() ) doThis();
 }
 
-/// The adapter is queued if it has something to write and may.
 void Sa::reschedule() {
    bool const waits = flowOut_.any();
    status_.bitsIs( flowOutPresent, waits );
@@ -118,17 +117,41 @@ void Sa::queueIs( U32 queue ) {
    U32 const old = status_.word() & ( pendingQueued | awaitingQueued );
    if ( queue == old ) return;
    auto & state = out_->state();
-   if ( old ) ( old == pendingQueued ? state.pending : state.awaiting ).remove( *this );
+   FlowOut::Waiting * waiting = flowOut_.waiting();
+   if ( queue && !waiting ) {
+      try {
+         waiting = &flowOut_.waitingIs();
+      } catch ( std::bad_alloc const & ) {
+         state.forgotten = true; // what is marked stays so, and is found when somebody asks for octets
+         return;
+      }
+   }
+   if ( old ) ( old == pendingQueued ? state.pending : state.awaiting ).remove( *waiting );
    status_.bitsIs( old, false );
    status_.bitsIs( queue, true );
-   if ( queue ) ( queue == pendingQueued ? state.pending : state.awaiting ).pushBack( *this );
+   waiting->adapter = queue ? this : nullptr;
+   if ( queue ) {
+      ( queue == pendingQueued ? state.pending : state.awaiting ).pushBack( *waiting );
+   } else {
+      flowOut_.waitingDel();
+   }
 }
 
 /// Puts the adapter in front of the others that wait.
 void Sa::pendingFirst() {
    if ( !status_.any( pendingQueued ) ) return;
-   out_->state().pending.remove( *this );
-   out_->state().pending.pushFront( *this );
+   auto & pending = out_->state().pending;
+   pending.remove( *flowOut_.waiting() );
+   pending.pushFront( *flowOut_.waiting() );
+}
+
+Sa * Sa::following() const noexcept {
+   if ( auto * const child = children_.first() ) return child;
+   auto const * at = this;
+   while ( at && !Family::next( *at ) ) {
+      at = at->parent();
+   }
+   return at ? Family::next( *at ) : nullptr;
 }
 
 void Sa::confirmedIs( bool confirmed ) {
@@ -142,16 +165,16 @@ void Sa::entityIdIs( U32 id, bool byPeer ) noexcept {
 }
 
 void Sa::close() {
-   if ( !out_ ) return;
+   if ( !notifier() ) return; // closed, or about to be
    Ptr< VornNboAttrLogSa > const hold( this );
    // A member's collection tells that it has gone; of an entity by itself nobody else could.
    if ( !parent_ && ownId_ && !out_->state().closing ) out_->state().withdrawn.push_back( ownId_ );
-   observer_.adapterDel();
+   family().remove( *this );
+   left_ = &entity();
+   notifierIs( nullptr );
    while ( auto * const child = children_.first() ) {
       child->close();
    }
-   family().remove( *this );
-   parent_ = nullptr;
    queueIs( 0 );
    freeResyncState( flowOut_ );
    std::exchange( out_, nullptr )->state().adapterDel( *this );
@@ -165,38 +188,10 @@ void Sa::onNotificationException() {
    if ( out_ ) out_->exceptionIs();
 }
 
-void Sa::onFwkActivity() {
+void Sa::vornFwkActivity() {
    // A member that was taken out of its collection is no longer ours to tell of; the collection's adapter
    // tells that it has gone.
-   if ( parent_ && entity_->parent().ptr() != &parent_->entity() ) close();
-}
-
-// The observer. Whatever it hands on may take the entity off the log, so the adapter is held meanwhile.
-
-Sa::VornNboAttrLogSaAdapter_::VornNboAttrLogSaAdapter_( VornNboAttrLogSa & adapter ) : adapter_( &adapter ) {
-   watchesAllIs( true );
-   isRegisteredNotifieeIs( true );
-   notifierIs( Ptr< PtrInterface const >( &adapter.entity() ) );
-   isWeakReferenceIs( true );
-}
-
-void Sa::VornNboAttrLogSaAdapter_::handleNotification( U32 attributeId, void const * key ) {
-   if ( Ptr< VornNboAttrLogSa > const adapter{ adapter_ } ) adapter->onAttribute( attributeId, key );
-}
-
-void Sa::VornNboAttrLogSaAdapter_::onNotificationException() {
-   if ( adapter_ ) adapter_->onNotificationException();
-}
-
-void Sa::VornNboAttrLogSaAdapter_::vornFwkActivity() {
-   if ( Ptr< VornNboAttrLogSa > const adapter{ adapter_ } ) adapter->onFwkActivity();
-}
-
-void Sa::VornNboAttrLogSaAdapter_::adapterDel() {
-   if ( !std::exchange( adapter_, nullptr ) ) return;
-   isWeakReferenceIs( false );
-   notifierIs( nullptr ); // first: bound and not registered, it would ask for memory
-   isRegisteredNotifieeIs( false );
+   if ( parent_ && entity().parent().ptr() != &parent_->entity() ) close();
 }
 
 } // namespace Vorn

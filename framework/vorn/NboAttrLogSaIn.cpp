@@ -20,54 +20,11 @@ namespace {
 
 } // namespace
 
-/// What is being applied to an entity: a change that the observer reports of it came from the other end and
-/// does not go back.
-class NboAttrLog::FlowIn {
- public:
-   /// A change of one attribute, at a key for a collection; without an attribute, of the arguments of a
-   /// member that is asked for again.
-   FlowIn( Out & out, Sa const & adapter, VornAttr const * attr, void const * key ) noexcept
-        : state_( out.state() ), adapter_( adapter ), attr_( attr ), key_( key ),
-          outer_( std::exchange( state_.flowIn, this ) ) {}
-   ~FlowIn() { state_.flowIn = outer_; }
-   FlowIn( FlowIn const & ) = delete;
-   FlowIn & operator=( FlowIn const & ) = delete;
-
-   /// Whether it is about that attribute of that entity, and that key if one is given.
-   bool holds( Sa const & adapter, VornAttr const & attr, void const * key ) const {
-      if ( &adapter != &adapter_ ) return false;
-      if ( !attr_ ) return attr.isCtorArg();
-      return &attr == attr_ && ( !key_ || !key || attr.keyType->methods->equal( key, key_ ) );
-   }
-   void reported() noexcept { ++reported_; }
-   FlowIn * outer() const noexcept { return outer_; }
-   /// One more change than the one that the record asks for is made to apply it.
-   void furtherChange() noexcept { ++made_; }
-   /// Whether more happened than was applied: an observer wrote the attribute again.
-   bool writtenAgain() const noexcept { return reported_ > made_; }
-
- private:
-   OutState & state_;
-   Sa const & adapter_;
-   VornAttr const * attr_;
-   void const * key_;
-   FlowIn * outer_;
-   unsigned made_ = 1;
-   unsigned reported_ = 0;
-};
-
-FlowIn * Sa::flowInFor( VornAttr const & attr, void const * key ) const noexcept {
-   FlowIn * flowIn = out_->state().flowIn;
-   while ( flowIn && !flowIn->holds( *this, attr, key ) ) {
-      flowIn = flowIn->outer();
-   }
-   return flowIn;
-}
-
-bool Sa::flowInReported( VornAttr const & attr, void const * key ) {
-   FlowIn * const flowIn = flowInFor( attr, key );
-   if ( flowIn ) flowIn->reported();
-   return flowIn;
+bool NboAttrLog::FlowIn::asksFor( Entity const & entity ) const {
+   Ptr< PtrInterface > member;
+   attr_.ops->op( &member, static_cast< PtrInterface * >( &adapter_.entity() ), attr_, GenericIf::read, key_,
+                  nullptr );
+   return member.ptr() == &entity;
 }
 
 void Sa::checkWritable( U32 attributeId ) const {
@@ -78,7 +35,7 @@ void Sa::checkWritable( U32 attributeId ) const {
 
 bool Sa::allowWriteFromReadOnlyRemote( U32 attributeId ) const {
    auto * const permits = out_->permits();
-   return permits && permits->writeFromReadOnlyRemote( *entity_, attributeId );
+   return permits && permits->writeFromReadOnlyRemote( entity(), attributeId );
 }
 
 void Sa::throwWriteUpdateFromReadOnlyProxyException() { refuse( "a change came in from a read-only copy" ); }
@@ -88,20 +45,30 @@ template< class Call >
 void Sa::apply( VornAttr const & attr, void const * key, Call const & call ) {
    bool again;
    {
-      FlowIn flowIn( *out_, *this, &attr, key );
+      FlowIn flowIn( out_->state(), *this, attr, key );
       call( flowIn );
       again = flowIn.writtenAgain();
    }
    if ( !again || !out_ ) return;
    try {
-      onAttribute( attr.id(), key );
+      handleNotification( attr.id(), key );
    } catch ( ... ) {
       onNotificationException();
    }
 }
 
 void Sa::doHandleAttrDeserialization( U32 attributeId, bool introducing, unsigned, Ptr< In > const & in ) {
-   Ptr< VornNboAttrLogSa > const hold( this ); // whatever observers do
+   // Whoever calls holds the adapter, whatever observers do.
+   VornAttr const * const scalar = attribute( attributeId ); // as nearly every record is about one
+   if ( scalar && scalar->logged() && scalar->kind() == VornKind::mutableAttr && !introducing ) [[likely]] {
+      checkWritable( attributeId );
+      scalarFromLog( *scalar, *in );
+   } else {
+      otherFromLog( attributeId, introducing, in );
+   }
+}
+
+void Sa::otherFromLog( U32 attributeId, bool introducing, Ptr< In > const & in ) {
    bool const isGroup = attributeId == NboAttrLog::groupId || attributeId == 0 - NboAttrLog::groupId;
    bool const deletion = attributeId & 0x80000000;
    VornAttr const * const attr =
@@ -116,8 +83,6 @@ void Sa::doHandleAttrDeserialization( U32 attributeId, bool introducing, unsigne
    checkWritable( attr->id() );
    if ( deletion ) {
       deletionFromLog( *attr, *in, nullptr );
-   } else if ( attr->kind() == VornKind::mutableAttr ) {
-      scalarFromLog( *attr, *in );
    } else if ( attr->instantiating() ) {
       memberFromLog( *attr, *in, nullptr );
    } else {
@@ -126,7 +91,7 @@ void Sa::doHandleAttrDeserialization( U32 attributeId, bool introducing, unsigne
 }
 
 VornAttr const & Sa::loggedAttribute( U32 id ) const {
-   VornAttr const * const attr = flowOut_.attribute( id );
+   VornAttr const * const attr = attribute( id );
    if ( !attr || !attr->logged() ) doBaseVornNboAttrLogSaMsg( id );
    return *attr;
 }
@@ -167,7 +132,7 @@ void Sa::groupFromLog( Ptr< In > const & in ) {
 void Sa::entryFromLog( In & in, GroupState & group ) {
    U32 const attributeId = in.nextAttributeId();
    bool const deletion = attributeId & 0x80000000;
-   VornAttr const * const attr = flowOut_.attribute( deletion ? 0 - attributeId : attributeId );
+   VornAttr const * const attr = attribute( deletion ? 0 - attributeId : attributeId );
    if ( !attr || !attr->logged() ) return;
    if ( !attr->keyed() ) refuse( "a group holds records of collections only" );
    checkWritable( attr->id() );
@@ -259,9 +224,10 @@ void Sa::memberFromLog( VornAttr const & attr, In & in, GroupState * group ) {
       group->lastEntityId = id;
       return;
    }
-   Ptr< PtrInterface > member;
-   attr.ops->op( &member, object(), attr, GenericIf::read, key, nullptr );
    auto * const known = out_->state().adapterById( id );
+   Ptr< PtrInterface > member;
+   // In a collection it is looked up once, by the mutator.
+   if ( known || !key ) attr.ops->op( &member, object(), attr, GenericIf::read, key, nullptr );
    if ( known ) {
       // Said again of a member that is known, so it must be that one.
       if ( &known->entity() != member.ptr() ) refuse( "a member comes in with the number of another entity" );
@@ -270,11 +236,8 @@ void Sa::memberFromLog( VornAttr const & attr, In & in, GroupState * group ) {
    } else {
       in.demuxer().newEntityIdIs( id );
    }
-   Ptr< VornNboAttrLogSa > const present( member ? out_->adapter( static_cast< Entity & >( *member ) )
-                                                 : nullptr );
    apply( attr, key, [&]( FlowIn & flowIn ) {
-      std::optional< FlowIn > arguing;
-      if ( present ) arguing.emplace( *out_, *present, nullptr, nullptr );
+      flowIn.asks();
       auto const del = [&] {
          flowIn.furtherChange();
          attr.ops->op( nullptr, object(), attr, GenericIf::del, key, nullptr );
@@ -296,7 +259,7 @@ void Sa::memberFromLog( VornAttr const & attr, In & in, GroupState * group ) {
    } );
    auto & entity = static_cast< Entity & >( *member );
    // An observer may have taken it out again.
-   if ( out_ && entity.parent().ptr() == entity_ ) in.demuxer().doEntityIdIs( entity, id, this );
+   if ( out_ && entity.parent().ptr() == &this->entity() ) in.demuxer().doEntityIdIs( entity, id, this );
 }
 
 void Sa::deletionFromLog( VornAttr const & attr, In & in, GroupState * group ) {
@@ -338,7 +301,7 @@ void StreamAdapter::doHandleAttrTransaction( U32, AttrTransactionType, unsigned,
 
 void Sa::doHandleAttrTransaction( U32 attributeId, AttrTransactionType type, unsigned word,
                                   Ptr< In > const & in ) {
-   VornAttr const * const attr = flowOut_.attribute( attributeId );
+   VornAttr const * const attr = attribute( attributeId );
    if ( !attr || !attr->logged() || !attr->keyed() || word ||
         ( type != transactionBegin && type != transactionEnd ) ) {
       StreamAdapter::doHandleAttrTransaction( attributeId, type, word, in );

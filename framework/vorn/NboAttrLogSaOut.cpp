@@ -34,9 +34,10 @@ void writeArguments( Out & out, Entity & entity ) {
 template< class Body >
 Sent Sa::send( NboAttrLog::RecordKind kind, U32 attributeId, Body const & body ) {
    status_.bitsIs( noRoom, false );
-   bool const sent = out_->record( kind, entityId(), attributeId, body );
-   status_.bitsIs( noRoom, !sent );
-   return sent ? Sent::yes : Sent::noRoom;
+   if ( out_->record( kind, entityId(), attributeId, body ) ) [[likely]]
+      return Sent::yes;
+   status_.bitsIs( noRoom, true );
+   return Sent::noRoom;
 }
 
 /// The number of a type on the log, or 0 if there is no room to announce it.
@@ -48,10 +49,22 @@ U32 Sa::typeNumber( VornType const & type ) {
 
 // What a change becomes.
 
-void Sa::onAttribute( U32 attributeId, void const * key ) {
-   VornAttr const * const x = flowOut_.attribute( attributeId );
+void Sa::handleNotification( U32 attributeId, void const * key ) {
+   VornAttr const * const x = attribute( attributeId );
    if ( !x || !x->logged() ) return;
+   constexpr U32 asked =
+        suppressed | stopped | readOnly | alwaysFlowOut | handlingFlowOut | flowOutPresent | hasEntityId;
    try {
+      // Most changes are of a scalar, and either have just come in, or nothing is in their way.
+      if ( x->kind() == VornKind::mutableAttr ) [[likely]] {
+         if ( auto * const flowIn = out_->state().flowIn ) {
+            if ( flowIn->holds( *this, *x, nullptr ) && !status_.any( suppressed ) )
+               return flowIn->reported();
+         } else if ( ( status_.word() & asked ) == hasEntityId && out_->hasSufficientBuffer() &&
+                     serializeScalar( *x ) == Sent::yes ) {
+            return;
+         }
+      }
       onX( *x, key );
    } catch ( std::bad_alloc const & ) {
       if ( out_ && status_.any( hasEntityId ) ) markAgain( *x );
@@ -88,7 +101,7 @@ Out * Sa::handleValueSerializationImpl( VornAttr const & x ) {
    if ( status_.any( handlingFlowOut ) ) return out_;
    if ( status_.any( readOnly ) && !convertedToWritable() ) doThrowReadOnly( x );
    if ( !status_.any( stopped | alwaysFlowOut ) && out_->hasSufficientBuffer() &&
-        !( flowOut_.any() && flowOut_.vornIsDirty( x.id() ) ) ) {
+        !flowOut_.vornIsDirty( x.id() ) ) {
       return out_;
    }
    dirtyIs( x );
@@ -131,14 +144,14 @@ bool Sa::prepareImmediateTransmission( VornAttr const & x ) const {
 
 /// Whether a read-only adapter may write after all.
 bool Sa::convertedToWritable() {
-   if ( auto * const permits = out_->permits(); permits && permits->writable( *entity_ ) ) {
+   if ( auto * const permits = out_->permits(); permits && permits->writable( entity() ) ) {
       status_.bitsIs( readOnly, false );
    }
    return !status_.any( readOnly );
 }
 
 void Sa::doThrowReadOnly( VornAttr const & x ) const {
-   throw RangeException( "attribute " + String( x.name ) + " of " + valueToStrep( entity_->fullName() ) +
+   throw RangeException( "attribute " + String( x.name ) + " of " + valueToStrep( entity().fullName() ) +
                          " was written where the attribute log is read-only" );
 }
 
@@ -158,7 +171,7 @@ bool Sa::doSerializeOrphan() {
             out_->putU8( Out::typeSection );
             out_->putU32( type );
             out_->putU8( Out::argumentSection );
-            writeArguments( *out_, *entity_ );
+            writeArguments( *out_, entity() );
             out_->putU8( Out::entityIdSection );
             out_->putU32( id );
          } );
@@ -194,13 +207,9 @@ Sent Sa::introduce( VornNboAttrLogSa & adapter, U32 id, Write const & write ) {
    return sent;
 }
 
-/// Sends all that the entity has, to a reader that may have an older copy of it.
-void Sa::doThis() {
-   if ( status_.any( suppressed ) ) {
-      reschedule();
-      return;
-   }
-   for ( VornAttr const * attr = type().attributes; attr->name; ++attr ) {
+/// Marks all logged attributes from there on.
+void Sa::markFrom( VornAttr const * attr ) {
+   for ( ; attr->name; ++attr ) {
       if ( !attr->logged() ) continue;
       if ( attr->keyed() ) {
          resyncMark( *attr );
@@ -209,6 +218,41 @@ void Sa::doThis() {
       }
    }
    waits( Sent::noRoom );
+}
+
+/// Sends all that the entity has, to a reader that may have an older copy of it.
+void Sa::doThis() {
+   if ( status_.any( suppressed ) ) {
+      reschedule();
+      return;
+   }
+   VornAttr const * attr = type().attributes;
+   if ( !status_.any( alwaysFlowOut | stopped ) && !flowOut_.any() && !out_->state().flowIn ) {
+      // Nothing is in the way of the scalars in front, which are all that most entities have.
+      Sent sent = Sent::yes;
+      try {
+         for ( ; attr->name; ++attr ) {
+            if ( !attr->logged() ) continue;
+            if ( attr->kind() != VornKind::mutableAttr ) break;
+            if ( ( sent = serializeScalar( *attr ) ) != Sent::yes ) break;
+         }
+      } catch ( ... ) {
+         markFrom( attr );
+         throw;
+      }
+      if ( !attr->name ) {
+         status_.bitsIs( awaits | wakes, false );
+         reschedule();
+         return;
+      }
+      if ( sent != Sent::yes ) {
+         markFrom( attr );
+         flowOut_.attrIdIs( attr->id() );
+         pendingFirst();
+         return;
+      }
+   }
+   markFrom( attr );
    if ( status_.any( alwaysFlowOut | stopped ) || !flowOut_.any() ) return;
    // What does not find room goes before others that wait, so that few entities stand half sent.
    if ( handleAttrFlowOut( 0 ) && out_ ) pendingFirst();
@@ -216,12 +260,14 @@ void Sa::doThis() {
 
 // Records.
 
+Sent Sa::serializeScalar( VornAttr const & x ) {
+   return send( NboAttrLog::attributeRecord, x.id(),
+                [&] { x.ops->op( out_, object(), x, GenericIf::toLog, nullptr, nullptr ); } );
+}
+
 /// Writes an attribute without a key.
 Sent Sa::serialize( VornAttr const & x ) {
-   if ( x.kind() == VornKind::mutableAttr ) {
-      return send( NboAttrLog::attributeRecord, x.id(),
-                   [&] { x.ops->op( out_, object(), x, GenericIf::toLog, nullptr, nullptr ); } );
-   }
+   if ( x.kind() == VornKind::mutableAttr ) return serializeScalar( x );
    bool const isReference = x.kind() == VornKind::reference;
    Ptr< PtrInterface > target;
    x.ops->op( &target, object(), x, isReference ? GenericIf::carried : GenericIf::read, nullptr, nullptr );

@@ -89,8 +89,39 @@ class VORN_API Connection::Out : public PtrInterface {
    std::size_t used() const noexcept { return std::size_t( at_ - head_ ); }
 
  private:
-   void begin( U8 kind, U32 entityId, U32 attributeId );
-   bool end();
+   /// Begins a record with its head. The length, in front, is set by `end`.
+   void begin( U8 kind, U32 entityId, U32 attributeId ) {
+      VORN_ASSERT( !record_ );
+      record_ = at_;
+      missing_ = 0;
+      constexpr std::size_t headBytes = sizeof( U32 ) + recordHeadBytes;
+      if ( std::size_t( limit_ - at_ ) < headBytes ) [[unlikely]] {
+         missing_ = headBytes;
+         return;
+      }
+      entityId = __builtin_bswap32( entityId );
+      attributeId = __builtin_bswap32( attributeId );
+      at_[4] = kind;
+      std::memcpy( at_ + 5, &entityId, sizeof entityId );
+      std::memcpy( at_ + 9, &attributeId, sizeof attributeId );
+      at_[13] = beginToken;
+      at_ += headBytes;
+   }
+   bool end() {
+      putU8( endToken );
+      U8 * const start = std::exchange( record_, nullptr );
+      std::size_t const size = std::size_t( at_ - start ) + missing_;
+      if ( missing_ ) [[unlikely]] {
+         at_ = start;
+         need_ = size;
+         return false;
+      }
+      U32 const length = __builtin_bswap32( U32( size - sizeof( U32 ) ) );
+      std::memcpy( start, &length, sizeof length );
+      // A long record takes a block of its own, and nothing may follow it there.
+      if ( !large_.empty() ) blocked_ = true;
+      return true;
+   }
    bool roomIs();
 
    std::vector< U8 > buffer_;

@@ -74,6 +74,8 @@ class VORN_API PtrInterface::NotifieeConst : public PtrInterface {
    bool isRegisteredNotifiee() const noexcept { return registered_; }
    bool isWeakReference() const noexcept { return weak_; }
    bool hasNotificationActive() const noexcept { return active_; }
+   /// Whether it ties its notifier to an attribute log.
+   bool isStreamAdapter() const noexcept { return streamAdapter_; }
    /// The type of the objects that the observer is for.
    VornType const * notifierType() const noexcept { return notifierType_; }
 
@@ -83,6 +85,8 @@ class VORN_API PtrInterface::NotifieeConst : public PtrInterface {
    void notifierTypeIs( VornType const * type ) noexcept { notifierType_ = type; }
    /// Whether `handleNotification` is told of every change in the place of the callbacks.
    void watchesAllIs( bool all ) noexcept { watchesAll_ = all; }
+   /// Says that the observer is a `StreamAdapter`, which the attribute log looks for among the others.
+   void streamAdapterIs() noexcept { streamAdapter_ = true; }
 
  private:
    friend class Vorn::NotifieeList;
@@ -99,10 +103,11 @@ class VORN_API PtrInterface::NotifieeConst : public PtrInterface {
    // Neighbours in the notifier's list; one that is not registered stands in a list aside of it.
    NotifieeConst * next_ = nullptr; // the last points to null
    NotifieeConst * prev_ = nullptr; // the first points to the last
-   bool registered_ = false;
-   bool weak_ = false;
-   bool active_ = false;
-   bool watchesAll_ = false;
+   bool registered_ : 1 = false;
+   bool weak_ : 1 = false;
+   bool active_ : 1 = false;
+   bool watchesAll_ : 1 = false;
+   bool streamAdapter_ : 1 = false;
 };
 
 /// One attribute as notification sees it: constant, one for each attribute.

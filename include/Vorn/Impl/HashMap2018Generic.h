@@ -168,7 +168,7 @@ class VORN_API HashMap2018IteratorGeneric {
    HashMap2018IteratorGeneric( HashMap2018IteratorGeneric const & other ) noexcept;
    HashMap2018IteratorGeneric & operator=( HashMap2018IteratorGeneric other ) noexcept;
    ~HashMap2018IteratorGeneric() {
-      if ( bucket_ ) vt_->bktHdrRefDec( bucket_ );
+      if ( bucket_ ) letGo( bucket_ );
    }
 
    explicit operator bool() const noexcept { return node_ != nullptr; }
@@ -186,11 +186,16 @@ class VORN_API HashMap2018IteratorGeneric {
  protected:
    /// As `advance`, for nodes of that size.
    void advanceBy( std::size_t nodeSize ) noexcept {
-      if ( behind_ && unchanged() ) [[likely]] {
+      if ( !unchanged() ) [[unlikely]] {
+         advanceSlow();
+      } else if ( behind_ ) [[likely]] {
          --behind_;
          node_ = reinterpret_cast< Node * >( reinterpret_cast< char * >( node_ ) + nodeSize );
-      } else {
-         advanceSlow();
+      } else if ( map_->directoryBits_ ) {
+         standBehind( word(), bucket_ );
+      } else { // it was the only bucket
+         node_ = nullptr;
+         letGo( std::exchange( bucket_, nullptr ) );
       }
    }
 
@@ -210,6 +215,15 @@ class VORN_API HashMap2018IteratorGeneric {
    bool unchanged() const noexcept { return modificationCount_ == map_->modificationCount_; }
    Live live() const noexcept;
    void advanceSlow() noexcept;
+   /// Drops a reference on a bucket, most often not the last: the map has one.
+   void letGo( BktHdr * bucket ) const noexcept {
+      if ( bucket->shared() && !VFPtrInterface::threadSafePointers_ ) [[likely]] {
+         HashMap2018Generic::bktHdrRefDecHelper( bucket );
+      } else {
+         vt_->bktHdrRefDec( bucket );
+      }
+   }
+   void standBehind( U32 word, BktHdr * bucket ) noexcept;
    void standIs( BktHdr * bucket, U32 slot ) noexcept;
    void standAtOrBehind( U32 word, BktHdr * bucket, U32 slot ) noexcept;
 

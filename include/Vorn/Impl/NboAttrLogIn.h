@@ -14,6 +14,8 @@
 
 #include "Vorn/Impl/StreamAdapter.h"
 
+#include <array>
+
 namespace Vorn::NboAttrLog {
 
 class Demuxer;
@@ -50,7 +52,11 @@ class VORN_API In final : public PtrInterface {
    /// An attribute's id; of a deletion its negative, as 32 bits.
    U32 nextAttributeId() { return nextU32(); }
    /// The number of an entity as this end counts: `numberedByPeer` is turned round.
-   U32 nextEntityId();
+   U32 nextEntityId() {
+      U32 const id = nextU32();
+      if ( id == numberedByPeer ) throwNumber();
+      return id ? id ^ numberedByPeer : 0;
+   }
    /// The entity of that number; null for 0 and for one that is no longer on the log.
    Ptr< Entity > nextEntity();
    /// The type of a number that a type record gave.
@@ -78,6 +84,7 @@ class VORN_API In final : public PtrInterface {
 
  private:
    [[noreturn]] static void throwShort();
+   [[noreturn]] static void throwNumber();
 
    U8 const * at_;
    U8 const * end_;
@@ -149,12 +156,16 @@ class VORN_API Demuxer : public PtrInterface {
    void newEntityIdIs( U32 entityId );
    /// Ties an entity that came in to its number.
    void doEntityIdIs( Entity & entity, U32 entityId, Out::Adapter * parent );
+   /// A string of these octets: one that came in lately, if it is equal, since most are names of a few
+   /// things.
+   String string( U8 const * octets, std::size_t bytes );
 
  private:
    std::size_t recordsIs( U8 const * octets, std::size_t bytes );
    std::size_t wanted( U8 const * octets, std::size_t bytes ) const;
    void headerIs();
    void recordIs( U8 const * octets, std::size_t bytes );
+   void otherRecordIs( U8 kind, U32 entity, U32 attribute );
    void orphanIs();
    void typeIs( U32 number );
    void checkEphemeralEntityDeletion( Out::Adapter & adapter );
@@ -166,6 +177,10 @@ class VORN_API Demuxer : public PtrInterface {
    std::vector< VornType const * > types_;
    std::unique_ptr< Offers > const offers_;
    std::unique_ptr< Roots > const roots_;
+   /// The strings that came in lately, each where its hash says, and none that is long.
+   static constexpr std::size_t stringNum = 64;
+   static constexpr std::size_t longestString = 64;
+   std::array< String, stringNum > strings_;
    U32 lastEntityId_ = numberedByPeer;
    U64 records_ = 0;
    bool headerSeen_ = false;

@@ -101,6 +101,7 @@ class VORN_API Out : public Connection::Out {
 
  private:
    void flow();
+   void queueForgotten();
    bool sendWithdrawals();
 
    std::unique_ptr< OutState > const state_;

@@ -165,6 +165,14 @@ inline constexpr VornAttrOps writeOps{
    nullptr,
 };
 
+/// Whether a value's field can go to an attribute log: one that is no reference.
+template< class T >
+inline constexpr bool isLoggedField = Recorded< T >;
+template< class T >
+inline constexpr bool isLoggedField< Ptr< T > > = false;
+template< class T >
+inline constexpr bool isLoggedField< T const * > = false;
+
 /// A field of a value.
 template< class Self, class T, T Self::*field, bool settable >
 inline constexpr VornAttrOps fieldOps{
@@ -175,6 +183,16 @@ inline constexpr VornAttrOps fieldOps{
          resultIs( result, value );
       } else if ( op == GenericIf::place || ( settable && op == GenericIf::write ) ) {
          value = *static_cast< T const * >( args[0] );
+      } else if ( op == GenericIf::toLog || op == GenericIf::fromLog ) {
+         if constexpr ( isLoggedField< T > ) {
+            if ( op == GenericIf::toLog ) {
+               NboAttrLog::toLog< T >( *static_cast< NboAttrLog::Out * >( result ), value );
+            } else {
+               NboAttrLog::fromLog< T >( *static_cast< NboAttrLog::In * >( result ), &value );
+            }
+            return GenericIf::done;
+         }
+         return GenericIf::notApplicable;
       } else {
          return GenericIf::notApplicable;
       }

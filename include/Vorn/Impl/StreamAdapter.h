@@ -9,10 +9,13 @@
 #include "Vorn/Impl/NboAttrLogList.h"
 #include "Vorn/Impl/NboAttrLogOut.h"
 
+#include <algorithm>
+
 namespace Vorn {
 
-/// What every adapter has: its flags, its place in the log, and the operations that the log calls.
-class VORN_API StreamAdapter : public PtrInterface {
+/// What every adapter has: its flags, its place in the log, and the operations that the log calls. It is an
+/// observer of its entity.
+class VORN_API StreamAdapter : public Entity::Notifiee {
  public:
    /// What a marker record says of the collection that it names.
    enum AttrTransactionType : U8 {
@@ -60,13 +63,20 @@ class VORN_API StreamAdapter : public PtrInterface {
    virtual std::vector< U32 > attrIdsReqSync() const = 0;
 
    Vorn_BitSet flags() const noexcept { return status_; }
-   /// Distance from the entity that was attached by hand.
+   /// Distance from the entity that was attached by hand, as far as it can be counted: 65535 is that or more.
    unsigned level() const noexcept { return level_; }
 
  protected:
-   StreamAdapter( Vorn_BitSet flags, unsigned level ) noexcept : level_( level ) { status_ = flags; }
+   StreamAdapter( Vorn_BitSet flags, unsigned level ) noexcept : level_( U16( std::min( level, 0xffffu ) ) ) {
+      status_ = flags;
+   }
+   // The log alone binds an adapter, and lets go of it.
+   using Entity::Notifiee::isRegisteredNotifieeIs;
+   using Entity::Notifiee::isWeakReferenceIs;
+   using Entity::Notifiee::notifierIs;
 
-   unsigned level_;
+   U16 level_;
+   U32 ownId_ = 0; ///< the entity's number, if this end gave it one
 };
 
 namespace NboAttrLog {
@@ -74,49 +84,38 @@ namespace NboAttrLog {
 class FlowIn;
 class Transactions;
 enum class Sent : U8;
-/// Tags of the lists in which an adapter stands.
+/// Tag of the lists in which an adapter stands.
 struct Siblings;
-struct Queued;
 
 } // namespace NboAttrLog
 
-/// The adapter of one entity on one log. It holds the entity.
+/// The adapter of one entity on one log. It holds the entity, and observes it itself: one class for all
+/// types, which is told of every attribute, and leaves the entity's life alone.
 class VORN_API Entity::VornNboAttrLogSa final
      : public StreamAdapter,
-       public NboAttrLog::ListLink< Entity::VornNboAttrLogSa, NboAttrLog::Siblings >,
-       public NboAttrLog::ListLink< Entity::VornNboAttrLogSa, NboAttrLog::Queued > {
+       public NboAttrLog::ListLink< Entity::VornNboAttrLogSa, NboAttrLog::Siblings > {
    VORN_OBJECT( VornNboAttrLogSa )
 
  public:
    using FlowOut = NboAttrLog::FlowOut;
    using In = NboAttrLog::In;
    using Family = NboAttrLog::LinkedList< VornNboAttrLogSa, NboAttrLog::Siblings >;
-   /// The observer that the adapter binds to its entity, one for all types: it is told of every attribute. It
-   /// leaves the entity's life alone. It is part of the adapter, which is held while it is called.
-   class VORN_API VornNboAttrLogSaAdapter_ final : public Entity::Notifiee {
-    public:
-      explicit VornNboAttrLogSaAdapter_( VornNboAttrLogSa & adapter );
-      void handleNotification( U32 attributeId, void const * key ) override;
-      void onNotificationException() override;
-      void vornFwkActivity() override;
-      /// The adapter, or null once the entity has left the log.
-      VornNboAttrLogSa * adapter() const noexcept { return adapter_; }
-      /// Unbinds the observer and clears its way back.
-      void adapterDel();
-
-    private:
-      VornNboAttrLogSa * adapter_;
-   };
+   /// The observer of the entity: the adapter itself.
+   using VornNboAttrLogSaAdapter_ = VornNboAttrLogSa;
 
    VornNboAttrLogSa( Entity & entity, NboAttrLog::Out & out, Vorn_BitSet flags, unsigned level,
                      VornNboAttrLogSa * parent );
    ~VornNboAttrLogSa() override;
 
-   Entity & entity() const noexcept { return *entity_; }
+   Entity & entity() const noexcept {
+      // Bound to nothing but a mutable entity, by the constructor.
+      auto const * const bound = static_cast< Entity const * >( notifier() );
+      return bound ? const_cast< Entity & >( *bound ) : *left_;
+   }
    /// The log, or null once the entity is no longer on it.
    NboAttrLog::Out * nboAttrLogOut() const noexcept { return out_; }
    /// Whose attribute holds the entity; null for one that was attached by hand.
-   VornNboAttrLogSa * parent() const noexcept { return parent_; }
+   VornNboAttrLogSa * parent() const noexcept { return notifier() ? parent_ : nullptr; }
    /// Number of the entity on the log; 0 before it was introduced. See `NboAttrLog::numberedByPeer`.
    U32 entityId() const noexcept { return ownId_ ? ownId_ : peerId_; }
    /// The same by who gave it.
@@ -130,7 +129,11 @@ class VORN_API Entity::VornNboAttrLogSa final
    /// The adapter of an entity that an attribute of this one holds, made if there is none; the attribute's
    /// walk introduces it.
    Ptr< VornNboAttrLogSa > childNboAttrLogAdapterIs( Entity & child );
-   void hasNotificationActiveIs( bool active ) override;
+
+   // As an observer, which whoever tells it keeps alive meanwhile.
+   void handleNotification( U32 attributeId, void const * key ) override;
+   void onNotificationException() override;
+   void vornFwkActivity() override;
 
    U32 handleAttrFlowOut( U32 attributeId ) override;
    void freeResyncState( NboAttrLog::FlowOut & flowOut ) override;
@@ -149,6 +152,10 @@ class VORN_API Entity::VornNboAttrLogSa final
    void flow();
    /// Queues it among those that write when there is room, or those that await entities, or not: 0.
    void queueIs( U32 queue );
+   /// Queues it if it has something to write and may.
+   void reschedule();
+   /// The next of all adapters below a root, or below those behind it: parents before their children.
+   VornNboAttrLogSa * following() const noexcept;
    /// Whether the transaction that is running has named the member; until then it does not send.
    void confirmedIs( bool confirmed );
    /// The number of the entity, by whoever gave it; 0 for none.
@@ -161,15 +168,11 @@ class VORN_API Entity::VornNboAttrLogSa final
 
  private:
    // Life (NboAttrLogSa.cpp).
-   void onNotificationException();
-   void onFwkActivity();
    void doFixChildFlags( VornNboAttrLogSa & child ) const;
-   void reschedule();
    void pendingFirst();
    Family & family() noexcept;
 
    // Changes that go out (NboAttrLogSaOut.cpp); `x` is the attribute.
-   void onAttribute( U32 attributeId, void const * key );
    void onX( VornAttr const & x, void const * key );
    void handleValueSerialization( VornAttr const & x );
    NboAttrLog::Out * handleValueSerializationImpl( VornAttr const & x );
@@ -180,6 +183,8 @@ class VORN_API Entity::VornNboAttrLogSa final
    void doThis();
    template< class Body >
    NboAttrLog::Sent send( NboAttrLog::RecordKind kind, U32 attributeId, Body const & body );
+   NboAttrLog::Sent serializeScalar( VornAttr const & x );
+   void markFrom( VornAttr const * attr );
    U32 typeNumber( VornType const & type );
    template< class Write >
    NboAttrLog::Sent introduce( VornNboAttrLogSa & adapter, U32 id, Write const & write );
@@ -206,13 +211,13 @@ class VORN_API Entity::VornNboAttrLogSa final
    // Records that come in (NboAttrLogSaIn.cpp).
    NboAttrLog::FlowIn * flowInFor( VornAttr const & attr, void const * key ) const noexcept;
    /// Whether a change that the observer reports is one that is being applied.
-   bool handlingFlowInFor( VornAttr const & attr, void const * key );
-   bool flowInReported( VornAttr const & attr, void const * key );
+   bool handlingFlowInFor( VornAttr const & attr, void const * key ) const;
    template< class Call >
    void apply( VornAttr const & attr, void const * key, Call const & call );
    bool allowWriteFromReadOnlyRemote( U32 attributeId ) const;
    [[noreturn]] void doBaseVornNboAttrLogSaMsg( U32 attributeId ) const;
    VornAttr const & loggedAttribute( U32 id ) const;
+   void otherFromLog( U32 attributeId, bool introducing, Ptr< In > const & in );
    void groupFromLog( Ptr< In > const & in );
    void scalarFromLog( VornAttr const & attr, In & in );
    struct GroupState;
@@ -230,22 +235,33 @@ class VORN_API Entity::VornNboAttrLogSa final
    void queueBegins( VornAttr const & attr, U32 const * indices );
    void queueEnds( VornAttr const & attr, HashMap2018< NboAttrLog::Transactions, U32 > const & seen );
 
-   void * object() const noexcept { return static_cast< PtrInterface * >( entity_ ); }
-   VornType const & type() const noexcept { return flowOut_.type(); } // the entity's
+   void * object() const noexcept { return static_cast< PtrInterface * >( &entity() ); }
+   VornType const & type() const noexcept { return *notifierType(); } // the entity's
+   /// The entity's attribute of that id, or null.
+   VornAttr const * attribute( U32 id ) const noexcept {
+      // A type's own attributes follow those of `Entity` in one run, so the place is nearly always known.
+      VornType const & own = type();
+      U32 const place = entityRows + id - vornChildFirstId;
+      if ( place < own.attributeNum && own.attributes[place].id() == id ) return &own.attributes[place];
+      return own.attribute( id );
+   }
    /// Whether nothing keeps it from sending but room.
    bool maySend() const noexcept { return !status_.any( suppressed | stopped ); }
 
-   // One adapter stands for each entity that is logged, so every word counts.
-   Entity * entity_;
+   static constexpr U32 entityRows = 5;
+
+   // One adapter stands for each entity that is logged, so every word counts: the entity is the notifier, its
+   // type that of the notifier, and a place in a queue has only who waits (`FlowOut::Waiting`).
    NboAttrLog::Out * out_;
-   VornNboAttrLogSaAdapter_ observer_;
-   VornNboAttrLogSa * parent_;
+   union {
+      VornNboAttrLogSa * parent_; // while the entity is on the log
+      Entity * left_;             // afterwards the entity, bound no more
+   };
    Family children_; // adapters below, in no order
+   [[no_unique_address]] FlowOut flowOut_;
    // Where both ends introduce an entity at the same time it has two numbers, and each end uses its own.
-   U32 ownId_ = 0;
    U32 peerId_ = 0;
-   FlowOut flowOut_;
 };
-static_assert( sizeof( Entity::VornNboAttrLogSa ) <= 184 );
+static_assert( sizeof( Entity::VornNboAttrLogSa ) <= 112 );
 
 } // namespace Vorn
