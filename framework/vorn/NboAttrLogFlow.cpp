@@ -41,6 +41,10 @@ void Sa::keyMark( VornAttr const & x, void const * key ) {
    U32 const id = x.id();
    bool const walking = flowOut_.walking( id );
    if ( walking ? flowOut_.walkAgain() : !flowOut_.vornHasSynced( id ) ) return;
+   // Keys of one hash that have gone wait beside those that are there; a set bears no more than the
+   // collection.
+   if ( auto const * const keys = flowOut_.vornIsXDirty( id ); keys && keys->crowded( key ) )
+      return resyncMark( x );
    try {
       flowOut_.vornIsXDirtyIs( object(), x, key );
    } catch ( std::bad_alloc const & ) {
@@ -207,7 +211,7 @@ bool Sa::vornHandleXSerializeWalk( VornAttr const & x ) {
       if ( sent == Sent::yes ) continue;
       // It has left since; the key waits by itself for its entity to come back.
       if ( sent == Sent::awaits ) {
-         flowOut_.vornIsXDirtyIs( object(), x, key.data() );
+         keyMark( x, key.data() );
          status_.bitsIs( awaits, true );
          continue;
       }

@@ -101,8 +101,8 @@ void Sa::flagsIs( Vorn_BitSet flags ) {
       child->flagsIs( flags );
    }
    reschedule();
-   // What changed while it was suppressed is not known.
-   if ( wasSuppressed && !status_.any( suppressed ) && entityId() ) doThis();
+   // What changed while it was suppressed is not known. A copy that does not write has nothing to tell.
+   if ( wasSuppressed && !status_.any( suppressed | readOnly ) && entityId() ) doThis();
 }
 
 void Sa::reschedule() {

@@ -111,12 +111,15 @@ Out * Sa::handleValueSerializationImpl( VornAttr const & x ) {
 void Sa::vornHandleXSerializeSing( VornAttr const & x, void const * key ) {
    if ( status_.any( suppressed ) || handlingFlowInFor( x, key ) ) return;
    if ( !status_.any( hasEntityId ) ) return; // all is sent when the entity has been introduced
+   if ( status_.any( readOnly ) && !convertedToWritable() ) {
+      if ( status_.any( stopped ) ) return;
+      doThrowReadOnly( x );
+   }
    if ( status_.any( stopped ) ) {
       // It waits: a member that the transaction under way goes on to name keeps what happened meanwhile.
-      if ( !status_.any( readOnly ) ) keyDirtyIs( x, key );
+      keyDirtyIs( x, key );
       return;
    }
-   if ( status_.any( readOnly ) && !convertedToWritable() ) doThrowReadOnly( x );
    if ( !out_->hasSufficientBuffer() || !prepareImmediateTransmission( x ) ) {
       keyDirtyIs( x, key );
       return;

@@ -192,10 +192,12 @@ void NotifieeList::asideDel( PtrInterface const & object ) noexcept {
 
 void NotifieeList::doVisit( PtrInterface const & notifier, NotifieeChange const & change, void const * key ) {
    NotifieeVisit( notifier, *this ).run( [&]( PtrInterface::NotifieeConst & notifiee ) {
-      if ( !notifiee.active_ ) return;
+      // Who is for a base hears of what the base has.
+      if ( !notifiee.active_ || !notifiee.notifierType_ || !notifiee.notifierType_->isDerived( change.type ) )
+         return;
       if ( notifiee.watchesAll_ ) {
          notifiee.handleNotification( change.attributeId, key );
-      } else if ( notifiee.notifierType_ && notifiee.notifierType_->isDerived( change.type ) ) {
+      } else {
          change.call( notifiee, key );
       }
    } );

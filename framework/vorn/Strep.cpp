@@ -5,10 +5,50 @@
 #include <cmath>
 #include <cstring>
 #include <string>
+#if !defined( __cpp_lib_to_chars )
+#include <clocale>
+#include <cstdlib>
+#endif
 
 namespace Vorn {
 
 namespace {
+
+#if defined( __cpp_lib_to_chars )
+using std::from_chars;
+#else
+/// What a standard library may lack for a double.
+std::from_chars_result from_chars( char const * first, char const * last, double & value ) {
+   // As far as what is written in decimal goes: strtod would take blanks, a plus and hexadecimal too.
+   char const * at = first;
+   auto const digits = [&] {
+      while ( at != last && *at >= '0' && *at <= '9' ) {
+         ++at;
+      }
+   };
+   if ( at != last && *at == '-' ) ++at;
+   digits();
+   if ( at != last && *at == '.' ) ++at;
+   digits();
+   if ( at != last && *at == 'e' && at != first ) {
+      ++at;
+      if ( at != last && ( *at == '-' || *at == '+' ) ) ++at;
+      digits();
+   }
+   for ( char const * word : { "inf", "nan", "-inf", "-nan" } ) {
+      std::size_t const bytes = std::strlen( word );
+      if ( std::size_t( last - first ) >= bytes && !std::memcmp( first, word, bytes ) ) at = first + bytes;
+   }
+   std::string const text( first, at );
+   static locale_t const plain = newlocale( LC_ALL_MASK, "C", nullptr );
+   char * behind = nullptr;
+   double const read = strtod_l( text.c_str(), &behind, plain );
+   if ( behind == text.c_str() ) return { first, std::errc::invalid_argument };
+   if ( std::isinf( read ) && text.find( "inf" ) == text.npos ) return { at, std::errc::result_out_of_range };
+   value = read;
+   return { first + ( behind - text.c_str() ), {} };
+}
+#endif
 
 [[noreturn]] void refuse( String::IteratorConst it, String::IteratorConst end, char const * wanted ) {
    std::size_t const shown = std::min< std::size_t >( std::size_t( end - it ), 40 );
@@ -76,7 +116,7 @@ void sequenceToValue( String::IteratorConst & it, String::IteratorConst const & 
 
 void sequenceToValue( String::IteratorConst & it, String::IteratorConst const & end, double * value ) {
    double read = 0;
-   auto const [behind, error] = std::from_chars( it, end, read );
+   auto const [behind, error] = from_chars( it, end, read );
    if ( error != std::errc() ) refuse( it, end, "a number" );
    it = behind;
    *value = read;

@@ -233,6 +233,10 @@ TEST( TlvParser, aTlvTooShortForItsBodyIsRefusedInItsText ) {
    EXPECT_EQ( text( ldpPathVectorTlvParserFactory, "0104 0006 0a00" ),
               "Error LdpPathVectorTlv: badTlvLength" );
    EXPECT_EQ( text( ldpPathVectorTlvParserFactory, "0104 0004 0a00" ), "" );
+   EXPECT_EQ( text( ldpAddressListTlvParserFactory, "0101 0005 0001 0a" ),
+              "LdpAddressListTlv( Invalid TLV )" );
+   EXPECT_EQ( text( ldpAddressListTlvParserFactory, "0101 fffd 0001 0a" ),
+              "LdpAddressListTlv( Invalid TLV )" );
    // How long a list may be follows from its family.
    EXPECT_EQ( text( ldpAddressListTlvParserFactory, "0101 0002" ), "LdpAddressListTlv( Invalid TLV )" );
    EXPECT_EQ( text( ldpAddressListTlvParserFactory, "0101 0007 00" ), "" );

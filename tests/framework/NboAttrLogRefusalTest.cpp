@@ -213,13 +213,26 @@ TEST( NboAttrLogRefusal, keysOfOneHashAreRefusedBeforeTheyEndTheProcess ) {
       all.insert( all.end(), one.begin(), one.end() );
    }
    end.demuxer->bytesIs( all.data(), all.size() );
-   auto const & peer = static_cast< Ldp::LdpPeerConfig & >( *end.demuxer->roots().at( 0 ) );
+   auto & peer = static_cast< Ldp::LdpPeerConfig & >( *end.demuxer->roots().at( 0 ) );
    EXPECT_EQ( most, peer.ldpAdjs() );
    Octets const known = record( 0, 1, 0x103, target( 7 ) );
    EXPECT_NO_THROW( end.demuxer->bytesIs( known.data(), known.size() ) );
    Octets const further = record( 0, 1, 0x103, target( most ) );
    EXPECT_THROW( end.demuxer->bytesIs( further.data(), further.size() ), AttrLogRecordException );
    EXPECT_EQ( most, peer.ldpAdjs() );
+
+   // Handed on to somebody who does not listen, each change waits by its key, beside those that have gone.
+   auto const relay = Vorn::newObject< Out >( 1024u );
+   peer.vornNboAttrLogSaIs( 0, 0, relay );
+   while ( auto const bytes = relay->bytes() ) {
+      relay->drained( bytes );
+   }
+   for ( U32 i = 0; i < most; ++i ) {
+      peer.ldpAdjIs( Ldp::LdpAdjId( Ldp::LdpIdentifier( 1, 0 ), Lumo::IpAddr( i ) ), false );
+   }
+   peer.ldpAdjDel( Ldp::LdpAdjId( Ldp::LdpIdentifier( 1, 0 ), Lumo::IpAddr( 7 ) ) );
+   peer.ldpAdjIs( Ldp::LdpAdjId( Ldp::LdpIdentifier( 1, 0 ), Lumo::IpAddr( most ) ), true );
+   EXPECT_EQ( nullptr, relay->takeException() );
 }
 
 TEST( NboAttrLogRefusal, memoryThatRunsOutIsReportedAndLosesNothing ) {

@@ -137,13 +137,20 @@ TEST( NboAttrLog, aReadOnlyCopyWritesNeitherByAGroupNorByARoot ) {
    LogEnd other( StreamAdapter::remoteReadOnly );
    EXPECT_THROW( other.demuxer->bytesIs( good.data(), good.size() ), Vorn::AttrLogRecordException );
    EXPECT_TRUE( other.demuxer->roots().empty() );
+   // Nor when what suppressed it goes.
+   Adjacencies pair;
+   pair.flush();
+   for ( U32 const flags :
+         { StreamAdapter::readOnly | StreamAdapter::suppressed, U32( StreamAdapter::readOnly ) } )
+      pair.root()->vornNboAttrLogSaIs( flags, 0, pair.copy.out );
+   EXPECT_TRUE( pair.copy.out->idle() );
 }
 
 TEST( NboAttrLog, theHostMayLetAReadOnlyEndWrite ) {
    struct AgeOnly : Vorn::NboAttrLog::Permits {
       bool writable( Vorn::Entity & entity ) override { return entity.fwkType() == &Tree::_vornType; }
       bool writeFromReadOnlyRemote( Vorn::Entity &, U32 attributeId ) override {
-         return attributeId == 0x105;
+         return attributeId == 0x105 || attributeId == 0x108;
       }
    };
    LogEnd a( StreamAdapter::remoteReadOnly ), b( StreamAdapter::readOnly );
@@ -165,6 +172,13 @@ TEST( NboAttrLog, theHostMayLetAReadOnlyEndWrite ) {
    EXPECT_EQ( nullptr, b.out->takeException() );
    carry();
    EXPECT_EQ( 5, tree->age() );
+   // What the host holds back waits, of a collection too.
+   copy.vornNboAttrLogSaIs( StreamAdapter::readOnly | StreamAdapter::held, 0, b.out );
+   copy.branchDel( Name( "branch" ) );
+   copy.vornNboAttrLogSa( b.out )->flagsIs( StreamAdapter::readOnly );
+   EXPECT_EQ( nullptr, b.out->takeException() );
+   carry();
+   EXPECT_EQ( 0u, tree->branchs() );
    copy.heightIs( 5 );
    EXPECT_THROW( carry(), Vorn::AttrLogRecordException ) << "this attribute is not let";
    EXPECT_EQ( 0, tree->height() );

@@ -20,6 +20,8 @@ class VORN_API KeySet {
 
    virtual U32 members() const noexcept = 0;
    virtual void keyIs( void const * key ) = 0;
+   /// Whether so many keys of that one's hash are there that the set does not bear it.
+   virtual bool crowded( void const * key ) const noexcept = 0;
    virtual void keyDel( void const * key ) = 0;
    /// Copies out the key to be dealt with next: the same until it is taken out or passed over. Behind the
    /// last comes the first again. Of a queue `oldest` is where the order of its indices begins. False for an
@@ -37,6 +39,10 @@ class KeySetOf final : public KeySet {
  public:
    U32 members() const noexcept override { return keys_.members(); }
    void keyIs( void const * key ) override { keys_.keyIs( *static_cast< Key const * >( key ) ); }
+   bool crowded( void const * key ) const noexcept override {
+      return keys_.members() >= HashMap2018BktHdr::maxSlots &&
+             keys_.crowded( *static_cast< Key const * >( key ), 0 );
+   }
    void keyDel( void const * key ) override { keys_.del( *static_cast< Key const * >( key ) ); }
    bool next( void * key, U32 ) override {
       typename Keys::Iterator it = at_ ? typename Keys::Iterator( keys_, *at_ ) : keys_.begin();
@@ -61,6 +67,7 @@ class VORN_API IndexSet final : public KeySet {
    ~IndexSet() override;
    U32 members() const noexcept override { return indices_.members(); }
    void keyIs( void const * index ) override { indices_.keyIs( *static_cast< U32 const * >( index ) ); }
+   bool crowded( void const * ) const noexcept override { return false; } // numbers do not meet
    void keyDel( void const * index ) override { indices_.del( *static_cast< U32 const * >( index ) ); }
    bool next( void * index, U32 oldest ) override;
    void pass() noexcept override { order_.pop_back(); }
