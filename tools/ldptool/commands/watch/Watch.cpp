@@ -64,26 +64,35 @@ struct WatchOptions {
    }
 };
 
-/// A PDU's worth of messages at a time: what the monitor wrote is taken along before the next PDU.
+/// Takes what the monitor wrote to the replica, some PDUs at a time: what changes twice meanwhile, as every
+/// counter does, is sent once.
 class WatchSink : public Decoder {
  public:
    WatchSink( Monitor & monitor, Selection const & selection, Output & out, Replica * replica )
         : Decoder( monitor, selection, out ), replica_( replica ) {}
 
    void onPdu( Origin const & origin, Ldp::LdpPdu const & pdu ) override {
+      constexpr unsigned atOnce = 1024;
       Decoder::onPdu( origin, pdu );
-      if ( replica_ ) replica_->flush();
+      if ( replica_ && ++waiting_ >= atOnce ) flush();
    }
 
    /// Called whenever a live capture waits.
    std::function< void() > refresh;
    void onIdle() override {
       if ( refresh ) refresh();
+      if ( replica_ ) flush();
       Decoder::onIdle();
    }
 
  private:
+   void flush() {
+      replica_->flush();
+      waiting_ = 0;
+   }
+
    Replica * replica_;
+   unsigned waiting_ = 0; ///< PDUs since the last flush
 };
 
 std::optional< Lumo::IpGenPrefix > bindingsWithin( WatchOptions const & options ) {
