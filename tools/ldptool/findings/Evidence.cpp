@@ -25,11 +25,37 @@ Sent const & Evidence::sentTo( LdpIdentifier const & speaker, LdpIdentifier cons
    return known == sent_.end() ? nothing : known->second;
 }
 
-/// What the sender of the packet in hand has sent to its receiver; null while one of them is not known.
+void Sent::add( Sent const & earlier ) {
+   for ( Seen Sent::*what : { &Sent::targetedHellos, &Sent::syns, &Sent::authenticated, &Sent::synAcks,
+                              &Sent::refusals, &Sent::established, &Sent::keepAlives,
+                              &Sent::repeatedLarge, &Sent::repeatedSmall } )
+      ( this->*what ).add( earlier.*what );
+}
+
+Sent * Evidence::strangerSent( Addr const & source, Addr const & destination ) {
+   if ( strangers_.size() >= most && !strangers_.contains( { source, destination } ) ) return nullptr;
+   return &strangers_[{ source, destination }];
+}
+
+void Evidence::settle() {
+   for ( auto at = strangers_.begin(); at != strangers_.end(); ) {
+      LdpIdentifier const from = this->at( at->first.first );
+      LdpIdentifier const to = this->at( at->first.second );
+      auto const settled = at++;
+      if ( !from || !to ) continue;
+      if ( from.lsrId() != to.lsrId() && ( sent_.size() < most || sent_.contains( { from, to } ) ) )
+         sent_[{ from, to }].add( settled->second );
+      strangers_.erase( settled );
+   }
+}
+
+/// What the sender of the packet in hand has sent to its receiver; null where there is nobody to note it of.
 Sent * Evidence::sentOn( Origin const & origin ) {
    LdpIdentifier const from = at( sourceOf( origin ) );
    LdpIdentifier const to = at( destinationOf( origin ) );
-   if ( !from || !to || from.lsrId() == to.lsrId() ) return nullptr;
+   bool const tcp = origin.flow->protocol == protocolTcp;
+   if ( !from || !to ) return tcp ? strangerSent( sourceOf( origin ), destinationOf( origin ) ) : nullptr;
+   if ( from.lsrId() == to.lsrId() ) return nullptr;
    if ( sent_.size() >= most && !sent_.contains( { from, to } ) ) return nullptr;
    return &sent_[{ from, to }];
 }
@@ -64,9 +90,9 @@ void Evidence::onHello( Message const & message ) {
    transports_[sender_].insert( of.transport );
    if ( of.link ) return;
    at_.try_emplace( source, sender_ );
-   LdpIdentifier const to = at( destinationOf( origin_ ) );
-   if ( !!to && to.lsrId() != sender_.lsrId() )
-      sent_[{ sender_, to }].targetedHellos.at( origin_.arrival.frame );
+   if ( Sent * const sent = !at( destinationOf( origin_ ) ) ? strangerSent( source, destinationOf( origin_ ) )
+                                                           : sentOn( origin_ ) )
+      sent->targetedHellos.at( origin_.arrival.frame );
 }
 
 void Evidence::onMessage( Message const & message ) {
