@@ -104,12 +104,23 @@ std::optional< Ldp::LdpIdentifier > historyOf( WatchOptions const & options ) {
    return *options.history == "all" ? options.input.peer : speakerOf( "--history", *options.history );
 }
 
+Wanted wantedBy( WatchOptions const & options ) {
+   return [&about = options.input.peer]( Vorn::Entity const & entity ) { return isAbout( about, entity ); };
+}
+
+/// Whether the change is in that speaker's part of the tree; of all if it is empty.
+bool isOf( TreeChange const & change, std::string const & speaker ) {
+   if ( speaker.empty() ) return true;
+   if ( change.steps.size() > 1 ) return change.steps[1] == speaker;
+   return change.key && plainText( *change.attr.keyType, change.key ) == speaker;
+}
+
 /// The views that were asked for; a summary and the neighbours if nothing was.
 void printViews( Output & out, Network const & network, WatchOptions const & options, Monitor & monitor ) {
    Journal const & journal = monitor.journal();
    About const about = options.input.peer;
    if ( !options.anyView() ) printSummary( out, network, journal );
-   if ( options.tree ) out << treeText( network, TreeContent::stored );
+   if ( options.tree ) out << treeText( network, TreeContent::stored, wantedBy( options ) );
    if ( options.neighbors || !options.anyView() ) printNeighbors( out, network, journal, about );
    if ( options.history ) printHistory( out, journal, historyOf( options ) );
    if ( options.bindings ) printBindings( out, network, monitor, bindingsWithin( options ), about );
@@ -124,7 +135,7 @@ void writeViews( Output & out, Network const & network, WatchOptions const & opt
    About const about = options.input.peer;
    JsonWriter json( out );
    if ( !options.anyView() ) {
-      writeTree( json, network, TreeContent::stored );
+      writeTree( json, network, TreeContent::stored, wantedBy( options ) );
       return json.endLine();
    }
    json.object();
@@ -133,7 +144,8 @@ void writeViews( Output & out, Network const & network, WatchOptions const & opt
       json.key( name );
       write();
    };
-   view( options.tree, "tree", [&] { writeTree( json, network, TreeContent::stored ); } );
+   view( options.tree, "tree",
+         [&] { writeTree( json, network, TreeContent::stored, wantedBy( options ) ); } );
    view( options.neighbors, "neighbors", [&] { writeNeighbors( json, network, journal, about ); } );
    view( options.history.has_value(), "history",
          [&] { writeHistory( json, journal, historyOf( options ) ); } );
@@ -156,7 +168,10 @@ int watch( WatchOptions const & options ) {
       JsonWriter followed( out );
       std::optional< TreeWatcher > watcher;
       if ( options.follow ) {
-         watcher.emplace( *network, [&]( TreeChange const & change ) {
+         std::string const speaker =
+              options.input.peer ? std::string( options.input.peer->stringValue().view() ) : "";
+         watcher.emplace( *network, [&, speaker]( TreeChange const & change ) {
+            if ( !isOf( change, speaker ) ) return;
             Arrival const & at = monitor.journal().arrival();
             if ( options.json ) return writeChange( followed, at, change );
             out << timeText( at ) << ' ' << changeText( change ) << '\n';
