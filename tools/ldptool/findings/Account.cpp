@@ -36,9 +36,7 @@ class TextAccount : public Account {
  public:
    explicit TextAccount( Output & out ) : out_( out ) {}
    void speaker( LdpIdentifier const & id ) override { out_ << "speaker " << textOf( id ) << '\n'; }
-   void pair( std::string const & a, std::string const & b ) override {
-      out_ << a << " and " << b << '\n';
-   }
+   void pair( std::string const & a, std::string const & b ) override { out_ << a << " and " << b << '\n'; }
    void fact( char const * topic, std::string const & text ) override {
       std::string line = std::string( "  " ) + topic;
       line.resize( std::max< std::size_t >( line.size() + 1, 16 ), ' ' );
@@ -233,8 +231,7 @@ void tellStrangers( Account & account, Evidence const & evidence,
       tellConnection( account, two );
       if ( there.inits || two.back.inits )
          account.fact( "Initialization", sides( there.inits, two.back.inits, two ) );
-      told.findings +=
-           tellFindings( account, strangerFindings( two.name[0], there, two.name[1], two.back ) );
+      told.findings += tellFindings( account, strangerFindings( two.name[0], there, two.name[1], two.back ) );
    }
 }
 

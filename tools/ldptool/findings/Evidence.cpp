@@ -12,6 +12,13 @@ Addr destinationOf( Origin const & origin ) {
    return addressOf( origin.flow->destination, origin.flow->addressSize );
 }
 
+/// Reasons hold numbers that the peer chooses, and so are codes: the first ones say enough.
+template< class Key >
+void noteIn( std::map< Key, Seen > & all, Key const & key, std::uint64_t frame ) {
+   constexpr std::size_t mostKeys = 64;
+   if ( all.size() < mostKeys || all.contains( key ) ) all[key].at( frame );
+}
+
 } // namespace
 
 LdpIdentifier Evidence::at( Addr const & address ) const {
@@ -26,9 +33,9 @@ Sent const & Evidence::sentTo( LdpIdentifier const & speaker, LdpIdentifier cons
 }
 
 void Sent::add( Sent const & earlier ) {
-   for ( Seen Sent::*what : { &Sent::targetedHellos, &Sent::syns, &Sent::authenticated, &Sent::synAcks,
-                              &Sent::refusals, &Sent::established, &Sent::keepAlives,
-                              &Sent::repeatedLarge, &Sent::repeatedSmall } )
+   for ( Seen Sent::*what :
+         { &Sent::targetedHellos, &Sent::syns, &Sent::authenticated, &Sent::synAcks, &Sent::refusals,
+           &Sent::established, &Sent::keepAlives, &Sent::repeatedLarge, &Sent::repeatedSmall } )
       ( this->*what ).add( earlier.*what );
 }
 
@@ -87,11 +94,13 @@ void Evidence::onHello( Message const & message ) {
    of.last = now;
    of.seen.at( origin_.arrival.frame );
    if ( at_.size() < most ) at_[of.transport] = sender_;
-   transports_[sender_].insert( of.transport );
+   constexpr std::size_t mostTransports = 64; // one is what a speaker has
+   auto & transports = transports_[sender_];
+   if ( transports.size() < mostTransports ) transports.insert( of.transport );
    if ( of.link ) return;
    at_.try_emplace( source, sender_ );
    if ( Sent * const sent = !at( destinationOf( origin_ ) ) ? strangerSent( source, destinationOf( origin_ ) )
-                                                           : sentOn( origin_ ) )
+                                                            : sentOn( origin_ ) )
       sent->targetedHellos.at( origin_.arrival.frame );
 }
 
@@ -110,11 +119,8 @@ void Evidence::onMessage( Message const & message ) {
    Sent * const sent = sentOn( origin_ );
    if ( !sent ) return;
    if ( message.bad() ) {
-      constexpr std::size_t mostReasons = 64; // they hold numbers that the peer chooses
-      std::string const reason( message.judge().reason().view() );
       auto & refused = message.verdict == Verdict::wrong ? sent->refused : sent->unsupported;
-      if ( refused.size() < mostReasons || refused.contains( reason ) ) refused[reason].at( frame );
-      return;
+      return noteIn( refused, std::string( message.judge().reason().view() ), frame );
    }
    if ( !parser.validMsg() ) return;
    if ( type == LdpInit ) {
@@ -126,10 +132,7 @@ void Evidence::onMessage( Message const & message ) {
       sent->keepAlives.at( frame );
    } else if ( type == LdpNotification ) {
       LdpStatusTlv const & status = *parser.msgStatusTlv();
-      constexpr std::size_t mostCodes = 64;
-      auto & codes = status.statusError() ? sent->fatal : sent->others;
-      if ( codes.size() < mostCodes || codes.contains( status.statusData() ) )
-         codes[status.statusData()].at( frame );
+      noteIn( status.statusError() ? sent->fatal : sent->others, status.statusData(), frame );
    }
 }
 
@@ -137,7 +140,8 @@ void Evidence::onBadPdu( Pdu const & pdu ) {
    monitor_.onBadPdu( pdu );
    if ( !pdu.origin.flow ) return;
    Sent * const sent = sentOn( pdu.origin );
-   if ( sent ) sent->refused["PDU: " + std::string( pdu.pdu.reason().view() )].at( pdu.origin.arrival.frame );
+   if ( sent )
+      noteIn( sent->refused, "PDU: " + std::string( pdu.pdu.reason().view() ), pdu.origin.arrival.frame );
 }
 
 void Evidence::onFatalPdu( Pdu const & pdu, LdpPduGuardResult const & fatal ) {

@@ -53,10 +53,9 @@ void connecting( Found & found, std::string const & active, Sent const & out, st
    std::string const to = " of " + active + " to " + passive;
    if ( !out.syns ) return;
    if ( back.refusals )
-      found.push_back(
-           { "the connection" + to + " is refused: a reset answers the SYN",
-             { back.refusals.first, back.refusals.last },
-             "whether LDP runs at " + passive + " and listens on that transport address" } );
+      found.push_back( { "the connection" + to + " is refused: a reset answers the SYN",
+                         { back.refusals.first, back.refusals.last },
+                         "whether LDP runs at " + passive + " and listens on that transport address" } );
    bool const later = out.established.last > out.syns.last;
    if ( back.synAcks.last > out.syns.first && back.synAcks.times > 1 && !later &&
         out.established.last < back.synAcks.last )
@@ -239,9 +238,10 @@ std::vector< Finding > strangerFindings( std::string const & a, Sent const & the
    for ( auto const & [own, out, peer, in] : { Side( a, there, b, back ), Side( b, back, a, there ) } ) {
       connecting( found, own, out, peer, in );
       if ( out.targetedHellos && !in.targetedHellos )
-         found.push_back( { "targeted hellos of " + own + " to " + peer + " have no answer",
-                            { out.targetedHellos.first, out.targetedHellos.last },
-                            "whether anybody is at " + peer + " and accepts targeted hellos, and the route" } );
+         found.push_back(
+              { "targeted hellos of " + own + " to " + peer + " have no answer",
+                { out.targetedHellos.first, out.targetedHellos.last },
+                "whether anybody is at " + peer + " and accepts targeted hellos, and the route" } );
       if ( out.established && !out.inits && !in.inits )
          found.push_back( { "the connection of " + own + " to " + peer +
                                  " is established, and nobody sends an Initialization",

@@ -94,14 +94,12 @@ void onMessage( Exchange const & exchange, Fec const & fec, AnyLabel label ) {
    FecEnd sender( exchange.sender, fec );
    FecEnd receiver( exchange.receiver, fec );
    if ( ( type == LdpLabelMapping || type == LdpLabelRequest ) &&
-        !( hasRoom( sender ) && hasRoom( receiver ) ) ) {
+        !( hasRoom( sender ) && hasRoom( receiver ) && !sender.hasTooMuch() ) ) {
       ++exchange.sender.agent.turnedAway().fecs;
       return;
    }
    switch ( type ) {
-   case LdpLabelMapping:
-      if ( !sender.hasTooManyLabels() ) onMapping( exchange, sender, receiver, *label );
-      break;
+   case LdpLabelMapping: onMapping( exchange, sender, receiver, *label ); break;
    case LdpLabelRequest: onRequest( exchange, sender, receiver ); break;
    case LdpLabelWithdraw: onWithdraw( exchange, sender, receiver, label ); break;
    case LdpLabelRelease: onRelease( exchange, sender, receiver, label ); break;

@@ -128,6 +128,7 @@ struct Surroundings {
                  ///< followed
    TurnedAway turnedAway;
    Journal journal{ limits, turnedAway };
+   std::size_t sessionEnds = 0; ///< of all agents
 };
 
 /// One speaker's agent.
@@ -148,7 +149,11 @@ class Agent {
    /// The speaker's end of the session with that peer, a new one if there is none.
    SessionEnd & sessionEnd( Ldp::LdpIdentifier const & peer );
    bool hasSession( Ldp::LdpIdentifier const & peer ) const { return sessionEnds_.contains( peer ); }
-   std::size_t sessionNum() const { return sessionEnds_.size(); }
+   /// Whether one more peer can have a session with the speaker.
+   bool hasRoom() const {
+      return sessionEnds_.size() < around_.limits.adjacencies &&
+             around_.sessionEnds < MonitorLimits::adjacenciesInAll;
+   }
    template< class Call >
    void eachSession( Call const & call ) {
       for ( auto & [peer, end] : sessionEnds_ )
