@@ -81,12 +81,15 @@ void crowdIn( Crowd & crowd, Addr const & address ) {
    }
 }
 
+int pairingAt( LinkClues const & clues, Addr const & address ) {
+   auto const crowd = clues.crowds.find( subnetOf( address, nearBits( address ) ) );
+   return crowd == clues.crowds.end() ? -1 : crowd->second.pairing();
+}
+
 /// Whether two addresses of one family are of one link by all that addresses tell.
 bool areNear( LinkClues const & clues, Addr const & a, Addr const & b ) {
-   U32 const near = nearBits( a );
-   if ( commonBits( a, b ) < near ) return false;
-   auto const crowd = clues.crowds.find( subnetOf( a, near ) );
-   int const pairing = crowd == clues.crowds.end() ? -1 : crowd->second.pairing();
+   if ( commonBits( a, b ) < nearBits( a ) ) return false;
+   int const pairing = pairingAt( clues, a );
    return pairing < 0 || partnerOf( a, pairing ) == b;
 }
 
@@ -238,7 +241,13 @@ void Links::eachOther( Domain & domain, Port const & port, Call const & call ) c
    Addr const anchor = anchorOf( clues, port );
    bool const standsIn = anchor != port.source;
    auto const tellAt = [&]( Port & at ) { standsIn ? eachTwin( domain, at, tell ) : tell( at ); };
-   if ( !!anchor ) eachWithin( domain, anchor, nearBits( anchor ), tellAt );
+   int const pairing = !anchor ? -1 : pairingAt( clues, anchor );
+   Addr const partner = pairing < 0 ? Addr() : partnerOf( anchor, pairing );
+   if ( !!partner ) {
+      eachWithin( domain, partner, commonBits( partner, partner ), tellAt );
+   } else if ( !!anchor && pairing < 0 ) {
+      eachWithin( domain, anchor, nearBits( anchor ), tellAt );
+   }
    auto const tellOf = [&]( LdpIdentifier const & speaker, Addr const & address ) {
       auto const at = domain.ports.find( { address, speaker } );
       if ( at != domain.ports.end() ) tellAt( at->second );
