@@ -101,7 +101,8 @@ Output & Output::ipv4( std::uint8_t const * octets ) {
 Output & Output::escaped( std::string_view octets, bool lines ) {
    auto const plain = [&]( char c ) { return ( c >= ' ' && c <= '~' ) || ( lines && c == '\n' ); };
    while ( !octets.empty() ) {
-      auto const run = std::size_t( std::find_if_not( octets.begin(), octets.end(), plain ) - octets.begin() );
+      auto const run =
+           std::size_t( std::find_if_not( octets.begin(), octets.end(), plain ) - octets.begin() );
       *this << octets.substr( 0, run );
       if ( run == octets.size() ) break;
       ( *this << "\\x" ).hexOctets( octets.substr( run, 1 ) );
