@@ -70,6 +70,15 @@ class Forms(unittest.TestCase):
                                capture_output=True, timeout=60).stdout
         self.assertEqual(words, b"--neighbors\n")
 
+    @unittest.skipUnless(shutil.which("zsh"), "zsh is not installed")
+    def test_zsh_completes(self):
+        with tempfile.TemporaryDirectory() as folder:
+            with open(os.path.join(folder, "_ldptool"), "w", encoding="utf-8") as file:
+                file.write(run("completion", "zsh").out)
+            typing = rf"""zmodload zsh/zpty; zpty z zsh -f -i; zpty -w z "fpath+=({folder}); autoload -Uz compinit; compinit -u -D; echo rea''dy"
+                zpty -r -m z line '*ready*'; zpty -w -n z $'ldptool watch --nei\t'; zpty -r -m z line '*--neighbors*'; echo found"""
+            self.assertEqual(subprocess.run(["zsh", "-f", "-c", typing], capture_output=True, timeout=60).stdout, b"found\n")
+
     def test_full(self):
         out = decode_hex([GOOD], "--full").out
         self.assertEqual(out, (

@@ -66,6 +66,11 @@ CAUSES = {
     "nobody connects: hellos go both ways, and 10.0.0.2:0 sends no SYN":
         [(hello, None, second) for second in (0, 5, 10) for hello in HELLOS],
     "silence: 3 SYNs of 10.0.0.2:0 to 10.0.0.1:0": HELLOS + [(SYN_, None, second) for second in (1, 2, 4)],
+    "silence: 3 SYNs of 10.0.0.2:0 to address 10.0.0.1, the last": [HELLOS[1]] + [(SYN_, None, second) for second in (1, 2, 4)],
+    "silence: 2 SYNs of 10.0.0.2:0 to 10.0.0.1:0": [SYN_, (SYN_, None, 1), *HELLOS],
+    "address 10.0.0.2 to address 10.0.0.1 is established, and nobody sends":
+        [SYN_, ether(tcp(seq=7, ack=1001, flags=SYN | ACK, **BACK)), ether(tcp(seq=1001, ack=8, **TO))],
+    "targeted hellos of 10.0.0.2:0 to address 10.0.0.9 have no answer": [targeted("10.0.0.2", "10.0.0.2", "10.0.0.9")],
     "the connection of 10.0.0.2:0 to 10.0.0.1:0 is refused": HELLOS + [SYN_, ether(tcp(seq=0, ack=1001, flags=RST | ACK, **BACK))],
     "the answer to the SYN of 10.0.0.2:0 to 10.0.0.1:0 is not taken":
         HELLOS + [(f, None, second) for second in (1, 2, 4) for f in (SYN_, ether(tcp(seq=7, ack=1001, flags=SYN | ACK, **BACK)))],

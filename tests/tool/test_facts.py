@@ -67,6 +67,8 @@ class Links(unittest.TestCase):
             "both families": (dual, {}, {
                 R1: ids((R2, "10.0.1.1"), (R2, "fe80::1"), (R3, "10.0.2.1"), (R3, "fe80::11")),
                 R2: ids((R1, "10.0.1.2"), (R1, "fe80::2")), R3: ids((R1, "10.0.2.3"), (R1, "fe80::3"))}),
+            "/31 links of one block": ([say_hello(lsr, f"10.0.0.{n}") for n, lsr in ((10, R1), (11, R2), (12, R3), (13, R4))], {}, {
+                R1: ids((R2, "10.0.0.10")), R2: ids((R1, "10.0.0.11")), R3: ids((R4, "10.0.0.12")), R4: ids((R3, "10.0.0.13"))}),
             "far addresses of one file": ([say_hello(R1, "10.0.0.1"), say_hello(R2, "10.9.0.1")], {}, {}),
         }
         for name, (frames, kw, expected) in cases.items():
@@ -229,8 +231,9 @@ class Labels(unittest.TestCase):
         for state in states(talk.frames).values():
             self.assertEqual([key.split("_")[0] for key in state["ldpFecSessionStatusColl"]["fecSessionStatus"]], ["2001:db8::/32"])
         talk.say(2, 0x0402, fec(b"\5\x80\2\0\5"))
+        talk.say(2, 0x0401, fec(wildcard(2)))
         result = ldptool.watch(pcap(talk.frames), "--bindings")
-        self.assertEqual(result.err, "ldptool: not followed: 1 typed wildcards of other FECs than prefixes\n")
+        self.assertEqual(result.err, "ldptool: not followed: 2 typed wildcards in requests, or of other FECs than prefixes\n")
 
     def test_p2mp_label_for_another_upstream_stays(self):
         to_one, to_three = Talk(40000), Talk(40001, {1: "10.0.0.3", 2: "10.0.0.2"})

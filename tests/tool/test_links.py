@@ -22,6 +22,7 @@ class Links(unittest.TestCase):
     def test_link_headers(self):
         links = {
             "Ethernet": (ETHERNET, ether), "VLAN": (ETHERNET, lambda p: ether(p, [(0x8100, 5)])),
+            "802.3": (ETHERNET, lambda p: ether(p)[:12] + struct.pack("!H", len(p) + 8) + b"\xaa\xaa\3\0\0\0" + ether(p)[12:] + b"pad"),
             "QinQ": (ETHERNET, lambda p: ether(p, [(0x88A8, 5), (0x8100, 6)])),
             "three tags": (ETHERNET, lambda p: ether(p, [(0x9100, 5), (0x8100, 6), (0x8100, 7)])),
             "cooked 1": (LINUX_SLL, sll), "cooked 2": (LINUX_SLL2, sll2), "raw": (RAW_IP, lambda p: p),

@@ -2,6 +2,7 @@
 
 import json
 import os
+import re
 import unittest
 
 import ldptool
@@ -39,6 +40,10 @@ class Select(unittest.TestCase):
         views = json.loads(run("watch", "--json", "--neighbors", "--history", "--peer", "10.255.0.3", TIMERS).raw)
         for row in views["neighbors"] + views["history"]:
             self.assertIn("10.255.0.3:0", (row["speaker"], row["peer"]))
+        self.assertEqual(list(json.loads(run("watch", "--json", "--peer", "10.255.0.3", TIMERS).raw)["speaker"]), ["10.255.0.3:0"])
+        self.assertEqual(re.findall(r"(?m)^   speaker\[(.*?)\]$", run("watch", "--tree", "--peer", "10.255.0.3", TIMERS).out), ["10.255.0.3:0"])
+        changes = run("watch", "--json", "--follow", "--peer", "10.255.0.3", TIMERS).objects
+        self.assertEqual({tuple(change["path"][:2]) for change in changes}, {("speaker", "10.255.0.3:0")})
         talk = Talk()
         talk.say(2, 0x0400, fec(TEN), label(100))
         talk.say(2, 0x0400, fec(ELEVEN), label(101))

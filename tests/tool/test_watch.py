@@ -436,7 +436,7 @@ class Messages(unittest.TestCase):
         sources = [f"11.0.{i >> 8}.{i & 255}" for i in range(1, 301)]
         cases = (  # frames, limit, what is said, speakers
             ([one(1, source) for source in sources], "speakers=250", "not kept (see --limit): 50 messages of further speakers, 40 further adjacencies", 250),
-            ([one(1, source) for source in sources], "link=200", "not kept (see --limit): 100 further adjacencies", 300),
+            ([one(1, source) for source in sources], "link=200", "not kept (see --limit): 55 further adjacencies", 300),
             ([one(i, "10.0.0.2", source, 0xC000) for i, source in enumerate(sources)], "adjacencies=256",
              "not kept (see --limit): 44 further adjacencies", 1))
         for frames, limit, words, speakers in cases:

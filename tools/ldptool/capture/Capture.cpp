@@ -134,8 +134,8 @@ Capture Capture::interface( std::string const & name, CaptureLimits const & limi
    if ( pcap_datalink( handle.get() ) == DLT_LINUX_SLL ) pcap_set_datalink( handle.get(), DLT_LINUX_SLL2 );
    bpf_program program;
    bool compiled = false;
-   for ( std::string const & filter :
-         { liveFilter( true ), liveFilter( false ), std::string( "port 646" ) } ) {
+   for ( std::string const & filter : { liveFilter( true ) + " or llc", liveFilter( true ),
+                                        liveFilter( false ), std::string( "port 646" ) } ) {
       // Some link types know no tags.
       compiled = pcap_compile( handle.get(), &program, filter.c_str(), 1, PCAP_NETMASK_UNKNOWN ) == 0;
       if ( compiled ) break;

@@ -15,6 +15,7 @@ constexpr std::uint16_t etherIpv6 = 0x86dd;
 constexpr std::uint16_t etherMpls = 0x8847;
 constexpr std::uint16_t etherMplsUpstream = 0x8848;
 constexpr std::uint16_t etherPppoe = 0x8864; // session stage
+constexpr std::uint16_t mostLength = 1500;   // in the place of a type: IEEE 802.3 with a header of 802.2
 constexpr std::uint16_t etherBridged = 0x6558;
 constexpr std::uint16_t erspan2 = 0x88be; // types I and II
 constexpr std::uint16_t erspan3 = 0x22eb;
@@ -65,6 +66,7 @@ class Walk {
    LinkResult ppp( Octets packet );
 
  private:
+   LinkResult llc( Octets packet );
    LinkResult mpls( Octets packet );
    LinkResult pppoe( Octets packet );
    LinkResult ipv4( Octets packet );
@@ -86,6 +88,7 @@ LinkResult Walk::ether( std::uint16_t type, Octets packet ) {
       type = read16( packet, 2 );
       packet = packet.subspan( 4 );
    }
+   if ( type <= mostLength ) return llc( packet.first( std::min< std::size_t >( packet.size(), type ) ) );
    switch ( type ) {
    case etherIpv4:
    case etherIpv6: return ip( packet );
@@ -94,6 +97,16 @@ LinkResult Walk::ether( std::uint16_t type, Octets packet ) {
    case etherPppoe: return pppoe( packet );
    default: return LinkResult::other;
    }
+}
+
+// IP behind a SNAP header says its type there (RFC 1042).
+LinkResult Walk::llc( Octets packet ) {
+   constexpr std::uint8_t snap[] = { 0xaa, 0xaa, 0x03, 0, 0, 0 };
+   constexpr std::size_t header = sizeof snap + 2;
+   if ( packet.size() < header ) return LinkResult::truncated;
+   if ( !std::equal( std::begin( snap ), std::end( snap ), packet.begin() ) ) return LinkResult::other;
+   std::uint16_t const type = read16( packet, sizeof snap );
+   return type <= mostLength ? LinkResult::other : ether( type, packet.subspan( header ) );
 }
 
 LinkResult Walk::frame( Octets packet ) {

@@ -1,6 +1,7 @@
 #pragma once
 
-// From a captured packet to its UDP datagram or TCP segment: link header (Ethernet with any VLAN tags, Linux
+// From a captured packet to its UDP datagram or TCP segment: link header (Ethernet and
+// 802.3 with any VLAN tags, Linux
 // cooked version 1 and 2, PPP, Cisco HDLC, raw IP, loopback), IPv4 or IPv6 with its extension headers, UDP or
 // TCP; and what may carry all this once more: MPLS labels, PPPoE, IP in IP, GRE, ERSPAN, VXLAN. Reads only
 // what was captured and allocates nothing: this runs for every packet of a capture, also for those that are

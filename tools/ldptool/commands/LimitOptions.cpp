@@ -69,7 +69,8 @@ std::string turnedAwayText( TurnedAway const & turnedAway, CaptureCounters const
    if ( !text.empty() ) text = "not kept (see --limit): " + text;
    if ( turnedAway.typedWildcards )
       text += ( text.empty() ? "" : "; " ) + std::string( "not followed: " ) +
-              std::to_string( turnedAway.typedWildcards ) + " typed wildcards of other FECs than prefixes";
+              std::to_string( turnedAway.typedWildcards ) +
+              " typed wildcards in requests, or of other FECs than prefixes";
    return text;
 }
 

@@ -27,7 +27,7 @@ class Account {
    virtual ~Account() = default;
    /// What follows is of the speaker, or of the pair.
    virtual void speaker( LdpIdentifier const & id ) = 0;
-   virtual void pair( Pair const & pair ) = 0;
+   virtual void pair( std::string const & a, std::string const & b ) = 0;
    virtual void fact( char const * topic, std::string const & text ) = 0;
    virtual void finding( Finding const & finding, std::vector< std::uint64_t > const & frames ) = 0;
 };
@@ -36,9 +36,7 @@ class TextAccount : public Account {
  public:
    explicit TextAccount( Output & out ) : out_( out ) {}
    void speaker( LdpIdentifier const & id ) override { out_ << "speaker " << textOf( id ) << '\n'; }
-   void pair( Pair const & pair ) override {
-      out_ << textOf( pair.first ) << " and " << textOf( pair.second ) << '\n';
-   }
+   void pair( std::string const & a, std::string const & b ) override { out_ << a << " and " << b << '\n'; }
    void fact( char const * topic, std::string const & text ) override {
       std::string line = std::string( "  " ) + topic;
       line.resize( std::max< std::size_t >( line.size() + 1, 16 ), ' ' );
@@ -69,12 +67,12 @@ class JsonAccount : public Account {
       open();
       json_.member( "speaker", id.stringValue() );
    }
-   void pair( Pair const & pair ) override {
+   void pair( std::string const & a, std::string const & b ) override {
       open();
       json_.key( "pair" );
       json_.array();
-      json_.value( pair.first.stringValue() );
-      json_.value( pair.second.stringValue() );
+      json_.value( a );
+      json_.value( b );
       json_.endArray();
    }
    void fact( char const * topic, std::string const & text ) override {
@@ -122,15 +120,22 @@ class JsonAccount : public Account {
    std::string_view list_; ///< that is open in it; facts come before findings
 };
 
+/// Two of whom an account is, by name, and what each has sent to the other.
+struct Two {
+   std::string name[2];
+   Sent const & there; ///< from the first to the second
+   Sent const & back;
+};
+
 /// What both, one or none of two have done.
-std::string sides( Seen const & a, Seen const & b, Pair const & pair ) {
+std::string sides( Seen const & a, Seen const & b, Two const & two ) {
    if ( a && b )
       return "both ways (frames " + std::to_string( a.first ) + " and " + std::to_string( b.first ) + ")";
    if ( !a && !b ) return "none";
-   return "of " + textOf( a ? pair.first : pair.second ) + " only (" + frameText( ( a ? a : b ).first ) + ")";
+   return "of " + two.name[a ? 0 : 1] + " only (" + frameText( ( a ? a : b ).first ) + ")";
 }
 
-void tellHellos( Account & account, Pair const & pair, Changes const & changes ) {
+void tellHellos( Account & account, Two const & two, Pair const & pair, Changes const & changes ) {
    Seen heard[2];
    std::string present[2];
    for ( Change const * change : changes ) {
@@ -143,30 +148,27 @@ void tellHellos( Account & account, Pair const & pair, Changes const & changes )
    }
    std::string const last = present[0].empty() ? present[1] : present[0];
    // Who hears is the other one of who was heard.
-   account.fact( "hellos", sides( heard[1], heard[0], pair ) + last );
+   account.fact( "hellos", sides( heard[1], heard[0], two ) + last );
 }
 
-void tellConnection( Account & account, Evidence const & evidence, Pair const & pair ) {
+void tellConnection( Account & account, Two const & two ) {
    bool any = false;
-   for ( auto const & [own, peer] : { pair, Pair( pair.second, pair.first ) } ) {
-      Sent const & sent = evidence.sentTo( own, peer );
+   for ( int side : { 0, 1 } ) {
+      Sent const & sent = side == 0 ? two.there : two.back;
       if ( !sent.syns ) continue;
       any = true;
-      std::string text = textOf( own ) + " connects: " + std::to_string( sent.syns.times ) +
+      std::string text = two.name[side] + " connects: " + std::to_string( sent.syns.times ) +
                          ( sent.syns.times == 1 ? " SYN, " : " SYNs, " );
       text += sent.established ? "established in " + frameText( sent.established.last ) : "never established";
       account.fact( "connection", text );
    }
-   bool const works = evidence.sentTo( pair.first, pair.second ).keepAlives ||
-                      evidence.sentTo( pair.second, pair.first ).keepAlives;
+   bool const works = two.there.keepAlives || two.back.keepAlives;
    if ( !any ) account.fact( "connection", works ? "began before the capture" : "none was tried" );
 }
 
-void tellSession( Account & account, Evidence const & evidence, Pair const & pair, Changes const & changes ) {
-   Sent const & there = evidence.sentTo( pair.first, pair.second );
-   Sent const & back = evidence.sentTo( pair.second, pair.first );
-   account.fact( "Initialization", sides( there.inits, back.inits, pair ) );
-   account.fact( "KeepAlive", sides( there.keepAlives, back.keepAlives, pair ) );
+void tellSession( Account & account, Two const & two, Pair const & pair, Changes const & changes ) {
+   account.fact( "Initialization", sides( two.there.inits, two.back.inits, two ) );
+   account.fact( "KeepAlive", sides( two.there.keepAlives, two.back.keepAlives, two ) );
    bool any = false;
    for ( Change const * change : changes ) {
       if ( change->subject != "session" || change->speaker != pair.first ) continue;
@@ -205,6 +207,34 @@ struct Told {
    bool anyPair = false;
 };
 
+/// Pairs of addresses, where one at least has not shown by a hello or a PDU that it speaks LDP.
+void tellStrangers( Account & account, Evidence const & evidence,
+                    std::optional< LdpIdentifier > const & about, Told & told ) {
+   static Sent const nothing;
+   auto const & strangers = evidence.strangers();
+   auto const nameOf = [&]( Addr const & address ) {
+      LdpIdentifier const speaker = evidence.at( address );
+      return !!speaker ? textOf( speaker ) : "address " + textOf( address );
+   };
+   for ( auto const & [addresses, there] : strangers ) {
+      auto const & [a, b] = addresses;
+      auto const answer = strangers.find( { b, a } );
+      bool const answered = answer != strangers.end();
+      if ( answered && b < a ) continue; // told of already
+      if ( about && evidence.at( a ) != *about && evidence.at( b ) != *about ) continue;
+      Two const two{ { nameOf( a ), nameOf( b ) }, there, answered ? answer->second : nothing };
+      told.anyPair = true;
+      account.pair( two.name[0], two.name[1] );
+      for ( int side : { 0, 1 } )
+         if ( !evidence.at( side == 0 ? a : b ) )
+            account.fact( "hellos", "none of " + two.name[side] + ", nor any other PDU" );
+      tellConnection( account, two );
+      if ( there.inits || two.back.inits )
+         account.fact( "Initialization", sides( there.inits, two.back.inits, two ) );
+      told.findings += tellFindings( account, strangerFindings( two.name[0], there, two.name[1], two.back ) );
+   }
+}
+
 Told tellAll( Account & account, Evidence const & evidence, Network const & network, Monitor & monitor,
               std::optional< LdpIdentifier > const & about ) {
    Journal const & journal = monitor.journal();
@@ -229,10 +259,13 @@ Told tellAll( Account & account, Evidence const & evidence, Network const & netw
    for ( auto const & [pair, changes] : pairs ) {
       if ( about && pair.first != *about && pair.second != *about ) continue;
       told.anyPair = true;
-      account.pair( pair );
-      tellHellos( account, pair, changes );
-      tellConnection( account, evidence, pair );
-      tellSession( account, evidence, pair, changes );
+      Two const two{ { textOf( pair.first ), textOf( pair.second ) },
+                     evidence.sentTo( pair.first, pair.second ),
+                     evidence.sentTo( pair.second, pair.first ) };
+      account.pair( two.name[0], two.name[1] );
+      tellHellos( account, two, pair, changes );
+      tellConnection( account, two );
+      tellSession( account, two, pair, changes );
       tellUnsupported( account, evidence, pair );
       told.findings +=
            tellFindings( account, sessionFindings( evidence, journal, changes, pair.first, pair.second ) );
@@ -242,6 +275,7 @@ Told tellAll( Account & account, Evidence const & evidence, Network const & netw
                told.findings += tellFindings( account, labelFindings( *state->second, own, peer ) );
             } );
    }
+   tellStrangers( account, evidence, about, told );
    return told;
 }
 

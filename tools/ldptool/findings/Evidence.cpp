@@ -12,6 +12,13 @@ Addr destinationOf( Origin const & origin ) {
    return addressOf( origin.flow->destination, origin.flow->addressSize );
 }
 
+/// Reasons hold numbers that the peer chooses, and so are codes: the first ones say enough.
+template< class Key >
+void noteIn( std::map< Key, Seen > & all, Key const & key, std::uint64_t frame ) {
+   constexpr std::size_t mostKeys = 64;
+   if ( all.size() < mostKeys || all.contains( key ) ) all[key].at( frame );
+}
+
 } // namespace
 
 LdpIdentifier Evidence::at( Addr const & address ) const {
@@ -25,11 +32,37 @@ Sent const & Evidence::sentTo( LdpIdentifier const & speaker, LdpIdentifier cons
    return known == sent_.end() ? nothing : known->second;
 }
 
-/// What the sender of the packet in hand has sent to its receiver; null while one of them is not known.
+void Sent::add( Sent const & earlier ) {
+   for ( Seen Sent::*what :
+         { &Sent::targetedHellos, &Sent::syns, &Sent::authenticated, &Sent::synAcks, &Sent::refusals,
+           &Sent::established, &Sent::keepAlives, &Sent::repeatedLarge, &Sent::repeatedSmall } )
+      ( this->*what ).add( earlier.*what );
+}
+
+Sent * Evidence::strangerSent( Addr const & source, Addr const & destination ) {
+   if ( strangers_.size() >= most && !strangers_.contains( { source, destination } ) ) return nullptr;
+   return &strangers_[{ source, destination }];
+}
+
+void Evidence::settle() {
+   for ( auto at = strangers_.begin(); at != strangers_.end(); ) {
+      LdpIdentifier const from = this->at( at->first.first );
+      LdpIdentifier const to = this->at( at->first.second );
+      auto const settled = at++;
+      if ( !from || !to ) continue;
+      if ( from.lsrId() != to.lsrId() && ( sent_.size() < most || sent_.contains( { from, to } ) ) )
+         sent_[{ from, to }].add( settled->second );
+      strangers_.erase( settled );
+   }
+}
+
+/// What the sender of the packet in hand has sent to its receiver; null where there is nobody to note it of.
 Sent * Evidence::sentOn( Origin const & origin ) {
    LdpIdentifier const from = at( sourceOf( origin ) );
    LdpIdentifier const to = at( destinationOf( origin ) );
-   if ( !from || !to || from.lsrId() == to.lsrId() ) return nullptr;
+   bool const tcp = origin.flow->protocol == protocolTcp;
+   if ( !from || !to ) return tcp ? strangerSent( sourceOf( origin ), destinationOf( origin ) ) : nullptr;
+   if ( from.lsrId() == to.lsrId() ) return nullptr;
    if ( sent_.size() >= most && !sent_.contains( { from, to } ) ) return nullptr;
    return &sent_[{ from, to }];
 }
@@ -61,12 +94,14 @@ void Evidence::onHello( Message const & message ) {
    of.last = now;
    of.seen.at( origin_.arrival.frame );
    if ( at_.size() < most ) at_[of.transport] = sender_;
-   transports_[sender_].insert( of.transport );
+   constexpr std::size_t mostTransports = 64; // one is what a speaker has
+   auto & transports = transports_[sender_];
+   if ( transports.size() < mostTransports ) transports.insert( of.transport );
    if ( of.link ) return;
    at_.try_emplace( source, sender_ );
-   LdpIdentifier const to = at( destinationOf( origin_ ) );
-   if ( !!to && to.lsrId() != sender_.lsrId() )
-      sent_[{ sender_, to }].targetedHellos.at( origin_.arrival.frame );
+   if ( Sent * const sent = !at( destinationOf( origin_ ) ) ? strangerSent( source, destinationOf( origin_ ) )
+                                                            : sentOn( origin_ ) )
+      sent->targetedHellos.at( origin_.arrival.frame );
 }
 
 void Evidence::onMessage( Message const & message ) {
@@ -84,11 +119,8 @@ void Evidence::onMessage( Message const & message ) {
    Sent * const sent = sentOn( origin_ );
    if ( !sent ) return;
    if ( message.bad() ) {
-      constexpr std::size_t mostReasons = 64; // they hold numbers that the peer chooses
-      std::string const reason( message.judge().reason().view() );
       auto & refused = message.verdict == Verdict::wrong ? sent->refused : sent->unsupported;
-      if ( refused.size() < mostReasons || refused.contains( reason ) ) refused[reason].at( frame );
-      return;
+      return noteIn( refused, std::string( message.judge().reason().view() ), frame );
    }
    if ( !parser.validMsg() ) return;
    if ( type == LdpInit ) {
@@ -100,10 +132,7 @@ void Evidence::onMessage( Message const & message ) {
       sent->keepAlives.at( frame );
    } else if ( type == LdpNotification ) {
       LdpStatusTlv const & status = *parser.msgStatusTlv();
-      constexpr std::size_t mostCodes = 64;
-      auto & codes = status.statusError() ? sent->fatal : sent->others;
-      if ( codes.size() < mostCodes || codes.contains( status.statusData() ) )
-         codes[status.statusData()].at( frame );
+      noteIn( status.statusError() ? sent->fatal : sent->others, status.statusData(), frame );
    }
 }
 
@@ -111,7 +140,8 @@ void Evidence::onBadPdu( Pdu const & pdu ) {
    monitor_.onBadPdu( pdu );
    if ( !pdu.origin.flow ) return;
    Sent * const sent = sentOn( pdu.origin );
-   if ( sent ) sent->refused["PDU: " + std::string( pdu.pdu.reason().view() )].at( pdu.origin.arrival.frame );
+   if ( sent )
+      noteIn( sent->refused, "PDU: " + std::string( pdu.pdu.reason().view() ), pdu.origin.arrival.frame );
 }
 
 void Evidence::onFatalPdu( Pdu const & pdu, LdpPduGuardResult const & fatal ) {

@@ -21,6 +21,12 @@ struct Seen {
       if ( !times++ ) first = frame;
       last = frame;
    }
+   void add( Seen const & other ) {
+      if ( !other ) return;
+      first = times ? std::min( first, other.first ) : other.first;
+      last = std::max( last, other.last );
+      times += other.times;
+   }
    explicit operator bool() const { return times != 0; }
 };
 
@@ -56,6 +62,9 @@ struct Sent {
    std::map< Ldp::LdpStatusCode, Seen > others; ///< those that do not
    std::map< std::string, Seen > refused;       ///< messages that no receiver takes, by reason
    std::map< std::string, Seen > unsupported;   ///< messages that this program does not follow
+
+   /// What was seen before anybody knew who it is of.
+   void add( Sent const & earlier );
 };
 
 class Evidence : public Reporter {
@@ -79,6 +88,14 @@ class Evidence : public Reporter {
    std::map< Pair, Sent > const & sent() const { return sent_; }
    /// What the speaker has sent to the peer; nothing if it has not.
    Sent const & sentTo( Ldp::LdpIdentifier const & speaker, Ldp::LdpIdentifier const & peer ) const;
+   /// By source and destination, what was sent where one of the two has not shown that it speaks LDP.
+   std::map< std::pair< Addr, Addr >, Sent > const & strangers() const { return strangers_; }
+   /// Who is at that address; the zero identifier for nobody known.
+   Ldp::LdpIdentifier at( Addr const & address ) const;
+
+   /// The capture is at its end: what strangers sent who have shown who they are since is theirs.
+   void settle();
+
    /// Where the speaker's connections come from and go to, by what it says itself.
    std::map< Ldp::LdpIdentifier, std::set< Addr > > const & transports() const { return transports_; }
 
@@ -87,7 +104,7 @@ class Evidence : public Reporter {
 
    Sent * sentOn( Origin const & origin );
    void onHello( Message const & message );
-   Ldp::LdpIdentifier at( Addr const & address ) const;
+   Sent * strangerSent( Addr const & source, Addr const & destination );
 
    Monitor & monitor_;
    Origin origin_;
@@ -95,6 +112,7 @@ class Evidence : public Reporter {
    std::map< Addr, Ldp::LdpIdentifier > at_;
    HelloSources hellos_;
    std::map< Pair, Sent > sent_;
+   std::map< std::pair< Addr, Addr >, Sent > strangers_;
    std::map< Ldp::LdpIdentifier, std::set< Addr > > transports_;
 };
 

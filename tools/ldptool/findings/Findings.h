@@ -20,6 +20,9 @@ std::vector< Finding > findingsOf( Evidence const & evidence, Ldp::LdpIdentifier
 /// What has changed between two, in order.
 using Changes = std::vector< Change const * >;
 
+/// Of what two send of whom one at least has not shown that it speaks LDP. Names are for the text.
+std::vector< Finding > strangerFindings( std::string const & a, Sent const & there, std::string const & b,
+                                         Sent const & back );
 /// Of discovery, connection and session between two.
 std::vector< Finding > sessionFindings( Evidence const & evidence, Journal const & journal,
                                         Changes const & changes, Ldp::LdpIdentifier const & a,

@@ -6,6 +6,7 @@
 #include "Ldp/LdpUtils.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace LdpTool {
 
@@ -46,17 +47,15 @@ void hellosBetween( Found & found, Evidence const & evidence, LdpIdentifier cons
              "whether " + textOf( b ) + " accepts targeted hellos, and the route between the two" } );
 }
 
-void connecting( Found & found, Evidence const & evidence, LdpIdentifier const & active,
-                 LdpIdentifier const & passive ) {
-   Sent const & out = evidence.sentTo( active, passive );
-   Sent const & back = evidence.sentTo( passive, active );
-   std::string const to = " of " + textOf( active ) + " to " + textOf( passive );
+/// What becomes of the SYNs that the first sends to the second.
+void connecting( Found & found, std::string const & active, Sent const & out, std::string const & passive,
+                 Sent const & back ) {
+   std::string const to = " of " + active + " to " + passive;
    if ( !out.syns ) return;
    if ( back.refusals )
-      found.push_back(
-           { "the connection" + to + " is refused: a reset answers the SYN",
-             { back.refusals.first, back.refusals.last },
-             "whether LDP runs at " + textOf( passive ) + " and listens on that transport address" } );
+      found.push_back( { "the connection" + to + " is refused: a reset answers the SYN",
+                         { back.refusals.first, back.refusals.last },
+                         "whether LDP runs at " + passive + " and listens on that transport address" } );
    bool const later = out.established.last > out.syns.last;
    if ( back.synAcks.last > out.syns.first && back.synAcks.times > 1 && !later &&
         out.established.last < back.synAcks.last )
@@ -74,10 +73,15 @@ void connecting( Found & found, Evidence const & evidence, LdpIdentifier const &
    if ( !later && bool( out.authenticated ) != bool( back.authenticated ) &&
         ( out.authenticated || back.syns || back.synAcks ) )
       found.push_back( { "TCP authentication on one side: the segments of " +
-                              textOf( out.authenticated ? active : passive ) +
+                              ( out.authenticated ? active : passive ) +
                               " have an option of TCP MD5 or TCP-AO, no segment of the other has",
                          { out.syns.first, out.syns.last },
                          "the keys of both for each other's transport address" } );
+}
+
+void roleClash( Found & found, Evidence const & evidence, LdpIdentifier const & active,
+                LdpIdentifier const & passive ) {
+   Sent const & out = evidence.sentTo( active, passive );
    Addr const mine = transportOf( evidence, active );
    Addr const theirs = transportOf( evidence, passive );
    if ( mine.family() == theirs.family() && !!mine && mine < theirs && out.syns )
@@ -227,13 +231,36 @@ std::vector< Finding > findingsOf( Evidence const & evidence, LdpIdentifier cons
    return found;
 }
 
+std::vector< Finding > strangerFindings( std::string const & a, Sent const & there, std::string const & b,
+                                         Sent const & back ) {
+   Found found;
+   using Side = std::tuple< std::string const &, Sent const &, std::string const &, Sent const & >;
+   for ( auto const & [own, out, peer, in] : { Side( a, there, b, back ), Side( b, back, a, there ) } ) {
+      connecting( found, own, out, peer, in );
+      if ( out.targetedHellos && !in.targetedHellos )
+         found.push_back(
+              { "targeted hellos of " + own + " to " + peer + " have no answer",
+                { out.targetedHellos.first, out.targetedHellos.last },
+                "whether anybody is at " + peer + " and accepts targeted hellos, and the route" } );
+      if ( out.established && !out.inits && !in.inits )
+         found.push_back( { "the connection of " + own + " to " + peer +
+                                 " is established, and nobody sends an Initialization",
+                            { out.established.first, out.established.last },
+                            "whether the two hear each other's hellos (RFC 5036, 2.5.3), and whether it is "
+                            "LDP that connects" } );
+   }
+   return found;
+}
+
 std::vector< Finding > sessionFindings( Evidence const & evidence, Journal const & journal,
                                         Changes const & changes, LdpIdentifier const & a,
                                         LdpIdentifier const & b ) {
    Found found;
    for ( auto const & [own, peer] : { std::pair( a, b ), std::pair( b, a ) } ) {
       hellosBetween( found, evidence, own, peer );
-      connecting( found, evidence, own, peer );
+      connecting( found, textOf( own ), evidence.sentTo( own, peer ), textOf( peer ),
+                  evidence.sentTo( peer, own ) );
+      roleClash( found, evidence, own, peer );
       initializing( found, evidence, own, peer );
       Journal::Released const released = journal.released( own, peer );
       std::string const more =

@@ -84,7 +84,7 @@ void Monitor::receiverIs( LdpIdentifier const & receiver ) {
    Agent * const heard = agents_.agentIs( receiver );
    if ( !sender || !heard ) return;
    for ( auto const & [agent, peer] : { std::pair( sender, receiver ), std::pair( heard, sender_ ) } ) {
-      if ( agent->hasSession( peer ) || agent->sessionNum() < agents_.limits().adjacencies ) continue;
+      if ( agent->hasSession( peer ) || agent->hasRoom() ) continue;
       ++agents_.turnedAway().adjacencies;
       return;
    }
@@ -124,12 +124,15 @@ void Monitor::onSessionMessage( Message const & message ) {
    if ( !received_ ) return;
    Exchange const exchange{ *sent_, *received_, parser, agents_.journal().now() };
    sent_->agent.status().statistics()->messageIdIs( parser.msgId() );
-   sent_->statistics->ldpMsgTxCountInc( type, 1 );
-   received_->statistics->ldpMsgRxCountInc( type, 1 );
+   // The numbers of types that there are none of are the sender's choice.
+   if ( parser.validMsg() || Vorn::EnumType< unsigned int >::name( type, vornTypeOf( type ) ) ) {
+      sent_->statistics->ldpMsgTxCountInc( type, 1 );
+      received_->statistics->ldpMsgRxCountInc( type, 1 );
+   }
    bool const bad = message.bad();
    if ( message.verdict == Verdict::wrong ) received_->status->sessionStateReasonIs( parser.reason() );
    if ( !bad && !parser.validMsg() ) return; // of unknown type, to be ignored
-   bool const typed = ( type == LdpLabelWithdraw || type == LdpLabelRelease ) && isTypedWildcard( parser );
+   bool const typed = isTypedWildcard( parser );
    if ( bad && !typed ) return;
    bool const concerns = sessions_.concerns( *connection_, from_, *sent_, *received_, type );
    if ( init ) {

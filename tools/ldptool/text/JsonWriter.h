@@ -7,8 +7,6 @@
 
 #include <rapidjson/writer.h>
 
-#include <concepts>
-
 namespace LdpTool {
 
 namespace JsonImpl {
@@ -35,11 +33,6 @@ inline void PutUnsafe( Stream & stream, char c ) { stream.Put( c ); }
 using Writer = rapidjson::Writer< Stream, Latin1, rapidjson::ASCII<> >;
 
 } // namespace JsonImpl
-
-/// A value of its own type that the output has a text of, without anything to escape.
-template< class Value >
-concept PlainText = std::is_enum_v< Value > ||
-     ( std::is_class_v< Value > && !std::convertible_to< Value, std::string_view > );
 
 class JsonWriter : private JsonImpl::Writer {
  public:
@@ -107,12 +100,20 @@ class JsonWriter : private JsonImpl::Writer {
       ( stream_.out << '"' ).hexOctets( octets ) << '"';
    }
    /// Seconds since the epoch, with all nine digits behind the point.
-   void time( std::int64_t seconds, std::uint32_t nanoseconds );
+   void time( std::int64_t seconds, std::uint32_t nanoseconds ) {
+      Prefix( rapidjson::kNumberType );
+      stream_.out << epochText( seconds, nanoseconds );
+   }
 
    template< class Value >
    void member( std::string_view name, Value const & value ) {
       key( name );
       this->value( value );
+   }
+   /// The number of a type of messages or TLVs.
+   template< class Type >
+   void typeNumber( std::string_view name, Type type ) {
+      member( name, U32( type ) );
    }
 
  private:

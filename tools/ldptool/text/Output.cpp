@@ -1,6 +1,7 @@
 // The buffer of all output.
 #include "text/Output.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cstdlib>
@@ -98,12 +99,14 @@ Output & Output::ipv4( std::uint8_t const * octets ) {
 }
 
 Output & Output::escaped( std::string_view octets, bool lines ) {
-   for ( char c : octets ) {
-      if ( ( c >= ' ' && c <= '~' ) || ( lines && c == '\n' ) ) {
-         *this << c;
-      } else {
-         ( *this << "\\x" ).hexOctets( { &c, 1 } );
-      }
+   auto const plain = [&]( char c ) { return ( c >= ' ' && c <= '~' ) || ( lines && c == '\n' ); };
+   while ( !octets.empty() ) {
+      auto const run =
+           std::size_t( std::find_if_not( octets.begin(), octets.end(), plain ) - octets.begin() );
+      *this << octets.substr( 0, run );
+      if ( run == octets.size() ) break;
+      ( *this << "\\x" ).hexOctets( octets.substr( run, 1 ) );
+      octets.remove_prefix( run + 1 );
    }
    return *this;
 }

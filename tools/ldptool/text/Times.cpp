@@ -57,7 +57,14 @@ std::string clockText( Arrival const & arrival, bool universal, bool dated ) {
    return std::string( date ) + text + ( universal ? " UTC" : " " + theClock.zone );
 }
 
-std::string secondsText( std::int64_t seconds, std::int64_t nanoseconds ) {
+std::string sinceText( Arrival const & arrival, Arrival const & earlier ) {
+   return epochText( arrival.seconds - earlier.seconds,
+                     std::int64_t( arrival.nanoseconds ) - std::int64_t( earlier.nanoseconds ) );
+}
+
+} // namespace
+
+std::string epochText( std::int64_t seconds, std::int64_t nanoseconds ) {
    if ( nanoseconds < 0 ) {
       nanoseconds += nanosecondsPerSecond;
       --seconds;
@@ -69,13 +76,6 @@ std::string secondsText( std::int64_t seconds, std::int64_t nanoseconds ) {
                   static_cast< long long >( below ? nanosecondsPerSecond - nanoseconds : nanoseconds ) );
    return text;
 }
-
-std::string sinceText( Arrival const & arrival, Arrival const & earlier ) {
-   return secondsText( arrival.seconds - earlier.seconds,
-                       std::int64_t( arrival.nanoseconds ) - std::int64_t( earlier.nanoseconds ) );
-}
-
-} // namespace
 
 void timeStyleIs( TimeStyle style ) { theClock.style = style; }
 TimeStyle timeStyle() { return theClock.style; }
@@ -89,7 +89,7 @@ std::string timeText( Arrival const & arrival ) {
    case TimeStyle::localDate: return clockText( arrival, false, true );
    case TimeStyle::universal: return clockText( arrival, true, false );
    case TimeStyle::universalDate: return clockText( arrival, true, true );
-   case TimeStyle::epoch: return secondsText( arrival.seconds, arrival.nanoseconds );
+   case TimeStyle::epoch: return epochText( arrival.seconds, arrival.nanoseconds );
    case TimeStyle::relative: return sinceText( arrival, *theClock.first );
    case TimeStyle::delta: return sinceText( arrival, before );
    }

@@ -24,7 +24,9 @@ TimeStyle timeStyle();
 
 /// Time of a packet: `12:26:40.000012`.
 std::string timeText( Arrival const & arrival );
-/// The same to whole seconds.
+/// Seconds since the epoch, with all nine digits behind the point.
+std::string epochText( std::int64_t seconds, std::int64_t nanoseconds );
+/// The same as `timeText` to whole seconds.
 std::string secondText( Arrival const & arrival );
 
 } // namespace LdpTool

@@ -9,6 +9,7 @@
 
 #include "Lumo/Ip.h"
 
+#include <concepts>
 #include <cstdio>
 #include <string>
 
@@ -43,6 +44,11 @@ requires std::is_enum_v< Enum > Output & operator<<( Output & out, Enum value ) 
    char const * name = enumeratorName( value );
    return name ? out << std::string_view( name ) : appendNumber( out, value );
 }
+
+/// A value of its own type that the output has a text of, without anything to escape.
+template< class Value >
+concept PlainText = std::is_enum_v< Value > ||
+     ( std::is_class_v< Value > && !std::convertible_to< Value, std::string_view > );
 
 /// Append an address or a prefix.
 inline Output & operator<<( Output & out, Lumo::IpAddr const & addr ) { return out.ipv4( addr.octets() ); }

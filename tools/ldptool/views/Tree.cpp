@@ -15,20 +15,22 @@ std::string valueText( VornAttr const & attr, Vorn::GenericIf::Value const & val
    return entity ? std::string( entity->fullName().view() ) : "null";
 }
 
-void appendText( std::string & out, Entity const & entity, TreeContent content, std::size_t indent ) {
+void appendText( std::string & out, Entity const & entity, TreeContent content, Wanted const & wanted,
+                 std::size_t indent ) {
    std::string const blanks( indent, ' ' );
    for ( VornAttr const * attr = entity.fwkType()->attributes; attr->name; ++attr ) {
       if ( !belongs( *attr, content ) ) continue;
       if ( attr->keyed() ) {
          for ( auto const & [key, member] : membersOf( entity, *attr ) ) {
+            if ( member.entity && !wanted( *member.entity ) ) continue;
             out += blanks + attr->name + "[" + key + "]";
             out += member.entity ? "\n" : " = " + valueText( *attr, member.value ) + "\n";
-            if ( member.entity ) appendText( out, *member.entity, content, indent + 3 );
+            if ( member.entity ) appendText( out, *member.entity, content, wantsAll, indent + 3 );
          }
       } else if ( attr->kind() == VornKind::child ) {
          if ( auto const child = childOf( entity, *attr ) ) {
             out += blanks + attr->name + "\n";
-            appendText( out, *child, content, indent + 3 );
+            appendText( out, *child, content, wantsAll, indent + 3 );
          }
       } else {
          out += blanks + attr->name + " = " + attributeText( entity, *attr, nullptr ) + "\n";
@@ -45,9 +47,9 @@ std::string attributeText( Entity const & entity, VornAttr const & attr, void co
    return valueText( attr, value );
 }
 
-std::string treeText( Entity const & entity, TreeContent content ) {
+std::string treeText( Entity const & entity, TreeContent content, Wanted const & wanted ) {
    std::string out = std::string( entity.nameText().view() ) + "\n";
-   appendText( out, entity, content, 3 );
+   appendText( out, entity, content, wanted, 3 );
    return out;
 }
 

@@ -5,15 +5,22 @@
 #include "text/JsonWriter.h"
 #include "views/Reflection.h"
 
+#include <functional>
+
 namespace LdpTool {
 
+/// Which of the entities that the root of a tree owns are in it.
+using Wanted = std::function< bool( Vorn::Entity const & ) >;
+inline bool wantsAll( Vorn::Entity const & ) { return true; }
+
 /// An attribute a line, members in the order of their keys.
-std::string treeText( Vorn::Entity const & entity, TreeContent content );
+std::string treeText( Vorn::Entity const & entity, TreeContent content, Wanted const & wanted = wantsAll );
 /// The attribute as text: of a collection the member at `key`, "-" where there is none.
 std::string attributeText( Vorn::Entity const & entity, Vorn::VornAttr const & attr, void const * key );
 
 /// An object with a member for each attribute; `docs/json.md` says what becomes of each kind of value.
-void writeTree( JsonWriter & json, Vorn::Entity const & entity, TreeContent content );
+void writeTree( JsonWriter & json, Vorn::Entity const & entity, TreeContent content,
+                Wanted const & wanted = wantsAll );
 /// A value by its record.
 void writeValue( JsonWriter & json, Vorn::VornType const & type, void const * value );
 /// A key's text, or any other value's, without the quotes around it.

@@ -73,12 +73,14 @@ void writeWord( JsonWriter & json, VornType const & type, void const * value ) {
    number ? json.value( std::uint64_t( std::stoull( text ) ) ) : json.value( text );
 }
 
-void writeMembers( JsonWriter & json, Entity const & entity, VornAttr const & attr, TreeContent content ) {
+void writeMembers( JsonWriter & json, Entity const & entity, VornAttr const & attr, TreeContent content,
+                   Wanted const & wanted ) {
    bool const queue = attr.kind() == VornKind::queue;
    bool const pairs = isKeyedByStructure( attr ) && !attr.isSet();
    bool const array = queue || pairs || attr.isSet();
    array ? json.array() : json.object();
    for ( auto const & [key, member] : membersOf( entity, attr ) ) {
+      if ( member.entity && !wanted( *member.entity ) ) continue;
       if ( attr.isSet() ) {
          writeValue( json, *attr.keyType, member.key.data() );
          continue;
@@ -142,13 +144,13 @@ void writeValue( JsonWriter & json, VornType const & type, void const * value ) 
    writeWord( json, type, value );
 }
 
-void writeTree( JsonWriter & json, Entity const & entity, TreeContent content ) {
+void writeTree( JsonWriter & json, Entity const & entity, TreeContent content, Wanted const & wanted ) {
    json.object();
    for ( VornAttr const * attr = entity.fwkType()->attributes; attr->name; ++attr ) {
       if ( !belongs( *attr, content ) ) continue;
       json.key( attr->name );
       if ( attr->keyed() ) {
-         writeMembers( json, entity, *attr, content );
+         writeMembers( json, entity, *attr, content, wanted );
       } else if ( attr->kind() == VornKind::child ) {
          auto const child = childOf( entity, *attr );
          child ? writeTree( json, *child, content ) : json.null();

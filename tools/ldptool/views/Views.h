@@ -44,6 +44,12 @@ inline bool isAbout( About const & about, Ldp::LdpIdentifier const & speaker,
    return !about || speaker == *about || peer == *about;
 }
 
+/// Whether an entity of the network is wanted in its tree.
+inline bool isAbout( About const & about, Vorn::Entity const & entity ) {
+   auto const * const speaker = dynamic_cast< Speaker const * >( &entity );
+   return !about || !speaker || speaker->ldpIdentifier() == *about;
+}
+
 /// Speakers, adjacencies and sessions as a graph for Graphviz.
 void printDot( Output & out, Network const & network );
 

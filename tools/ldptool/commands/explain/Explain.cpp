@@ -48,6 +48,7 @@ int explain( ExplainOptions const & options ) {
       } catch ( InputError const & error ) {
          failure = error.what();
       }
+      evidence.settle();
       if ( options.json ) {
          JsonWriter json( *output );
          found = writeAccounts( json, evidence, *network, monitor, options.input.peer );

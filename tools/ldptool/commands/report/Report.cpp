@@ -218,6 +218,7 @@ void report( ReportOptions const & options ) {
    Decoder decoder( activity, input.selection, *out );
    Capture capture = input.open();
    capture.run( decoder, input.range );
+   activity.settle();
    tellInput( capture.counters(), monitor.turnedAway() );
 
    std::string text;

@@ -64,26 +64,35 @@ struct WatchOptions {
    }
 };
 
-/// A PDU's worth of messages at a time: what the monitor wrote is taken along before the next PDU.
+/// Takes what the monitor wrote to the replica, some PDUs at a time: what changes twice meanwhile, as every
+/// counter does, is sent once.
 class WatchSink : public Decoder {
  public:
    WatchSink( Monitor & monitor, Selection const & selection, Output & out, Replica * replica )
         : Decoder( monitor, selection, out ), replica_( replica ) {}
 
    void onPdu( Origin const & origin, Ldp::LdpPdu const & pdu ) override {
+      constexpr unsigned atOnce = 1024;
       Decoder::onPdu( origin, pdu );
-      if ( replica_ ) replica_->flush();
+      if ( replica_ && ++waiting_ >= atOnce ) flush();
    }
 
    /// Called whenever a live capture waits.
    std::function< void() > refresh;
    void onIdle() override {
       if ( refresh ) refresh();
+      if ( replica_ ) flush();
       Decoder::onIdle();
    }
 
  private:
+   void flush() {
+      replica_->flush();
+      waiting_ = 0;
+   }
+
    Replica * replica_;
+   unsigned waiting_ = 0; ///< PDUs since the last flush
 };
 
 std::optional< Lumo::IpGenPrefix > bindingsWithin( WatchOptions const & options ) {
@@ -95,12 +104,23 @@ std::optional< Ldp::LdpIdentifier > historyOf( WatchOptions const & options ) {
    return *options.history == "all" ? options.input.peer : speakerOf( "--history", *options.history );
 }
 
+Wanted wantedBy( WatchOptions const & options ) {
+   return [&about = options.input.peer]( Vorn::Entity const & entity ) { return isAbout( about, entity ); };
+}
+
+/// Whether the change is in that speaker's part of the tree; of all if it is empty.
+bool isOf( TreeChange const & change, std::string const & speaker ) {
+   if ( speaker.empty() ) return true;
+   if ( change.steps.size() > 1 ) return change.steps[1] == speaker;
+   return change.key && plainText( *change.attr.keyType, change.key ) == speaker;
+}
+
 /// The views that were asked for; a summary and the neighbours if nothing was.
 void printViews( Output & out, Network const & network, WatchOptions const & options, Monitor & monitor ) {
    Journal const & journal = monitor.journal();
    About const about = options.input.peer;
    if ( !options.anyView() ) printSummary( out, network, journal );
-   if ( options.tree ) out << treeText( network, TreeContent::stored );
+   if ( options.tree ) out << treeText( network, TreeContent::stored, wantedBy( options ) );
    if ( options.neighbors || !options.anyView() ) printNeighbors( out, network, journal, about );
    if ( options.history ) printHistory( out, journal, historyOf( options ) );
    if ( options.bindings ) printBindings( out, network, monitor, bindingsWithin( options ), about );
@@ -115,7 +135,7 @@ void writeViews( Output & out, Network const & network, WatchOptions const & opt
    About const about = options.input.peer;
    JsonWriter json( out );
    if ( !options.anyView() ) {
-      writeTree( json, network, TreeContent::stored );
+      writeTree( json, network, TreeContent::stored, wantedBy( options ) );
       return json.endLine();
    }
    json.object();
@@ -124,7 +144,8 @@ void writeViews( Output & out, Network const & network, WatchOptions const & opt
       json.key( name );
       write();
    };
-   view( options.tree, "tree", [&] { writeTree( json, network, TreeContent::stored ); } );
+   view( options.tree, "tree",
+         [&] { writeTree( json, network, TreeContent::stored, wantedBy( options ) ); } );
    view( options.neighbors, "neighbors", [&] { writeNeighbors( json, network, journal, about ); } );
    view( options.history.has_value(), "history",
          [&] { writeHistory( json, journal, historyOf( options ) ); } );
@@ -147,7 +168,10 @@ int watch( WatchOptions const & options ) {
       JsonWriter followed( out );
       std::optional< TreeWatcher > watcher;
       if ( options.follow ) {
-         watcher.emplace( *network, [&]( TreeChange const & change ) {
+         std::string const speaker =
+              options.input.peer ? std::string( options.input.peer->stringValue().view() ) : "";
+         watcher.emplace( *network, [&, speaker]( TreeChange const & change ) {
+            if ( !isOf( change, speaker ) ) return;
             Arrival const & at = monitor.journal().arrival();
             if ( options.json ) return writeChange( followed, at, change );
             out << timeText( at ) << ' ' << changeText( change ) << '\n';

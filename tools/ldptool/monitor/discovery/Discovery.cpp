@@ -178,19 +178,23 @@ void Discovery::hearOnLink( Links::Domain const & domain, Port & hearer, Port co
 
 void Discovery::onLinkHello( Agent & sender, Addr const & source, Place const & place,
                              HelloFacts const & facts ) {
-   auto const apart = [this]( Port & a, Port & b ) {
-      for ( auto const & [hearer, other] : { std::pair( &a, &b ), std::pair( &b, &a ) } ) {
-         auto const all = hearer->agent->status().ldpAdjStatusColl();
-         auto const adj = all->adjStatus( LdpAdjId( other->agent->id(), hearer->name ) );
+   Links::Domain * const domain = links_.domain( place );
+   auto const moved = [&]( Port & hearer ) {
+      Status & status = hearer.agent->status();
+      auto const heard = status.index()->ldpAdjPerLinkColl( hearer.name );
+      if ( !heard ) return;
+      for ( LdpAdjId const & id : sortedKeys( heard->ldpAdjColl() ) ) {
+         auto const adj = status.ldpAdjStatusColl()->adjStatus( id );
          if ( !adj ) continue;
-         lose( *hearer->agent, *adj, "not on one link after all" );
+         auto const other = domain->ports.find( { adj->peerSrcIpAddr(), id.ldpIdentifier() } );
+         if ( other == domain->ports.end() || Links::together( *domain, hearer, other->second ) ) continue;
+         lose( *hearer.agent, *adj, "not on one link after all" );
          --adjacencies_;
       }
    };
-   Links::Domain * const domain = links_.domain( place );
    bool isNew = false;
    Port * const port =
-        domain ? links_.portIs( *domain, sender, source, place.sender, facts.at, apart, isNew ) : nullptr;
+        domain ? links_.portIs( *domain, sender, source, place.sender, facts.at, moved, isNew ) : nullptr;
    if ( !port ) {
       ++agents_.turnedAway().adjacencies;
       return;
@@ -205,7 +209,7 @@ void Discovery::onLinkHello( Agent & sender, Addr const & source, Place const & 
    linkStatus->runningIs( true );
    linkStatus->holdTimeIs( facts.holdTime );
    linkStatus->txPktCountInc( 1 );
-   Links::eachOther( *domain, *port, [&]( Port & other ) {
+   links_.eachOther( *domain, *port, [&]( Port & other ) {
       hearOnLink( *domain, other, *port );
       // Who comes to a link has heard those who were there; the capture just did not know of it.
       if ( isNew ) hearOnLink( *domain, *port, other );
@@ -278,7 +282,7 @@ void Discovery::onBadHello( Agent & sender, Origin const & origin ) {
    Addr const source = addressOf( origin.flow->source, origin.flow->addressSize );
    auto const port = domain->ports.find( { source, sender.id() } );
    if ( port == domain->ports.end() ) return;
-   Links::eachOther( *domain, port->second, [&]( Port & other ) {
+   links_.eachOther( *domain, port->second, [&]( Port & other ) {
       if ( !Links::together( *domain, other, port->second ) ) return;
       Status & status = other.agent->status();
       status.ldpLinkStatusColl()->adjLinkStatusIs( other.name )->errPktCountInc( 1 );

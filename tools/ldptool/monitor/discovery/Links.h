@@ -5,7 +5,7 @@
 // address on each: no two addresses of one router are of one subnet.
 
 #include "capture/Flow.h"
-#include "monitor/speaker/Agent.h"
+#include "monitor/discovery/Subnets.h"
 
 #include "Lumo/IntfId.h"
 
@@ -32,11 +32,38 @@ struct Port {
    std::uint64_t sender = 0; ///< link-layer address; 0 if none is known
    Lumo::IntfId name;        ///< of the link, as this speaker calls it
    HelloFacts last;
-   int group = 0;  ///< ports with one group share a link; 0 is not known
-   int before = 0; ///< that until the last port came
 
    /// When the speaker counts as gone from the link; 0 for never.
    double until() const;
+};
+
+/// A subnet within which all may hear all. If it has more than two addresses and each has the partner with
+/// which it would fill a /31, or each the one of a /30, then it is many links of two.
+struct Crowd {
+   std::size_t ports = 0;
+   std::set< Addr > addresses;
+   std::size_t paired[2] = {}; ///< of them, by /31 and by /30
+
+   /// In which of the two ways all are paired; -1 for neither.
+   int pairing() const {
+      if ( addresses.size() <= 2 ) return -1;
+      return paired[0] == addresses.size() ? 0 : paired[1] == addresses.size() ? 1 : -1;
+   }
+};
+
+/// What tells the links apart that a place without a name of its own holds.
+struct LinkClues {
+   using Interface = std::pair< Ldp::LdpIdentifier, std::uint64_t >; ///< by its link-layer address
+
+   std::set< std::pair< U32, Addr > > addresses; ///< of each router, by its number
+   DividedSubnets ipv4;
+   DividedSubnets ipv6;
+   /// Link-local addresses are of one prefix on every link, which a router with two of them shows. Then the
+   /// IPv4 address of the same interface tells which link it is.
+   bool localsDivided = false;
+   std::map< Interface, Addr > standIns;
+   std::map< Interface, std::set< Addr > > locals;
+   std::map< Addr, Crowd > crowds;
 };
 
 class Links {
@@ -46,6 +73,7 @@ class Links {
       bool named = false; ///< the capture itself tells this link from others
       std::string name;
       std::map< std::pair< Addr, Ldp::LdpIdentifier >, Port > ports; ///< families apart, neighbours together
+      LinkClues clues;                                               ///< of one without a name
    };
 
    explicit Links( MonitorLimits const & limits ) : limits_( limits ) {}
@@ -53,31 +81,23 @@ class Links {
    /// What that place of the capture holds; null for one too many.
    Domain * domain( Place const & place );
 
-   /// Told of each two ports that turn out not to share a link.
-   using OnApart = std::function< void( Port &, Port & ) >;
+   using Call = std::function< void( Port & ) >;
 
-   /// The port of that speaker, a new one if there is none; null for one too many.
+   /// The port of that speaker, a new one if there is none; null for one too many. Calls `onMoved` with each
+   /// port that may share a link with fewer others than before.
    Port * portIs( Domain & domain, Agent & agent, Addr const & source, std::uint64_t sender, double now,
-                  OnApart const & onApart, bool & isNew );
+                  Call const & onMoved, bool & isNew );
 
    /// Whether one hears the other.
    static bool together( Domain const & domain, Port const & a, Port const & b );
 
-   /// All other ports of the family of that one.
-   template< class Call >
-   static void eachOther( Domain & domain, Port const & port, Call const & call ) {
-      auto const family = port.source.family();
-      Addr const least = family == Lumo::ipv4 ? Addr( Lumo::IpAddr() ) : Addr( Lumo::Ip6Addr() );
-      for ( auto at = domain.ports.lower_bound( { least, Ldp::LdpIdentifier() } );
-            at != domain.ports.end() && at->second.source.family() == family; ++at )
-         if ( &at->second != &port ) call( at->second );
-   }
+   /// Those that may hear that port: all others of its family on a link with a name; else its neighbours by
+   /// address and those that it has a session with. No more than a link may have.
+   void eachOther( Domain & domain, Port const & port, Call const & call ) const;
 
  private:
-   using Ports = std::vector< Port * >;
-   static void regroup( Domain & domain, OnApart const & onApart );
-   bool hasRoom( Domain & domain, double now );
-   static void split( Ports::iterator begin, Ports::iterator end, int & last );
+   static void note( Domain & domain, Port const & port, Call const & onMoved );
+   bool hasRoom( Domain & domain, U32 router, Addr const & source, double now );
 
    MonitorLimits const & limits_;
    std::map< std::pair< std::string const *, std::uint64_t >, Domain > domains_;

@@ -129,6 +129,17 @@ void expand( CompactFec const & compact, LdpFecSessionStatus & state ) {
    state.flagNoRouteNotificationIs( flags & 4 );
 }
 
+bool hasSentOnly( CompactFec const & compact, MplsLabel label ) {
+   Reader in( compact );
+   return in.number() == 1 && in.number() == label.value() && in.number() == U32( mappingSent );
+}
+
+bool hasGotOnly( CompactFec const & compact, MplsLabel label ) {
+   Reader in( compact );
+   in.collection( [&] { in.number(), in.number(); } );
+   return in.number() == 1 && in.number() == label.value() && in.number() == U32( mappingRcvd );
+}
+
 void show( SessionEnd & end ) {
    auto const coll = end.agent.status().ldpFecSessionStatusColl();
    for ( auto const & [fec, octets] : end.compactFecs ) {

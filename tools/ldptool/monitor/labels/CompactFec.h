@@ -12,6 +12,10 @@ CompactFec compact( Ldp::LdpFecSessionStatus const & state );
 /// Writes it into a new object.
 void expand( CompactFec const & compact, Ldp::LdpFecSessionStatus & state );
 
+/// Whether the speaker has sent, or has got, that label and no other of the FEC, and it is in force.
+bool hasSentOnly( CompactFec const & compact, Lumo::MplsLabel label );
+bool hasGotOnly( CompactFec const & compact, Lumo::MplsLabel label );
+
 /// Makes the model's objects of the session, until they are hidden again. Nothing is to change meanwhile.
 void show( SessionEnd & end );
 void hide( SessionEnd & end );

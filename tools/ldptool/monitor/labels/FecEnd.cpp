@@ -57,7 +57,7 @@ void FecEnd::mapRcvd( MplsLabel label ) {
 // An unsolicited mapping takes the place of the label before it, which the receiver releases (RFC 5036,
 // A.1.2, LMp.10). A request's answer is one more (note 6 there).
 void FecEnd::replaceSent( MplsLabel label ) {
-   if ( !state ) return;
+   if ( !state || state->localLabelStates() == state->localLabelStateHas( label ) ) return;
    for ( MplsLabel each : named( state->localLabelStateColl(), {} ) ) {
       if ( each == label || state->localLabelState( each ) != mappingSent ) continue;
       state->localLabelStateIs( each, noneSent );
@@ -67,7 +67,7 @@ void FecEnd::replaceSent( MplsLabel label ) {
 }
 
 void FecEnd::replaceRcvd( MplsLabel label ) {
-   if ( !state ) return;
+   if ( !state || state->peerLabelStates() == state->peerLabelStateHas( label ) ) return;
    for ( MplsLabel each : named( state->peerLabelStateColl(), {} ) ) {
       if ( each == label || state->peerLabelState( each ) != mappingRcvd ) continue;
       state->peerLabelStateIs( each, releaseGen );
@@ -119,6 +119,7 @@ std::vector< Fec > fecsOf( SessionEnd & end ) {
       std::vector< Fec > fecs;
       for ( auto const & [fec, octets] : end.compactFecs )
          fecs.push_back( fec );
+      std::sort( fecs.begin(), fecs.end() );
       return fecs;
    }
    auto const view = end.agent.status().ldpFecSessionStatusColl()->fecSessionStatusBySessionColl( end.id );

@@ -73,11 +73,11 @@ struct FecEnd {
          if ( names( label, each ) ) found.push_back( each );
       return found;
    }
-   /// A FEC has one label, or two while one takes the other's place. Each change goes through all of them, so
-   /// a peer that never stops is not followed.
-   bool hasTooManyLabels() const {
-      constexpr U32 most = 1024;
-      return state && state->localLabelStates() >= most;
+   /// A FEC has one label, or two while one takes the other's place, and one request under way. Each change
+   /// goes through all of them, so a peer that never stops is not followed.
+   bool hasTooMuch() const {
+      constexpr U32 most = 64;
+      return state && ( state->localLabelStates() >= most || state->msgIdReqMsgs() >= most );
    }
    bool anyLocal( Ldp::LdpLocalLabelState which ) const {
       for ( auto const & node : state->localLabelStateColl() )

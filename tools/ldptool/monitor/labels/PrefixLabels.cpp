@@ -1,6 +1,7 @@
 // What label messages say of prefixes.
 #include "monitor/labels/PrefixLabels.h"
 
+#include "monitor/labels/CompactFec.h"
 #include "monitor/labels/FecEnd.h"
 
 #include <algorithm>
@@ -71,23 +72,34 @@ void onRelease( Exchange const & exchange, FecEnd & sender, FecEnd & receiver, A
    }
 }
 
+// A mapping of what both ends have already, as nearly all are where routers repeat themselves: nothing
+// changes but the numbers of messages, which a compact state does not have.
+bool repeats( Exchange const & exchange, Fec const & fec, MplsLabel label ) {
+   auto const & mapping = static_cast< LdpLabelMappingMsgParser const & >( exchange.message );
+   if ( !exchange.sender.agent.compact() || mapping.msgReqMsgIdTlv() || !exchange.receiver.stale.empty() )
+      return false;
+   auto const sent = exchange.sender.compactFecs.find( fec );
+   if ( sent == exchange.sender.compactFecs.end() || !hasSentOnly( sent->second, label ) ) return false;
+   auto const got = exchange.receiver.compactFecs.find( fec );
+   return got != exchange.receiver.compactFecs.end() && hasGotOnly( got->second, label );
+}
+
 bool hasRoom( FecEnd const & end ) { return end.state || fecNum( end.end ) < end.end.agent.limits().fecs; }
 
 } // namespace
 
 void onMessage( Exchange const & exchange, Fec const & fec, AnyLabel label ) {
+   LdpMsgType const type = exchange.message.type();
+   if ( type == LdpLabelMapping && repeats( exchange, fec, *label ) ) return;
    FecEnd sender( exchange.sender, fec );
    FecEnd receiver( exchange.receiver, fec );
-   LdpMsgType const type = exchange.message.type();
    if ( ( type == LdpLabelMapping || type == LdpLabelRequest ) &&
-        !( hasRoom( sender ) && hasRoom( receiver ) ) ) {
+        !( hasRoom( sender ) && hasRoom( receiver ) && !sender.hasTooMuch() ) ) {
       ++exchange.sender.agent.turnedAway().fecs;
       return;
    }
    switch ( type ) {
-   case LdpLabelMapping:
-      if ( !sender.hasTooManyLabels() ) onMapping( exchange, sender, receiver, *label );
-      break;
+   case LdpLabelMapping: onMapping( exchange, sender, receiver, *label ); break;
    case LdpLabelRequest: onRequest( exchange, sender, receiver ); break;
    case LdpLabelWithdraw: onWithdraw( exchange, sender, receiver, label ); break;
    case LdpLabelRelease: onRelease( exchange, sender, receiver, label ); break;

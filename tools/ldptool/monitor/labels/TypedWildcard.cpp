@@ -54,7 +54,8 @@ bool eachWildcard( LdpMsgParser const & message,
 } // namespace
 
 bool isTypedWildcard( LdpMsgParser const & message ) {
-   if ( message.type() != LdpLabelWithdraw && message.type() != LdpLabelRelease ) return false;
+   LdpMsgType const type = message.type();
+   if ( type != LdpLabelRequest && type != LdpLabelWithdraw && type != LdpLabelRelease ) return false;
    return eachWildcard( message, []( std::uint8_t, Octets ) {} );
 }
 
@@ -64,6 +65,10 @@ void onTypedWildcard( Exchange const & exchange ) {
    AnyLabel label;
    if ( labelTlv.size() == 4 )
       label = Lumo::MplsLabel( U32( read16( labelTlv, 0 ) << 16 | read16( labelTlv, 2 ) ) & 0xfffff );
+   if ( exchange.message.type() == LdpLabelRequest ) { // for what is mapped then, which shows by itself
+      ++exchange.receiver.agent.turnedAway().typedWildcards;
+      return;
+   }
    eachWildcard( exchange.message, [&]( std::uint8_t type, Octets information ) {
       std::size_t const family = information.size() == 2 ? read16( information, 0 ) : 0;
       if ( type == prefixElement && ( family == addressFamilyIpv4 || family == addressFamilyIpv6 ) ) {

@@ -7,10 +7,11 @@
 
 namespace LdpTool {
 
-/// Whether the message, which was refused, is a withdraw or release of nothing but typed wildcards.
+/// Whether the message, which was refused, is a request, withdraw or release of nothing but typed wildcards.
 bool isTypedWildcard( Ldp::LdpMsgParser const & message );
 
-/// Such a message: prefixes of the address family go; what is of another type is counted as not followed.
+/// Such a message: prefixes of the address family go; what is of another type, and a request, is counted
+/// as not followed.
 void onTypedWildcard( Exchange const & exchange );
 
 } // namespace LdpTool

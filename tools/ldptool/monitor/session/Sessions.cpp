@@ -157,8 +157,12 @@ void Sessions::onNotification( Exchange const & exchange ) {
    auto & [sender, receiver, message, at] = exchange;
    LdpStatusTlv const & tlv = *message.msgStatusTlv();
    LdpStatusCode const code = tlv.statusData();
-   sender.statistics->ldpMsgNotificationTxCountInc( code, 1 );
-   receiver.statistics->ldpMsgNotificationRxCountInc( code, 1 );
+   constexpr U32 mostCodes = 64; // which the peer chooses
+   if ( sender.statistics->ldpMsgNotificationTxCounts() < mostCodes ||
+        sender.statistics->ldpMsgNotificationTxCountHas( code ) ) {
+      sender.statistics->ldpMsgNotificationTxCountInc( code, 1 );
+      receiver.statistics->ldpMsgNotificationRxCountInc( code, 1 );
+   }
    if ( tlv.statusError() ) {
       Vorn::String const reason = sessionStateStrForStatusCode( code );
       end( receiver, LdpSessionState( stateNonExist, code ), "peer: " + reason, false );

@@ -85,6 +85,7 @@ SessionEnd & Agent::sessionEnd( Ldp::LdpIdentifier const & peer ) {
    auto const session = status_->ldpSessionStatusColl()->sessionStatusIs( sessionId );
    session->checkInit();
    session->localLdpIdentifierIs( id() );
+   ++around_.sessionEnds;
    auto const statistics = status_->statistics()->sessionStatisticsColl()->sessionStatisticsIs( sessionId );
    return sessionEnds_.try_emplace( peer, *this, sessionId, session, statistics ).first->second;
 }

@@ -16,6 +16,7 @@
 #include <memory>
 #include <optional>
 #include <set>
+#include <unordered_map>
 #include <vector>
 
 namespace LdpTool {
@@ -60,6 +61,9 @@ struct Proposal {
 
 /// A FEC's state on a session, while the model has no object of it.
 using CompactFec = std::unique_ptr< char[] >;
+struct FecHash {
+   std::size_t operator()( Mpls::FwdEqvClass const & fec ) const { return fec.hash(); }
+};
 
 /// What a speaker has of its session with one peer.
 struct SessionEnd {
@@ -92,7 +96,7 @@ struct SessionEnd {
    std::optional< std::vector< Mpls::FwdEqvClass > > held;
 
    /// States of prefixes, where the model's objects are made only to be changed or shown.
-   std::map< Mpls::FwdEqvClass, CompactFec > compactFecs;
+   std::unordered_map< Mpls::FwdEqvClass, CompactFec, FecHash > compactFecs;
 
    // P2MP FECs, as the speaker numbers them, and pseudowires: those that the speaker has mapped, and those
    // that the peer has.
@@ -124,6 +128,7 @@ struct Surroundings {
                  ///< followed
    TurnedAway turnedAway;
    Journal journal{ limits, turnedAway };
+   std::size_t sessionEnds = 0; ///< of all agents
 };
 
 /// One speaker's agent.
@@ -144,7 +149,11 @@ class Agent {
    /// The speaker's end of the session with that peer, a new one if there is none.
    SessionEnd & sessionEnd( Ldp::LdpIdentifier const & peer );
    bool hasSession( Ldp::LdpIdentifier const & peer ) const { return sessionEnds_.contains( peer ); }
-   std::size_t sessionNum() const { return sessionEnds_.size(); }
+   /// Whether one more peer can have a session with the speaker.
+   bool hasRoom() const {
+      return sessionEnds_.size() < around_.limits.adjacencies &&
+             around_.sessionEnds < MonitorLimits::adjacenciesInAll;
+   }
    template< class Call >
    void eachSession( Call const & call ) {
       for ( auto & [peer, end] : sessionEnds_ )

@@ -11,11 +11,13 @@ namespace LdpTool {
 struct MonitorLimits {
    std::size_t speakers = 4096;
    std::size_t adjacencies = 1024; ///< of one speaker
-   std::size_t linkSpeakers = 256; ///< on one link, each of which may hear all others
-   std::size_t fecs = 1000000;     ///< of one session, at either end
-   std::size_t changes = 100000;   ///< of sessions and adjacencies, for the history
+   /// On one link, each of which may hear all others. In a capture that does not tell links apart, those
+   /// whose addresses are near.
+   std::size_t linkSpeakers = 256;
+   std::size_t fecs = 1000000;   ///< of one session, at either end
+   std::size_t changes = 100000; ///< of sessions and adjacencies, for the history
 
-   /// Of all speakers together, links that one speaks on and adjacencies each.
+   /// Of all speakers together, links that one speaks on, adjacencies, and ends of sessions each.
    static constexpr std::size_t adjacenciesInAll = 65536;
 };
 
