@@ -17,7 +17,7 @@ void * objectOf( Entity const & entity ) {
 
 bool isStored( VornKind kind ) {
    return kind == VornKind::mutableAttr || kind == VornKind::constructor || kind == VornKind::state ||
-        kind == VornKind::reference;
+          kind == VornKind::reference;
 }
 
 void append( std::string & out, Entity const & entity, std::size_t indent ) {

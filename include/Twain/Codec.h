@@ -13,8 +13,8 @@
 ///           format.put( Skein::Item::u16 );
 ///        }
 ///        static void put( Skein::RingBuf & record, Ldp::LdpIdentifier const & value ) noexcept {
-///           Codec< Lumo::IpAddr >::put( record, Lumo::IpAddr( value.lsrId() ) ); // each time: that shape's octets
-///           record.put( value.lblSpace() );
+///           Codec< Lumo::IpAddr >::put( record, Lumo::IpAddr( value.lsrId() ) ); // each time: that shape's
+///           octets record.put( value.lblSpace() );
 ///        }
 ///        static void text( SkeinConverter & line, Ldp::LdpIdentifier const & value ) {
 ///           line << value.stringValue();

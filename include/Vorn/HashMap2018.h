@@ -13,11 +13,11 @@
 /// A pointer to a node is good until the next insertion or deletion. An iterator survives both (the body of a
 /// loop may delete any member): it goes on with what follows the present member; members inserted meanwhile
 /// may or may not be met. Within a loop a node that has been deleted stays readable until the loop moves on.
-/// A deletion that leaves a map thin builds it anew in less memory, and ends the process where there is none for that.
-/// At most 14 iterators may stand in one bucket at a time. At most 16,383 keys may have one hash word: one
-/// more asserts. Hashes take a secret of the process (Hash.h), so nobody outside can bring that about, except
-/// with keys whose hash is a fixed formula; who takes such keys from the network sets a lower bound on their
-/// number.
+/// A deletion that leaves a map thin builds it anew in less memory, and ends the process where there is none
+/// for that. At most 14 iterators may stand in one bucket at a time. At most 16,383 keys may have one hash
+/// word: one more asserts. Hashes take a secret of the process (Hash.h), so nobody outside can bring that
+/// about, except with keys whose hash is a fixed formula; who takes such keys from the network sets a lower
+/// bound on their number.
 #pragma once
 
 #include "Vorn/Impl/HashMap2018Generic.h"
