@@ -8,13 +8,13 @@
 ///     struct Twain::Codec< Ldp::LdpIdentifier > {
 ///        static constexpr U32 maxBytes = 6;                               // most octets in a record
 ///        static void describe( Skein::MsgFormatString & format ) {        // once a call site: the shape
-///           format.put( Skein::Item::ipv4 );
+///           format.put( Skein::Item::u32 );
 ///           format.put( ":" );
 ///           format.put( Skein::Item::u16 );
 ///        }
 ///        static void put( Skein::RingBuf & record, Ldp::LdpIdentifier const & value ) noexcept {
-///           Codec< Lumo::IpAddr >::put( record, Lumo::IpAddr( value.lsrId() ) ); // each time: that shape's
-///           octets record.put( value.lblSpace() );
+///           record.put( value.lsrId() );                                  // each time: that shape's octets
+///           record.put( value.lblSpace() );
 ///        }
 ///        static void text( SkeinConverter & line, Ldp::LdpIdentifier const & value ) {
 ///           line << value.stringValue();
