@@ -66,6 +66,7 @@ memory: build/memory/build.ninja
 
 bench: build
 	scripts/bench_aims.py build/release/bin
+	bench/capture.sh build/release/bin/ldptool 20
 
 bench-tables: build
 	scripts/bench.sh build/release/bin
