@@ -175,7 +175,7 @@ TEST( NboAttrLog, theHostMayLetAReadOnlyEndWrite ) {
    // What the host holds back waits, of a collection too.
    copy.vornNboAttrLogSaIs( StreamAdapter::readOnly | StreamAdapter::held, 0, b.out );
    copy.branchDel( Name( "branch" ) );
-   copy.vornNboAttrLogSa( b.out )->flagsIs( StreamAdapter::readOnly );
+   copy.vornNboAttrLogSaIs( StreamAdapter::readOnly, 0, b.out );
    EXPECT_EQ( nullptr, b.out->takeException() );
    carry();
    EXPECT_EQ( 0u, tree->branchs() );
