@@ -239,7 +239,7 @@ TEST( TlvParser, aTlvTooShortForItsBodyIsRefusedInItsText ) {
               "LdpAddressListTlv( Invalid TLV )" );
    // How long a list may be follows from its family.
    EXPECT_EQ( text( ldpAddressListTlvParserFactory, "0101 0002" ), "LdpAddressListTlv( Invalid TLV )" );
-   EXPECT_EQ( text( ldpAddressListTlvParserFactory, "0101 0007 00" ), "" );
+   EXPECT_EQ( text( ldpAddressListTlvParserFactory, "0101 0006 00" ), "" );
    EXPECT_EQ( text( ldpAddressListTlvParserFactory, "0101 0007 0001" ), "LdpAddressListTlv( Invalid TLV )" );
    EXPECT_EQ( text( ldpAddressListTlvParserFactory, "0101 0006 0001" ), "" );
 }
