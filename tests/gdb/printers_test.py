@@ -19,7 +19,7 @@ SHOWN = [
     ("print map", '[41] = "forty-one"'),
     ("print map", "100 members"),
     ("print queue", "{[0] = 17, [1] = 18}"),
-    ("call Vorn::dump( *adjs.object_ )", "\n      adjStatusCode = 'holdTimerExpired'"),
+    ("call Vorn::dump( *adjs.object_ )", "\n      adjStatusCode = holdTimerExpired"),
 ]
 
 

@@ -169,11 +169,11 @@ class LinkQueue(Children):
         node = self.value["head_"]["object_"]
         while int(node):
             yield node["index_"], node["value_"]
-            node = node["next_"]
+            node = node["next_"]["object_"]
 
 
-class Entity:
-    """The attributes of an entity, its bases' first; what the framework keeps in it is left out."""
+class Attributes:
+    """The attributes of an entity or of a value, its bases' first; what the framework keeps in it is left out."""
 
     HIDDEN = {"notifieeList_", "next_", "parent_", "refs_", "status_"}
 
@@ -195,9 +195,9 @@ class Entity:
                 yield field.name.rstrip("_"), value[field]
 
 
-def is_entity(kind):
-    return any(field.is_base_class and (field.name == "Vorn::Entity" or is_entity(field.type.strip_typedefs()))
-               for field in kind.fields())
+def is_recorded(kind):
+    """Whether the type is one of the model: it has a record."""
+    return any(field.name == "_vornType" for field in kind.fields() if not field.is_base_class)
 
 
 class Printers(gdb.printing.PrettyPrinter):
@@ -209,13 +209,15 @@ class Printers(gdb.printing.PrettyPrinter):
 
     def __call__(self, value):
         kind = value.type.strip_typedefs().unqualified()
-        if kind.code != gdb.TYPE_CODE_STRUCT or not kind.name:
+        if kind.code != gdb.TYPE_CODE_STRUCT:
             return None
+        if not kind.name: # g++ 12 leaves out the name of a constant Ptr
+            return Ptr(value) if [field.name for field in kind.fields()] == ["object_"] else None
         if kind.name in self.TEXTS:
             return Text(value, self.TEXTS[kind.name])
         printer = self.KINDS.get(kind.name.split("<")[0])
-        if not printer and is_entity(kind):
-            printer = Entity
+        if not printer and is_recorded(kind):
+            printer = Attributes
         return printer and printer(value)
 
 
