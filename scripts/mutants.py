@@ -74,6 +74,7 @@ class Bench:
         if not self.commands:
             sys.exit(f"mutants.py: no build in {build}")
         self.objects = {source: build / self.output(command) for source, command in self.commands.items()}
+        self.others = sorted(map(str, build.glob("CMakeFiles/LdpAllTypes.dir/*.o")))  # what the build makes of them
 
     @staticmethod
     def output(command):
@@ -96,7 +97,7 @@ class Bench:
         command += ["-w", "-iquote", str(source.parent)]
         objects = [str(target if place == str(source) else path) for place, path in self.objects.items()]
         link = [next(part for part in command if part.endswith("++")), "-shared", "-Wl,-soname,libLdp.so.0",
-                "-o", str(self.work / "libLdp.so.0"), *objects]
+                "-o", str(self.work / "libLdp.so.0"), *objects, *self.others]
         quiet = {"stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL, "cwd": self.build}
         return subprocess.run(command, **quiet).returncode == 0 and subprocess.run(link, **quiet).returncode == 0
 
@@ -128,6 +129,9 @@ def main():
     tried = noticed = 0
     with tempfile.TemporaryDirectory() as work:
         bench = Bench(args.build.resolve(), work)
+        file, number, *_ = drawn[0]
+        if not bench.made(file, number, (ROOT / file).read_text().split("\n")[number]) or bench.noticed():
+            sys.exit("mutants.py: the tests fail without a fault: is the build up to date?")
         for file, number, what, changed in drawn:
             if tried == args.count:
                 break
