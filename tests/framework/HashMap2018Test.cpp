@@ -143,6 +143,17 @@ TEST( HashMap2018, assignedIteratorGoesOnWhereTheOtherStood ) {
    }
    EXPECT_TRUE( !it && !other );
    EXPECT_FALSE( it.markedForDeletion() );
+
+   // Nor does it meet what has gone since.
+   Vorn::HashMap2018< Owner, U32, U32 > pair;
+   pair.valueIs( 1, 0 );
+   pair.valueIs( 2, 0 );
+   auto const stale = pair.begin();
+   pair.del( 3 - stale->key() );
+   it = pair.begin();
+   it = stale;
+   it.advance();
+   EXPECT_FALSE( it );
 }
 
 TEST( HashMap2018, deletedValueDiesWithTheLastLook ) {
