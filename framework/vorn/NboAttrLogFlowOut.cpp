@@ -34,7 +34,9 @@ void FlowOut::waitingDel() noexcept {
 bool FlowOut::waitingAny() const noexcept { return !waiting_->marks.empty() || hasDirtyCollKeys(); }
 
 bool FlowOut::markedBehind( U32 attributeId ) const noexcept {
-   return waiting_ && std::ranges::find( waiting_->marks, attributeId ) != waiting_->marks.end();
+   if ( !waiting_ ) return false;
+   auto const & marks = waiting_->marks;
+   return std::find( marks.begin(), marks.end(), attributeId ) != marks.end();
 }
 
 void FlowOut::markBehindIs( U32 attributeId, bool mark ) {
