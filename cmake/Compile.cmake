@@ -27,14 +27,14 @@ endif()
 if( LDP_MEMORY )
    # All that runs must be compiled this way, the standard library too: of libc++ nearly all is in its headers.
    add_compile_options( -fsanitize=memory -fsanitize-memory-track-origins -fno-omit-frame-pointer
-      -stdlib=libc++ -D_LIBCPP_DISABLE_EXTERN_TEMPLATE )
+      -fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/cmake/memory_ignore.txt -stdlib=libc++ -D_LIBCPP_DISABLE_EXTERN_TEMPLATE )
    add_link_options( -fsanitize=memory -stdlib=libc++ )
 endif()
 # Coverage feedback in the library itself; only the targets take the fuzzer's main. Where executions count and no sanitizer
 # watches, the decoders alone give it, and by block alone: it takes half of the time otherwise.
-if( LDP_FUZZ AND ( LDP_SANITIZE OR LDP_MEMORY ) )
+if( LDP_FUZZ AND LDP_SANITIZE )
    add_compile_options( -fsanitize=fuzzer-no-link )
-elseif( LDP_FUZZ )
+elseif( LDP_FUZZ AND NOT LDP_MEMORY )
    file( GLOB decoders CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/decode/*.cpp )
    set_source_files_properties( ${decoders} PROPERTIES COMPILE_OPTIONS -fsanitize-coverage=inline-8bit-counters,pc-table )
 endif()
