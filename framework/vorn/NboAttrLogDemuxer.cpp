@@ -85,12 +85,12 @@ std::size_t Demuxer::recordsIs( U8 const * octets, std::size_t bytes ) {
       std::size_t const left = bytes - taken;
       std::size_t const want = wanted( octets + taken, left );
       if ( left < want || ( headerSeen_ && want == sizeof( U32 ) ) ) return taken;
-      in_->octetsIs( octets + taken, want );
       in_->entriesAre( false );
       if ( headerSeen_ ) {
          recordIs( octets + taken, want );
          ++records_;
       } else {
+         in_->octetsIs( octets + taken, want );
          headerIs();
       }
       taken += want;
