@@ -11,7 +11,7 @@ out=$( mkdir -p "${1:?usage: scripts/deb.sh FOLDER}" && cd "$1" && pwd )
 work=$( mktemp -d )
 trap 'rm -rf "$work"' EXIT
 mkdir "$work/libldp"
-git ls-files -z --cached --others --exclude-standard | xargs -0 cp --parents -t "$work/libldp" --
+git ls-files -z --cached --others --exclude-standard | tar --null --files-from=- --create | tar --extract --directory="$work/libldp"
 ( cd "$work/libldp" && dpkg-buildpackage --build=binary --no-sign )
 rm -f "$out"/*.deb
 mv "$work"/*.deb "$out"

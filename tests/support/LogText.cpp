@@ -62,7 +62,7 @@ class Writer {
       if ( attr.kind() == VornKind::queue ) {
          U32 indices[2];
          attr.ops->op( indices, object, attr, GenericIf::indices, nullptr, nullptr );
-         all = "from " + std::to_string( indices[0] ) + " to " + std::to_string( indices[1] );
+         all = Vorn::format( "from %u to %u", indices[0], indices[1] ).view();
       } else {
          std::sort( members.begin(), members.end() );
       }
