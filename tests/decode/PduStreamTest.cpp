@@ -166,10 +166,12 @@ TEST( PduStream, whatIsKeptStaysAsItIs ) {
       EXPECT_EQ( stream.held().size(), id % 18 );
       LdpPduStream moved( std::move( stream ) );
       EXPECT_TRUE( stream.held().empty() );
-      stream = std::move( moved );
+      LdpPduStream assigned;
+      assigned = std::move( moved );
       left = std::span( sent ).subspan( id % 18 );
-      auto const pdu = stream.next( left );
+      auto const pdu = assigned.next( left );
       ASSERT_TRUE( pdu );
+      stream = std::move( assigned );
       if ( id % 3 == 0 ) kept.push_back( pdu.message( 0 ) );
       if ( id % 3 == 1 ) reused = pdu.pkt().ptr();
       if ( id % 3 != 2 ) continue;

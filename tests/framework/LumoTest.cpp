@@ -74,6 +74,7 @@ TEST( Ip6Addr, reader ) {
       Vorn::strepToValue( text, &read );
       EXPECT_EQ( read, ip6( { 0x2001, 0xdb8, 0, 0, 0, 0, 0, 1 } ) );
    }
+   EXPECT_THROW( Vorn::strepToValue( "1:2:3:4:5:6:7:8:9", &read ), Vorn::RangeException );
 }
 
 TEST( IpGenAddr, familyBelongsToTheValue ) {
