@@ -27,9 +27,10 @@ mkdir "$root" "$work/shared"
 chmod 755 "$work"
 cp "$out"/*.deb examples/observe.cpp tests/captures/many-initial.pcap "$work/shared"
 in_root() { chroot "$root" "$@"; }
-install_debs() { in_root sh -c 'cd /shared && apt-get -qq install -y --no-install-recommends "$@"' sh "$@"; }
+install_debs() { in_root sh -c "cd /shared && DEBIAN_FRONTEND=noninteractive apt-get -qq install -y --no-install-recommends $*"; } # patterns are for the shell there
 echo "deb.sh: a clean $release"
 mmdebstrap --quiet --variant=apt --mode=root --customize-hook="copy-in $work/shared /" "$release" "$root"
+in_root apt-get -qq update
 install_debs ./libldp0_*.deb ./ldptool_*.deb
 in_root ldptool --version
 [[ $( in_root ldptool decode /shared/many-initial.pcap | wc -l ) -gt 100 ]]
