@@ -101,8 +101,10 @@ void Sa::flagsIs( Vorn_BitSet flags ) {
       child->flagsIs( flags );
    }
    reschedule();
-   // What changed while it was suppressed is not known. A copy that does not write has nothing to tell.
-   if ( wasSuppressed && !status_.any( suppressed | readOnly ) && entityId() ) doThis();
+   // What changed while it was suppressed is not known. A copy that may not write has nothing to tell.
+   if ( wasSuppressed && !status_.any( suppressed ) && entityId() &&
+        ( !status_.any( readOnly ) || convertedToWritable() ) )
+      doThis();
 }
 
 void Sa::reschedule() {
