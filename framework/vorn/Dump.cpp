@@ -60,15 +60,13 @@ void append( std::string & out, Entity const & entity, std::size_t indent ) {
 
 } // namespace
 
-String treeText( Entity const & entity ) {
+void dump( Entity const & entity ) {
    std::string out( entity.fwkType()->name );
    out += ' ';
    out += entity.nameText().view();
    out += '\n';
    append( out, entity, 3 );
-   return String( std::string_view( out ) );
+   std::fputs( out.c_str(), stderr );
 }
-
-void dump( Entity const & entity ) { std::fputs( treeText( entity ).charPtr(), stderr ); }
 
 } // namespace Vorn
