@@ -11,7 +11,7 @@ BUILTIN = {"bool": {"type": "boolean"}, "double": {"type": ["number", "null"]}, 
            **{f"U{bits}": {"type": "integer", "minimum": 0, "maximum": 2**bits - 1} for bits in (8, 16, 32, 64)}}
 FORMS = {"boolean": BUILTIN["bool"], "number": BUILTIN["double"], "integer": {"type": "integer", "minimum": 0},
          "reference": {"type": ["string", "null"]}, "word": {"type": ["string", "integer"]}}
-STORED = {"mutable", "constructor", "state", "child", "entities", "reference", "references", "values", "queue"}
+STORED = {"mutable", "constructor", "state", "child", "entities", "reference", "references", "values", "set", "queue"}
 VIEW = 0x20 << 40  # of a value's attribute: it is a view of the fields
 
 

@@ -1,6 +1,7 @@
 // ldptool types: the library's type table.
 
 #include "commands/Commands.h"
+#include "commands/types/WireForm.h"
 #include "text/JsonWriter.h"
 #include "views/Tree.h"
 
@@ -36,8 +37,9 @@ char const * kindOf( VornType const & type ) {
    return type.isPolymorphic() ? "object" : "value";
 }
 
-char const * kindText( VornKind kind ) {
-   switch ( kind ) {
+char const * kindText( VornAttr const & attr ) {
+   if ( attr.isSet() && attr.keyed() ) return "set";
+   switch ( attr.kind() ) {
    case VornKind::mutableAttr: return "mutable";
    case VornKind::constructor: return "constructor";
    case VornKind::state: return "state";
@@ -76,6 +78,12 @@ void writeType( JsonWriter & json, VornType const & type ) {
    json.member( "kind", kindOf( type ) );
    writeName( json, "base", type.base );
    if ( type.methods ) json.member( "json", jsonForm( type ) );
+   if ( type.isDerived( &Vorn::Entity::_vornType ) ) {
+      json.member( "carried", type.newEntityForAttrLog != nullptr );
+   } else if ( !type.isPolymorphic() && !type.isOverlay() ) {
+      json.key( "wire" );
+      writeWireForm( json, type );
+   }
    if ( type.isEnum() ) {
       json.key( "enumerators" );
       json.object();
@@ -101,7 +109,7 @@ void writeType( JsonWriter & json, VornType const & type ) {
       json.member( "id", attr->id() );
       json.member( "type", attr->type->name );
       writeName( json, "key", attr->keyType );
-      json.member( "kind", kindText( attr->kind() ) );
+      json.member( "kind", kindText( *attr ) );
       json.member( "flags", flagText( *attr ) );
       json.member( "logged", attr->logged() );
       json.member( "instantiating", attr->instantiating() );
@@ -127,7 +135,7 @@ void printType( Output & out, VornType const & type ) {
          continue;
       }
       std::snprintf( line, sizeof line, "   0x%-5x %-36s %-16s %-28s", attr->id(), attr->name,
-                     kindText( attr->kind() ), attr->type->name );
+                     kindText( *attr ), attr->type->name );
       out << line;
       if ( attr->keyType ) out << " by " << attr->keyType->name;
       out << ( attr->logged() ? "  replicated\n" : "\n" );
