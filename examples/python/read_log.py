@@ -55,7 +55,7 @@ class Schema:
         return value == 1
 
     def string(self, octets):
-        return octets.take(octets.number("I")).decode("latin-1")
+        return bytes(octets.take(octets.number("I"))).decode("latin-1")
 
     def ipv4(self, octets):
         return octets.address(4)
@@ -95,7 +95,7 @@ class Schema:
 class Entity:
     def __init__(self, row, arguments, octets):
         self.row, self.arguments, self.octets = row, arguments, octets
-        self.gone = False
+        self.number, self.gone = 0, False
         self.attributes = {}  # by id: a value, an entity, or {octets of the key: (key, value)}
         self.begun = {}  # by id: [the keys that are still marked, number of begins]
 
@@ -199,6 +199,7 @@ class Reader:
     def numbered(self, number, entity):
         if number != len(self.entities):
             raise Refused(f"entity {number:#x} comes with another number than the next")
+        entity.number = number
         self.entities.append(entity)
 
     def about(self, kind, entity, number, attribute, octets):
@@ -254,7 +255,7 @@ class Reader:
             return
         if introduces:
             value = self.member(attribute, held.get(at), keyed, made, octets)
-            shown.append(self.entities.index(value))
+            shown.append(value.number)
         elif attribute["kind"] in ("reference", "references"):
             target = octets.number("I")
             value = self.entity(target) if target else None

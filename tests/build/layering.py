@@ -28,6 +28,7 @@ MAY_INCLUDE = {
 ROOMS = {
     "capture": set(),
     "ring": set(),
+    "log": {"capture", "text"},
     "text": {"capture"},
     "messages": {"capture", "text"},
     "reporters": {"capture", "text", "messages"},
@@ -38,7 +39,7 @@ ROOMS = {
     "monitor": {"capture", "messages", "monitor/speaker", "monitor/discovery", "monitor/labels", "monitor/session"},
     "views": {"capture", "text", "monitor", "monitor/speaker"},
     "findings": {"capture", "text", "messages", "monitor", "monitor/speaker"},
-    "commands": {"capture", "ring", "text", "messages", "reporters", "monitor", "monitor/speaker", "views", "findings"},
+    "commands": {"capture", "ring", "log", "text", "messages", "reporters", "monitor", "monitor/speaker", "views", "findings"},
 }
 TOOL = pathlib.Path("tools/ldptool")
 

@@ -72,6 +72,7 @@ int main( int argc, char ** argv ) {
    } );
    addDecodeCommand( app );
    addExplainCommand( app );
+   addLogCommand( app );
    addReportCommand( app );
    addRingCommand( app );
    addTypesCommand( app );

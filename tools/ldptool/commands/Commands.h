@@ -18,6 +18,7 @@ constexpr int exitUnsupported = 3; ///< nothing was wrong, but something is not 
 void addCompletionCommand( CLI::App & app );
 void addDecodeCommand( CLI::App & app );
 void addExplainCommand( CLI::App & app );
+void addLogCommand( CLI::App & app );
 void addReportCommand( CLI::App & app );
 void addRingCommand( CLI::App & app );
 void addTypesCommand( CLI::App & app );

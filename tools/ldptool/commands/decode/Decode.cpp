@@ -82,7 +82,8 @@ int decode( Options const & options ) {
          } else {
             capture = options.input.open();
             std::optional< Interruptible > ending;
-            if ( options.input.live() ) ending.emplace( *capture );
+            if ( options.input.live() ) ending.emplace();
+            Interruptible::Ends const ends( ending ? &*capture : nullptr );
             capture->run( decoder, options.input.range );
          }
       } catch ( InputError const & error ) {

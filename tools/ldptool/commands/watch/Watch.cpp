@@ -5,6 +5,8 @@
 #include "commands/InputOptions.h"
 #include "commands/Interruptible.h"
 #include "commands/SpeakerOption.h"
+#include "commands/watch/LogFile.h"
+#include "commands/watch/Publisher.h"
 #include "commands/watch/Replica.h"
 #include "messages/Decoder.h"
 #include "monitor/Monitor.h"
@@ -40,6 +42,8 @@ Examples:
   ldptool watch --dot session.pcap | dot -Tsvg      a picture of the network
   ldptool watch --follow -i eth0                    each change as it comes
   ldptool watch --replicate --check session.pcap    a second process agrees on all that is replicated
+  ldptool watch --publish /run/ldp.sock -i eth0     the same state for other processes
+  ldptool watch --log - session.pcap | ldptool log -
 
 Exit status: 0, 1 when --check found a difference, 2 for wrong arguments or an input that
 cannot be read.)";
@@ -58,40 +62,44 @@ struct WatchOptions {
    bool follow = false;
    bool replicate = false;
    bool check = false;
+   std::string publish; // a socket's path
+   std::string log;     // a file
 
    bool anyView() const {
       return tree || neighbors || bindings || pseudowires || history || dot || follow || check;
    }
+   /// Whether it is there for other processes, and nothing is to be printed.
+   bool silent() const { return ( !publish.empty() || !log.empty() ) && !anyView() && !json; }
 };
 
-/// Takes what the monitor wrote to the replica, some PDUs at a time: what changes twice meanwhile, as every
-/// counter does, is sent once.
+/// Takes what the monitor wrote to the copies in other processes, some PDUs at a time: what changes twice
+/// meanwhile, as every counter does, is sent once.
 class WatchSink : public Decoder {
  public:
-   WatchSink( Monitor & monitor, Selection const & selection, Output & out, Replica * replica )
-        : Decoder( monitor, selection, out ), replica_( replica ) {}
+   using Decoder::Decoder;
 
    void onPdu( Origin const & origin, Ldp::LdpPdu const & pdu ) override {
       constexpr unsigned atOnce = 1024;
       Decoder::onPdu( origin, pdu );
-      if ( replica_ && ++waiting_ >= atOnce ) flush();
+      if ( carry && ++waiting_ >= atOnce ) flush();
    }
 
    /// Called whenever a live capture waits.
    std::function< void() > refresh;
+   /// Carries changes to the copies.
+   std::function< void() > carry;
    void onIdle() override {
       if ( refresh ) refresh();
-      if ( replica_ ) flush();
+      if ( carry ) flush();
       Decoder::onIdle();
    }
 
  private:
    void flush() {
-      replica_->flush();
+      carry();
       waiting_ = 0;
    }
 
-   Replica * replica_;
    unsigned waiting_ = 0; ///< PDUs since the last flush
 };
 
@@ -117,6 +125,7 @@ bool isOf( TreeChange const & change, std::string const & speaker ) {
 
 /// The views that were asked for; a summary and the neighbours if nothing was.
 void printViews( Output & out, Network const & network, WatchOptions const & options, Monitor & monitor ) {
+   if ( options.silent() ) return;
    Journal const & journal = monitor.journal();
    About const about = options.input.peer;
    if ( !options.anyView() ) printSummary( out, network, journal );
@@ -160,11 +169,19 @@ int watch( WatchOptions const & options ) {
    try {
       Output out( stdout );
       auto const network = networkFactory( Vorn::Name( "network" ) );
-      bool const live = options.tree || options.json || options.follow || options.replicate;
+      bool const observed = options.tree || options.json || options.follow || options.replicate ||
+                            !options.publish.empty() || !options.log.empty();
       Monitor monitor( *network, options.input.limits.monitor, options.input.limits.capture.flows,
-                       live ? Monitor::live : Monitor::compact );
+                       observed ? Monitor::live : Monitor::compact );
       std::unique_ptr< Replica > replica;
       if ( options.replicate ) replica = std::make_unique< Replica >( *network );
+      bool const live = options.input.live();
+      std::optional< Interruptible > ending;
+      if ( live || !options.publish.empty() ) ending.emplace();
+      std::optional< Publisher > publisher;
+      if ( !options.publish.empty() ) publisher.emplace( *network, options.publish );
+      std::optional< LogFile > log;
+      if ( !options.log.empty() ) log.emplace( *network, options.log );
       JsonWriter followed( out );
       std::optional< TreeWatcher > watcher;
       if ( options.follow ) {
@@ -177,14 +194,19 @@ int watch( WatchOptions const & options ) {
             out << timeText( at ) << ' ' << changeText( change ) << '\n';
          } );
       }
-      WatchSink sink( monitor, options.input.selection, out, replica.get() );
+      WatchSink sink( monitor, options.input.selection, out );
+      auto const carry = [&] {
+         if ( replica ) replica->flush();
+         if ( publisher ) publisher->serve();
+         if ( log ) log->flush();
+      };
+      if ( replica || publisher || log ) sink.carry = carry;
       std::string failure;
       try {
          Capture capture = options.input.open();
-         std::optional< Interruptible > ending;
-         if ( options.input.live() ) ending.emplace( capture );
-         bool const table = !options.follow && !options.json && !options.replicate;
-         if ( options.input.live() && table && isatty( STDOUT_FILENO ) )
+         Interruptible::Ends const ends( ending ? &capture : nullptr );
+         bool const table = !options.follow && !options.json && !options.replicate && !options.silent();
+         if ( live && table && isatty( STDOUT_FILENO ) )
             sink.refresh = [&, last = std::time( nullptr )]() mutable {
                std::time_t const now = std::time( nullptr );
                if ( now == last ) return;
@@ -220,11 +242,17 @@ int watch( WatchOptions const & options ) {
          }
       }
       out.flush();
+      if ( !failure.empty() ) std::cerr << "ldptool: " << failure << '\n';
+      if ( log ) log->flush();
+      if ( publisher ) {
+         if ( !live )
+            publisher->serveUntil( *ending ); // who reads a file is done before anyone has connected
+         publisher->finish();
+      }
       if ( failure.empty() ) return result;
-      std::cerr << "ldptool: " << failure << '\n';
    } catch ( OutputError const & error ) {
       std::cerr << "ldptool: " << error.what() << '\n';
-   } catch ( InputError const & error ) { // of the replica
+   } catch ( InputError const & error ) { // of the copies
       std::cerr << "ldptool: " << error.what() << '\n';
    }
    return exitUsage;
@@ -260,6 +288,14 @@ void addWatchCommand( CLI::App & app ) {
                                               "keep a copy in a second process, fed by the attribute log" );
    command.add_flag( "--check", options->check, "compare the copy instead of printing it" )
         ->needs( replicate );
+   command
+        .add_option( "--publish", options->publish,
+                     "let other processes copy the state, by the attribute log at this Unix socket" )
+        ->type_name( "SOCKET" );
+   command
+        .add_option( "--log", options->log,
+                     "write the attribute log of the state to a file, - for the output" )
+        ->type_name( "FILE" );
    addInputOptions( command, options->input );
    command.allow_extras(); // they are told of below
    command.footer( examples );
@@ -272,6 +308,8 @@ void addWatchCommand( CLI::App & app ) {
                                                         std::string( option ) + "=" + file );
          throw CLI::ExtrasError( command.remaining() );
       }
+      if ( options->log == "-" && !options->silent() )
+         throw CLI::ValidationError( "--log", "- leaves no room for anything else on the output" );
       if ( file.empty() == interface.empty() )
          throw CLI::ValidationError( "watch", "needs one of FILE and -i IFACE" );
       if ( options->bindings ) bindingsWithin( *options ); // wrong ones are told at once
