@@ -67,7 +67,7 @@ class Schema:
         family = octets.number("B")
         if family > 2:
             raise Refused(f"address family {family}")
-        return octets.address((0, 4, 16)[family]) if family else ""
+        return octets.address((0, 4, 16)[family]) if family else "none"
 
     def prefix(self, octets, address=None):
         address, length = address or self.address(octets), octets.number("B")
@@ -114,7 +114,8 @@ class Entity:
                     below += [member for _, member in held.values()]
 
     def tree(self):
-        held = {a["name"]: tree_of(a, self.attributes[id]) for id, a in self.row["logged"].items() if id in self.attributes}
+        held = {a["name"]: tree_of(a, self.attributes.get(id)) for id, a in self.row["logged"].items()
+                if id in self.attributes or a["kind"] == "child"}
         return {name: value for name, value in self.arguments.items() if name != "name"} | held
 
 
@@ -128,7 +129,15 @@ def tree_of(attribute, held):
         return [key if attribute["kind"] == "set" else one(value) for key, value in held.values()]
     if form == "pairs":
         return [{"key": key, "value": one(value)} for key, value in held.values()]
-    return {str(key): one(value) for key, value in held.values()} if form else one(held)
+    return {text_of(key): one(value) for key, value in held.values()} if form else one(held)
+
+
+def text_of(key):
+    """A key as the name of a member of an object: that of an adjacency names its link or its target."""
+    if isinstance(key, dict) and "targetIpAddr" in key:
+        target = key["targetIpAddr"]
+        return f"{key['ldpIdentifier']}_" + (key["intfId"] if target == "0.0.0.0" else "TARGET_" + target)
+    return "_".join(map(str, key.values())) if isinstance(key, dict) else str(key)
 
 
 class Reader:

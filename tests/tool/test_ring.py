@@ -4,11 +4,13 @@ import json
 import os
 import struct
 import subprocess
+import sys
 import tempfile
 import unittest
 
 from ldptool import *
 
+READER = os.path.join(os.path.dirname(__file__), "../../examples/python/read_ring.py")
 TICKS = 2_000_000_000  # a second; so a tick is half a nanosecond
 START = 1_700_000_000_000_000_000
 BLOCK = 256
@@ -62,7 +64,17 @@ class Ring(unittest.TestCase):
             with open(path, "wb") as f:
                 f.write(octets)
             result = subprocess.run([os.environ["LDPTOOL"], "ring", *options, path], capture_output=True, text=True)
+            self.compare(path)
             return result.returncode, result.stdout, result.stderr.replace(path, "FILE")
+
+    def compare(self, path):
+        """The reader that was written from docs/ring-trace.md alone says the same of the file."""
+        theirs = subprocess.run([sys.executable, READER, path], capture_output=True, text=True)
+        ours = subprocess.run([os.environ["LDPTOOL"], "ring", "--json", path], capture_output=True, text=True)
+        self.assertEqual(theirs.returncode != 0, ours.returncode != 0, theirs.stderr)
+        self.assertEqual([json.loads(line) for line in theirs.stdout.splitlines()], [json.loads(line) for line in ours.stdout.splitlines()])
+        if not ours.returncode:
+            self.assertEqual(theirs.stderr, ours.stderr.partition(path + ": ")[2])
 
     def test_lines(self):
         status, out, err = self.ring(ring(FUNCTION + UNIT + ENUMERATION, block(2, b""), block(1, RECORDS)))
