@@ -23,7 +23,7 @@ ATTRIBUTE, MARKER, TYPE, INTRODUCING = range(4)
 ORPHAN, GROUP = 0x88, 0x90
 NUMBERS = {"U8": "B", "U16": "H", "U32": "I", "U64": "Q", "double": "d"}
 BUILT_IN = {name: name for name in (*NUMBERS, "bool")} | {"Vorn::String": "string", "Vorn::Name": "string"}
-MAX_LENGTH, MAX_BEGINS, MAX_LABEL = 67108864, 64, 0x800000
+MAX_LENGTH, MAX_BEGINS = 67108864, 64
 
 
 class Schema:
@@ -40,12 +40,15 @@ class Schema:
         wire = row.get("wire") or BUILT_IN.get(name)
         if isinstance(wire, list):
             fields = {field: self.value(octets, kind) for field, kind in wire}
+            if "max" in row and fields["value"] > row["max"]:
+                raise Refused(f"{name} with flags that it does not have")
             if name == "Ldp::LdpIdentifier":
                 return f"{Octets(fields['lsrId'].to_bytes(4, 'big')).address(4)}:{fields['lblSpace']}"
+            fields |= {a["name"]: bool(fields["value"] & a["mask"]) for a in row["attributes"] if "mask" in a}
             return fields if row["json"] == "object" else next(iter(fields.values()))
         value = getattr(self, wire)(octets) if wire not in NUMBERS else octets.number(NUMBERS[wire])
-        if name == "Lumo::MplsLabel" and value > MAX_LABEL:
-            raise Refused(f"label {value}")
+        if "max" in row and (len(value) if wire == "string" else value) > row["max"]:
+            raise Refused(f"{value} is beyond what {name} holds")
         return next((text for text, number in row.get("enumerators", {}).items() if number == value), value)
 
     def bool(self, octets):
@@ -135,8 +138,7 @@ def tree_of(attribute, held):
 def text_of(key):
     """A key as the name of a member of an object: that of an adjacency names its link or its target."""
     if isinstance(key, dict) and "targetIpAddr" in key:
-        target = key["targetIpAddr"]
-        return f"{key['ldpIdentifier']}_" + (key["intfId"] if target == "0.0.0.0" else "TARGET_" + target)
+        return f"{key['ldpIdentifier']}_" + (key["intfId"] or "TARGET_" + key["targetIpAddr"])
     return "_".join(map(str, key.values())) if isinstance(key, dict) else str(key)
 
 
@@ -151,8 +153,11 @@ class Reader:
         if kind == TYPE:
             if number or attribute != len(self.types):
                 raise Refused(f"type {attribute} out of order")
-            self.types.append(bytes(octets.take(octets.left())).decode("latin-1"))
-            self.said("type", attribute, self.types[-1])
+            name = bytes(octets.take(octets.left())).decode("latin-1")
+            if name in self.types or not self.schema.types.get(name, {}).get("carried"):
+                raise Refused(f"type {name} is not known, or has a number already")
+            self.types.append(name)
+            self.said("type", attribute, name)
         elif kind == INTRODUCING and attribute == ORPHAN and not number:
             self.orphan(octets)
         elif kind in (ATTRIBUTE, MARKER, INTRODUCING):
@@ -365,7 +370,7 @@ def main():
 
     def said(*words):
         if not given.json:
-            print(place[0], *words)
+            print(place[0], words[0], *map(json.dumps, words[1:]))
 
     with open(given.types) as lines:
         reader = Reader(Schema(lines), said)

@@ -65,6 +65,11 @@ void writeStructure( JsonWriter & json, VornType const & type, void const * valu
    json.endObject();
 }
 
+template< class... Numbers >
+void writeNumber( JsonWriter & json, VornType const & type, void const * value ) {
+   ( ( &type == Vorn::recordOf< Numbers >() && ( json.value( as< Numbers >( value ) ), true ) ) || ... );
+}
+
 /// Names and notations are texts; of what is a number without a field, only the text says so.
 void writeWord( JsonWriter & json, VornType const & type, void const * value ) {
    std::string const text = plainText( type, value );
@@ -132,6 +137,7 @@ void writeValue( JsonWriter & json, VornType const & type, void const * value ) 
       return entity ? json.value( unquoted( entity->nameText() ) ) : json.null();
    }
    if ( isBool( type ) ) return json.value( as< bool >( value ) );
+   if ( isUnsigned( type ) ) return writeNumber< U8, U16, U32, U64 >( json, type, value );
    if ( isOneOf< double >( type ) ) return json.value( as< double >( value ) );
    if ( isOneOf< Vorn::String >( type ) ) return json.value( plainText( type, value ) );
    if ( isStructure( type ) ) return writeStructure( json, type, value );

@@ -83,6 +83,7 @@ void writeType( JsonWriter & json, VornType const & type ) {
    } else if ( !type.isPolymorphic() && !type.isOverlay() ) {
       json.key( "wire" );
       writeWireForm( json, type );
+      if ( auto const limit = limitOf( type ) ) json.member( "max", *limit );
    }
    if ( type.isEnum() ) {
       json.key( "enumerators" );
@@ -113,6 +114,7 @@ void writeType( JsonWriter & json, VornType const & type ) {
       json.member( "flags", flagText( *attr ) );
       json.member( "logged", attr->logged() );
       json.member( "instantiating", attr->instantiating() );
+      if ( auto const mask = maskOf( type, *attr ) ) json.member( "mask", *mask );
       if ( attr->keyed() && attr->keyType ) {
          bool const array = attr->isSet() || attr->kind() == VornKind::queue;
          json.member( "json", array ? "array" : isKeyedByStructure( *attr ) ? "pairs" : "object" );

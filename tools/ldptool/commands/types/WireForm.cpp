@@ -3,6 +3,7 @@
 
 #include "Bridging/VlanId.h"
 #include "L3/VrfName.h"
+#include "Ldp/LdpConfig.h"
 #include "Lumo/IntfId.h"
 #include "Lumo/IpDscp.h"
 #include "Lumo/IpMask.h"
@@ -20,6 +21,8 @@ namespace LdpTool {
 
 using Vorn::VornAttr;
 using Vorn::VornType;
+using Vorn::GenericIf::attributeOp;
+using Vorn::GenericIf::Value;
 
 namespace {
 
@@ -60,6 +63,32 @@ void writeField( JsonWriter & json, char const * name, VornType const & type ) {
 }
 
 } // namespace
+
+std::optional< U64 > maskOf( VornType const & type, VornAttr const & flag ) {
+   VornAttr const * word = nullptr;
+   for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
+      if ( !attr->isField() ) continue;
+      if ( word ) return std::nullopt;
+      word = attr;
+   }
+   if ( !word || !flag.isView() || !isOneOf< bool >( *flag.type ) ) return std::nullopt;
+   Value value( &type ), read( word->type );
+   bool const set = true;
+   void const * const arg = &set;
+   attributeOp( type, nullptr, value.data(), flag, Vorn::GenericIf::write, nullptr, &arg );
+   attributeOp( type, read.data(), value.data(), *word, Vorn::GenericIf::read, nullptr, nullptr );
+   return std::stoull( std::string( read.stringValue().view() ) );
+}
+
+std::optional< U32 > limitOf( VornType const & type ) {
+   if ( isOneOf< Lumo::MplsLabel >( type ) ) return Lumo::MplsLabel::luWithdraw;
+   if ( isOneOf< Bridging::VlanIdOrNone >( type ) ) return Bridging::VlanIdOrNone::max;
+   if ( isOneOf< Ldp::LdpGrOperationalFlag >( type ) )
+      return Ldp::LdpGrOperationalFlag::grFlagSpeaker_() | Ldp::LdpGrOperationalFlag::grFlagHelper_();
+   if ( isOneOf< L3::VrfName >( type ) ) return L3::VrfName::maxLength;
+   if ( isOneOf< Lumo::NamespaceName >( type ) ) return Lumo::NamespaceName::maxLength;
+   return std::nullopt;
+}
 
 void writeWireForm( JsonWriter & json, VornType const & type ) {
    if ( char const * const form = formOf( type ) ) return json.value( form );
