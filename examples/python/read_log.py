@@ -74,9 +74,9 @@ class Schema:
 
     def prefix(self, octets, address=None):
         address, length = address or self.address(octets), octets.number("B")
-        if length > (128 if ":" in address else 32 if address else 0):
+        if length > (128 if ":" in address else 32 if "." in address else 0):
             raise Refused(f"a prefix of {length} bits")
-        return f"{address}/{length}" if address else ""
+        return f"{address}/{length}"
 
     def ipv4Prefix(self, octets):
         return self.prefix(octets, octets.address(4))
