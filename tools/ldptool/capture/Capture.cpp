@@ -12,6 +12,7 @@
 #include <cstring>
 #include <ctime>
 #include <net/if.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <tuple>
 
@@ -20,6 +21,7 @@ namespace LdpTool {
 namespace {
 
 constexpr int packetsAtOnce = 4096;
+constexpr int waitMilliseconds = 100;
 constexpr std::size_t mostInterfaces = 65536;
 constexpr std::size_t pduHeader = 10;
 
@@ -115,7 +117,6 @@ Capture Capture::file( std::string const & name, CaptureLimits const & limits ) 
 
 Capture Capture::interface( std::string const & name, CaptureLimits const & limits ) {
    constexpr int wholePackets = 262144;
-   constexpr int waitMilliseconds = 100;
    char error[PCAP_ERRBUF_SIZE] = "";
    Handle handle( pcap_create( name.c_str(), error ) );
    if ( !handle ) throw InputError( name + ": " + error );
@@ -132,6 +133,8 @@ Capture Capture::interface( std::string const & name, CaptureLimits const & limi
    }
    // All interfaces at once: this link type says which one each packet was on.
    if ( pcap_datalink( handle.get() ) == DLT_LINUX_SLL ) pcap_set_datalink( handle.get(), DLT_LINUX_SLL2 );
+   // A read may last until a packet comes, however short its timeout; so it does not wait, and `run` does.
+   if ( pcap_setnonblock( handle.get(), 1, error ) < 0 ) throw InputError( name + ": " + error );
    bpf_program program;
    bool compiled = false;
    for ( std::string const & filter : { liveFilter( true ) + " or llc", liveFilter( true ),
@@ -234,6 +237,10 @@ bool Capture::readPcap( std::string & failure ) {
          capture.stop();
       }
    };
+   if ( live_ ) {
+      pollfd packets{ pcap_get_selectable_fd( handle_.get() ), POLLIN, 0 };
+      poll( &packets, 1, waitMilliseconds );
+   }
    int const status =
         pcap_dispatch( handle_.get(), packetsAtOnce, each, reinterpret_cast< u_char * >( this ) );
    if ( thrown_ ) std::rethrow_exception( std::exchange( thrown_, nullptr ) );
