@@ -221,6 +221,18 @@ class Labels(unittest.TestCase):
         talk.say(1, 0x0403, fec(TEN), label(100))
         self.assertEqual(self.words(talk), (0b100, 0b110))
 
+    def test_label_resources(self):
+        """A peer that had no label to give has some again: that is about what it refused, and about nothing else."""
+        talk = Talk()
+        talk.say(1, 0x0400, fec(TEN, prefix("11.0.0.0", 8)), label(30))
+        words = lambda: [state["peerLabelSessionState"]["value"] for _, state in sorted(
+            states(talk.frames)["10.0.0.1:0"]["ldpFecSessionStatusColl"]["fecSessionStatus"].items())]
+        for _ in range(2):
+            talk.say(2, 0x0001, status_tlv(14, talk.say(1, 0x0401, fec(TEN)), 0x0401))
+            self.assertEqual(words(), [0x80000020, 0])
+            talk.say(2, 0x0001, status_tlv(15))
+            self.assertEqual(words(), [0x80000000, 0])
+
     def test_typed_wildcard(self):
         wildcard = lambda family: b"\5\2\2" + struct.pack("!H", family)
         talk = Talk()
