@@ -176,8 +176,8 @@ class Log(unittest.TestCase):
                 self.assertNotIn(b"Traceback", theirs.stderr)
                 self.assertEqual(theirs.returncode, check.status, check.err + theirs.stderr.decode())
 
-    def publisher(self, path, *source):
-        process = subprocess.Popen([LDPTOOL, "watch", "--publish", path, *source], stderr=subprocess.PIPE)
+    def publisher(self, path, *source, stdin=None):
+        process = subprocess.Popen([LDPTOOL, "watch", "--publish", path, *source], stdin=stdin, stderr=subprocess.PIPE)
         self.addCleanup(process.stderr.close)
         self.addCleanup(process.wait)
         self.addCleanup(process.kill)
@@ -197,6 +197,15 @@ class Log(unittest.TestCase):
         self.assertIn(b"LdpTool::Network.speaker", reader.stdout.read())
         reader.stdout.close()
         self.assertEqual((process.wait(10), reader.wait(10)), (0, 0))
+
+    def test_publish_interrupted_within_its_input(self):
+        read, write = os.pipe()
+        process = self.publisher(self.path("socket"), "-", stdin=read)
+        time.sleep(0.3)  # until it waits
+        process.send_signal(signal.SIGINT)
+        self.assertEqual((process.wait(10), os.path.exists(self.path("socket"))), (0, False))
+        os.close(read)
+        os.close(write)
 
     def test_publish(self):
         path = self.path("socket")

@@ -97,6 +97,8 @@ Capture Capture::file( std::string const & name, CaptureLimits const & limits ) 
    capture.file_.reset( name == "-" ? stdin : std::fopen( name.c_str(), "rb" ) );
    if ( !capture.file_ ) throw InputError( name + ": " + std::strerror( errno ) );
    int first = firstOctet( capture.file_.get() );
+   if ( std::ferror( capture.file_.get() ) && errno == EINTR ) // whoever reads on would wait once more
+      throw InputError( name + ": " + std::strerror( errno ) );
    if ( first == gzipFirstOctet ) {
       capture.file_.reset( gunzip( capture.file_.release() ) );
       if ( !capture.file_ ) throw InputError( name + ": " + std::strerror( errno ) );

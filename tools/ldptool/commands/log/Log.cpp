@@ -66,6 +66,7 @@ class Source {
          if ( ending.interrupted() ) return {};
          ssize_t const n = ::read( file_, octets_, sizeof octets_ );
          if ( n >= 0 ) return { octets_, std::size_t( n ) };
+         if ( errno == ECONNRESET ) return {}; // the other end has gone without reading our header
          if ( errno != EINTR && errno != EAGAIN ) fail();
       }
    }

@@ -21,7 +21,10 @@ namespace NboAttrLog = Vorn::NboAttrLog;
 class Publisher::Reader {
  public:
    Reader( int socket, Network & network ) : socket_( socket ) { network.vornNboAttrLogSaIs( 0, 0, out_ ); }
-   ~Reader() { ::close( socket_ ); }
+   ~Reader() {
+      passOver(); // what was left unread would turn the end of the stream into an error
+      ::close( socket_ );
+   }
    Reader( Reader const & ) = delete;
    Reader & operator=( Reader const & ) = delete;
 
@@ -33,9 +36,8 @@ class Publisher::Reader {
    /// False if it has gone.
    bool turn( short ready ) {
       if ( ready & ( POLLHUP | POLLERR ) ) return false;
-      char passedOver[4096];
       // One that only listens may have closed the other direction.
-      if ( ready & POLLIN ) silent_ = ::recv( socket_, passedOver, sizeof passedOver, MSG_DONTWAIT ) == 0;
+      if ( ready & POLLIN ) silent_ = passOver() == 0;
       return send();
    }
 
@@ -56,6 +58,11 @@ class Publisher::Reader {
    }
 
  private:
+   ssize_t passOver() {
+      char octets[4096];
+      return ::recv( socket_, octets, sizeof octets, MSG_DONTWAIT );
+   }
+
    int socket_;
    bool full_ = false;   ///< there is more, but it does not take it now
    bool silent_ = false; ///< it has said that it sends nothing

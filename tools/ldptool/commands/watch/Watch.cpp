@@ -218,7 +218,8 @@ int watch( WatchOptions const & options ) {
          tellInput( capture.counters(), monitor.turnedAway() );
          if ( capture.endTime() ) monitor.timeIs( *capture.endTime() );
       } catch ( InputError const & error ) {
-         failure = error.what();
+         if ( !ending || !ending->interrupted() )
+            failure = error.what(); // a read that a signal ended is none
       }
       watcher.reset();
       if ( options.json ) {
