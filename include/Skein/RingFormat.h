@@ -18,9 +18,13 @@ inline constexpr U32 byteOrderMark = 0x01020304; ///< reads otherwise on a machi
 
 /// Stands at offset 0. Regions are given as offset and size in octets, within the file.
 struct FileHeader {
+   /// `fileMagic`.
    char magic[8];
+   /// `fileVersion`.
    U32 version;
+   /// `byteOrderMark`, in the byte order of the machine that wrote the file.
    U32 byteOrder;
+   /// Id of the process that traced.
    U32 processId;
    U32 blockBytes;         ///< size of a block, its head included
    U64 ticksPerSecond;     ///< rate of the clock of the records

@@ -49,6 +49,7 @@ class VORN_API Entity : public PtrInterface {
    void zeroReferencesIs( bool zero ) override;
    VornType const * fwkType() const override { return &_vornType; }
 
+   /// Gives the entity its name behind its construction, as whoever restores it from a copy does.
    virtual void nameIsFromBackup( Name const & name );
    /// The name that the entity was constructed with; empty for an entity that has a key in its place.
    virtual Name name() const { return {}; }
@@ -90,6 +91,7 @@ class VORN_API Entity : public PtrInterface {
    Ptr< Entity > entity( String const & childName ) const;
 
  protected:
+   /// For the attribute lines.
    static void vornClosed( ... ); // no type is whose lines are not closed by VORN_OBSERVERS
 
  private:
@@ -105,9 +107,13 @@ class Child {
    Child & operator=( Child const & ) = delete;
    ~Child() { replace( nullptr ); }
 
+   /// The child, or null.
    Ptr< Type > const & get() const noexcept { return child_; }
+   /// The child's members.
    Type * operator->() const noexcept { return child_.ptr(); }
+   /// Whether there is a child.
    explicit operator bool() const noexcept { return bool( child_ ); }
+   /// Whether there is none.
    bool operator!() const noexcept { return !child_; }
 
    /// Puts another child, or none, in the place of the present one, which leaves and is returned.

@@ -20,6 +20,7 @@ namespace Vorn {
 
 /// What a process's hashes are made with.
 struct HashSecret {
+   /// Random words.
    U64 word[4];
 };
 /// Drawn before anything else in the library is initialized, and then the same until the process ends.

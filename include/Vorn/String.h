@@ -17,8 +17,10 @@ class VORN_API String {
    /// A position in the octets; `begin()` to `end()` is what the text readers consume.
    using IteratorConst = char const *;
 
+   /// The empty string.
    constexpr String() noexcept = default;
    String( char const * text ) : String( std::string_view( text ) ) {}
+   /// A copy of those octets.
    explicit String( std::string_view octets );
    /// The `bytes` octets at `octets`.
    String( void const * octets, std::size_t bytes )
@@ -50,6 +52,7 @@ class VORN_API String {
    /// Hash of the octets; 0 for the empty string.
    U32 hash() const noexcept;
 
+   /// Appends octets.
    String & operator+=( std::string_view octets );
    String & operator+=( String const & text ) { return *this += text.view(); }
    String & operator+=( char const * text ) { return *this += std::string_view( text ); }
@@ -86,6 +89,7 @@ VORN_API std::ostream & operator<<( std::ostream & out, String const & text );
 class VORN_API Name : public String {
  public:
    using String::String;
+   /// The empty name.
    constexpr Name() noexcept = default;
    Name( String const & text ) noexcept : String( text ) {}
 };

@@ -89,9 +89,11 @@ template< class Word >
 struct GenericIfEnumMethods : GenericIfValueMethods< Word > {
    using Base = GenericIfValueMethods< Word >;
 
+   /// The text of a value by the type's record.
    static String genericIfStrRep( void const * value, VornType const * type ) {
       return EnumType< Word >::valueToStrep( *static_cast< Word const * >( value ), type );
    }
+   /// Reads a whole text. Throws RangeException for any other, and then the value stays as it was.
    static void genericIfStrepToValue( void * value, String const & text, VornType const * type ) {
       auto it = text.begin();
       Word read;
@@ -99,6 +101,7 @@ struct GenericIfEnumMethods : GenericIfValueMethods< Word > {
       strepToValueEnd( text, it );
       *static_cast< Word * >( value ) = read;
    }
+   /// Reads a value from the front of a text and moves `it` behind it.
    static void sequenceTo( String::IteratorConst & it, String::IteratorConst const & end, void * value,
                            VornType const * type ) {
       *static_cast< Word * >( value ) = EnumType< Word >::sequenceToValue( it, end, type );
@@ -337,4 +340,5 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
       *value = Type( ::Vorn::EnumType< unsigned int >::sequenceToValue( it, end, &Type##_vornType ) );       \
    }                                                                                                         \
    VORN_TEXT_STREAM( Type )
+/// The record of one enumerator of a list.
 #define VORN_ENUMERATOR_RECORD( name, number, ... ) ::Vorn::enumeratorRecord( #name, U32( number ) ),
