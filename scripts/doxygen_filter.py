@@ -70,8 +70,9 @@ FACTORY = re.compile(r"VORN_FACTORY\( (\w+), (\w+) \)$")
 TLV_FIELD = re.compile(r"\s*LDP_TLV_(FIELD|GETTER)\( (.*), (\w+) \)$")
 CLASS = re.compile(r"(?:template<.*> *)?(?:class|struct) (?:VORN_API )?(\w+)(?: : public (.*))? \{$")
 COMMENT = re.compile(r"\s*///(?!<)")
-# What ends a paragraph: nothing, another comment, the head or the end of a class, or a word about access.
-END = re.compile(r"\s*($|//|\}|#|(public|protected|private):|(template<.*> *)?(class|struct)\b.*\{$)")
+# What ends a paragraph: nothing, another comment, the head or the end of a class or an enumeration, or a word about access.
+END = re.compile(r"\s*($|//|\}|#|(public|protected|private):|(template<.*> *)?(class|struct|enum)\b.*\{$)")
+TEMPLATE = re.compile(r"\s*template<.*>$")
 
 
 def arguments(text):
@@ -147,7 +148,7 @@ class Header:
     def observers(self):
         """The class of the observers, with a callback for each attribute that tells."""
         base = f" : public {self.base}::NotifieeConst" if self.base else ""
-        return f"public: /** Observer of a {self.owner}; derive from it. Each callback does nothing by default. */ " \
+        return f"public: /** Observer of {self.owner} objects; derive from it. Each callback does nothing by default. */ " \
                f"class NotifieeConst{base} {{ public: {' '.join(self.callbacks)} }};"
 
     def one(self, index, code, text, first):
@@ -156,7 +157,7 @@ class Header:
         if found := ATTRIBUTE.match(code):
             if text and COMMENT.match(self.lines[index - 1]):
                 self.blank_comment(index)
-            return self.attribute(found[1], arguments(found[2]), found[3], text)
+            return self.attribute(found[1], arguments(found[2]), found[3], text if first or found[1] != "KEY" else "")
         if found := FACTORY.match(line):
             return f"/** A new {found[1]} without a parent, from what its constructor takes. */ " \
                    f"Vorn::Ptr< {found[1]} > {found[2]}( Args const &... args );"
@@ -170,8 +171,8 @@ class Header:
             rows = re.findall(r"X\( (\w+), (\w+) \)", "\n".join(self.lines))
             return " ".join(f"/** A new {made}. */ Vorn::Ptr< {made} > {name}( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset );"
                             for made, name in rows)
-        if first and text:
-            return None  # Doxygen reads the comment above by itself
+        if first and text or "///<" in code or re.search(r"\boverride\b", code):
+            return None  # Doxygen finds the comment by itself: above, behind, in the base
         if re.match(r"\s*(constexpr |explicit )*" + (self.owner or "-") + r"\( .* : .*\{\}$", code, re.S):
             return commented(PLAIN_CONSTRUCTOR, line)
         if re.match(r"\s*friend ", line):
@@ -182,6 +183,8 @@ class Header:
         """Gives each declaration of a paragraph the comment above the paragraph, and each attribute its functions."""
         text, first, index = "", True, 0
         while index < len(self.lines):
+            if TEMPLATE.match(self.lines[index]) and END.match(self.lines[index + 1]):
+                index += 1  # belongs to the class below
             if END.match(self.lines[index]):
                 text = self.comment_above(index + 1) if COMMENT.match(self.lines[index]) else ""
                 if found := CLASS.match(self.lines[index]):

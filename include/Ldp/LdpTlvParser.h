@@ -51,6 +51,7 @@ class VORN_API LdpTlvParser : public Vorn::PtrInterface {
  protected:
    /// Whether so many octets from the offset on lie in the packet.
    bool hasOctets( U64 octets ) const noexcept { return offset_ + octets <= pkt_->frontBytes(); }
+   /// Whether the header lies in the packet.
    bool hasHeader() const noexcept { return hasOctets( sizeof( LdpTlvHdr ) ); }
    /// The view for those who read it without asking further; null unless all of it lies in the packet.
    LdpTlvHdr const * wholeHeader() const noexcept { return hasHeader() ? header_ : nullptr; }
@@ -100,6 +101,7 @@ class LdpBodyTlvParser : public LdpTlvParser {
  protected:
    /// The TLV as its kind, wherever it stands.
    Body * body() const noexcept { return static_cast< Body * >( header_ ); }
+   /// Whether all of the TLV lies in the packet.
    bool hasBody() const noexcept {
       // A body without fields of its own reads as far as its length reaches.
       constexpr bool variable = sizeof( Body ) == sizeof( LdpTlvHdr );
@@ -115,6 +117,7 @@ class LdpBodyTlvParser : public LdpTlvParser {
          return true;
       }
    }
+   /// Whether both hold.
    bool hasBodyOfItsType() const noexcept { return hasBody() && hasTextOfItsType(); }
 };
 

@@ -55,6 +55,7 @@ inline constexpr U32 maxOctets = 256;       ///< no run of octets in a record is
 /// block that the same site opened is closed.
 inline constexpr U16 closeFlag = 0x8000;
 inline constexpr U16 clockFlag = 0x4000;
+/// The greatest number of a call site.
 inline constexpr U16 maxMsgId = 0x3fff;
 
 /// Length word of a run of octets: this flag if it was cut.

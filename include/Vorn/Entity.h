@@ -47,6 +47,7 @@ class VORN_API Entity : public PtrInterface {
    /// Takes the entity down while it is whole: tells its observers, deletes its children with notification,
    /// unbinds the observers, and lets go of what was made meanwhile. Who overrides it calls this.
    void zeroReferencesIs( bool zero ) override;
+   /// The record of the object's own type.
    VornType const * fwkType() const override { return &_vornType; }
 
    /// Gives the entity its name behind its construction, as whoever restores it from a copy does.
@@ -63,6 +64,8 @@ class VORN_API Entity : public PtrInterface {
                                                     Ptr< NboAttrLog::Out > const & out );
    /// The entity's adapter on a log, or null.
    Ptr< StreamAdapter > vornNboAttrLogSa( Ptr< NboAttrLog::Out > const & out ) const;
+   /// For a host that restores entities from a backup of its own; nothing here does, or calls this and the
+   /// next three.
    virtual void reconstruct();
    virtual bool hasBackupSupport() const { return false; }
    virtual void saveConstructParams();

@@ -28,6 +28,7 @@ struct GenericIfMethods {
    void ( *genericIfConstruct )( void * value, void const * from );
    /// Throws where the type has no hash.
    U32 ( *genericIfHash )( void const * value, VornType const * type );
+   /// The text of the value.
    String ( *genericIfStrRep )( void const * value, VornType const * type );
    /// Reads a whole text; throws RangeException and leaves the value as it was.
    void ( *genericIfStrepToValue )( void * value, String const & text, VornType const * type );
@@ -37,10 +38,13 @@ struct GenericIfMethods {
    /// The strict reader: moves `it` behind what it has read.
    void ( *sequenceTo )( String::IteratorConst & it, String::IteratorConst const & end, void * value,
                          VornType const * type );
+   /// Whether the two values are equal.
    bool ( *equal )( void const * a, void const * b );
+   /// Makes `*to` equal to `*from`.
    void ( *assign )( void * to, void const * from );
    /// The value's form in the attribute log; null for a type that has none.
    void ( *logOut )( NboAttrLog::Out & out, void const * value );
+   /// Reads the value from that form.
    void ( *logIn )( NboAttrLog::In & in, void * value );
 };
 
@@ -84,6 +88,7 @@ struct IteratorVTable {
    void ( *iterObj )( VornAttr const & attr, void * it, void * out ); ///< the member into `out`
    void ( *iterKey )( VornAttr const & attr, void * it, void * out ); ///< its key into `out`
    bool ( *iterNonnull )( VornAttr const & attr, void * it );         ///< whether it is not at the end
+   /// To the next member.
    void ( *iterInc )( VornAttr const & attr, void * it );
    void ( *iterDel )( VornAttr const & attr, void * it );    ///< destroys the iterator and frees it
    bool ( *iterMarked )( VornAttr const & attr, void * it ); ///< whether the member is marked for deletion

@@ -87,6 +87,7 @@ VORN_API U32 hashBytes( void const * data, std::size_t bytes ) noexcept;
 /// Hashes of the built-in integers that are too wide to be a hash word themselves.
 template< bool >
 struct VornHashBase {
+   /// The hash of that integer.
    static U32 hashU64( U64 value ) noexcept { return hashWords( value ); }
 };
 

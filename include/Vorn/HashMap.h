@@ -83,8 +83,11 @@ class VORN_API HashMapGeneric {
    void newMemberG( Entity & member, U32 hash );
    /// Takes a member out of its bucket, which leaves its parent, and drops the map's reference.
    void deleteMember( Entity & member, U32 bucket );
+   /// The bucket of keys that have that hash.
    U32 bucketOf( U32 hash ) const noexcept { return bitReverse( hash ) >> ( 32 - exponent_ ); }
+   /// The first member of a bucket, or null.
    Entity * first( U32 bucket ) const noexcept { return buckets_ ? buckets_[bucket] : nullptr; }
+   /// The link of a member.
    Entity *& next( Entity & member ) const noexcept {
       return *reinterpret_cast< Entity ** >( reinterpret_cast< char * >( &member ) + nextPosition_ );
    }
@@ -186,6 +189,7 @@ class HashMap : public HashMapGeneric {
 
    /// For a walk over all members.
    IteratorConst begin() const { return IteratorConst( *this ); }
+   /// The end of such a walk.
    std::nullptr_t end() const noexcept { return nullptr; }
 };
 
@@ -226,6 +230,7 @@ class HashMap< Owner, Member, Key >::IteratorConst {
       map.del( *member_, hash );
       return true;
    }
+   /// To the member that follows, whether or not the present one is still in the map.
    void advance() {
       if ( count_ != map_->modificationCount() ) {
          stand( map_->findNextG( member_.ptr(), &bucket_ ) );

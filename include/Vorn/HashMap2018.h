@@ -215,11 +215,13 @@ class HashMap2018NodeOps {
 /// What the nodes of a map hold, and so what they are.
 template< class Key, class Value, class KeyFunktor >
 struct HashMap2018NodeOf {
+   /// The class of the nodes.
    using Node = HashMap2018NodeInternalKey< Key, Value, KeyFunktor >;
 };
 /// Without a functor the key stands beside the value.
 template< class Key, class Value >
 struct HashMap2018NodeOf< Key, Value, void > {
+   /// The class of the nodes.
    using Node = HashMap2018NodeExternKey< Key, Value, false >;
 };
 

@@ -174,7 +174,9 @@ class Ptr {
    T * ptr() const noexcept { return object_; }
    T * operator->() const noexcept { return object_; }
    T & operator*() const noexcept { return *object_; }
+   /// Whether it points to an object.
    explicit operator bool() const noexcept { return object_ != nullptr; }
+   /// Whether it is null.
    bool operator!() const noexcept { return !object_; }
 
    /// Hands the reference over to the caller and leaves this pointer empty.

@@ -118,6 +118,7 @@ class RbTreeMap : public RbTreeMapGeneric {
    /// The member with that key, or null.
    Node * operator[]( Key const & key ) noexcept { return lookup( key ); }
    Node const * operator[]( Key const & key ) const noexcept { return lookup( key ); }
+   /// Whether there is a member with that key.
    bool has( Key const & key ) const noexcept { return lookup( key ); }
    /// The value under that key, or a default value.
    Value value( Key const & key ) const {
@@ -145,6 +146,7 @@ class RbTreeMap : public RbTreeMapGeneric {
 
    /// For a walk in ascending order.
    IteratorConst begin() const noexcept { return IteratorConst( *this ); }
+   /// The end of such a walk.
    std::default_sentinel_t end() const noexcept { return {}; }
 
    /// Counts the nodes of all maps of this type.
@@ -241,6 +243,7 @@ class RbTreeMap< Owner, Key, Value >::IteratorConst {
    IteratorConst( RbTreeMap const & map, Key const & key ) noexcept : map_( &map ) {
       nodeIs( map.notLess( key ) );
    }
+   /// On the member of another iterator.
    IteratorConst( IteratorConst const & other ) noexcept : map_( other.map_ ) { nodeIs( other.node_ ); }
    IteratorConst & operator=( IteratorConst const & other ) noexcept {
       map_ = other.map_;

@@ -91,7 +91,10 @@ template<>
 struct VORN_API EnumType< unsigned int > {
    /// Name of the enumerator with that value, or null.
    static char const * name( unsigned int value, VornType const * type ) noexcept;
+   /// That name, or the number in decimal where there is none.
    static String valueToStrep( unsigned int value, VornType const * type );
+   /// Reads either from the front of a text and moves `it` behind it; throws RangeException for anything
+   /// else.
    static unsigned int sequenceToValue( String::IteratorConst & it, String::IteratorConst const & end,
                                         VornType const * type );
 };

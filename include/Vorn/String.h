@@ -25,6 +25,7 @@ class VORN_API String {
    /// The `bytes` octets at `octets`.
    String( void const * octets, std::size_t bytes )
         : String( std::string_view( static_cast< char const * >( octets ), bytes ) ) {}
+   /// The octets of another string, shared or taken.
    String( String const & other ) noexcept : data_( other.data_ ) {
       if ( data_ ) refInc( data_->refs );
    }
@@ -39,14 +40,18 @@ class VORN_API String {
 
    /// Number of octets.
    U32 bytes() const noexcept { return data_ ? data_->bytes : 0; }
+   /// Whether there are none.
    bool empty() const noexcept { return bytes() == 0; }
    bool operator!() const noexcept { return empty(); }
    /// The octets, with a zero octet behind the last.
    char const * charPtr() const noexcept {
       return data_ ? reinterpret_cast< char const * >( data_ + 1 ) : nothing_;
    }
+   /// The first octet.
    IteratorConst begin() const noexcept { return charPtr(); }
+   /// Behind the last octet.
    IteratorConst end() const noexcept { return charPtr() + bytes(); }
+   /// The octets as a view, good as long as the string stays.
    std::string_view view() const noexcept { return { charPtr(), bytes() }; }
 
    /// Hash of the octets; 0 for the empty string.

@@ -91,6 +91,7 @@ struct VornAttr {
 
    /// Attribute id; for an enumerator its numeric value.
    constexpr U32 id() const noexcept { return U32( flags ); }
+   /// Kind of the attribute.
    constexpr VornKind kind() const noexcept { return VornKind( flags >> 48 ); }
    /// Whether the attribute log carries it.
    constexpr bool logged() const noexcept { return flags >> 40 & 1; }
