@@ -8,6 +8,7 @@
 #include "commands/watch/Replica.h"
 #include "messages/Decoder.h"
 #include "monitor/Monitor.h"
+#include "standards/Yang.h"
 #include "text/Words.h"
 #include "views/Tree.h"
 #include "views/TreeWatcher.h"
@@ -55,12 +56,13 @@ struct WatchOptions {
    bool pseudowires = false;
    std::optional< std::string > history; // a peer, or "all"
    bool dot = false;
+   bool yang = false;
    bool follow = false;
    bool replicate = false;
    bool check = false;
 
    bool anyView() const {
-      return tree || neighbors || bindings || pseudowires || history || dot || follow || check;
+      return tree || neighbors || bindings || pseudowires || history || dot || yang || follow || check;
    }
 };
 
@@ -126,6 +128,7 @@ void printViews( Output & out, Network const & network, WatchOptions const & opt
    if ( options.bindings ) printBindings( out, network, monitor, bindingsWithin( options ), about );
    if ( options.pseudowires ) printPseudowires( out, network, about );
    if ( options.dot ) printDot( out, network );
+   if ( options.yang && !options.follow ) writeYang( out, network, monitor, about );
 }
 
 /// The same as JSON: the tree alone, or an object with a member for each view.
@@ -160,14 +163,17 @@ int watch( WatchOptions const & options ) {
    try {
       Output out( stdout );
       auto const network = networkFactory( Vorn::Name( "network" ) );
-      bool const live = options.tree || options.json || options.follow || options.replicate;
+      bool const live = options.tree || options.json || ( options.follow && !options.yang ) || options.replicate;
       Monitor monitor( *network, options.input.limits.monitor, options.input.limits.capture.flows,
                        live ? Monitor::live : Monitor::compact );
       std::unique_ptr< Replica > replica;
       if ( options.replicate ) replica = std::make_unique< Replica >( *network );
       JsonWriter followed( out );
       std::optional< TreeWatcher > watcher;
-      if ( options.follow ) {
+      std::optional< YangEvents > events;
+      if ( options.follow && options.yang ) {
+         events.emplace( out, *network, monitor, options.input.peer );
+      } else if ( options.follow ) {
          std::string const speaker =
               options.input.peer ? std::string( options.input.peer->stringValue().view() ) : "";
          watcher.emplace( *network, [&, speaker]( TreeChange const & change ) {
@@ -199,6 +205,7 @@ int watch( WatchOptions const & options ) {
          failure = error.what();
       }
       watcher.reset();
+      events.reset();
       if ( options.json ) {
          writeViews( out, *network, options, monitor.journal() );
       } else {
@@ -254,6 +261,11 @@ void addWatchCommand( CLI::App & app ) {
    command.add_option( "--until", options->input.range.to.frame, "show all as it was with that frame" )
         ->type_name( "FRAME" );
    command.add_flag( "--dot", options->dot, "print speakers, adjacencies and sessions as a graph for dot" )
+        ->excludes( json );
+   command
+        .add_flag( "--yang", options->yang,
+                   "print the state of each speaker as JSON of RFC 9070's YANG modules, its notifications with "
+                   "--follow" )
         ->excludes( json );
    command.add_flag( "--follow", options->follow, "print each change as it comes" );
    auto * const replicate = command.add_flag( "--replicate", options->replicate,
