@@ -209,11 +209,15 @@ void Capture::run( PduSink & sink, CaptureRange const & range ) {
    counters_.repeatedOctets = streams_->repeatedOctets();
    counters_.straySegments = streams_->straySegments();
    counters_.forgottenFlows = streams_->forgotten();
-   pcap_stat system{};
-   if ( live_ && pcap_stats( handle_.get(), &system ) == 0 ) counters_.dropped = system.ps_drop;
    if ( failure.empty() && otherLinkTypes_ && otherLinkTypes_ == counters_.packets )
       failure = unsupported( linkType_ );
    if ( !failure.empty() ) throw InputError( name_ + ": " + failure );
+}
+
+CaptureCounters const & Capture::counters() {
+   pcap_stat system{};
+   if ( live_ && pcap_stats( handle_.get(), &system ) == 0 ) counters_.dropped = system.ps_drop;
+   return counters_;
 }
 
 // Some packets of anything but pcapng; false when there are no more.

@@ -103,6 +103,7 @@ void Monitor::receiverIs( LdpIdentifier const & receiver ) {
 }
 
 void Monitor::onMessage( Message const & message ) {
+   if ( message.bad() ) ++refusals_[message.judge().statusCode()];
    if ( !origin_.flow ) return;
    LdpMsgParser const & parser = message.parser;
    if ( parser.type() != LdpHello ) {
@@ -165,6 +166,7 @@ void Monitor::onSessionMessage( Message const & message ) {
 // Its header may be what is bad, so its sender is whoever speaks on the connection.
 void Monitor::onBadPdu( Pdu const & pdu ) {
    arrive( pdu.origin );
+   ++refusals_[pdu.pdu.statusCode()];
    octets_ = pdu.pdu ? pdu.pdu.pkt()->frontBytes() : 0;
    if ( !connection_ ) return;
    auto const who = [&]( int end, auto const & octets ) {

@@ -45,6 +45,8 @@ class Monitor : public Reporter {
 
    /// The packet that the monitor has come to, and all that it has seen change.
    Journal const & journal() const { return agents_.journal(); }
+   /// How often a message or a PDU was refused, by what is answered to it.
+   std::map< Ldp::LdpStatusCode, std::uint64_t > const & refusals() const { return refusals_; }
    /// What was not kept, because there is too much of it.
    TurnedAway const & turnedAway() const { return agents_.turnedAway(); }
 
@@ -58,6 +60,7 @@ class Monitor : public Reporter {
    Sessions sessions_;
    Connections connections_;
    double expiredAt_ = 0;
+   std::map< Ldp::LdpStatusCode, std::uint64_t > refusals_;
    // Of the PDU in hand: where it comes from, its sender, its connection and which end of that the sender is,
    // and the ends of the session that it belongs to. They are null while the receiver is not known.
    Origin origin_;

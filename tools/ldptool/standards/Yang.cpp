@@ -136,7 +136,7 @@ class SpeakerWriter {
    void writeSession( LdpIdentifier const & peer );
    void writeSessionTerms( LdpSessionStatus const & session );
    void writeReceived( LdpSessionStatus const & session );
-   void writeStatistics( LdpIdentifier const & peer, LdpSessionStatus const & session );
+   void writeStatistics( LdpIdentifier const & peer );
    void writeCounts( char const * name, LdpSessionStatistics const & statistics, bool sent,
                      std::uint64_t octets );
    void writeAdjacencyState( AdjacencyFacts const & adjacency );
@@ -367,12 +367,11 @@ void SpeakerWriter::writePeers() {
 void SpeakerWriter::writeSession( LdpIdentifier const & peer ) {
    auto const session = status_.ldpSessionStatusColl()->sessionStatus( LdpSessionId( peer ) );
    json_.member( "session-state", stateWord( session ? session->sessionState() : stateNonExist ) );
-   if ( !session ) return;
-   SessionState const state = session->sessionState();
+   SessionState const state = session ? session->sessionState() : stateUnknown;
    bool const live = state == stateInitialized || state == stateOpenSent || state == stateOpenRecv ||
                      state == stateOperational;
    if ( live ) writeSessionTerms( *session );
-   writeStatistics( peer, *session );
+   writeStatistics( peer );
 }
 
 /// What the ends have agreed on. What a past session's were, or those of one whose beginning nobody saw, is not told.
@@ -440,14 +439,14 @@ void SpeakerWriter::writeReceived( LdpSessionStatus const & session ) {
    } );
 }
 
-void SpeakerWriter::writeStatistics( LdpIdentifier const & peer, LdpSessionStatus const & session ) {
+void SpeakerWriter::writeStatistics( LdpIdentifier const & peer ) {
    within( "statistics", [&] {
       writeDiscontinuity( monitor_.journal().began() );
       SessionEnd const * const end = monitor_.sessionEnd( speaker_, peer );
       if ( !end ) return;
       writeCounts( "received", *end->statistics, false, end->octetsReceived );
       writeCounts( "sent", *end->statistics, true, end->octetsSent );
-      json_.member( "total-addresses", session.peerIntfIps() );
+      json_.member( "total-addresses", end->status->peerIntfIps() );
       std::vector< U32 > & labels = learned_[peer];
       std::size_t const bindings = labels.size();
       std::sort( labels.begin(), labels.end() );
