@@ -12,6 +12,7 @@
 #include <cstring>
 #include <ctime>
 #include <net/if.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <tuple>
 
@@ -144,6 +145,7 @@ Capture Capture::interface( std::string const & name, CaptureLimits const & limi
    int const status = pcap_setfilter( handle.get(), &program );
    pcap_freecode( &program );
    if ( status != 0 ) throw InputError( name + ": " + pcap_geterr( handle.get() ) );
+   if ( pcap_setnonblock( handle.get(), 1, error ) != 0 ) throw InputError( name + ": " + error );
    Capture capture( name, limits );
    capture.live_ = true;
    capture.interface_ = name;
@@ -238,11 +240,18 @@ bool Capture::readPcap( std::string & failure ) {
          capture.stop();
       }
    };
+   if ( waits_ ) { // by itself libpcap would wait for a packet, and the sink would never be idle on a silent
+                   // link
+      constexpr int milliseconds = 250;
+      pollfd ready{ pcap_get_selectable_fd( handle_.get() ), POLLIN, 0 };
+      ::poll( &ready, 1, milliseconds ); // a signal ends it too
+   }
    int const status =
         pcap_dispatch( handle_.get(), packetsAtOnce, each, reinterpret_cast< u_char * >( this ) );
    if ( thrown_ ) std::rethrow_exception( std::exchange( thrown_, nullptr ) );
    if ( status == PCAP_ERROR ) failure = pcap_geterr( handle_.get() );
-   return status > 0 || ( status == 0 && live_ );
+   waits_ = live_ && status == 0;
+   return status > 0 || waits_;
 }
 
 bool Capture::readPcapng( std::string & failure ) {

@@ -92,6 +92,7 @@ class Capture {
    std::unique_ptr< PcapngReader > pcapng_;
    Handle handle_; // of anything else
    bool live_ = false;
+   bool waits_ = false; ///< the last look at the interface found nothing
    int linkType_ = 0;
    std::string interface_;                             ///< that a live capture listens on
    std::map< std::uint32_t, std::string > interfaces_; ///< by the index that the link header has

@@ -1,7 +1,7 @@
 #pragma once
 
-// Adjacencies with what the model of one speaker alone does not have: its own address on each, which those know that
-// hear it.
+// Adjacencies with what the model of one speaker alone does not have: its own address on each, which those
+// know that hear it.
 
 #include "views/Rows.h"
 
@@ -29,13 +29,14 @@ Ldp::Status const * statusOf( Network const & network, Ldp::LdpIdentifier const 
 std::vector< AdjacencyFacts > adjacenciesOf( Network const & network, Ldp::LdpIdentifier const & speaker,
                                              Ldp::Status const & status );
 
-/// A link as its interface is called: both families of an interface that the capture names are links of their own in
-/// the model.
+/// A link as its interface is called: both families of an interface that the capture names are links of their
+/// own in the model.
 std::string interfaceOf( Lumo::IntfId const & link );
 /// The family of the hellos that the speaker sends on the link.
 Lumo::AddressFamily familyOf( Ldp::Status const & status, Lumo::IntfId const & link );
 
-/// The transport address of that family, from what the speaker and its neighbours have; none where nothing shows it.
+/// The transport address of that family, from what the speaker and its neighbours have; none where nothing
+/// shows it.
 std::optional< Lumo::IpGenAddr > transportOf( Network const & network, Ldp::LdpIdentifier const & speaker,
                                               Ldp::Status const & status, Lumo::AddressFamily family );
 

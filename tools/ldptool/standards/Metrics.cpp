@@ -1,5 +1,5 @@
-// Numbers for Prometheus. All samples of a metric stand together, behind what it is (HELP) and how to read it (TYPE).
-// Values of labels are numbers, addresses and our own names: nothing in them needs an escape.
+// Numbers for Prometheus. All samples of a metric stand together, behind what it is (HELP) and how to read it
+// (TYPE). Values of labels are numbers, addresses and our own names: nothing in them needs an escape.
 #include "standards/Metrics.h"
 
 #include "text/Words.h"
@@ -26,7 +26,8 @@ using Labels = std::initializer_list< Label >;
 /// One metric: its heading is written with it, its samples follow.
 class Metric {
  public:
-   Metric( Output & out, char const * name, char const * type, char const * help ) : out_( out ), name_( name ) {
+   Metric( Output & out, char const * name, char const * type, char const * help )
+        : out_( out ), name_( name ) {
       out << "# HELP " << name << ' ' << help << "\n# TYPE " << name << ' ' << type << '\n';
    }
    template< std::unsigned_integral Number >
@@ -190,7 +191,7 @@ void MetricsWriter::writeSpeakers() {
 }
 
 void MetricsWriter::writeSessions() {
-   constexpr std::array states = { stateNonExist, stateInitialized, stateOpenSent,
+   constexpr std::array states = { stateUnknown,  stateNonExist,    stateInitialized, stateOpenSent,
                                    stateOpenRecv, stateOperational, stateExpired };
    std::vector< std::array< std::size_t, stateExpired + 1 > > counts( speakers_.size() );
    for ( SessionRef const & session : sessions_ )
@@ -205,8 +206,9 @@ void MetricsWriter::writeSessions() {
    for ( SessionRef const & session : sessions_ )
       up.sample( { { "speaker", nameOf( session ) }, { "peer", session.peerName } },
                  unsigned( session.end->status->sessionState() == stateOperational ) );
-   auto start = metric( "ldp_session_start_time_seconds", "gauge",
-                        "When a session became operational, since the epoch; not of one that was up before." );
+   auto start =
+        metric( "ldp_session_start_time_seconds", "gauge",
+                "When a session became operational, since the epoch; not of one that was up before." );
    for ( SessionRef const & session : sessions_ ) {
       LdpSessionStatus const & status = *session.end->status;
       if ( status.sessionUptime() != 0.0 && status.sessionStateReason() != seenAtWork )
@@ -273,8 +275,9 @@ void MetricsWriter::writeCounts( Metric & metric, SessionRef const & session, bo
 }
 
 void MetricsWriter::writeBindingCounts() {
-   auto bindings = metric( "ldp_bindings", "gauge",
-                           "FECs of which the peer has the speaker's label (sent), or the speaker the peer's." );
+   auto bindings =
+        metric( "ldp_bindings", "gauge",
+                "FECs of which the peer has the speaker's label (sent), or the speaker the peer's." );
    for ( SessionRef const & session : sessions_ )
       for ( bool const sent : { true, false } ) {
          SessionEnd const & end = *session.end;

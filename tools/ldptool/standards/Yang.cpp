@@ -51,8 +51,7 @@ class SpeakerWriter {
    SpeakerWriter( JsonWriter & json, Network const & network, Monitor const & monitor,
                   Beginnings const & beginnings, LdpIdentifier const & speaker, Status const & status )
         : json_( json ), network_( network ), monitor_( monitor ), beginnings_( beginnings ),
-          speaker_( speaker ), status_( status ),
-          adjacencies_( adjacenciesOf( network, speaker, status ) ),
+          speaker_( speaker ), status_( status ), adjacencies_( adjacenciesOf( network, speaker, status ) ),
           fecs_( prefixesOf( status, std::nullopt ) ) {
       for ( auto & session : status.ldpSessionStatusColl()->sessionStatusColl() )
          peers_[session.ldpSessionId().peerLdpId()];
@@ -154,7 +153,8 @@ class SpeakerWriter {
    std::vector< AdjacencyFacts > const adjacencies_;
    std::vector< Mpls::FwdEqvClass > const fecs_;
    std::map< LdpIdentifier, std::vector< AdjacencyFacts const * > > peers_;
-   std::map< Lumo::IpGenAddr, std::optional< LdpIdentifier > > addresses_; ///< and the peer; none for one's own
+   std::map< Lumo::IpGenAddr, std::optional< LdpIdentifier > >
+        addresses_;                                        ///< and the peer; none for one's own
    std::map< LdpIdentifier, std::vector< U32 > > learned_; ///< labels, once for each FEC
 };
 
@@ -276,7 +276,8 @@ void SpeakerWriter::writeLinks() {
    };
    std::map< std::string, Interface > interfaces;
    for ( auto & link : status_.ldpLinkStatusColl()->adjLinkStatusColl() )
-      interfaces[interfaceOf( link.intfId() )].speaks[familyOf( status_, link.intfId() ) == Lumo::ipv6] = true;
+      interfaces[interfaceOf( link.intfId() )].speaks[familyOf( status_, link.intfId() ) == Lumo::ipv6] =
+           true;
    for ( AdjacencyFacts const & each : adjacencies_ )
       if ( !each.targeted() )
          interfaces[each.interface].hears[each.family() == Lumo::ipv6].push_back( &each );
@@ -337,7 +338,9 @@ void SpeakerWriter::writePeers() {
                peerRef( id );
                within( "address-families", [&] {
                   for ( Lumo::AddressFamily const family : families ) {
-                     auto const isOf = [&]( AdjacencyFacts const * each ) { return each->family() == family; };
+                     auto const isOf = [&]( AdjacencyFacts const * each ) {
+                        return each->family() == family;
+                     };
                      if ( std::none_of( all.begin(), all.end(), isOf ) ) continue;
                      // A link and a target can have the same two addresses; the link goes first.
                      std::set< std::pair< Lumo::IpGenAddr, Lumo::IpGenAddr > > told;
@@ -374,7 +377,8 @@ void SpeakerWriter::writeSession( LdpIdentifier const & peer ) {
    writeStatistics( peer );
 }
 
-/// What the ends have agreed on. What a past session's were, or those of one whose beginning nobody saw, is not told.
+/// What the ends have agreed on. What a past session's were, or those of one whose beginning nobody saw, is
+/// not told.
 void SpeakerWriter::writeSessionTerms( LdpSessionStatus const & session ) {
    SessionState const state = session.sessionState();
    bool const agreed = session.operKeepAliveTime() != 0 && state == stateOperational;
@@ -394,8 +398,7 @@ void SpeakerWriter::writeSessionTerms( LdpSessionStatus const & session ) {
          if ( !agreed ) return;
          json_.member( "negotiated", session.operKeepAliveTime() );
          if ( session.sessionExpireTime() != 0.0 )
-            json_.member( "remaining",
-                          secondsLeft( session.sessionExpireTime(), monitor_.journal().now() ) );
+            json_.member( "remaining", secondsLeft( session.sessionExpireTime(), monitor_.journal().now() ) );
       } );
    }
    if ( session.localPort() != 0 )
@@ -419,7 +422,8 @@ void SpeakerWriter::writeReceived( LdpSessionStatus const & session ) {
          constexpr U32 milliseconds = 1000;
          auto const time = [&]( char const * name, U32 sent, U32 least, U32 most ) {
             U32 const seconds = sent / milliseconds;
-            if ( seconds >= least && seconds <= most ) json_.member( name, seconds ); // the module has no others
+            if ( seconds >= least && seconds <= most )
+               json_.member( name, seconds ); // the module has no others
          };
          bool const enabled = session.peerGrReconnectTimeout() != 0 || session.operGrSupported();
          json_.member( "enabled", enabled );
@@ -459,16 +463,16 @@ void SpeakerWriter::writeStatistics( LdpIdentifier const & peer ) {
 void SpeakerWriter::writeCounts( char const * name, LdpSessionStatistics const & statistics, bool sent,
                                  std::uint64_t octets ) {
    constexpr std::pair< char const *, LdpMsgType > types[] = {
-        { "address", LdpAddress },
-        { "address-withdraw", LdpAddressWithdraw },
-        { "initialization", LdpInit },
-        { "keepalive", LdpKeepAlive },
-        { "label-abort-request", LdpLabelAbortReq },
-        { "label-mapping", LdpLabelMapping },
-        { "label-release", LdpLabelRelease },
-        { "label-request", LdpLabelRequest },
-        { "label-withdraw", LdpLabelWithdraw },
-        { "notification", LdpNotification },
+      { "address", LdpAddress },
+      { "address-withdraw", LdpAddressWithdraw },
+      { "initialization", LdpInit },
+      { "keepalive", LdpKeepAlive },
+      { "label-abort-request", LdpLabelAbortReq },
+      { "label-mapping", LdpLabelMapping },
+      { "label-release", LdpLabelRelease },
+      { "label-request", LdpLabelRequest },
+      { "label-withdraw", LdpLabelWithdraw },
+      { "notification", LdpNotification },
    };
    within( name, [&] {
       std::uint64_t all = 0;
@@ -496,9 +500,7 @@ void writeYang( Output & out, Network const & network, Monitor & monitor,
    JsonWriter json( out );
    eachVrf( network, [&]( LdpIdentifier const & id, Status const & status ) {
       if ( speaker && id != *speaker ) return;
-      monitor.show( id, [&] {
-         SpeakerWriter( json, network, monitor, beginnings, id, status ).write();
-      } );
+      monitor.show( id, [&] { SpeakerWriter( json, network, monitor, beginnings, id, status ).write(); } );
    } );
 }
 

@@ -1,7 +1,8 @@
 #pragma once
 
-// A speaker's state and what changes in it as a network management system takes them: RFC 7951 JSON of the modules
-// `ietf-mpls-ldp` and `ietf-mpls-ldp-extended` (RFC 9070). What these have and messages do not show is left out.
+// A speaker's state and what changes in it as a network management system takes them: RFC 7951 JSON of the
+// modules `ietf-mpls-ldp` and `ietf-mpls-ldp-extended` (RFC 9070). What these have and messages do not show
+// is left out.
 
 #include "monitor/Monitor.h"
 #include "text/JsonWriter.h"
@@ -14,7 +15,8 @@ namespace LdpTool {
 void writeYang( Output & out, Network const & network, Monitor & monitor,
                 std::optional< Ldp::LdpIdentifier > const & speaker );
 
-/// Writes the notifications of RFC 9070, each as `ietf-restconf:notification` (RFC 8040, 6.4) on a line of its own.
+/// Writes the notifications of RFC 9070, each as `ietf-restconf:notification` (RFC 8040, 6.4) on a line of
+/// its own.
 class YangEvents : public JournalListener {
  public:
    /// Of all speakers, or of that one.
@@ -28,6 +30,7 @@ class YangEvents : public JournalListener {
    void onFec( Ldp::LdpIdentifier const & speaker, Mpls::FwdEqvClass const & fec, bool bound ) override;
 
  private:
+   bool isShared( Ldp::LdpIdentifier const & speaker, Ldp::LdpAdjId const & adjacency ) const;
    bool isWanted( Ldp::LdpIdentifier const & speaker ) const { return !speaker_ || speaker == *speaker_; }
    template< class Content >
    void write( char const * event, bool up, Content const & content );

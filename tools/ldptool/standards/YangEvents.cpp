@@ -34,6 +34,21 @@ void YangEvents::write( char const * event, bool up, Content const & content ) {
    json_.endLine();
 }
 
+/// Whether another adjacency is told by the same words, which have no LDP identifier: that of another label
+/// space.
+bool YangEvents::isShared( LdpIdentifier const & speaker, LdpAdjId const & adjacency ) const {
+   Status const * const status = statusOf( network_, speaker );
+   auto const own = status ? status->ldpAdjStatusColl()->adjStatus( adjacency ) : nullptr;
+   if ( !own ) return false;
+   for ( auto & other : status->ldpAdjStatusColl()->adjStatusColl() ) {
+      LdpAdjId const id = other.ldpAdjId();
+      if ( id != adjacency && id.intfId() == adjacency.intfId() &&
+           id.targetIpAddr() == adjacency.targetIpAddr() && other.peerSrcIpAddr() == own->peerSrcIpAddr() )
+         return true;
+   }
+   return false;
+}
+
 void YangEvents::onChange( Change const & change, LdpAdjId const * adjacency ) {
    if ( !isWanted( change.speaker ) ) return;
    if ( !adjacency ) {
@@ -49,6 +64,7 @@ void YangEvents::onChange( Change const & change, LdpAdjId const * adjacency ) {
       } );
       return;
    }
+   if ( isShared( change.speaker, *adjacency ) ) return;
    write( "ietf-mpls-ldp:mpls-ldp-hello-adjacency-event", change.to == "hears", [&] {
       json_.member( "protocol-name", change.speaker.stringValue() );
       bool const targeted = adjacency->adjType() != LdpLinkAdj;

@@ -143,7 +143,8 @@ std::vector< BindingRow > bindingsOfFec( Status const & status, Mpls::FwdEqvClas
    row.fec = textOf( fec );
    row.local = labelsIn( config->mplsLabelSet()->mplsLabelColl(), true );
    for ( LdpSessionId const & session : sortedKeys( config->sessionMemberColl() ) ) {
-      auto const state = status.ldpFecSessionStatusColl()->fecSessionStatus( LdpFecSessionId( fec, session ) );
+      auto const state =
+           status.ldpFecSessionStatusColl()->fecSessionStatus( LdpFecSessionId( fec, session ) );
       row.peer = session.peerLdpId();
       row.advertised = config->advertisedTo()->ldpIdentifier( row.peer );
       row.sent = labelsIn( state->localLabelStateColl(), mappingSent );

@@ -6,6 +6,7 @@
 #include <arpa/inet.h>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <microhttpd.h>
 #include <netdb.h>
@@ -17,7 +18,8 @@ namespace LdpTool {
 
 namespace {
 
-// What clients can take up: so many connections, each with so much memory for a request, and so long without a word.
+// What clients can take up: so many connections, each with so much memory for a request, and so long without
+// a word.
 constexpr unsigned mostConnections = 16;
 constexpr unsigned silenceSeconds = 10;
 constexpr std::size_t requestOctets = 16 * 1024;
@@ -51,7 +53,9 @@ bool look( std::string const & where, Addresses & addresses ) {
    addrinfo hints{};
    hints.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV | AI_PASSIVE;
    hints.ai_socktype = SOCK_STREAM;
-   return ::getaddrinfo( host.c_str(), port.c_str(), &hints, &addresses.first ) == 0;
+   if ( ::getaddrinfo( host.c_str(), port.c_str(), &hints, &addresses.first ) != 0 ) return false;
+   constexpr unsigned long most = 65535; // of a greater one the resolver takes the last 16 bits
+   return std::strtoul( port.c_str(), nullptr, 10 ) <= most;
 }
 
 MHD_Result answer( MHD_Connection * connection, unsigned status, MHD_Response * response ) {
@@ -117,7 +121,8 @@ MetricsServer::MetricsServer( std::string const & where ) {
    int const error = errno;
    pthread_sigmask( SIG_SETMASK, &before, nullptr );
    if ( !daemon_ )
-      throw InputError( "cannot listen on " + where + ( error ? std::string( ": " ) + std::strerror( error ) : "" ) );
+      throw InputError( "cannot listen on " + where +
+                        ( error ? std::string( ": " ) + std::strerror( error ) : "" ) );
    auto const * const info = MHD_get_daemon_info( daemon_, MHD_DAEMON_INFO_BIND_PORT );
    url_ = "http://" + where.substr( 0, where.rfind( ':' ) + 1 ) + std::to_string( info ? info->port : 0 ) +
           "/metrics";

@@ -1,7 +1,8 @@
 #pragma once
 
-// Metrics over HTTP (GNU libmicrohttpd). Its thread answers with the last text; whoever reads the capture makes a new one
-// when somebody has asked, at most once a second. So no client holds up the capture, however slow it is.
+// Metrics over HTTP (GNU libmicrohttpd). Its thread answers with the last text; whoever reads the capture
+// makes a new one when somebody has asked, at most once a second. So no client holds up the capture, however
+// slow it is.
 
 #include <atomic>
 #include <chrono>
@@ -42,7 +43,7 @@ class MetricsServer {
    std::atomic< bool > wanted_ = false;
    std::mutex mutex_;
    std::condition_variable made_;
-   std::shared_ptr< std::string const > text_;           ///< guarded by the mutex, as all below
+   std::shared_ptr< std::string const > text_;    ///< guarded by the mutex, as all below
    std::chrono::steady_clock::time_point madeAt_; ///< of the text
    bool stopping_ = false;
 };

@@ -69,7 +69,8 @@ struct WatchOptions {
    bool check = false;
 
    bool anyView() const {
-      return tree || neighbors || bindings || pseudowires || history || dot || yang || metrics || follow || check;
+      return tree || neighbors || bindings || pseudowires || history || dot || yang || metrics || follow ||
+             check;
    }
 };
 
@@ -124,8 +125,8 @@ BindingsToTell bindingsToTell( WatchOptions const & options ) {
    return { true, bindingsWithin( options ) };
 }
 
-/// The metrics as they are now. That nothing comes lets hold times run out on an interface too; what the system has
-/// not handed over yet may be that old.
+/// The metrics as they are now. That nothing comes lets hold times run out on an interface too; what the
+/// system has not handed over yet may be that old.
 std::string metricsNow( WatchOptions const & options, Network const & network, Monitor & monitor,
                         Capture & capture ) {
    constexpr double underWay = 2.0;
@@ -158,7 +159,8 @@ void printViews( Output & out, Network const & network, WatchOptions const & opt
    if ( options.tree ) out << treeText( network, TreeContent::stored, wantedBy( options ) );
    if ( options.neighbors || !options.anyView() ) printNeighbors( out, network, journal, about );
    if ( options.history ) printHistory( out, journal, historyOf( options ) );
-   if ( options.bindings && !options.metrics ) printBindings( out, network, monitor, bindingsWithin( options ), about );
+   if ( options.bindings && !options.metrics )
+      printBindings( out, network, monitor, bindingsWithin( options ), about );
    if ( options.pseudowires ) printPseudowires( out, network, about );
    if ( options.dot ) printDot( out, network );
    if ( options.yang && !options.follow ) writeYang( out, network, monitor, about );
@@ -196,7 +198,8 @@ int watch( WatchOptions const & options ) {
    try {
       Output out( stdout );
       auto const network = networkFactory( Vorn::Name( "network" ) );
-      bool const live = options.tree || options.json || ( options.follow && !options.yang ) || options.replicate;
+      bool const live =
+           options.tree || options.json || ( options.follow && !options.yang ) || options.replicate;
       Monitor monitor( *network, options.input.limits.monitor, options.input.limits.capture.flows,
                        live ? Monitor::live : Monitor::compact );
       std::unique_ptr< Replica > replica;
@@ -225,7 +228,8 @@ int watch( WatchOptions const & options ) {
          Capture capture = options.input.open();
          std::optional< Interruptible > ending;
          if ( options.input.live() ) ending.emplace( capture );
-         bool const table = !options.follow && !options.json && !options.replicate && !options.yang && !options.metrics;
+         bool const table =
+              !options.follow && !options.json && !options.replicate && !options.yang && !options.metrics;
          if ( options.input.live() && table && isatty( STDOUT_FILENO ) )
             sink.refresh = [&, last = std::time( nullptr )]() mutable {
                std::time_t const now = std::time( nullptr );
@@ -313,9 +317,10 @@ void addWatchCommand( CLI::App & app ) {
    command.add_flag( "--dot", options->dot, "print speakers, adjacencies and sessions as a graph for dot" )
         ->excludes( json );
    command
-        .add_flag( "--yang", options->yang,
-                   "print the state of each speaker as JSON of RFC 9070's YANG modules, its notifications with "
-                   "--follow" )
+        .add_flag(
+             "--yang", options->yang,
+             "print the state of each speaker as JSON of RFC 9070's YANG modules, its notifications with "
+             "--follow" )
         ->excludes( json );
    auto * const metrics =
         command

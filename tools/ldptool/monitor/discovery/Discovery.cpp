@@ -57,7 +57,8 @@ void unmapTransport( Status & status, LdpIdentifier const & peer, Addr const & t
 void lose( Agent & agent, LdpAdjStatus & adj, char const * cause ) {
    Status & status = agent.status();
    LdpAdjId const id = adj.ldpAdjId();
-   agent.journal().add( { {}, agent.id(), id.ldpIdentifier(), adjacencyText( id ), "hears", "-", cause }, &id );
+   agent.journal().add( { {}, agent.id(), id.ldpIdentifier(), adjacencyText( id ), "hears", "-", cause },
+                        &id );
    Addr const transport = adj.peerIpAddr();
    auto const index = status.index();
    adj.adjStatusCodeIs( holdTimerExpired );
@@ -124,7 +125,8 @@ void Discovery::hear( Agent & agent, LdpAdjId const & id, Addr const & source, H
    if ( isNew ) {
       ++adjacencies_;
       expiries_.add( hello.at + adj->operHoldTime(), { &agent, id } );
-      agent.journal().add( { {}, agent.id(), id.ldpIdentifier(), adjacencyText( id ), "-", "hears", "hello" }, &id );
+      agent.journal().add( { {}, agent.id(), id.ldpIdentifier(), adjacencyText( id ), "-", "hears", "hello" },
+                           &id );
    }
 
    LdpIdentifier const & neighbor = id.ldpIdentifier();
