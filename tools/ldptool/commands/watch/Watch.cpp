@@ -316,17 +316,15 @@ void addWatchCommand( CLI::App & app ) {
         ->type_name( "FRAME" );
    command.add_flag( "--dot", options->dot, "print speakers, adjacencies and sessions as a graph for dot" )
         ->excludes( json );
-   command
-        .add_flag(
-             "--yang", options->yang,
-             "print the state of each speaker as JSON of RFC 9070's YANG modules, its notifications with "
-             "--follow" )
-        ->excludes( json );
+   auto * const yang =
+        command.add_flag( "--yang", options->yang,
+                          "print the state of each speaker as JSON of RFC 9070's YANG modules; "
+                          "with --follow their notifications" );
+   yang->excludes( json );
    auto * const metrics =
-        command
-             .add_flag( "--metrics", options->metrics,
-                        "print numbers for Prometheus; with --bindings each label binding too" )
-             ->excludes( json );
+        command.add_flag( "--metrics", options->metrics,
+                          "print numbers for Prometheus; with --bindings each label binding too" );
+   metrics->excludes( json )->excludes( yang );
    command
         .add_option( "--listen", options->listen,
                      "serve the metrics there over HTTP, with -i: 127.0.0.1:9646, [::1]:9646" )
