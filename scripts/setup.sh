@@ -12,7 +12,7 @@ set -euo pipefail
 packages=( g++ cmake ninja-build ccache pkg-config python3 )
 for group in "$@"; do
    case "$group" in
-      tool | tests) packages+=( libtins-dev libpcap-dev zlib1g-dev libcli11-dev rapidjson-dev ) ;;&
+      tool | tests) packages+=( libtins-dev libpcap-dev libmicrohttpd-dev zlib1g-dev libcli11-dev rapidjson-dev ) ;;&
       tool) ;;
       tests) packages+=( git libgtest-dev librapidcheck-dev libbenchmark-dev python3-jsonschema ) ;;
       clang) packages+=( git clang clang-format libclang-rt-14-dev libc++-14-dev libc++abi-14-dev ) ;;

@@ -38,8 +38,9 @@ ROOMS = {
     "monitor/session": {"capture", "monitor/speaker", "monitor/labels"},
     "monitor": {"capture", "messages", "monitor/speaker", "monitor/discovery", "monitor/labels", "monitor/session"},
     "views": {"capture", "text", "monitor", "monitor/speaker"},
+    "standards": {"capture", "text", "monitor", "monitor/speaker", "views"},
     "findings": {"capture", "text", "messages", "monitor", "monitor/speaker"},
-    "commands": {"capture", "ring", "log", "text", "messages", "reporters", "monitor", "monitor/speaker", "views", "findings"},
+    "commands": {"capture", "ring", "log", "text", "messages", "reporters", "monitor", "monitor/speaker", "views", "standards", "findings"},
 }
 TOOL = pathlib.Path("tools/ldptool")
 

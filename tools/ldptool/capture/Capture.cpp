@@ -149,6 +149,7 @@ Capture Capture::interface( std::string const & name, CaptureLimits const & limi
    int const status = pcap_setfilter( handle.get(), &program );
    pcap_freecode( &program );
    if ( status != 0 ) throw InputError( name + ": " + pcap_geterr( handle.get() ) );
+   if ( pcap_setnonblock( handle.get(), 1, error ) != 0 ) throw InputError( name + ": " + error );
    Capture capture( name, limits );
    capture.live_ = true;
    capture.interface_ = name;
@@ -214,11 +215,15 @@ void Capture::run( PduSink & sink, CaptureRange const & range ) {
    counters_.repeatedOctets = streams_->repeatedOctets();
    counters_.straySegments = streams_->straySegments();
    counters_.forgottenFlows = streams_->forgotten();
-   pcap_stat system{};
-   if ( live_ && pcap_stats( handle_.get(), &system ) == 0 ) counters_.dropped = system.ps_drop;
    if ( failure.empty() && otherLinkTypes_ && otherLinkTypes_ == counters_.packets )
       failure = unsupported( linkType_ );
    if ( !failure.empty() ) throw InputError( name_ + ": " + failure );
+}
+
+CaptureCounters const & Capture::counters() {
+   pcap_stat system{};
+   if ( live_ && pcap_stats( handle_.get(), &system ) == 0 ) counters_.dropped = system.ps_drop;
+   return counters_;
 }
 
 // Some packets of anything but pcapng; false when there are no more.
@@ -239,9 +244,10 @@ bool Capture::readPcap( std::string & failure ) {
          capture.stop();
       }
    };
-   if ( live_ ) {
+   if ( live_ ) { // by itself libpcap would wait for a packet, and the sink would never be idle on a silent
+                  // link
       pollfd packets{ pcap_get_selectable_fd( handle_.get() ), POLLIN, 0 };
-      poll( &packets, 1, waitMilliseconds );
+      poll( &packets, 1, waitMilliseconds ); // a signal ends it too
    }
    int const status =
         pcap_dispatch( handle_.get(), packetsAtOnce, each, reinterpret_cast< u_char * >( this ) );

@@ -56,7 +56,8 @@ class Capture {
    /// End `run` from within a signal handler, or from within the sink.
    void stop();
 
-   CaptureCounters const & counters() const { return counters_; }
+   /// What has been counted up to now, the system's drops included.
+   CaptureCounters const & counters();
 
  private:
    struct PcapCloser {

@@ -42,6 +42,11 @@ void Monitor::show( LdpIdentifier const & speaker, LdpIdentifier const & peer,
    if ( end ) PrefixLabels::hide( *end );
 }
 
+SessionEnd const * Monitor::sessionEnd( LdpIdentifier const & speaker, LdpIdentifier const & peer ) const {
+   Agent * const agent = agents_.find( speaker );
+   return agent && agent->hasSession( peer ) ? &agent->sessionEnd( peer ) : nullptr;
+}
+
 void Monitor::timeIs( double now ) {
    if ( now <= agents_.journal().now() ) return;
    Arrival arrival = agents_.journal().arrival();
@@ -54,6 +59,7 @@ void Monitor::timeIs( double now ) {
 
 void Monitor::onPdu( Pdu const & pdu ) {
    arrive( pdu.origin );
+   octets_ = pdu.pdu.pkt()->frontBytes();
    sender_ = pdu.pdu.ldpIdentifier();
    if ( !connection_ ) return;
    agents_.seen( addressOf( origin_.flow->source, origin_.flow->addressSize ), sender_ );
@@ -92,9 +98,12 @@ void Monitor::receiverIs( LdpIdentifier const & receiver ) {
    received_ = &heard->sessionEnd( sender_ );
    sent_->statistics->ldpPduTxCountInc( 1 );
    received_->statistics->ldpPduRxCountInc( 1 );
+   sent_->octetsSent += octets_;
+   received_->octetsReceived += octets_;
 }
 
 void Monitor::onMessage( Message const & message ) {
+   if ( message.bad() ) ++refusals_[message.judge().statusCode()];
    if ( !origin_.flow ) return;
    LdpMsgParser const & parser = message.parser;
    if ( parser.type() != LdpHello ) {
@@ -157,6 +166,8 @@ void Monitor::onSessionMessage( Message const & message ) {
 // Its header may be what is bad, so its sender is whoever speaks on the connection.
 void Monitor::onBadPdu( Pdu const & pdu ) {
    arrive( pdu.origin );
+   ++refusals_[pdu.pdu.statusCode()];
+   octets_ = pdu.pdu ? pdu.pdu.pkt()->frontBytes() : 0;
    if ( !connection_ ) return;
    auto const who = [&]( int end, auto const & octets ) {
       LdpIdentifier const & known = connection_->ends[end].speaker;

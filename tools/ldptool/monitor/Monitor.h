@@ -38,8 +38,15 @@ class Monitor : public Reporter {
    void show( Ldp::LdpIdentifier const & speaker, Ldp::LdpIdentifier const & peer,
               std::function< void() > const & view );
 
+   /// What the speaker has of its session with the peer; null without one.
+   SessionEnd const * sessionEnd( Ldp::LdpIdentifier const & speaker, Ldp::LdpIdentifier const & peer ) const;
+   /// Who is told of each change; null for nobody. It is not owned.
+   void listenerIs( JournalListener * listener ) { agents_.journal().listenerIs( listener ); }
+
    /// The packet that the monitor has come to, and all that it has seen change.
    Journal const & journal() const { return agents_.journal(); }
+   /// How often a message or a PDU was refused, by what is answered to it.
+   std::map< Ldp::LdpStatusCode, std::uint64_t > const & refusals() const { return refusals_; }
    /// What was not kept, because there is too much of it.
    TurnedAway const & turnedAway() const { return agents_.turnedAway(); }
 
@@ -53,9 +60,11 @@ class Monitor : public Reporter {
    Sessions sessions_;
    Connections connections_;
    double expiredAt_ = 0;
+   std::map< Ldp::LdpStatusCode, std::uint64_t > refusals_;
    // Of the PDU in hand: where it comes from, its sender, its connection and which end of that the sender is,
    // and the ends of the session that it belongs to. They are null while the receiver is not known.
    Origin origin_;
+   std::uint64_t octets_ = 0;
    Ldp::LdpIdentifier sender_;
    Connection * connection_ = nullptr;
    int from_ = 0;

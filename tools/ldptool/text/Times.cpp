@@ -1,6 +1,7 @@
 // Times of packets.
 #include "text/Times.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <ctime>
 #include <optional>
@@ -94,6 +95,17 @@ std::string timeText( Arrival const & arrival ) {
    case TimeStyle::delta: return sinceText( arrival, before );
    }
    return {};
+}
+
+std::string dateAndTime( Arrival const & arrival ) {
+   constexpr std::int64_t last = 253402300799; // of the year 9999: the format has no more
+   std::time_t const second = std::time_t( std::clamp< std::int64_t >( arrival.seconds, 0, last ) );
+   std::tm parts{};
+   gmtime_r( &second, &parts );
+   char text[64];
+   std::size_t const size = std::strftime( text, sizeof text, "%Y-%m-%dT%H:%M:%S", &parts );
+   std::snprintf( text + size, sizeof text - size, ".%06uZ", arrival.nanoseconds / 1000 % 1000000 );
+   return text;
 }
 
 std::string secondText( Arrival const & arrival ) {

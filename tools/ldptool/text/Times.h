@@ -26,6 +26,8 @@ TimeStyle timeStyle();
 std::string timeText( Arrival const & arrival );
 /// Seconds since the epoch, with all nine digits behind the point.
 std::string epochText( std::int64_t seconds, std::int64_t nanoseconds );
+/// Date and time in UTC as RFC 3339 has it: `2026-11-22T12:26:40.000012Z`.
+std::string dateAndTime( Arrival const & arrival );
 /// The same as `timeText` to whole seconds.
 std::string secondText( Arrival const & arrival );
 

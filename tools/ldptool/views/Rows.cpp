@@ -33,37 +33,6 @@ std::string hexText( std::string_view octets ) {
    return text;
 }
 
-/// The FECs of a VRF that are wanted, in order.
-std::set< Mpls::FwdEqvClass > fecsWithin( Status const & status,
-                                          std::optional< Lumo::IpGenPrefix > const & within ) {
-   std::set< Mpls::FwdEqvClass > fecs;
-   for ( auto & config : status.ldpFecConfigColl()->fecConfigColl() ) {
-      if ( !within || isWithin( config.fwdEqvClass().prefix(), *within ) )
-         fecs.insert( config.fwdEqvClass() );
-   }
-   return fecs;
-}
-
-void addPrefixBindings( std::vector< BindingRow > & rows, Status const & status,
-                        Mpls::FwdEqvClass const & fec ) {
-   auto const config = status.ldpFecConfigColl()->fecConfig( fec );
-   BindingRow row;
-   row.fec = textOf( fec );
-   row.local = labelsIn( config->mplsLabelSet()->mplsLabelColl(), true );
-   std::set< LdpIdentifier > peers;
-   for ( auto const & member : config->sessionMemberColl() )
-      peers.insert( member.key().peerLdpId() );
-   for ( LdpIdentifier const & peer : peers ) {
-      auto const state =
-           status.ldpFecSessionStatusColl()->fecSessionStatus( LdpFecSessionId( fec, LdpSessionId( peer ) ) );
-      row.peer = peer;
-      row.advertised = config->advertisedTo()->ldpIdentifier( peer );
-      row.remote = labelsIn( state->peerLabelStateColl(), mappingRcvd );
-      row.inUse = state->isNexthopLsr() && !row.remote.empty();
-      rows.push_back( row );
-   }
-}
-
 void addP2mpBindings( std::vector< BindingRow > & rows, Status const & status,
                       LdpP2mpFecState const & fecState ) {
    auto const fec = fecState.p2mpFecId();
@@ -156,11 +125,42 @@ std::vector< NeighborRow > neighborsOf( Status const & status, LdpIdentifier con
    return rows;
 }
 
+std::vector< Mpls::FwdEqvClass > prefixesOf( Status const & status,
+                                             std::optional< Lumo::IpGenPrefix > const & within ) {
+   std::vector< Mpls::FwdEqvClass > fecs;
+   for ( auto & config : status.ldpFecConfigColl()->fecConfigColl() ) {
+      if ( !within || isWithin( config.fwdEqvClass().prefix(), *within ) )
+         fecs.push_back( config.fwdEqvClass() );
+   }
+   std::sort( fecs.begin(), fecs.end() );
+   return fecs;
+}
+
+std::vector< BindingRow > bindingsOfFec( Status const & status, Mpls::FwdEqvClass const & fec ) {
+   std::vector< BindingRow > rows;
+   auto const config = status.ldpFecConfigColl()->fecConfig( fec );
+   BindingRow row;
+   row.fec = textOf( fec );
+   row.local = labelsIn( config->mplsLabelSet()->mplsLabelColl(), true );
+   for ( LdpSessionId const & session : sortedKeys( config->sessionMemberColl() ) ) {
+      auto const state =
+           status.ldpFecSessionStatusColl()->fecSessionStatus( LdpFecSessionId( fec, session ) );
+      row.peer = session.peerLdpId();
+      row.advertised = config->advertisedTo()->ldpIdentifier( row.peer );
+      row.sent = labelsIn( state->localLabelStateColl(), mappingSent );
+      row.remote = labelsIn( state->peerLabelStateColl(), mappingRcvd );
+      row.inUse = state->isNexthopLsr() && !row.remote.empty();
+      rows.push_back( row );
+   }
+   return rows;
+}
+
 std::vector< BindingRow > bindingsOf( Status const & status,
                                       std::optional< Lumo::IpGenPrefix > const & within ) {
    std::vector< BindingRow > rows;
-   for ( auto const & fec : fecsWithin( status, within ) )
-      addPrefixBindings( rows, status, fec );
+   for ( auto const & fec : prefixesOf( status, within ) )
+      for ( BindingRow & row : bindingsOfFec( status, fec ) )
+         rows.push_back( std::move( row ) );
    if ( within ) return rows;
    std::map< Mpls::FwdEqvClass, LdpP2mpFecState const * > p2mp;
    for ( auto & state : status.p2mpFecStateColl()->p2mpFecStateColl() )

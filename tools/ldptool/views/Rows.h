@@ -39,6 +39,7 @@ struct BindingRow {
    std::set< U32 > local;                 ///< the speaker's labels
    Ldp::LdpIdentifier peer;
    bool advertised = false;
+   std::set< U32 > sent;   ///< those of the speaker's labels that this peer was told; of prefixes alone
    std::set< U32 > remote; ///< the peer's labels
    bool inUse = false;
 };
@@ -63,6 +64,11 @@ struct PseudowireRow {
 
 std::vector< NeighborRow > neighborsOf( Ldp::Status const & status, Ldp::LdpIdentifier const & speaker,
                                         Journal const & journal );
+/// The FECs that are prefixes, of all or of those within a prefix, in order.
+std::vector< Mpls::FwdEqvClass > prefixesOf( Ldp::Status const & status,
+                                             std::optional< Lumo::IpGenPrefix > const & within );
+/// A row for each peer of a FEC that is a prefix.
+std::vector< BindingRow > bindingsOfFec( Ldp::Status const & status, Mpls::FwdEqvClass const & fec );
 /// Of all FECs, or of those within a prefix.
 std::vector< BindingRow > bindingsOf( Ldp::Status const & status,
                                       std::optional< Lumo::IpGenPrefix > const & within );

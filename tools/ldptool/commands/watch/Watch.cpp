@@ -6,10 +6,13 @@
 #include "commands/Interruptible.h"
 #include "commands/SpeakerOption.h"
 #include "commands/watch/LogFile.h"
+#include "commands/watch/MetricsServer.h"
 #include "commands/watch/Publisher.h"
 #include "commands/watch/Replica.h"
 #include "messages/Decoder.h"
 #include "monitor/Monitor.h"
+#include "standards/Metrics.h"
+#include "standards/Yang.h"
 #include "text/Words.h"
 #include "views/Tree.h"
 #include "views/TreeWatcher.h"
@@ -40,6 +43,9 @@ Examples:
   ldptool watch --history=10.0.0.2 session.pcap     when its sessions came and went, and why
   ldptool watch --neighbors --at 12:30:00 s.pcap    the neighbours as they were then
   ldptool watch --dot session.pcap | dot -Tsvg      a picture of the network
+  ldptool watch --metrics session.pcap              numbers for Prometheus
+  ldptool watch --metrics --listen 127.0.0.1:9646 -i eth0
+  ldptool watch --yang session.pcap                 each speaker's state as RFC 9070 has it
   ldptool watch --follow -i eth0                    each change as it comes
   ldptool watch --replicate --check session.pcap    a second process agrees on all that is replicated
   ldptool watch --publish /run/ldp.sock -i eth0     the same state for other processes
@@ -59,6 +65,9 @@ struct WatchOptions {
    bool pseudowires = false;
    std::optional< std::string > history; // a peer, or "all"
    bool dot = false;
+   bool yang = false;
+   bool metrics = false;
+   std::string listen; // where metrics are served; empty for nowhere
    bool follow = false;
    bool replicate = false;
    bool check = false;
@@ -66,7 +75,8 @@ struct WatchOptions {
    std::string log;     // a file
 
    bool anyView() const {
-      return tree || neighbors || bindings || pseudowires || history || dot || follow || check;
+      return tree || neighbors || bindings || pseudowires || history || dot || yang || metrics || follow ||
+             check;
    }
    /// Whether it is there for other processes, and nothing is to be printed.
    bool silent() const { return ( !publish.empty() || !log.empty() ) && !anyView() && !json; }
@@ -78,10 +88,15 @@ class WatchSink : public Decoder {
  public:
    using Decoder::Decoder;
 
+   MetricsServer * server = nullptr;
+   /// What the server is given when somebody asks.
+   std::function< std::string() > metrics;
+
    void onPdu( Origin const & origin, Ldp::LdpPdu const & pdu ) override {
       constexpr unsigned atOnce = 1024;
       Decoder::onPdu( origin, pdu );
       if ( carry && ++waiting_ >= atOnce ) flush();
+      if ( server && server->wanted() ) server->textIs( metrics() );
    }
 
    /// Called whenever a live capture waits.
@@ -90,6 +105,7 @@ class WatchSink : public Decoder {
    std::function< void() > carry;
    void onIdle() override {
       if ( refresh ) refresh();
+      if ( server && server->wanted() ) server->textIs( metrics() );
       if ( carry ) flush();
       Decoder::onIdle();
    }
@@ -112,6 +128,26 @@ std::optional< Ldp::LdpIdentifier > historyOf( WatchOptions const & options ) {
    return *options.history == "all" ? options.input.peer : speakerOf( "--history", *options.history );
 }
 
+BindingsToTell bindingsToTell( WatchOptions const & options ) {
+   if ( !options.bindings ) return {};
+   return { true, bindingsWithin( options ) };
+}
+
+/// The metrics as they are now. That nothing comes lets hold times run out on an interface too; what the
+/// system has not handed over yet may be that old.
+std::string metricsNow( WatchOptions const & options, Network const & network, Monitor & monitor,
+                        Capture & capture ) {
+   constexpr double underWay = 2.0;
+   timespec now{};
+   ::clock_gettime( CLOCK_REALTIME, &now );
+   monitor.timeIs( double( now.tv_sec ) - underWay );
+   std::string text;
+   auto const out = std::make_unique< Output >( text );
+   writeMetrics( *out, network, monitor, capture.counters(), options.input.peer, bindingsToTell( options ) );
+   out->flush();
+   return text;
+}
+
 Wanted wantedBy( WatchOptions const & options ) {
    return [&about = options.input.peer]( Vorn::Entity const & entity ) { return isAbout( about, entity ); };
 }
@@ -132,9 +168,11 @@ void printViews( Output & out, Network const & network, WatchOptions const & opt
    if ( options.tree ) out << treeText( network, TreeContent::stored, wantedBy( options ) );
    if ( options.neighbors || !options.anyView() ) printNeighbors( out, network, journal, about );
    if ( options.history ) printHistory( out, journal, historyOf( options ) );
-   if ( options.bindings ) printBindings( out, network, monitor, bindingsWithin( options ), about );
+   if ( options.bindings && !options.metrics )
+      printBindings( out, network, monitor, bindingsWithin( options ), about );
    if ( options.pseudowires ) printPseudowires( out, network, about );
    if ( options.dot ) printDot( out, network );
+   if ( options.yang && !options.follow ) writeYang( out, network, monitor, about );
 }
 
 /// The same as JSON: the tree alone, or an object with a member for each view.
@@ -169,8 +207,8 @@ int watch( WatchOptions const & options ) {
    try {
       Output out( stdout );
       auto const network = networkFactory( Vorn::Name( "network" ) );
-      bool const observed = options.tree || options.json || options.follow || options.replicate ||
-                            !options.publish.empty() || !options.log.empty();
+      bool const observed = options.tree || options.json || ( options.follow && !options.yang ) ||
+                            options.replicate || !options.publish.empty() || !options.log.empty();
       Monitor monitor( *network, options.input.limits.monitor, options.input.limits.capture.flows,
                        observed ? Monitor::live : Monitor::compact );
       std::unique_ptr< Replica > replica;
@@ -184,7 +222,10 @@ int watch( WatchOptions const & options ) {
       if ( !options.log.empty() ) log.emplace( *network, options.log );
       JsonWriter followed( out );
       std::optional< TreeWatcher > watcher;
-      if ( options.follow ) {
+      std::optional< YangEvents > events;
+      if ( options.follow && options.yang ) {
+         events.emplace( out, *network, monitor, options.input.peer );
+      } else if ( options.follow ) {
          std::string const speaker =
               options.input.peer ? std::string( options.input.peer->stringValue().view() ) : "";
          watcher.emplace( *network, [&, speaker]( TreeChange const & change ) {
@@ -201,11 +242,15 @@ int watch( WatchOptions const & options ) {
          if ( log ) log->flush();
       };
       if ( replica || publisher || log ) sink.carry = carry;
+      std::unique_ptr< MetricsServer > server;
+      if ( !options.listen.empty() ) server = std::make_unique< MetricsServer >( options.listen );
+      CaptureCounters counters;
       std::string failure;
       try {
          Capture capture = options.input.open();
          Interruptible::Ends const ends( ending ? &capture : nullptr );
-         bool const table = !options.follow && !options.json && !options.replicate && !options.silent();
+         bool const table = !options.follow && !options.json && !options.replicate && !options.yang &&
+                            !options.metrics && !options.silent();
          if ( live && table && isatty( STDOUT_FILENO ) )
             sink.refresh = [&, last = std::time( nullptr )]() mutable {
                std::time_t const now = std::time( nullptr );
@@ -214,18 +259,33 @@ int watch( WatchOptions const & options ) {
                out << clearScreen;
                printViews( out, *network, options, monitor );
             };
-         capture.run( sink, options.input.range );
-         tellInput( capture.counters(), monitor.turnedAway() );
+         if ( server ) {
+            sink.metrics = [&] { return metricsNow( options, *network, monitor, capture ); };
+            sink.server = server.get();
+            std::cerr << "ldptool: metrics at " << server->url() << '\n';
+         }
+         try {
+            capture.run( sink, options.input.range );
+         } catch ( InputError const & ) {
+            counters = capture.counters();
+            throw;
+         }
+         counters = capture.counters();
+         tellInput( counters, monitor.turnedAway() );
          if ( capture.endTime() ) monitor.timeIs( *capture.endTime() );
       } catch ( InputError const & error ) {
          if ( !ending || !ending->interrupted() )
             failure = error.what(); // a read that a signal ended is none
       }
+      server.reset();
       watcher.reset();
+      events.reset();
       if ( options.json ) {
          writeViews( out, *network, options, monitor.journal() );
       } else {
          printViews( out, *network, options, monitor );
+         if ( options.metrics && options.listen.empty() )
+            writeMetrics( out, *network, monitor, counters, options.input.peer, bindingsToTell( options ) );
       }
       int result = exitGood;
       if ( replica ) {
@@ -284,6 +344,20 @@ void addWatchCommand( CLI::App & app ) {
         ->type_name( "FRAME" );
    command.add_flag( "--dot", options->dot, "print speakers, adjacencies and sessions as a graph for dot" )
         ->excludes( json );
+   auto * const yang =
+        command.add_flag( "--yang", options->yang,
+                          "print the state of each speaker as JSON of RFC 9070's YANG modules; "
+                          "with --follow their notifications" );
+   yang->excludes( json );
+   auto * const metrics =
+        command.add_flag( "--metrics", options->metrics,
+                          "print numbers for Prometheus; with --bindings each label binding too" );
+   metrics->excludes( json )->excludes( yang );
+   command
+        .add_option( "--listen", options->listen,
+                     "serve the metrics there over HTTP, with -i: 127.0.0.1:9646, [::1]:9646" )
+        ->type_name( "ADDRESS:PORT" )
+        ->needs( metrics );
    command.add_flag( "--follow", options->follow, "print each change as it comes" );
    auto * const replicate = command.add_flag( "--replicate", options->replicate,
                                               "keep a copy in a second process, fed by the attribute log" );
@@ -313,6 +387,11 @@ void addWatchCommand( CLI::App & app ) {
          throw CLI::ValidationError( "--log", "- leaves no room for anything else on the output" );
       if ( file.empty() == interface.empty() )
          throw CLI::ValidationError( "watch", "needs one of FILE and -i IFACE" );
+      if ( !options->listen.empty() ) {
+         if ( !options->input.live() ) throw CLI::ValidationError( "--listen", "needs -i IFACE" );
+         if ( !MetricsServer::isAddress( options->listen ) )
+            throw CLI::ValidationError( "--listen", options->listen + " is not an address with a port" );
+      }
       if ( options->bindings ) bindingsWithin( *options ); // wrong ones are told at once
       if ( options->history ) historyOf( *options );
       options->tree = options->tree || ( options->replicate && !options->anyView() );

@@ -43,13 +43,6 @@ void commonConfigIs( CommonConfig & config, HelloFacts const & facts ) {
 
 bool over( double until, double now ) { return until != 0.0 && until <= now; }
 
-/// How an adjacency is called in the history.
-std::string textOf( LdpAdjId const & id ) {
-   Vorn::String const name =
-        id.adjType() == LdpLinkAdj ? id.intfId().stringValue() : id.targetIpAddr().stringValue();
-   return ( id.adjType() == LdpLinkAdj ? "link " : "target " ) + std::string( name.view() );
-}
-
 /// The peer was behind that transport address by one of its adjacencies, which is gone or has another now.
 void unmapTransport( Status & status, LdpIdentifier const & peer, Addr const & transport ) {
    for ( auto & adj : status.ldpAdjStatusColl()->adjStatusColl() )
@@ -64,7 +57,8 @@ void unmapTransport( Status & status, LdpIdentifier const & peer, Addr const & t
 void lose( Agent & agent, LdpAdjStatus & adj, char const * cause ) {
    Status & status = agent.status();
    LdpAdjId const id = adj.ldpAdjId();
-   agent.journal().add( { {}, agent.id(), id.ldpIdentifier(), textOf( id ), "hears", "-", cause } );
+   agent.journal().add( { {}, agent.id(), id.ldpIdentifier(), adjacencyText( id ), "hears", "-", cause },
+                        &id );
    Addr const transport = adj.peerIpAddr();
    auto const index = status.index();
    adj.adjStatusCodeIs( holdTimerExpired );
@@ -131,7 +125,8 @@ void Discovery::hear( Agent & agent, LdpAdjId const & id, Addr const & source, H
    if ( isNew ) {
       ++adjacencies_;
       expiries_.add( hello.at + adj->operHoldTime(), { &agent, id } );
-      agent.journal().add( { {}, agent.id(), id.ldpIdentifier(), textOf( id ), "-", "hears", "hello" } );
+      agent.journal().add( { {}, agent.id(), id.ldpIdentifier(), adjacencyText( id ), "-", "hears", "hello" },
+                           &id );
    }
 
    LdpIdentifier const & neighbor = id.ldpIdentifier();

@@ -13,6 +13,7 @@ using Lumo::MplsLabel;
 void FecEnd::mapSent( MplsLabel label ) {
    create();
    if ( state->localLabelState( label ) == mappingSent ) return;
+   noteBound();
    noteIn( end.mapped );
    state->localLabelStateIs( label, mappingSent );
    state->withdrawLabelDel( label );
@@ -34,6 +35,7 @@ void FecEnd::mapRcvd( MplsLabel label ) {
       dropPeerLabels( label ); // another label than before the restart
    }
    if ( state->peerLabelState( label ) == mappingRcvd ) return;
+   noteBound();
    noteIn( end.held );
    state->peerLabelStateIs( label, mappingRcvd );
    state->localLabelActivelyReleasedIs( false );
@@ -177,6 +179,7 @@ void FecEnd::releaseRcvd( MplsLabel label ) {
 
 // The session has the label no longer; the FEC keeps it for as long as another session has it.
 void FecEnd::localLabelGone( MplsLabel label ) {
+   noteBound();
    bool const sent = anyLocal( mappingSent );
    localWord( [&]( auto & word ) { word.localMappingSentIs( sent ); } );
    if ( !sent ) config().advertisedTo()->ldpIdentifierDel( end.peer() );
@@ -195,6 +198,7 @@ void FecEnd::localLabelGone( MplsLabel label ) {
 }
 
 void FecEnd::peerLabelGone( MplsLabel label ) {
+   noteBound();
    bool const cached = anyPeer( mappingRcvd );
    peerWord( [&]( auto & word ) { word.peerLabelMappingCachedIs( cached ); } );
    if ( !cached ) {
@@ -235,6 +239,22 @@ void FecEnd::drop() {
       model.ldpFecConfigColl()->fecConfigDel( fec );
       config_ = nullptr;
    }
+}
+
+bool FecEnd::isBound() {
+   if ( !config_ ) config_ = model.ldpFecConfigColl()->fecConfig( fec );
+   return config_ && ( config_->mplsLabelSet()->mplsLabels() != 0 || config_->mappedLsrs() != 0 );
+}
+
+void FecEnd::noteBound() {
+   if ( end.agent.journal().listener() && !wasBound_ ) wasBound_ = isBound();
+}
+
+void FecEnd::tellChange() {
+   if ( !wasBound_ ) return;
+   bool const bound = isBound();
+   if ( bound != *wasBound_ ) end.agent.journal().listener()->onFec( end.agent.id(), fec, bound );
+   wasBound_.reset();
 }
 
 // The speaker's Label Request has its answer.

@@ -42,6 +42,10 @@ struct FecEnd {
       coll->fecSessionStatusBySessionCollIs( end.id )->fecSessionStatusIs( id(), state );
    }
 
+   /// Tells who listens, once all that a message says is written, if the speaker has the first label of the
+   /// FEC, or has lost the last.
+   void tellChange();
+
    void drop();
    void dropIfIdle() {
       if ( state && state->localLabelStates() == 0 && state->peerLabelStates() == 0 &&
@@ -64,6 +68,8 @@ struct FecEnd {
    void dropPeerLabels( AnyLabel but );
    void noteIn( std::optional< std::vector< Fec > > & list );
    bool isReleaseOutstanding() const;
+   bool isBound();
+   void noteBound();
 
    /// The labels in either collection of states that the message names.
    template< class Labels >
@@ -102,15 +108,19 @@ struct FecEnd {
    template< class Change >
    void localWord( Change const & change ) {
       auto word = state->localLabelSessionState();
+      bool const before = word.localMappingSent();
       word.localLabelSessionMembershipIs( true );
       change( word );
+      end.advertised += std::size_t( word.localMappingSent() ) - std::size_t( before );
       state->localLabelSessionStateIs( word );
    }
    template< class Change >
    void peerWord( Change const & change ) {
       auto word = state->peerLabelSessionState();
+      bool const before = word.peerLabelMappingCached();
       word.peerLabelSessionMembershipIs( true );
       change( word );
+      end.learned += std::size_t( word.peerLabelMappingCached() ) - std::size_t( before );
       state->peerLabelSessionStateIs( word );
    }
 
@@ -124,6 +134,7 @@ struct FecEnd {
    void keepState();
 
    Vorn::Ptr< Ldp::LdpFecConfig > config_;
+   std::optional< bool > wasBound_; ///< before the first label came or went; only where somebody listens
 };
 
 /// How many FECs the session has at that end, and which.

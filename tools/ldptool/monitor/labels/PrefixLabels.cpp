@@ -109,6 +109,8 @@ void onMessage( Exchange const & exchange, Fec const & fec, AnyLabel label ) {
    receiver.received( type );
    sender.dropIfIdle();
    receiver.dropIfIdle();
+   sender.tellChange();
+   receiver.tellChange();
 }
 
 // A withdraw is about what its sender has mapped, a release about what its sender has got. What the last
@@ -178,6 +180,7 @@ void forget( SessionEnd & end, bool keepsPeerLabels ) {
       }
       if ( state.state->peerLabelStates() == 0 ) {
          state.drop();
+         state.tellChange();
          continue;
       }
       end.stale.insert( fec );
@@ -198,6 +201,7 @@ void forgetStale( SessionEnd & end ) {
       state.config().membershipDel( fecMemberSessionGr );
       state.dropPeerLabels( {} );
       state.dropIfIdle();
+      state.tellChange();
    }
 }
 

@@ -121,7 +121,7 @@ void Sessions::onKeepAlive( Exchange const & exchange, Connection & connection, 
    } else if ( connection.ends[1 - from].keptAlive && !sender.proposed.made && !receiver.proposed.made ) {
       // KeepAlives both ways: the session was up before the capture began.
       for ( auto [own, peer] : { std::pair( &sender, &receiver ), std::pair( &receiver, &sender ) } )
-         if ( own->status->sessionState() != stateOperational ) operational( *own, *peer, "seen at work" );
+         if ( own->status->sessionState() != stateOperational ) operational( *own, *peer, seenAtWork );
    }
 }
 
@@ -190,7 +190,7 @@ void Sessions::onSignOfLife( Exchange const & exchange ) {
    // Addresses and labels flow on operational sessions alone: the capture has not seen this one begin, or the
    // silence that seemed to end it was the capture's own.
    for ( auto [own, peer] : { std::pair( &sender, &receiver ), std::pair( &receiver, &sender ) } ) {
-      if ( own->status->sessionState() != stateOperational ) operational( *own, *peer, "seen at work" );
+      if ( own->status->sessionState() != stateOperational ) operational( *own, *peer, seenAtWork );
       if ( type != LdpAddress && type != LdpAddressWithdraw )
          own->status->sessionOpStateIs( opStateLabelExchange );
    }

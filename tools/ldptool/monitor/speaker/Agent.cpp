@@ -20,6 +20,12 @@ std::string stateName( Ldp::SessionState state ) {
    return name.starts_with( prefix ) ? name.substr( prefix.size() ) : name;
 }
 
+std::string adjacencyText( Ldp::LdpAdjId const & id ) {
+   bool const link = id.adjType() == Ldp::LdpLinkAdj;
+   Vorn::String const name = link ? id.intfId().stringValue() : id.targetIpAddr().stringValue();
+   return ( link ? "link " : "target " ) + std::string( name.view() );
+}
+
 Addr addressOf( std::array< std::uint8_t, 16 > const & octets, std::uint8_t size ) {
    if ( size == Lumo::IpAddr::size ) {
       Lumo::IpAddr addr;

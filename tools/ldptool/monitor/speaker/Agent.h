@@ -43,6 +43,10 @@ auto sortedKeys( Collection const & members ) {
 
 /// A session's state as a word: "Operational".
 std::string stateName( Ldp::SessionState state );
+/// How an adjacency is called in the history: "link eth0".
+std::string adjacencyText( Ldp::LdpAdjId const & id );
+/// Why a session counts as operational whose beginning the capture does not have.
+inline constexpr char const * seenAtWork = "seen at work";
 
 /// The router that a speaker's identifier names.
 inline Mpls::RouterId routerOf( Ldp::LdpIdentifier const & id ) {
@@ -81,6 +85,9 @@ struct SessionEnd {
    Proposal proposed;    ///< by the speaker
    bool spoke = false;   ///< whether the capture has anything that the speaker sent
    bool watched = false; ///< its deadlines are waited for
+   /// Octets of the PDUs that the speaker has sent to the peer and got from it, on all connections.
+   std::uint64_t octetsSent = 0;
+   std::uint64_t octetsReceived = 0;
    /// The frame at which the connection became the session's, or the session ended.
    std::uint64_t since = 0;
 
@@ -100,6 +107,10 @@ struct SessionEnd {
 
    /// States of prefixes, where the model's objects are made only to be changed or shown.
    std::unordered_map< Mpls::FwdEqvClass, CompactFec, FecHash > compactFecs;
+
+   // Prefixes of which the peer has a label of the speaker's, and the speaker one of the peer's.
+   std::size_t advertised = 0;
+   std::size_t learned = 0;
 
    // P2MP FECs, as the speaker numbers them, and pseudowires: those that the speaker has mapped, and those
    // that the peer has.

@@ -3,13 +3,14 @@
 
 namespace LdpTool {
 
-void Journal::add( Change change ) {
+void Journal::add( Change change, Ldp::LdpAdjId const * adjacency ) {
+   change.at = arrival_;
+   if ( listener_ ) listener_->onChange( change, adjacency );
    if ( most_ == 0 ) return;
    if ( changes_.size() >= most_ ) {
       changes_.pop_front();
       ++turnedAway_.changes;
    }
-   change.at = arrival_;
    changes_.push_back( std::move( change ) );
 }
 

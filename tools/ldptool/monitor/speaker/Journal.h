@@ -5,7 +5,8 @@
 #include "capture/Flow.h"
 #include "monitor/speaker/Limits.h"
 
-#include "Ldp/LdpIdentifier.h"
+#include "Ldp/LdpAdj.h"
+#include "Mpls/FwdEqvClass.h"
 
 #include <deque>
 #include <map>
@@ -26,6 +27,16 @@ struct Change {
    std::string cause;
 };
 
+/// Is told of changes as they come. The model has the change already; what is on its way out is still in it.
+class JournalListener {
+ public:
+   virtual ~JournalListener() = default;
+   /// `adjacency` is null for a change of a session.
+   virtual void onChange( Change const & change, Ldp::LdpAdjId const * adjacency ) = 0;
+   /// The speaker has the first label of a prefix, its own or a peer's, or has lost the last one.
+   virtual void onFec( Ldp::LdpIdentifier const & speaker, Mpls::FwdEqvClass const & fec, bool bound ) = 0;
+};
+
 class Journal {
  public:
    Journal( MonitorLimits const & limits, TurnedAway & turnedAway )
@@ -33,15 +44,21 @@ class Journal {
 
    /// The packet that the monitor has come to, and its time in seconds since the epoch.
    void arrivalIs( Arrival const & arrival ) {
+      if ( !began_ ) began_ = arrival;
       arrival_ = arrival;
       now_ = double( arrival.seconds ) + double( arrival.nanoseconds ) * 1e-9;
    }
    Arrival const & arrival() const { return arrival_; }
    double now() const { return now_; }
+   /// The first packet that the monitor has come to: from there on it has counted. None before there was one.
+   std::optional< Arrival > const & began() const { return began_; }
 
    /// Notes a change at the packet in hand. When there are too many the oldest is forgotten.
-   void add( Change change );
+   void add( Change change, Ldp::LdpAdjId const * adjacency = nullptr );
    std::deque< Change > const & changes() const { return changes_; }
+   /// Who is told of each change; null for nobody. It is not owned.
+   void listenerIs( JournalListener * listener ) { listener_ = listener; }
+   JournalListener * listener() const { return listener_; }
 
    /// How a session of the speaker with the peer ended last; nothing if none did.
    struct Down {
@@ -77,7 +94,9 @@ class Journal {
    std::size_t most_;
    TurnedAway & turnedAway_;
    Arrival arrival_;
+   std::optional< Arrival > began_;
    double now_ = 0;
+   JournalListener * listener_ = nullptr;
    std::deque< Change > changes_;
    std::map< std::pair< Ldp::LdpIdentifier, Ldp::LdpIdentifier >, Down > downs_;
    std::set< std::pair< Ldp::LdpIdentifier, Ldp::LdpIdentifier > > oneSided_;
