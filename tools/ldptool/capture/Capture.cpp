@@ -149,7 +149,6 @@ Capture Capture::interface( std::string const & name, CaptureLimits const & limi
    int const status = pcap_setfilter( handle.get(), &program );
    pcap_freecode( &program );
    if ( status != 0 ) throw InputError( name + ": " + pcap_geterr( handle.get() ) );
-   if ( pcap_setnonblock( handle.get(), 1, error ) != 0 ) throw InputError( name + ": " + error );
    Capture capture( name, limits );
    capture.live_ = true;
    capture.interface_ = name;

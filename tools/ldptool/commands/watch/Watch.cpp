@@ -82,11 +82,20 @@ struct WatchOptions {
    bool silent() const { return ( !publish.empty() || !log.empty() ) && !anyView() && !json; }
 };
 
+/// A silent interface is no reason for a hold time to last. What was captured a moment ago may still come.
+void timeGoesOn( Monitor & monitor ) {
+   constexpr double underWay = 2.0;
+   timespec now{};
+   ::clock_gettime( CLOCK_REALTIME, &now );
+   monitor.timeIs( double( now.tv_sec ) - underWay );
+}
+
 /// Takes what the monitor wrote to the copies in other processes, some PDUs at a time: what changes twice
 /// meanwhile, as every counter does, is sent once.
 class WatchSink : public Decoder {
  public:
-   using Decoder::Decoder;
+   WatchSink( Monitor & monitor, Selection const & selection, Output & out )
+        : Decoder( monitor, selection, out ), monitor_( monitor ) {}
 
    MetricsServer * server = nullptr;
    /// What the server is given when somebody asks.
@@ -104,6 +113,7 @@ class WatchSink : public Decoder {
    /// Carries changes to the copies.
    std::function< void() > carry;
    void onIdle() override {
+      timeGoesOn( monitor_ );
       if ( refresh ) refresh();
       if ( server && server->wanted() ) server->textIs( metrics() );
       if ( carry ) flush();
@@ -116,6 +126,7 @@ class WatchSink : public Decoder {
       waiting_ = 0;
    }
 
+   Monitor & monitor_;
    unsigned waiting_ = 0; ///< PDUs since the last flush
 };
 
@@ -133,14 +144,9 @@ BindingsToTell bindingsToTell( WatchOptions const & options ) {
    return { true, bindingsWithin( options ) };
 }
 
-/// The metrics as they are now. That nothing comes lets hold times run out on an interface too; what the
-/// system has not handed over yet may be that old.
+/// The metrics as they are now.
 std::string metricsNow( WatchOptions const & options, Network const & network, Monitor & monitor,
                         Capture & capture ) {
-   constexpr double underWay = 2.0;
-   timespec now{};
-   ::clock_gettime( CLOCK_REALTIME, &now );
-   monitor.timeIs( double( now.tv_sec ) - underWay );
    std::string text;
    auto const out = std::make_unique< Output >( text );
    writeMetrics( *out, network, monitor, capture.counters(), options.input.peer, bindingsToTell( options ) );
