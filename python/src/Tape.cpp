@@ -1,11 +1,10 @@
 // From tapes to dicts.
 #include "Tape.h"
 
+#include "ByAddress.h"
 #include "Values.h"
 
 #include "reporters/Shape.h"
-
-#include <unordered_map>
 
 namespace LdpPython {
 
@@ -15,14 +14,13 @@ namespace {
 
 /// A str for each literal that is a key.
 PyObject * keyOf( Tape::Item const & item ) {
-   static auto & keys = *new std::unordered_map< char const *, PyObject * >;
-   PyObject *& key = keys[item.key];
-   if ( !key ) {
-      key = PyUnicode_FromStringAndSize( item.key, py::ssize_t( item.keySize ) );
-      if ( !key ) throw py::error_already_set();
-      PyUnicode_InternInPlace( &key );
-   }
-   return key;
+   static auto & keys = *new ByAddress< char, PyObject * >;
+   return keys.of( item.key, [&] {
+      PyObject * made = PyUnicode_FromStringAndSize( item.key, py::ssize_t( item.keySize ) );
+      if ( !made ) throw py::error_already_set();
+      PyUnicode_InternInPlace( &made );
+      return made;
+   } );
 }
 
 } // namespace

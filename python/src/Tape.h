@@ -18,6 +18,12 @@ namespace LdpPython {
 
 class Tape {
  public:
+   /// With room for the messages of most PDUs.
+   Tape() {
+      items_.reserve( 64 );
+      room_.reserve( 1024 );
+   }
+
    enum class Op : U8 {
       pdu,     ///< an object that all messages behind it begin with
       message, ///< an object that begins so

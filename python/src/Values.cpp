@@ -1,6 +1,7 @@
 // Values in Python, by their records.
 #include "Values.h"
 
+#include "ByAddress.h"
 #include "Entities.h"
 
 #include "views/Tree.h"
@@ -9,7 +10,6 @@
 #include "Mpls/FwdEqvClass.h"
 #include "Mpls/Types.h"
 
-#include <array>
 #include <cstring>
 #include <string>
 #include <unordered_map>
@@ -46,12 +46,10 @@ class Kept {
  public:
    template< class Make >
    py::object of( char kind, Lumo::IpGenAddr const & addr, U32 bits, Make const & make ) {
-      Key key{};
-      key[0] = char( kind + addr.family() );
-      key[1] = char( bits );
+      Key key{ {}, U32( kind ) << 16 | U32( addr.family() ) << 8 | bits };
       std::size_t const size = addr.family() == Lumo::ipv4 ? Lumo::IpAddr::size : Lumo::Ip6Addr::size;
       Lumo::IpAddr const ipv4 = addr.ipAddr();
-      std::memcpy( key.data() + 2, addr.family() == Lumo::ipv4 ? ipv4.octets() : addr.octets(), size );
+      std::memcpy( key.octets, addr.family() == Lumo::ipv4 ? ipv4.octets() : addr.octets(), size );
       if ( auto const found = objects_.find( key ); found != objects_.end() ) return found->second;
       if ( objects_.size() >= most ) objects_.clear();
       return objects_[key] = make();
@@ -59,10 +57,15 @@ class Kept {
 
  private:
    static constexpr std::size_t most = 65536;
-   using Key = std::array< char, 2 + Lumo::Ip6Addr::size >;
+   struct Key {
+      U64 octets[2];
+      U32 kind; ///< and family and bits
+      bool operator==( Key const & ) const = default;
+   };
    struct Hash {
       std::size_t operator()( Key const & key ) const {
-         return std::hash< std::string_view >()( { key.data(), key.size() } );
+         U64 const mixed = ( key.octets[0] ^ key.kind ) * 0x9e3779b97f4a7c15 + key.octets[1];
+         return ( mixed ^ mixed >> 32 ) * 0x9e3779b97f4a7c15;
       }
    };
    std::unordered_map< Key, py::object, Hash > objects_;
@@ -242,11 +245,8 @@ Conversion conversionOf( VornType const & type ) {
 }
 
 Conversion const & known( VornType const & type ) {
-   static auto & conversions = *new std::unordered_map< VornType const *, Conversion >;
-   auto const found = conversions.find( &type );
-   if ( found != conversions.end() ) return found->second;
-   Conversion made = conversionOf( type ); // which asks for others
-   return conversions.emplace( &type, std::move( made ) ).first->second;
+   static auto & conversions = *new ByAddress< VornType, Conversion >;
+   return conversions.of( &type, [&] { return conversionOf( type ); } );
 }
 
 void placeParts( VornType const & type, py::handle from, Value & value ) {
@@ -285,12 +285,13 @@ py::object textOf( std::string_view octets ) {
 
 py::object enumeratorOf( VornType const & type, U32 number ) {
    using Names = std::unordered_map< U32, PyObject * >;
-   static auto & types = *new std::unordered_map< VornType const *, Names >;
-   Names & names = types[&type];
-   if ( names.empty() ) {
+   static auto & types = *new ByAddress< VornType, Names >;
+   Names const & names = types.of( &type, [&] {
+      Names all;
       for ( VornAttr const * attr = type.attributes; attr->name; ++attr )
-         names.try_emplace( attr->id(), PyUnicode_InternFromString( attr->name ) );
-   }
+         all.try_emplace( attr->id(), PyUnicode_InternFromString( attr->name ) );
+      return all;
+   } );
    auto const found = names.find( number );
    if ( found == names.end() ) return py::int_( number );
    return py::reinterpret_borrow< py::object >( found->second );
