@@ -33,8 +33,9 @@ bool Collection::has( py::handle key ) const {
    GenericIf::Value at( attr_.keyType );
    try {
       fromPython( *attr_.keyType, key, at );
-   } catch ( py::key_error const & ) {
-      return false;
+   } catch ( py::error_already_set const & error ) {
+      if ( error.matches( PyExc_KeyError ) ) return false;
+      throw;
    }
    return LdpTool::has( *entity_, attr_, at.data() );
 }
@@ -81,14 +82,15 @@ py::list Collection::list( bool keys, bool values ) const {
    return list;
 }
 
-py::object Collection::snapshot( py::object ( *of )( Entity const &, SourcePtr const & ) ) const {
+py::object Collection::snapshot( py::object ( *of )( Entity const &, bool, SourcePtr const & ) ) const {
    if ( attr_.isSet() ) return keys();
    bool const queue = attr_.kind() == VornKind::queue;
    py::dict all;
    py::list row;
    for ( py::handle pair : items() ) {
       py::object value = pair.cast< py::tuple >()[1];
-      if ( attr_.instantiating() ) value = of( entityOf( value ), source_ );
+      bool const entity = LdpTool::isReference( *attr_.type ) && !value.is_none();
+      if ( entity ) value = of( entityOf( value ), attr_.instantiating(), source_ );
       if ( queue ) {
          row.append( value );
       } else {

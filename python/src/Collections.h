@@ -26,8 +26,9 @@ class Collection {
    py::list items() const { return list( true, true ); }
    std::string repr( char const * kind ) const;
 
-   /// The same as dict or list, with what `of` makes of members that are entities.
-   py::object snapshot( py::object ( *of )( Vorn::Entity const & entity, SourcePtr const & source ) ) const;
+   /// The same as dict or list, with what `of` makes of members that are entities, owned or referred to.
+   py::object snapshot( py::object ( *of )( Vorn::Entity const & entity, bool owned,
+                                            SourcePtr const & source ) ) const;
 
  private:
    py::list list( bool keys, bool values ) const;

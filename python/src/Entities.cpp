@@ -52,10 +52,17 @@ void dealloc( PyObject * self ) {
    Py_DECREF( type );
 }
 
+/// Its name or key as a text, without the quotes that names have elsewhere.
+py::object nameOf( Entity const & entity ) {
+   Vorn::String text = entity.nameText();
+   if ( text.view().starts_with( '\'' ) ) Vorn::strepToValue( Vorn::String( text ), &text );
+   return textOf( text.view() );
+}
+
 PyObject * repr( PyObject * self ) {
    return guarded( [&]() -> py::object {
       return py::str( "<" ) + py::str( Py_TYPE( self )->tp_name ) + py::str( " " ) +
-             textOf( of( self ).entity->nameText().view() ) + py::str( ">" );
+             nameOf( *of( self ).entity ) + py::str( ">" );
    } );
 }
 
@@ -75,17 +82,22 @@ PyObject * get( PyObject * self, void * attr ) {
    } );
 }
 
-py::object snapshotOf( Entity const & entity, SourcePtr const & source ) {
+bool isReference( VornAttr const & attr ) { return !attr.keyed() && LdpTool::isReference( *attr.type ); }
+
+/// A member that stands for itself, or by its name for another.
+py::object snapshotOf( Entity const & entity, bool owned, SourcePtr const & source ) {
+   if ( !owned ) return nameOf( entity );
    py::dict all;
    for ( VornAttr const * attr = entity.fwkType()->attributes; attr->name; ++attr ) {
       if ( !isShown( *attr ) || !LdpTool::belongs( *attr, LdpTool::TreeContent::stored ) ) continue;
       py::object value;
       if ( attr->kind() == VornKind::child ) {
          auto const child = LdpTool::childOf( entity, *attr );
-         value = child ? snapshotOf( *child, source ) : py::none();
+         value = child ? snapshotOf( *child, true, source ) : py::none();
       } else {
          value = attributeOf( entity, *attr, source );
          if ( attr->keyed() ) value = value.cast< Collection const & >().snapshot( snapshotOf );
+         if ( isReference( *attr ) && !value.is_none() ) value = nameOf( entityOf( value ) );
       }
       all[attr->name] = value;
    }
@@ -93,7 +105,7 @@ py::object snapshotOf( Entity const & entity, SourcePtr const & source ) {
 }
 
 PyObject * snapshot( PyObject * self, PyObject * ) {
-   return guarded( [&] { return snapshotOf( *of( self ).entity, of( self ).source ); } );
+   return guarded( [&] { return snapshotOf( *of( self ).entity, true, of( self ).source ); } );
 }
 
 PyObject * observe( PyObject * self, PyObject * args, PyObject * keywords ) {

@@ -25,7 +25,9 @@ std::string attributeForm( VornAttr const & attr ) {
 
 py::list records() {
    py::list all;
-   for ( VornType const * type : Vorn::typeNodes() ) {
+   auto types = Vorn::typeNodes();
+   types.insert( types.begin(), &Vorn::Entity::_vornType ); // which is in no table, being nobody's type
+   for ( VornType const * type : types ) {
       bool const entity = type->isDerived( &Vorn::Entity::_vornType );
       bool const tuple = !entity && isTuple( *type );
       if ( !entity && !tuple && !type->isEnum() ) continue;

@@ -313,7 +313,7 @@ void fromPython( VornType const & type, py::handle from, Value & value ) {
    try {
       octets = py::str( from ).attr( "encode" )( "latin-1" ).cast< std::string >();
    } catch ( py::error_already_set const & ) {
-      throw py::key_error( "no " + c.form );
+      throwKeyError( from );
    }
    if ( c.only ) {
       Value part( c.only->type );
@@ -328,8 +328,13 @@ void fromPython( VornType const & type, py::handle from, Value & value ) {
       bool const quoted = c.form == "str" && value.stringValue().view().starts_with( '\'' );
       value.stringValueIs( quoted ? Vorn::valueToStrep( plain ) : plain );
    } catch ( Vorn::Exception const & ) {
-      throw py::key_error( py::repr( from ).cast< std::string >() );
+      throwKeyError( from );
    }
+}
+
+void throwKeyError( py::handle key ) {
+   PyErr_SetObject( PyExc_KeyError, key.ptr() );
+   throw py::error_already_set();
 }
 
 } // namespace LdpPython

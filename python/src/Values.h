@@ -20,6 +20,9 @@ py::object toPython( Vorn::VornType const & type, void const * value, SourcePtr 
 /// what is no such value.
 void fromPython( Vorn::VornType const & type, py::handle from, Vorn::GenericIf::Value & value );
 
+/// Throws KeyError as a dict does.
+[[noreturn]] void throwKeyError( py::handle key );
+
 /// A text is octets that a peer may have chosen: each reads as the code point of its value, as in JSON.
 py::object textOf( std::string_view octets );
 
