@@ -113,11 +113,11 @@ py::object collectionOf( Entity const & entity, VornAttr const & attr, SourcePtr
 void addCollections( py::module_ & module ) {
    auto const iterator = []( py::list const & list ) { return py::iter( list ); };
    py::class_< Collection >( module, "Collection", "Members of a live object, as they are at the moment." )
-        .def( "__len__", &Collection::size )
-        .def( "__contains__", &Collection::has );
+        .def( "__len__", &Collection::size );
    py::class_< Mapping, Collection >( module, "Mapping",
                                       "Members by their keys; a text of a key will do as the key." )
         .def( "__iter__", [=]( Mapping const & self ) { return iterator( self.keys() ); } )
+        .def( "__contains__", &Mapping::has )
         .def( "__getitem__", &Mapping::at )
         .def( "__repr__", []( Mapping const & self ) { return self.repr( "Mapping" ); } )
         .def(
@@ -130,6 +130,7 @@ void addCollections( py::module_ & module ) {
         .def( "values", &Mapping::values, "The members, as a list." )
         .def( "items", &Mapping::items, "Pairs of key and member, as a list." );
    py::class_< Set, Collection >( module, "Set", "Keys alone." )
+        .def( "__contains__", &Set::has )
         .def( "__iter__", [=]( Set const & self ) { return iterator( self.keys() ); } )
         .def( "__repr__", []( Set const & self ) { return self.repr( "Set" ); } );
    py::class_< Queue, Collection >( module, "Queue",

@@ -15,6 +15,7 @@ PYBIND11_MODULE( _ldp, module ) {
    using namespace LdpPython;
    // Threads of Python decode at the same time.
    Vorn::VFPtrInterface::threadSafePointers_ = true;
+   module.attr( "__name__" ) = "ldp"; // where people find what is made here
    addErrors( module );
    addRecords( module );
    addCollections( module );
@@ -26,4 +27,5 @@ PYBIND11_MODULE( _ldp, module ) {
    module.def( "define_types",
                []( py::module_ const & into, py::dict const & texts ) { defineTypes( into, texts ); } );
    module.attr( "__version__" ) = LDP_VERSION;
+   module.attr( "__name__" ) = "_ldp";
 }

@@ -38,6 +38,9 @@ class Tape {
       octets, ///< and as bytes
       typed,  ///< a value of a type with a record
    };
+   struct Octets {
+      U32 at, size; ///< in `room_`
+   };
    struct Item {
       char const * key; ///< a literal; null in an array
       U32 keySize;
@@ -46,9 +49,7 @@ class Tape {
       union {
          U64 number;
          double real;
-         struct {
-            U32 at, size; ///< in `room_`
-         } octets;
+         Octets octets;
       };
    };
 

@@ -73,24 +73,28 @@ Watch::Watch( std::string const & path, CaptureRange range )
 }
 
 void Watch::read( int packets ) {
+   std::exception_ptr failure; // what was read before it counts
    write( *source_, [&] {
       try {
          more_ = capture_.read( packets );
-      } catch ( ... ) { // what was read before it counts
+      } catch ( InputError const & ) {
          more_ = false;
-         throw;
+         failure = std::current_exception();
       }
-      if ( !more_ ) end();
-      for ( auto const & publication : publications_ )
-         publication->flush();
+      if ( !more_ && capture_.endTime() ) monitor_.timeIs( *capture_.endTime() );
+      for ( auto at = publications_.begin(); at != publications_.end(); ++at ) {
+         try {
+            ( *at )->flush();
+         } catch ( ... ) { // nobody reads there any more
+            publications_.erase( at );
+            throw;
+         }
+      }
    } );
    decoder_.warnNow( path_ );
-}
-
-void Watch::end() {
-   if ( capture_.endTime() ) monitor_.timeIs( *capture_.endTime() );
-   TurnedAway const & away = monitor_.turnedAway();
-   if ( away ) warn( path_ + ": more speakers, adjacencies or FECs than are followed" );
+   if ( failure ) std::rethrow_exception( failure );
+   if ( !more_ && monitor_.turnedAway() )
+      warn( path_ + ": more speakers, adjacencies or FECs than are followed" );
 }
 
 void Watch::run() {

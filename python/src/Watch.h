@@ -44,7 +44,6 @@ class Watch {
 
  private:
    void read( int packets );
-   void end();
 
    std::string const path_;
    SourcePtr const source_ = std::make_shared< Source >();
