@@ -113,7 +113,7 @@ def test_stubs_and_texts():
 
 
 @pytest.mark.skipif(not shutil.which("mypy"), reason="no mypy")
-def test_types_of_examples():
+def test_stubs_by_mypy():
     package = pathlib.Path(ldp.__file__).parents[1]
     result = subprocess.run(["mypy", "--strict", "--cache-dir", "/dev/null", "--python-executable", sys.executable,
                              str(package / "ldp" / "__init__.pyi")], capture_output=True, text=True)
