@@ -19,7 +19,9 @@ VORN_ENUM( PrefixAction, VORN_ACL_PREFIX_ACTIONS )
 struct PrefixEntry {
    /// An IPv4 address and a mask length in bits.
    struct Prefix {
+      /// The address.
       Lumo::IpAddr address;
+      /// Length of the mask in bits.
       U32 len = 0;
    };
    Prefix prefix;              ///< what a FEC must lie in
@@ -37,6 +39,7 @@ class VORN_API PrefixList : public Vorn::Entity {
    /// The log carries the list, to which a filter refers, and nothing of it.
    static constexpr bool vornOnLog = true;
 
+   /// Entries by sequence number.
    using Entries = Vorn::RbTreeMap< PrefixList, U32, PrefixEntry >;
 
    explicit PrefixList( Vorn::Name const & name ) : name_( name ) {}
@@ -46,6 +49,7 @@ class VORN_API PrefixList : public Vorn::Entity {
    Entries const & prefixEntryColl() const noexcept { return prefixEntry_; }
    /// Enters an entry, or replaces the one with that sequence number.
    void prefixEntryIs( U32 sequence, PrefixEntry const & entry ) { prefixEntry_.valueIs( sequence, entry ); }
+   /// Removes the entry with that sequence number, if there is one.
    void prefixEntryDel( U32 sequence ) { prefixEntry_.del( sequence ); }
 
  private:

@@ -10,12 +10,14 @@ namespace Bridging {
 /// A VLAN id, or 0 for no VLAN (IEEE 802.1Q).
 class VORN_API VlanIdOrNone {
  public:
+   /// The largest VLAN id.
    static constexpr U16 max = 4094;
 
    constexpr VlanIdOrNone() noexcept = default;
    /// Throws RangeException for a value above 4094.
    explicit VlanIdOrNone( U16 value );
 
+   /// The id as a number; 0 for none.
    constexpr U16 value() const noexcept { return value_; }
    VORN_FROM_LOG( VlanIdOrNone )
    /// Whether the value equals a default one.

@@ -17,7 +17,9 @@ class VORN_API VrfName {
    /// Throws RangeException for a longer name.
    explicit VrfName( Vorn::String name );
 
+   /// The name as it stands.
    Vorn::String const & stringValue() const noexcept { return name_; }
+   /// Equal values have equal hashes.
    U32 hash() const noexcept { return name_.hash(); }
 
    VORN_FROM_LOG( VrfName )

@@ -39,7 +39,9 @@ class VORN_API LdpAdjId {
 
    /// A link adjacency has an interface; without one it is targeted.
    VORN_VALUE_FUNCTION( 0x5, LdpAdjType, adjType );
+   /// Name of the attribute that stands for the whole value.
    VORN_CONSTANT( 0x6, Vorn::String, defaultAttribute, "stringValue" );
+   /// The text above, written and read. The reader throws RangeException for a text that is not of that form.
    VORN_VALUE_TEXT( 0x7, stringValue, stringValueIs );
    /// Leaves out the target address: all targeted adjacencies of a peer fall into one chain, where equality
    /// tells them apart. A `HashMap2018` bears 16,383 of them (`LdpPeerConfig::ldpAdj`, `LdpTargetStatus`; one
@@ -77,6 +79,7 @@ class VORN_API LdpAdjConfigColl : public Vorn::Entity {
    explicit LdpAdjConfigColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The configurations, by adjacency.
    VORN_ENTITY_COLL( 0x102, LdpAdjConfig, LdpAdjId, adjConfig, AdjConfig, replicated );
 
    VORN_OBSERVERS;
@@ -107,8 +110,9 @@ class VORN_API LdpAdjStatus : public Vorn::Entity {
    VORN_MUTABLE( 0x109, Lumo::IpGenAddr, peerSrcIpAddr, PeerSrcIpAddr, replicated ) = Lumo::IpAddr();
    /// Configuration sequence number of the last hello.
    VORN_MUTABLE( 0x10a, U32, peerConfigSeqNum, PeerConfigSeqNum, local ) = 0;
-   /// Hellos received, and those of them that were bad.
+   /// Hellos received.
    VORN_COUNTER( 0x10b, U32, rxPktCount, RxPktCount, local ) = 0;
+   /// Hellos received that were bad; `rxPktCount` counts them as well.
    VORN_COUNTER( 0x10c, U32, errPktCount, ErrPktCount, local ) = 0;
 
    VORN_NEXT_LINK;
@@ -124,6 +128,7 @@ class VORN_API LdpAdjStatusColl : public Vorn::Entity {
    explicit LdpAdjStatusColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The adjacencies, by their identity.
    VORN_ENTITY_COLL( 0x102, LdpAdjStatus, LdpAdjId, adjStatus, AdjStatus, replicated );
 
    VORN_OBSERVERS;
@@ -138,6 +143,7 @@ class VORN_API LdpAdjPerLink : public Vorn::Entity {
    explicit LdpAdjPerLink( Lumo::IntfId const & intfId ) : intfId_( intfId ) {}
 
    VORN_KEY( 0x102, Lumo::IntfId, intfId );
+   /// The adjacencies.
    VORN_VALUE_COLL( 0x103, bool, LdpAdjId, ldpAdj, LdpAdj, local );
 
    VORN_NEXT_LINK;

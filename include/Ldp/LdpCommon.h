@@ -25,8 +25,9 @@ class VORN_API LdpMsg : public Vorn::PtrInterface {
    /// Source address of the packet.
    Lumo::IpAddr const & srcIpAddr() const noexcept { return srcIpAddr_; }
    void srcIpAddrIs( Lumo::IpAddr const & srcIpAddr ) noexcept { srcIpAddr_ = srcIpAddr; }
-   /// The packet, which the message keeps alive, and the offset of the message header in it.
+   /// The packet, which the message keeps alive.
    Vorn::Ptr< Lumo::Pkt > const & pkt() const noexcept { return pkt_; }
+   /// Where the message header begins, in octets from the packet's front.
    U16 offset() const noexcept { return offset_; }
    /// For whoever orders messages.
    U8 priority() const noexcept { return priority_; }
@@ -72,6 +73,7 @@ class VORN_API LdpFecSessionMsgPipe : public LdpMsgPipe {
  public:
    explicit LdpFecSessionMsgPipe( Vorn::Name const & name ) : LdpMsgPipe( name ) {}
 
+   /// The FEC session that the message in the pipe is for.
    VORN_MUTABLE( 0x182, LdpFecSessionId, ldpFecSessionId, LdpFecSessionId, local );
 
    VORN_BASE_OBSERVERS;
@@ -87,6 +89,7 @@ class VORN_API LdpP2mpSessionLocalLabelMsgPipe : public LdpMsgPipe {
         : LdpMsgPipe( Vorn::Name() ), ldpSessionId_( ldpSessionId ) {}
 
    VORN_KEY( 0x182, LdpSessionId, ldpSessionId );
+   /// The FEC session that the message in the pipe is for.
    VORN_MUTABLE( 0x183, LdpFecSessionId, p2mpFecSessionId, P2mpFecSessionId, local );
 
    VORN_NEXT_LINK;
@@ -104,6 +107,7 @@ class VORN_API LdpP2mpSessionRemoteLabelMsgPipe : public LdpMsgPipe {
         : LdpMsgPipe( Vorn::Name() ), ldpSessionId_( ldpSessionId ) {}
 
    VORN_KEY( 0x182, LdpSessionId, ldpSessionId );
+   /// The FEC session that the message in the pipe is for.
    VORN_MUTABLE( 0x183, LdpFecSessionId, p2mpFecSessionId, P2mpFecSessionId, local );
 
    VORN_NEXT_LINK;
@@ -120,6 +124,7 @@ class VORN_API LdpTargetMsgPipeCollection : public Vorn::Entity {
    explicit LdpTargetMsgPipeCollection( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The pipes, by target address.
    VORN_REFERENCE_COLL( 0x102, LdpMsgPipe, Lumo::IpAddr, msgPipe, MsgPipe, local );
 
    VORN_OBSERVERS;
@@ -133,6 +138,7 @@ class VORN_API LdpLinkMsgPipeCollection : public Vorn::Entity {
    explicit LdpLinkMsgPipeCollection( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The pipes, by interface.
    VORN_REFERENCE_COLL( 0x102, LdpMsgPipe, Lumo::IntfId, msgPipe, MsgPipe, local );
 
    VORN_OBSERVERS;
@@ -146,6 +152,7 @@ class VORN_API LdpAdjMsgPipeCollection : public Vorn::Entity {
    explicit LdpAdjMsgPipeCollection( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The pipes, by adjacency.
    VORN_REFERENCE_COLL( 0x102, LdpMsgPipe, LdpAdjId, msgPipe, MsgPipe, local );
 
    VORN_OBSERVERS;
@@ -159,6 +166,7 @@ class VORN_API LdpSessionMsgPipeColl : public Vorn::Entity {
    explicit LdpSessionMsgPipeColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The pipes, by session.
    VORN_REFERENCE_COLL( 0x102, LdpMsgPipe, LdpSessionId, msgPipe, MsgPipe, local );
 
    VORN_OBSERVERS;
@@ -172,6 +180,7 @@ class VORN_API LdpFecSessionMsgPipeColl : public Vorn::Entity {
    explicit LdpFecSessionMsgPipeColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The pipes, by session.
    VORN_REFERENCE_COLL( 0x102, LdpFecSessionMsgPipe, LdpSessionId, msgPipe, MsgPipe, local );
 
    VORN_OBSERVERS;
@@ -185,6 +194,7 @@ class VORN_API LdpP2mpSessionLocalLabelMsgPipeColl : public LdpMsgPipe {
  public:
    explicit LdpP2mpSessionLocalLabelMsgPipeColl( Vorn::Name const & name ) : LdpMsgPipe( name ) {}
 
+   /// The pipes, by session.
    VORN_ENTITY_COLL( 0x182, LdpP2mpSessionLocalLabelMsgPipe, LdpSessionId, p2mpFecSessionLocalLabelMsgPipe,
                      P2mpFecSessionLocalLabelMsgPipe, local );
 
@@ -198,6 +208,7 @@ class VORN_API LdpP2mpSessionRemoteLabelMsgPipeColl : public LdpMsgPipe {
  public:
    explicit LdpP2mpSessionRemoteLabelMsgPipeColl( Vorn::Name const & name ) : LdpMsgPipe( name ) {}
 
+   /// The pipes, by session.
    VORN_ENTITY_COLL( 0x182, LdpP2mpSessionRemoteLabelMsgPipe, LdpSessionId, p2mpFecSessionRemoteLabelMsgPipe,
                      P2mpFecSessionRemoteLabelMsgPipe, local );
 

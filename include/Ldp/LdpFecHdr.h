@@ -19,6 +19,7 @@ class VORN_API LdpFecTlvElementHdrTypeField : public Lumo::NetU8 {
  public:
    using NetU8::NetU8;
 
+   /// The octet; an `LdpFecElementType` or any other number.
    U8 type() const noexcept { return value(); }
    void typeIs( U8 type ) noexcept { valueIs( type ); }
 };
@@ -28,8 +29,10 @@ class VORN_API LdpFecTlvElementHdr : public Vorn::NrcPtrInterface {
    VORN_REFLECTED( LdpFecTlvElementHdr, void )
 
  public:
+   /// The type as it stands on the wire.
    LdpFecTlvElementHdrTypeField typeField() const noexcept { return typeField_; }
    void typeFieldIs( LdpFecTlvElementHdrTypeField field ) noexcept { typeField_ = field; }
+   /// The type; any octet may come, it need not be an enumerator.
    LdpFecElementType type() const noexcept { return LdpFecElementType( typeField_.type() ); }
    void typeIs( LdpFecElementType type ) noexcept { typeField_.typeIs( U8( type ) ); }
 
@@ -49,8 +52,10 @@ class VORN_API LdpFecTlvPrefixElementHdr : public LdpFecTlvElementHdr {
    VORN_REFLECTED( LdpFecTlvPrefixElementHdr, LdpFecTlvElementHdr )
 
  public:
+   /// Address family, the raw field.
    Lumo::NetU16 familyNbo() const noexcept { return family_; }
    void familyNboIs( Lumo::NetU16 family ) noexcept { family_ = family; }
+   /// Address family; any number may come, it need not be an enumerator.
    Lumo::AddressFamily family() const noexcept { return Lumo::AddressFamily( family_.value() ); }
    /// Prefix length in bits.
    U8 prefixBits() const noexcept { return prefixBits_; }
@@ -68,8 +73,10 @@ class VORN_API LdpFecTlvHostAddressElementHdr : public LdpFecTlvElementHdr {
    VORN_REFLECTED( LdpFecTlvHostAddressElementHdr, LdpFecTlvElementHdr )
 
  public:
+   /// Address family, the raw field.
    Lumo::NetU16 familyNbo() const noexcept { return family_; }
    void familyNboIs( Lumo::NetU16 family ) noexcept { family_ = family; }
+   /// Address family; any number may come, it need not be an enumerator.
    Lumo::AddressFamily family() const noexcept { return Lumo::AddressFamily( family_.value() ); }
    /// Length of the address in octets, not bits.
    U8 hostAddrLen() const noexcept { return hostAddrLen_; }
@@ -87,8 +94,10 @@ class VORN_API LdpFecTlvP2mpElementHdr : public LdpFecTlvElementHdr {
    VORN_REFLECTED( LdpFecTlvP2mpElementHdr, LdpFecTlvElementHdr )
 
  public:
+   /// Address family of the root, the raw field.
    Lumo::NetU16 familyNbo() const noexcept { return family_; }
    void familyNboIs( Lumo::NetU16 family ) noexcept { family_ = family; }
+   /// Address family of the root; any number may come, it need not be an enumerator.
    Lumo::AddressFamily family() const noexcept { return Lumo::AddressFamily( family_.value() ); }
    /// Length of the root address in octets.
    U8 rootIpLenOctets() const noexcept { return rootIpLenOctets_; }
@@ -107,6 +116,7 @@ class VORN_API LdpFecTlvP2mpOpaqueLength {
 
  public:
    LdpFecTlvP2mpOpaqueLength() noexcept = default;
+   /// The length in octets.
    Lumo::NetU16 totalOpaqueLen() const noexcept { return totalOpaqueLen_; }
    void totalOpaqueLenIs( Lumo::NetU16 octets ) noexcept { totalOpaqueLen_ = octets; }
 
@@ -127,6 +137,7 @@ class VORN_API LdpMPBasicOpaqueValueElementHdr {
 
  public:
    LdpMPBasicOpaqueValueElementHdr() noexcept = default;
+   /// Type of the sub-element.
    U8 type() const noexcept { return type_; }
    void typeIs( U8 type ) noexcept { type_ = type; }
    /// Length of the sub-element's value, in octets.
@@ -152,10 +163,13 @@ class VORN_API LdpGenericLSPId {
 
  public:
    LdpGenericLSPId() noexcept = default;
+   /// Type of the sub-element; 1 for a generic LSP identifier.
    U8 type() const noexcept { return type_; }
    void typeIs( U8 type ) noexcept { type_ = type; }
+   /// Length of the identifier in octets: 4.
    Lumo::NetU16 opaqueLenNbo() const noexcept { return opaqueLen_; }
    void opaqueLenNboIs( Lumo::NetU16 octets ) noexcept { opaqueLen_ = octets; }
+   /// The identifier.
    Lumo::NetU32 opaqueId() const noexcept { return opaqueId_; }
    void opaqueIdIs( Lumo::NetU32 id ) noexcept { opaqueId_ = id; }
 
@@ -178,6 +192,7 @@ class VORN_API LdpP2mpFecElement {
 
  public:
    LdpP2mpFecElement() noexcept = default;
+   /// Address of the root.
    Lumo::IpGenAddr const & rootIp() const noexcept { return rootIp_; }
    void rootIpIs( Lumo::IpGenAddr const & rootIp ) noexcept { rootIp_ = rootIp; }
    /// Raw octets of the opaque value; any octet may occur, zero included.
@@ -203,6 +218,7 @@ class VORN_API LdpP2mpFecGenericOpaqueId {
    VORN_REFLECTED( LdpP2mpFecGenericOpaqueId, void )
 
  public:
+   /// Name of the attribute that stands for the whole value.
    static constexpr char const * defaultAttribute = "stringValue";
 
    /// The default has no root and identifier 0.
@@ -210,8 +226,9 @@ class VORN_API LdpP2mpFecGenericOpaqueId {
    LdpP2mpFecGenericOpaqueId( Lumo::IpGenAddr const & rootIp, U32 gOpaqueId ) noexcept
         : rootIp_( rootIp ), gOpaqueId_( gOpaqueId ) {}
 
-   /// Address of the root, and the identifier that the root gave the LSP.
+   /// Address of the root.
    Lumo::IpGenAddr const & rootIp() const noexcept { return rootIp_; }
+   /// The identifier that the root gave the LSP.
    U32 gOpaqueId() const noexcept { return gOpaqueId_; }
 
    /// Root, "_", identifier in decimal.

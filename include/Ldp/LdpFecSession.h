@@ -17,11 +17,15 @@ namespace Ldp {
 /// A FEC on a session. Its text is `10.0.0.0/8_10.0.0.1:0`; it reads back for FECs that are a prefix.
 class VORN_API LdpFecSessionId {
    VORN_VALUE( LdpFecSessionId )
+   /// The FEC.
    VORN_FIELD( 0x2, Mpls::FwdEqvClass, fwdEqvClass );
+   /// The session.
    VORN_FIELD( 0x3, LdpSessionId, ldpSessionId );
+   /// Name of the attribute that stands for the whole value.
    VORN_CONSTANT( 0x4, Vorn::String, defaultAttribute, "stringValue" );
-   /// Throws RangeException for a text that is not of that form.
+   /// The text above, written and read. The reader throws RangeException for a text that is not of that form.
    VORN_VALUE_TEXT( 0x5, stringValue, stringValueIs );
+   /// Equal values have equal hashes.
    VORN_VALUE_DERIVED( 0x6, U32, hash );
 
  public:
@@ -42,7 +46,9 @@ VORN_TEXT( LdpFecSessionId )
 /// the top bit says whether the session takes part at all.
 class VORN_API LdpLocalLabelSessionState {
    VORN_VALUE( LdpLocalLabelSessionState )
+   /// The whole word.
    VORN_FIELD( 0x2, U32, value ) = 0;
+   /// Bit numbers of the flags below.
    VORN_CONSTANT( 0x3, U32, bitPeerReqOutstandingOffset, 0 );
    VORN_CONSTANT( 0x4, U32, bitPeerReleaseOutstandingOffset, 1 );
    VORN_CONSTANT( 0x5, U32, bitLocalMappingSentOffset, 2 );
@@ -74,7 +80,9 @@ VORN_TEXT( LdpLocalLabelSessionState )
 /// What stands between this speaker and the peer's labels, a bit each, divided in the same way.
 class VORN_API LdpPeerLabelSessionState {
    VORN_VALUE( LdpPeerLabelSessionState )
+   /// The whole word.
    VORN_FIELD( 0x2, U32, value ) = 0;
+   /// Bit numbers of the flags below.
    VORN_CONSTANT( 0x3, U32, bitReqMsgOutstandingOffset, 0 );
    VORN_CONSTANT( 0x4, U32, bitRelMsgSentOffset, 1 );
    VORN_CONSTANT( 0x5, U32, bitPeerMappingCachedOffset, 2 );
@@ -132,26 +140,32 @@ class VORN_API LdpFecSessionStatus : public Vorn::Entity {
    VORN_KEY( 0x102, LdpFecSessionId, ldpFecSessionId );
    /// Whether the peer is the next hop.
    VORN_MUTABLE( 0x103, bool, isNexthopLsr, IsNexthopLsr, local ) = false;
-   /// Id of the peer's last Label Request, and of the one answered last.
+   /// Id of the peer's last Label Request.
    VORN_MUTABLE( 0x104, U32, peerLabelRequestMsgId, PeerLabelRequestMsgId, local ) = 0;
+   /// Id of the peer's Label Request that was answered last.
    VORN_MUTABLE( 0x105, U32, peerLabelRequestMsgIdAcked, PeerLabelRequestMsgIdAcked, local ) = 0;
    /// How often the peer said that it has no label resources.
    VORN_MUTABLE( 0x106, U32, peerNoLabelResourceCount, PeerNoLabelResourceCount, local ) = 0;
-   /// State of each label: ours, and the peer's.
+   /// State of each of our labels.
    VORN_VALUE_COLL( 0x107, LdpLocalLabelState, Lumo::MplsLabel, localLabelState, LocalLabelState, local );
+   /// State of each of the peer's labels.
    VORN_VALUE_COLL( 0x108, LdpPeerLabelState, Lumo::MplsLabel, peerLabelState, PeerLabelState, local );
-   /// State of the exchange: our side, and the peer's.
+   /// State of the exchange about our labels.
    VORN_MUTABLE( 0x109, LdpLocalLabelSessionState, localLabelSessionState, LocalLabelSessionState, local );
+   /// State of the exchange about the peer's labels.
    VORN_MUTABLE( 0x10a, LdpPeerLabelSessionState, peerLabelSessionState, PeerLabelSessionState, local );
-   /// Id of our last Label Request, and of the one that was answered last.
+   /// Id of our last Label Request.
    VORN_MUTABLE( 0x10b, U32, localLabelRequestMsgId, LocalLabelRequestMsgId, local ) = 0;
+   /// Id of our Label Request that was answered last.
    VORN_MUTABLE( 0x10c, U32, localLabelRequestMsgIdAcked, LocalLabelRequestMsgIdAcked, local ) = 0;
-   /// Id of our last Label Release, and whether it was sent without a withdraw before it.
+   /// Id of our last Label Release.
    VORN_MUTABLE( 0x10d, U32, localLabelReleaseMsgId, LocalLabelReleaseMsgId, local ) = 0;
+   /// Whether that release was sent without a withdraw before it.
    VORN_MUTABLE( 0x10e, bool, localLabelActivelyReleased, LocalLabelActivelyReleased, local ) = false;
-   /// The cross-session events handled last, in seconds.
+   /// Time of the cross-session event about a mapping that was handled last, in seconds.
    VORN_MUTABLE( 0x10f, double, labelXsessionMappingSmNotiTimeAcked, LabelXsessionMappingSmNotiTimeAcked,
                  local ) = 0.0;
+   /// Time of the cross-session event about a request that was handled last, in seconds.
    VORN_MUTABLE( 0x110, double, labelXsessionRequestSmNotiTimeAcked, LabelXsessionRequestSmNotiTimeAcked,
                  local ) = 0.0;
    /// Ids of Label Requests that are under way.
@@ -162,8 +176,9 @@ class VORN_API LdpFecSessionStatus : public Vorn::Entity {
    VORN_MUTABLE( 0x113, bool, flagNoRouteNotification, FlagNoRouteNotification, local ) = false;
    /// Version of the attributes that the last mapping carried.
    VORN_MUTABLE( 0x114, U32, attributeVersionAcked, AttributeVersionAcked, local ) = 0;
-   /// Messages received and sent, by type.
+   /// Messages received, by type.
    VORN_COUNTER_COLL( 0x115, U64, LdpMsgType, ldpMsgRx, LdpMsgRx, local );
+   /// Messages sent, by type.
    VORN_COUNTER_COLL( 0x116, U64, LdpMsgType, ldpMsgTx, LdpMsgTx, local );
 
    VORN_NEXT_LINK;
@@ -181,6 +196,7 @@ class VORN_API LdpFecSessionStatusBySession : public Vorn::Entity {
         : ldpSessionId_( ldpSessionId ) {}
 
    VORN_KEY( 0x102, LdpSessionId, ldpSessionId );
+   /// The FEC sessions, by their identity.
    VORN_REFERENCE_COLL( 0x103, LdpFecSessionStatus, LdpFecSessionId, fecSessionStatus, FecSessionStatus,
                         local );
 
@@ -197,8 +213,10 @@ class VORN_API LdpFecSessionStatusColl : public Vorn::Entity {
    explicit LdpFecSessionStatusColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The views by session.
    VORN_ENTITY_COLL( 0x102, LdpFecSessionStatusBySession, LdpSessionId, fecSessionStatusBySessionColl,
                      FecSessionStatusBySessionColl, local );
+   /// The FEC sessions, by their identity.
    VORN_ENTITY_COLL( 0x103, LdpFecSessionStatus, LdpFecSessionId, fecSessionStatus, FecSessionStatus, local );
 
    VORN_OBSERVERS;
@@ -214,7 +232,9 @@ class VORN_API LdpFecSessionNotifier : public Vorn::Entity {
    explicit LdpFecSessionNotifier( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The FEC session that changed last.
    VORN_MUTABLE( 0x102, LdpFecSessionId, ldpFecSessionId, LdpFecSessionId, local );
+   /// Moves with each change; 255 goes on with 0.
    VORN_COUNTER( 0x103, U8, changeCnt, ChangeCnt, local ) = 0;
 
    VORN_OBSERVERS;

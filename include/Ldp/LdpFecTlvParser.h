@@ -111,7 +111,9 @@ class VORN_API LdpFecTlvParser : public LdpTlvParser {
    VORN_REFLECTED_OBJECT( LdpFecTlvParser, LdpTlvParser )
 
  public:
+   /// The elements by their position.
    using Indexed = LdpIndexed< LdpFecTlvParser, Vorn::Ptr< LdpFecTlvElement >, 1 >;
+   /// The elements with their positions, for a walk.
    using FecElements = Indexed::Map;
 
    /// Parses the TLV at `offset`. `param` says whether a Wildcard must stand alone; null means that it must.
@@ -121,8 +123,9 @@ class VORN_API LdpFecTlvParser : public LdpTlvParser {
    /// What the constructor was given; may be null.
    Vorn::Ptr< LdpProtoParam const > const & ldpProtoParam() const noexcept { return ldpProtoParam_; }
 
-   /// Whether the elements may be used; what is wrong if not.
+   /// Whether the elements may be used.
    bool valid() const noexcept { return statusCode_ == success; }
+   /// What is wrong; `success` for a good TLV.
    LdpStatusCode statusCode() const noexcept { return statusCode_; }
    /// Text of the failure; empty for a good TLV.
    Vorn::String const & reason() const noexcept { return reason_; }
@@ -138,6 +141,7 @@ class VORN_API LdpFecTlvParser : public LdpTlvParser {
    void fecElementIs( U32 index, Vorn::Ptr< LdpFecTlvElement > const & element );
    /// Removes the element at that position and returns it, or null.
    Vorn::Ptr< LdpFecTlvElement > fecElementDel( U32 index ) { return fecElement_.del( index ); }
+   /// Removes all elements.
    void fecElementDelAll() { fecElement_.delAll(); }
    /// All elements with their positions, for a walk; in the map's order, not in that of the positions.
    FecElements const & fecElementColl() const { return fecElement_.coll(); }
@@ -154,8 +158,9 @@ class VORN_API LdpFecTlvParser : public LdpTlvParser {
    /// The elements' texts in brackets, whether or not the TLV is good.
    Vorn::String stringValue() const;
 
-   /// Walks the elements, which the constructor has done. True on failure.
+   /// Walks the elements, as the constructor has done already. True on failure.
    bool parseElements();
+   /// The same: the last step of construction.
    void handleInitialized() { parseElements(); }
 
  private:

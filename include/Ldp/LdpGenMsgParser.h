@@ -22,7 +22,9 @@ class VORN_API LdpTlvGroupParser : public Vorn::PtrInterface {
    VORN_REFLECTED_OBJECT( LdpTlvGroupParser, void )
 
  public:
+   /// The offsets by the index of the unit.
    using Indexed = LdpIndexed< LdpTlvGroupParser, U32, 32 >;
+   /// The offsets with the indices, for a walk.
    using TlvOffsets = Indexed::Map;
 
    explicit LdpTlvGroupParser( Vorn::Name name ) : name_( std::move( name ) ) {}
@@ -34,18 +36,21 @@ class VORN_API LdpTlvGroupParser : public Vorn::PtrInterface {
 
    /// What the walker's owner calls it.
    Vorn::Name const & name() const noexcept { return name_; }
-   /// The packet, and the run of `size` octets at `offset` in it; set before the walk.
+   /// The packet; set before the walk.
    Vorn::Ptr< Lumo::Pkt > const & pkt() const noexcept { return pkt_; }
    void pktIs( Vorn::Ptr< Lumo::Pkt > const & pkt ) noexcept {
       if ( !( pkt_ == pkt ) ) pkt_ = pkt;
    }
+   /// Where the run begins, in octets from the packet's front; set before the walk.
    U32 offset() const noexcept { return offset_; }
    void offsetIs( U32 offset ) noexcept { offset_ = offset; }
+   /// Size of the run in octets; set before the walk.
    U32 size() const noexcept { return size_; }
    void sizeIs( U32 size ) noexcept { size_ = size; }
 
    /// Whether the walk found the run good; nobody may use the units of a run that is not.
    bool valid() const noexcept { return statusCode_ == success; }
+   /// What is wrong; `success` for a good run.
    LdpStatusCode statusCode() const noexcept { return statusCode_; }
    /// Text of the failure. A new walk does not clear it.
    Vorn::String const & reason() const noexcept { return reason_; }
@@ -55,9 +60,11 @@ class VORN_API LdpTlvGroupParser : public Vorn::PtrInterface {
 
    /// Offset of the unit at that index, from the packet's front; 0 for an index that the walk did not reach.
    U32 tlvOffset( U32 index ) const noexcept { return tlvOffset_.value( index ); }
+   /// Notes where the unit at that index begins, in octets from the packet's front.
    void tlvOffsetIs( U32 index, U32 offset ) { tlvOffset_.valueIs( index, offset ); }
    /// Forgets the unit at that index and returns the offset that it had; 0 if there was none.
    U32 tlvOffsetDel( U32 index ) { return tlvOffset_.del( index ); }
+   /// Forgets all units.
    void tlvOffsetDelAll() { tlvOffset_.delAll(); }
    /// All indices with their offsets, for a walk; in the map's order, not in that of the indices.
    TlvOffsets const & tlvOffsetColl() const { return tlvOffset_.coll(); }
@@ -101,16 +108,20 @@ class VORN_API LdpPduParser : public Vorn::PtrInterface {
    LdpPduParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
    ~LdpPduParser() override;
 
-   /// What the constructor was given.
+   /// The packet that the constructor was given.
    Vorn::Ptr< Lumo::Pkt > const & pkt() const noexcept { return pkt_; }
+   /// Where the PDU begins, in octets from the packet's front.
    U32 offset() const noexcept { return offset_; }
    /// View of the header, at the offset whatever the packet holds there.
    LdpPduHdr const * header() const noexcept { return header_; }
 
-   /// Fields of the header; zero where the header is not wholly in the packet.
+   /// Version of the protocol; like the fields below zero where the header is not wholly in the packet.
    U16 version() const noexcept { return hasHeader() ? header_->version() : U16( 0 ); }
+   /// Octets behind the length field.
    U16 length() const noexcept { return hasHeader() ? header_->length() : U16( 0 ); }
+   /// Octets of the whole PDU: `length()` plus 4, which wraps in 16 bits.
    U16 totalLength() const noexcept { return hasHeader() ? header_->totalLength() : U16( 0 ); }
+   /// Sender's LSR id and label space.
    LdpIdentifier ldpIdentifier() const noexcept {
       return hasHeader() ? header_->ldpIdentifier() : LdpIdentifier();
    }
@@ -138,9 +149,9 @@ class VORN_API LdpPduParser : public Vorn::PtrInterface {
 
    /// False, before and after judging: the verdict is `statusCode`.
    bool initialized() const noexcept { return initialized_; }
-   /// The two steps of the constructor. The first lays the header's view, wherever the packet ends; the
-   /// second judges, and asserts where the walker was dropped.
+   /// The first step of the constructor: lays the header's view, wherever the packet ends.
    void handleHeader() noexcept;
+   /// The second step of the constructor: judges, and asserts where the walker was dropped.
    void handleInitialized();
 
    /// Header and text of each message, which it decodes for the purpose.

@@ -44,7 +44,9 @@ class VORN_API LdpGrStatus : public Vorn::Entity {
    explicit LdpGrStatus( L3::VrfName const & vrfName ) : vrfName_( vrfName ) {}
 
    VORN_KEY( 0x102, L3::VrfName, vrfName );
+   /// Which peer had which interface address.
    VORN_CHILD( 0x103, LdpIdIntfIpMappingTable, ldpIdIntfIpMappingTable, LdpIdIntfIpMappingTable, replicated );
+   /// The local labels, by FEC.
    VORN_CHILD( 0x104, Mpls::LabelBindingTable, localLabelAllocTable, LocalLabelAllocTable, replicated );
 
    VORN_NEXT_LINK;

@@ -33,6 +33,7 @@ class VORN_API LdpHdrMsgUbitAndTypeField : public Lumo::NetU16 {
    bool unknown() const noexcept { return bits< 0x8000 >(); }
    /// Stores bit 0 of `unknown`.
    void unknownIs( U32 unknown ) noexcept { bitsIs< 0x8000 >( unknown ); }
+   /// The message type: the 15 bits behind the U bit.
    U16 type() const noexcept { return bits< 0x7fff >(); }
    void typeIs( U16 type ) noexcept { bitsIs< 0x7fff >( type ); }
 };
@@ -54,6 +55,7 @@ class VORN_API LdpTlvTypeField : public Lumo::NetU16 {
    bool forwardUnknown() const noexcept { return bits< 0x4000 >(); }
    /// Stores bit 0 of `forward`.
    void forwardUnknownIs( U32 forward ) noexcept { bitsIs< 0x4000 >( forward ); }
+   /// The TLV type: the 14 bits behind the U and F bits.
    U16 type() const noexcept { return bits< 0x3fff >(); }
    void typeIs( U16 type ) noexcept { bitsIs< 0x3fff >( type ); }
 };
@@ -68,9 +70,10 @@ class VORN_API LdpPduHdr : public Vorn::NrcPtrInterface {
    /// Octets that the length field does not count: version and length.
    static constexpr U16 pduHdrSizeExclude = 4;
 
-   /// The raw fields.
+   /// Version of the protocol, the raw field.
    Lumo::NetU16 versionNbo() const noexcept { return version_; }
    void versionNboIs( Lumo::NetU16 version ) noexcept { version_ = version; }
+   /// PDU length in octets, the raw field.
    Lumo::NetU16 lengthNbo() const noexcept { return length_; }
    void lengthNboIs( Lumo::NetU16 length ) noexcept { length_ = length; }
    /// Sender's LSR id and label space.
@@ -81,6 +84,7 @@ class VORN_API LdpPduHdr : public Vorn::NrcPtrInterface {
    U16 version() const noexcept { return version_.value(); }
    /// Octets behind the length field.
    U16 length() const noexcept { return length_.value(); }
+   /// Octets of the whole PDU: `length()` plus 4, which wraps in 16 bits.
    U16 totalLength() const noexcept { return totalOfLength( length() ); }
 
    /// Text of all fields.
@@ -103,23 +107,28 @@ class VORN_API LdpMsgHdr : public Vorn::NrcPtrInterface {
    /// Octets of the whole header.
    static constexpr U16 ldpMsgHdrSize = 8;
 
-   /// The raw fields.
+   /// U bit and message type, the raw field.
    LdpHdrMsgUbitAndTypeField msgUbitAndTypeField() const noexcept { return msgUbitAndTypeField_; }
    void msgUbitAndTypeFieldIs( LdpHdrMsgUbitAndTypeField field ) noexcept { msgUbitAndTypeField_ = field; }
+   /// Message length in octets, the raw field.
    Lumo::NetU16 lengthNbo() const noexcept { return length_; }
    void lengthNboIs( Lumo::NetU16 length ) noexcept { length_ = length; }
+   /// Message id, the raw field.
    Lumo::NetU32 msgIdNbo() const noexcept { return msgId_; }
    void msgIdNboIs( Lumo::NetU32 msgId ) noexcept { msgId_ = msgId; }
 
    /// U bit: the receiver is to ignore the message silently if it does not know the type.
    bool unknown() const noexcept { return msgUbitAndTypeField_.unknown(); }
    void unknownIs( U32 unknown ) noexcept { msgUbitAndTypeField_.unknownIs( unknown ); }
+   /// Message type; any number of 15 bits may come, it need not be an enumerator.
    LdpMsgType type() const noexcept { return LdpMsgType( msgUbitAndTypeField_.type() ); }
    /// Keeps the U bit.
    void typeIs( LdpMsgType type ) noexcept { msgUbitAndTypeField_.typeIs( U16( type & 0x7fff ) ); }
    /// Octets behind the length field: message id and TLVs.
    U16 length() const noexcept { return length_.value(); }
+   /// Octets of the whole message: `length()` plus 4, which wraps in 16 bits.
    U16 totalLength() const noexcept { return totalOfLength( length() ); }
+   /// Message id.
    U32 msgId() const noexcept { return msgId_.value(); }
 
  private:
@@ -137,22 +146,26 @@ class VORN_API LdpTlvHdr : public Vorn::NrcPtrInterface {
    /// Octets that the length field does not count: the whole header.
    static constexpr U16 tlvHdrSizeExclude = 4;
 
-   /// The raw fields.
+   /// U bit, F bit and TLV type, the raw field.
    LdpTlvTypeField tlvTypeField() const noexcept { return tlvTypeField_; }
    void tlvTypeFieldIs( LdpTlvTypeField field ) noexcept { tlvTypeField_ = field; }
+   /// Length of the value in octets, the raw field.
    Lumo::NetU16 lengthNbo() const noexcept { return length_; }
    void lengthNboIs( Lumo::NetU16 length ) noexcept { length_ = length; }
 
-   /// U and F bit: whether a receiver that does not know the type ignores the TLV silently, and forwards it.
+   /// U bit: a receiver that does not know the type ignores the TLV silently.
    bool unknown() const noexcept { return tlvTypeField_.unknown(); }
    void unknownIs( U32 unknown ) noexcept { tlvTypeField_.unknownIs( unknown ); }
+   /// F bit: such a receiver forwards the TLV with its message.
    bool forwardUnknown() const noexcept { return tlvTypeField_.forwardUnknown(); }
    void forwardUnknownIs( U32 forward ) noexcept { tlvTypeField_.forwardUnknownIs( forward ); }
+   /// TLV type; any number of 14 bits may come, it need not be an enumerator.
    LdpTlvType type() const noexcept { return LdpTlvType( tlvTypeField_.type() ); }
    /// Keeps the U and F bits.
    void typeIs( LdpTlvType type ) noexcept { tlvTypeField_.typeIs( U16( type & 0x3fff ) ); }
    /// Octets of the value.
    U16 length() const noexcept { return length_.value(); }
+   /// Octets of the whole TLV: `length()` plus 4, which wraps in 16 bits.
    U16 totalLength() const noexcept { return totalOfLength( length() ); }
 
    /// Whether a receiver may take the TLV: `success` for a known type; for an unknown one

@@ -20,7 +20,9 @@ class VORN_API LdpIdentifier {
    constexpr U32 lsrId() const noexcept { return lsrId_.value(); }
    /// Label space; 0 is the platform-wide one.
    constexpr U16 lblSpace() const noexcept { return lblSpace_.value(); }
+   /// Sets the LSR id.
    constexpr void tmpLsrIdIs( U32 lsrId ) noexcept { lsrId_.valueIs( lsrId ); }
+   /// Sets the label space.
    constexpr void tmpLblSpaceIs( U16 lblSpace ) noexcept { lblSpace_.valueIs( lblSpace ); }
 
    /// Hash of both parts, by a fixed formula: anybody can find 65,536 identifiers that have one. Who keys a

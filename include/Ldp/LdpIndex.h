@@ -16,6 +16,7 @@ class VORN_API PeerSession : public Vorn::Entity {
    explicit PeerSession( Lumo::IpGenAddr const & peerTransportIp ) : peerTransportIp_( peerTransportIp ) {}
 
    VORN_KEY( 0x102, Lumo::IpGenAddr, peerTransportIp );
+   /// The sessions.
    VORN_VALUE_COLL( 0x103, bool, LdpSessionId, sessionId, SessionId, local );
 
    VORN_NEXT_LINK;
@@ -31,6 +32,7 @@ class VORN_API PeerTransportIpMap : public Vorn::Entity {
    explicit PeerTransportIpMap( Lumo::IpGenAddr const & transportIp ) : transportIp_( transportIp ) {}
 
    VORN_KEY( 0x102, Lumo::IpGenAddr, transportIp );
+   /// The identifiers.
    VORN_VALUE_COLL( 0x103, bool, LdpIdentifier, ldpIdentifier, LdpIdentifier, local );
 
    VORN_NEXT_LINK;
@@ -46,6 +48,7 @@ class VORN_API PeerPwRequest : public Vorn::Entity {
    explicit PeerPwRequest( Lumo::IpGenAddr const & peerTransportIp ) : peerTransportIp_( peerTransportIp ) {}
 
    VORN_KEY( 0x102, Lumo::IpGenAddr, peerTransportIp );
+   /// The requests.
    VORN_VALUE_COLL( 0x103, bool, Pseudowire::PseudowireLdpRequestKey, request, Request, local );
 
    VORN_NEXT_LINK;
@@ -61,6 +64,7 @@ class VORN_API LabelFecMap : public Vorn::Entity {
    explicit LabelFecMap( Lumo::MplsLabel const & label ) : label_( label ) {}
 
    VORN_KEY( 0x102, Lumo::MplsLabel, label );
+   /// The FECs.
    VORN_SET( 0x103, Mpls::FwdEqvClass, fec, Fec, local );
 
    VORN_NEXT_LINK;
@@ -70,6 +74,7 @@ VORN_FACTORY( LabelFecMap, labelFecMapFactory )
 
 /// The key under which a pseudowire object is referred to: its own id.
 struct PwFecSessionIdOf {
+   /// The key of that object.
    template< class Type >
    PwFecSessionId operator()( Vorn::Ptr< Type > const & object ) const {
       return object->pwFecSessionId();
@@ -85,13 +90,18 @@ class VORN_API PwFecSessionInfoMap : public Vorn::Entity {
    explicit PwFecSessionInfoMap( Pseudowire::PseudowireLdpRequestKey const & pwKey ) : pwKey_( pwKey ) {}
 
    VORN_KEY( 0x102, Pseudowire::PseudowireLdpRequestKey, pwKey );
+   /// The requests that the map stands for.
    VORN_VALUE_COLL( 0x103, bool, Pseudowire::PseudowireLdpRequestKey, ldpRequest, LdpRequest, local );
+   /// What is to be signalled, in our direction, by FEC session.
    VORN_KEYED_REFERENCE_COLL( 0x104, PwFecSessionConfig, PwFecSessionId, PwFecSessionIdOf, localConfig,
                               LocalConfig, local );
+   /// The same in the peer's direction.
    VORN_KEYED_REFERENCE_COLL( 0x105, PwFecSessionConfig, PwFecSessionId, PwFecSessionIdOf, remoteConfig,
                               RemoteConfig, local );
+   /// What this speaker has sent, by FEC session.
    VORN_KEYED_REFERENCE_COLL( 0x106, LocalPwFecSessionStatus, PwFecSessionId, PwFecSessionIdOf, localStatus,
                               LocalStatus, local );
+   /// What the peers have sent, by FEC session.
    VORN_KEYED_REFERENCE_COLL( 0x107, RemotePwFecSessionStatus, PwFecSessionId, PwFecSessionIdOf, remoteStatus,
                               RemoteStatus, local );
 

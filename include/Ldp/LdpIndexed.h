@@ -15,8 +15,10 @@ namespace Ldp {
 template< class Owner, class Value, U32 room >
 class LdpIndexed {
  public:
+   /// The values by index, as a map.
    using Map = Vorn::HashMap2018< Owner, U32, Value >;
 
+   /// No value.
    LdpIndexed() noexcept = default;
    LdpIndexed( LdpIndexed const & ) = delete;
    LdpIndexed & operator=( LdpIndexed const & ) = delete;
@@ -44,6 +46,7 @@ class LdpIndexed {
       auto const deleted = ownMap().del( index );
       return deleted ? deleted->value() : Value();
    }
+   /// Removes all values.
    void delAll() {
       if ( members() ) ownMap().delAll();
    }

@@ -26,7 +26,9 @@ class VORN_API LabelAllocRequest : public Vorn::Entity {
    explicit LabelAllocRequest( Mpls::FwdEqvClass const & fec ) : fec_( fec ) {}
 
    VORN_KEY( 0x102, Mpls::FwdEqvClass, fec );
+   /// How many labels are wanted.
    VORN_MUTABLE( 0x103, U32, numLabelsRequested, NumLabelsRequested, replicated ) = 0;
+   /// Where the FEC leads.
    VORN_MUTABLE( 0x104, LdpFecDeliveryType, ldpFecDeliveryType, LdpFecDeliveryType, replicated ) = Unknown;
 
    VORN_NEXT_LINK;
@@ -42,6 +44,7 @@ class VORN_API LabelAllocRequestTable : public Vorn::Entity {
    explicit LabelAllocRequestTable( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The requests, by FEC.
    VORN_ENTITY_COLL( 0x102, LabelAllocRequest, Mpls::FwdEqvClass, labelBindingRequest, LabelBindingRequest,
                      replicated );
 
@@ -57,6 +60,7 @@ class VORN_API LabelAllocGlobalStatus : public Vorn::Entity {
    explicit LabelAllocGlobalStatus( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// What the allocation is doing.
    VORN_MUTABLE( 0x102, LabelAllocStatusEnum, state, State, replicated ) = markAndSweep;
    /// Means nothing but its changes: the range of labels is another now.
    VORN_MUTABLE( 0x103, U32, rangeChanged, RangeChanged, replicated ) = 0;
@@ -75,9 +79,11 @@ class VORN_API MplsLabelSet : public Vorn::Entity {
         : name_( name ), fwdEqvClass_( fwdEqvClass ) {}
 
    VORN_NAME;
+   /// The FEC; the default one where the labels are a pseudowire's.
    VORN_CTOR_ARG( 0x102, Mpls::FwdEqvClass, fwdEqvClass );
    /// Who gave the labels.
    VORN_MUTABLE( 0x103, Mpls::LabelSource, labelSource, LabelSource, replicated ) = Mpls::LabelSource( 2 );
+   /// The labels.
    VORN_VALUE_COLL( 0x104, bool, Lumo::MplsLabel, mplsLabel, MplsLabel, replicated );
 
    VORN_OBSERVERS;

@@ -16,8 +16,10 @@ class VORN_API LdpGenLabelTlvLabel : public Lumo::NetU32 {
  public:
    using NetU32::NetU32;
 
+   /// The 20 bits of the label, in host order like every number here.
    U32 labelNbo() const noexcept { return bits< 0x000fffff >(); }
    void labelNboIs( U32 label ) noexcept { bitsIs< 0x000fffff >( label ); }
+   /// The 12 bits above the label.
    U32 reserved() const noexcept { return bits< 0xfff00000 >(); }
    void reservedIs( U32 reserved ) noexcept { bitsIs< 0xfff00000 >( reserved ); }
 };
@@ -28,14 +30,17 @@ class VORN_API LdpGenLabelTlv : public LdpTlvHdrOf< genLabelTlv > {
    VORN_REFLECTED( LdpGenLabelTlv, LdpTlvHdr )
 
  public:
+   /// The raw field.
    LdpGenLabelTlvLabel labelField() const noexcept { return labelField_; }
    void labelFieldIs( LdpGenLabelTlvLabel field ) noexcept { labelField_ = field; }
+   /// The label.
    Lumo::MplsLabel label() const { return Lumo::MplsLabel( labelField_.labelNbo() ); }
    /// Replaces the 20 bits of the label, of which it takes the low ones, and keeps the reserved bits.
    void labelIs( Lumo::MplsLabel label ) noexcept { labelField_.labelNboIs( label.value() ); }
 
    /// `success`, or `badTlvLength` for any length but 4.
    LdpStatusCode validate() const;
+   /// Text of the TLV; an error form where `validate()` refuses it.
    Vorn::String stringValue() const;
 
  private:
@@ -48,12 +53,15 @@ class VORN_API LdpLabelReqMsgIdTlv : public LdpTlvHdrOf< labelReqMsgIdTlv > {
    VORN_REFLECTED( LdpLabelReqMsgIdTlv, LdpTlvHdr )
 
  public:
+   /// Id of the Label Request, the raw field.
    Lumo::NetU32 reqMsgIdNbo() const noexcept { return reqMsgId_; }
+   /// Id of the Label Request that is answered or aborted.
    U32 reqMsgId() const noexcept { return reqMsgId_.value(); }
    void reqMsgIdIs( U32 msgId ) noexcept { reqMsgId_.valueIs( msgId ); }
 
    /// `success`, or `badTlvLength` for any length but 4.
    LdpStatusCode validate() const;
+   /// Text of the TLV; an error form where `validate()` refuses it.
    Vorn::String stringValue() const;
 
  private:
@@ -73,6 +81,7 @@ class VORN_API LdpHopCountTlv : public LdpTlvHdrOf< hopCountTlv > {
 
    /// `success`, or `badTlvLength` for any length but 1.
    LdpStatusCode validate() const;
+   /// Text of the TLV; an error form where `validate()` refuses it.
    Vorn::String stringValue() const;
 
  private:
@@ -95,6 +104,7 @@ class VORN_API LdpPathVectorTlv : public LdpTlvHdrOf< pathVectorTlv > {
 
    /// `success`, or `badTlvLength` when there is no id.
    LdpStatusCode validate() const;
+   /// Text of the TLV; an error form where `validate()` refuses it.
    Vorn::String stringValue() const;
 };
 static_assert( sizeof( LdpPathVectorTlv ) == 4 );
@@ -123,17 +133,22 @@ class VORN_API LdpStatusTlv : public LdpTlvHdrOf< statusTlv > {
    VORN_REFLECTED( LdpStatusTlv, LdpTlvHdr )
 
  public:
+   /// The status word: the status and its two bits.
    LdpStatusTlvStatusCode statusCode() const noexcept { return statusCode_; }
    void statusCodeIs( LdpStatusTlvStatusCode code ) noexcept { statusCode_ = code; }
+   /// Id of the message that the status refers to, the raw field.
    Lumo::NetU32 msgIdNbo() const noexcept { return msgId_; }
+   /// Type of the message that the status refers to, the raw field.
    Lumo::NetU16 msgTypeNbo() const noexcept { return msgType_; }
 
-   /// The status, and its two bits. Any number of 30 bits may come: it need not be an enumerator.
+   /// The status. Any number of 30 bits may come: it need not be an enumerator.
    LdpStatusCode statusData() const noexcept { return LdpStatusCode( statusCode_.statusDataNbo() ); }
    /// Replaces the low 30 bits, of which a status has no more on the wire, and keeps E and F.
    void statusDataIs( LdpStatusCode status ) noexcept { statusCode_.statusDataNboIs( status ); }
+   /// F bit: forward the notification along the LSP.
    bool statusForwardUnknown() const noexcept { return statusCode_.forwardUnknown(); }
    void statusForwardUnknownIs( bool forward ) noexcept { statusCode_.forwardUnknownIs( forward ); }
+   /// E bit: a fatal error.
    bool statusError() const noexcept { return statusCode_.error(); }
    void statusErrorIs( bool fatal ) noexcept { statusCode_.errorIs( fatal ); }
    /// Id of the message that the status refers to; 0 if it refers to none.
@@ -145,6 +160,7 @@ class VORN_API LdpStatusTlv : public LdpTlvHdrOf< statusTlv > {
 
    /// `success`, or `badTlvLength` for any length but 10.
    LdpStatusCode validate() const;
+   /// Text of the TLV; an error form where `validate()` refuses it.
    Vorn::String stringValue() const;
 
  private:
@@ -173,6 +189,7 @@ class VORN_API LdpAddressListTlv : public LdpTlvHdr {
 
    /// Header first; `unsupportedAddressFamily` for neither IPv4 nor IPv6, `malformedTlv` for no address.
    LdpStatusCode validate() const;
+   /// Text of the TLV; an error form where `validate()` refuses it.
    Vorn::String stringValue() const;
 
  private:

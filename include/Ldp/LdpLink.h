@@ -24,11 +24,11 @@ class VORN_API LdpLinkBaseConfig : public Vorn::Entity {
    explicit LdpLinkBaseConfig( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
-   /// Between two hellos.
+   /// Between two hellos, in seconds.
    VORN_MUTABLE( 0x102, U16, interval, Interval, local ) = 5;
-   /// Hold time that hellos propose.
+   /// Hold time that hellos propose, in seconds.
    VORN_MUTABLE( 0x103, U16, holdTime, HoldTime, local ) = 15;
-   /// Before a socket is tried again.
+   /// Before a socket is tried again, in seconds.
    VORN_MUTABLE( 0x104, U32, retryInterval, RetryInterval, local ) = 1;
 
    VORN_OBSERVERS;
@@ -68,7 +68,9 @@ class VORN_API LdpLinkConfig : public LdpLinkBaseConfig {
    VORN_KEY( 0x182, Lumo::IntfId, intfId );
    /// Address of the interface from which hellos are sent.
    VORN_MUTABLE( 0x183, Lumo::IpAddr, ipAddr, IpAddr, replicated );
+   /// Whether LDP is configured on the interface.
    VORN_MUTABLE( 0x184, ConfigState, configState, ConfigState, local ) = configEnabled;
+   /// Operational status of the interface.
    VORN_MUTABLE( 0x185, Interface::IntfOperStatus, operStatus, OperStatus,
                  local ) = Interface::IntfOperStatus( 4 );
 
@@ -88,6 +90,7 @@ class VORN_API LdpLinkConfigColl : public Vorn::Entity {
    VORN_NAME;
    /// What they share; null until somebody makes it.
    VORN_CHILD( 0x102, LdpLinkCommonConfig, ldpLinkCommonConfig, LdpLinkCommonConfig, local );
+   /// What is wanted of each link, by interface.
    VORN_ENTITY_COLL( 0x103, LdpLinkConfig, Lumo::IntfId, adjLinkConfig, AdjLinkConfig, replicated );
 
    VORN_OBSERVERS;
@@ -108,12 +111,15 @@ class VORN_API LdpLinkStatus : public Vorn::Entity {
    VORN_MUTABLE( 0x104, bool, running, Running, local ) = false;
    /// The adjacencies on the interface.
    VORN_VALUE_COLL( 0x105, bool, LdpAdjId, adjIdSet, AdjIdSet, local );
-   /// Timers in force, in seconds.
+   /// Interval of hellos in force, in seconds.
    VORN_MUTABLE( 0x106, U16, interval, Interval, replicated ) = 5;
+   /// Hold time in force, in seconds.
    VORN_MUTABLE( 0x107, U16, holdTime, HoldTime, local ) = 15;
-   /// Hellos received and sent, and those received that were bad.
+   /// Hellos received.
    VORN_COUNTER( 0x108, U32, rxPktCount, RxPktCount, local ) = 0;
+   /// Hellos sent.
    VORN_COUNTER( 0x109, U32, txPktCount, TxPktCount, local ) = 0;
+   /// Hellos received that were bad.
    VORN_COUNTER( 0x10a, U32, errPktCount, ErrPktCount, local ) = 0;
 
    VORN_NEXT_LINK;
@@ -139,11 +145,13 @@ class VORN_API LdpLinkStatusColl : public Vorn::Entity {
    VORN_ENTITY( LdpLinkStatusColl, Vorn::Entity )
 
  public:
+   /// Makes the common status as well.
    explicit LdpLinkStatusColl( Vorn::Name const & name );
 
    VORN_NAME;
-   /// Made by the constructor, under the name llcs.
+   /// What the links share. Made by the constructor, under the name llcs.
    VORN_CHILD( 0x102, LdpLinkCommonStatus, ldpLinkCommonStatus, LdpLinkCommonStatus, local );
+   /// Run-time state of each link, by interface.
    VORN_ENTITY_COLL( 0x103, LdpLinkStatus, Lumo::IntfId, adjLinkStatus, AdjLinkStatus, replicated );
 
    VORN_OBSERVERS;
@@ -158,12 +166,15 @@ class VORN_API LdpLinkUdpPamStatus : public Vorn::Entity {
    explicit LdpLinkUdpPamStatus( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// Whether the packet mover is on.
    VORN_MUTABLE( 0x102, bool, enabled, Enabled, local ) = false;
    /// Why it is off, for a person.
    VORN_MUTABLE( 0x103, Vorn::String, reason, Reason, local );
-   /// Packets received and sent, and those received that were bad.
+   /// Packets received.
    VORN_COUNTER( 0x104, U32, rxPktCount, RxPktCount, local ) = 0;
+   /// Packets sent.
    VORN_COUNTER( 0x105, U32, txPktCount, TxPktCount, local ) = 0;
+   /// Packets received that were bad.
    VORN_COUNTER( 0x106, U32, errPktCount, ErrPktCount, local ) = 0;
 
    VORN_OBSERVERS;
@@ -178,6 +189,7 @@ class VORN_API IpIntfMember : public Vorn::Entity {
    explicit IpIntfMember( Lumo::IpAddrWithMask const & ipAddrWithMask ) : ipAddrWithMask_( ipAddrWithMask ) {}
 
    VORN_KEY( 0x102, Lumo::IpAddrWithMask, ipAddrWithMask );
+   /// The interfaces.
    VORN_VALUE_COLL( 0x103, bool, Lumo::IntfId, intfId, IntfId, local );
 
    VORN_NEXT_LINK;
@@ -193,6 +205,7 @@ class VORN_API LocalIntfIpColl : public Vorn::Entity {
    explicit LocalIntfIpColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The addresses, each with its mask.
    VORN_ENTITY_COLL( 0x102, IpIntfMember, Lumo::IpAddrWithMask, intfIpWithMask, IntfIpWithMask, local );
 
    VORN_OBSERVERS;

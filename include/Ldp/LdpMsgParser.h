@@ -40,17 +40,22 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    /// Text of the message, or of what is wrong with it.
    virtual Vorn::String stringValue() const;
 
-   /// What the constructor was given.
+   /// The packet that the constructor was given.
    Vorn::Ptr< Lumo::Pkt > const & pkt() const noexcept { return pkt_; }
+   /// Where the message begins, in octets from the packet's front.
    U32 offset() const noexcept { return offset_; }
    /// View of the header, at the offset whatever the packet holds there.
    LdpMsgHdr const * msgHdr() const noexcept { return msgHdr_; }
 
-   /// Fields of the header; zero where the header is not wholly in the packet.
+   /// U bit; like the fields below zero where the header is not wholly in the packet.
    bool unknown() const noexcept { return hasHeader() && msgHdr_->unknown(); }
+   /// Message type; any number of 15 bits may come, it need not be an enumerator.
    LdpMsgType type() const noexcept { return hasHeader() ? msgHdr_->type() : LdpMsgType( 0 ); }
+   /// Message id.
    U32 msgId() const noexcept { return hasHeader() ? msgHdr_->msgId() : 0; }
+   /// Octets behind the length field: message id and TLVs.
    U16 length() const noexcept { return hasHeader() ? msgHdr_->length() : U16( 0 ); }
+   /// Octets of the whole message: `length()` plus 4, which wraps in 16 bits.
    U16 totalLength() const noexcept { return hasHeader() ? msgHdr_->totalLength() : U16( 0 ); }
 
    /// The verdict.
@@ -102,6 +107,7 @@ class VORN_API LdpMsgParser : public Vorn::PtrInterface {
    /// Open while the message is judged by the rules of its type.
    class Judging {
     public:
+      /// Opens the judgement of that message.
       explicit Judging( LdpMsgParser & parser ) noexcept : parser_( parser ) { parser_.initialized_ = true; }
       Judging( Judging const & ) = delete;
       Judging & operator=( Judging const & ) = delete;
@@ -186,15 +192,20 @@ class VORN_API LdpHelloMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpHelloMsgParser, LdpMsgParser )
 
  public:
+   /// Parses the message at `offset`; see `LdpMsgParser::LdpMsgParser`.
    LdpHelloMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpHelloMsgParser() override;
    Vorn::String stringValue() const override;
 
-   /// Set on every good message.
+   /// The Common Hello Parameters; set on every good message.
    LdpCommonHelloTlv const * msgCommonHelloTlv() const noexcept { return msgCommonHelloTlv_; }
+   /// The IPv4 transport address; null where the message has none.
    LdpIpTransportAddrTlv const * msgIpTransportTlv() const noexcept { return msgIpTransportTlv_; }
+   /// The IPv6 transport address; null where the message has none.
    LdpIp6TransportAddrTlv const * msgIp6TransportTlv() const noexcept { return msgIp6TransportTlv_; }
+   /// The configuration sequence number; null where the message has none.
    LdpConfigSeqNumTlv const * msgConfigSeqTlv() const noexcept { return msgConfigSeqTlv_; }
+   /// The judgement, which the constructor runs.
    void handleInitialized();
 
  private:
@@ -210,8 +221,10 @@ class VORN_API LdpCapabilityParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpCapabilityParser, LdpMsgParser )
 
  public:
+   /// The capabilities by type.
    using Capabilities = Vorn::RbTreeMap< LdpCapabilityParser, LdpTlvType, LdpCapabilityParameterTlv const * >;
 
+   /// Parses the message at `offset` as `LdpMsgParser` does; the rules of its type are for the subclasses.
    LdpCapabilityParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpCapabilityParser() override;
 
@@ -219,11 +232,13 @@ class VORN_API LdpCapabilityParser : public LdpMsgParser {
    Capabilities const & capabilities() const noexcept { return capabilities_; }
    /// The capability of that type, or null.
    LdpCapabilityParameterTlv const * capabilities( LdpTlvType type ) const;
+   /// Whether there is a capability of that type.
    bool capabilitiesHas( LdpTlvType type ) const { return capabilities( type ) != nullptr; }
    /// Adds the capability or replaces its view; null removes it.
    void capabilitiesIs( LdpTlvType type, LdpCapabilityParameterTlv const * capability );
    /// Removes the capability of that type and returns it, or null.
    LdpCapabilityParameterTlv const * capabilitiesDel( LdpTlvType type );
+   /// Removes all capabilities.
    void capabilitiesDelAll() { capabilities_.delAll(); }
    /// Tells the observers of a capability. A parser has no observers, so there is nobody to tell.
    void capabilitiesNotify( LdpTlvType ) const noexcept {}
@@ -244,13 +259,16 @@ class VORN_API LdpInitMsgParser : public LdpCapabilityParser {
    VORN_REFLECTED_OBJECT( LdpInitMsgParser, LdpCapabilityParser )
 
  public:
+   /// Parses the message at `offset`; see `LdpMsgParser::LdpMsgParser`.
    LdpInitMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpInitMsgParser() override;
    Vorn::String stringValue() const override;
 
-   /// Set on every good message.
+   /// The Common Session Parameters; set on every good message.
    LdpCommonSessionParamTlv const * msgSessionParamTlv() const noexcept { return msgSessionParamTlv_; }
+   /// The Fault Tolerant Session TLV; null where the message has none.
    LdpFtSessionTlv const * msgFtSessionTlv() const noexcept { return msgFtSessionTlv_; }
+   /// The judgement, which the constructor runs.
    void handleInitialized();
 
  private:
@@ -264,6 +282,7 @@ class VORN_API LdpCapabilityMsgParser : public LdpCapabilityParser {
    VORN_REFLECTED_OBJECT( LdpCapabilityMsgParser, LdpCapabilityParser )
 
  public:
+   /// Parses the message at `offset`; see `LdpMsgParser::LdpMsgParser`.
    LdpCapabilityMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpCapabilityMsgParser() override;
    Vorn::String stringValue() const override;
@@ -278,12 +297,14 @@ class VORN_API LdpNotificationMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpNotificationMsgParser, LdpMsgParser )
 
  public:
+   /// Parses the message at `offset`; see `LdpMsgParser::LdpMsgParser`.
    LdpNotificationMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpNotificationMsgParser() override;
    Vorn::String stringValue() const override;
 
-   /// Set on a good pseudowire status notification only.
+   /// The PW Status TLV; set on a good pseudowire status notification only.
    LdpPwStatusTlv const * msgPwStatusTlv() const noexcept { return msgPwStatusTlv_; }
+   /// The judgement, which the constructor runs.
    void handleInitialized();
 
  private:
@@ -297,12 +318,14 @@ class VORN_API LdpAddressMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpAddressMsgParser, LdpMsgParser )
 
  public:
+   /// Parses the message at `offset`; see `LdpMsgParser::LdpMsgParser`.
    LdpAddressMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpAddressMsgParser() override;
    Vorn::String stringValue() const override;
 
-   /// Set on every good message.
+   /// The Address List TLV; set on every good message.
    LdpAddressListTlv const * addressListTlv() const noexcept { return addressListTlv_; }
+   /// The judgement, which the constructor runs.
    void handleInitialized();
 
  private:
@@ -314,12 +337,14 @@ class VORN_API LdpAddressWithdrawMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpAddressWithdrawMsgParser, LdpMsgParser )
 
  public:
+   /// Parses the message at `offset`; see `LdpMsgParser::LdpMsgParser`.
    LdpAddressWithdrawMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpAddressWithdrawMsgParser() override;
    Vorn::String stringValue() const override;
 
-   /// Set on every good message.
+   /// The Address List TLV; set on every good message.
    LdpAddressListTlv const * addressListTlv() const noexcept { return addressListTlv_; }
+   /// The judgement, which the constructor runs.
    void handleInitialized();
 
  private:
@@ -331,16 +356,22 @@ class VORN_API LdpLabelMappingMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpLabelMappingMsgParser, LdpMsgParser )
 
  public:
+   /// Parses the message at `offset`; see `LdpMsgParser::LdpMsgParser`.
    LdpLabelMappingMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpLabelMappingMsgParser() override;
    Vorn::String stringValue() const override;
 
-   /// Set on every good message.
+   /// The label; set on every good message.
    LdpGenLabelTlv const * msgGenLabelTlv() const noexcept { return msgGenLabelTlv_; }
+   /// Id of the request that is answered; null where the message has none.
    LdpLabelReqMsgIdTlv const * msgReqMsgIdTlv() const noexcept { return msgReqMsgIdTlv_; }
+   /// The hop count; null where the message has none.
    LdpHopCountTlv const * msgHopCountTlv() const noexcept { return msgHopCountTlv_; }
+   /// The path vector; null where the message has none.
    LdpPathVectorTlv const * msgPathVectorTlv() const noexcept { return msgPathVectorTlv_; }
+   /// The PW Status TLV; null where the message has none.
    LdpPwStatusTlv const * msgPwStatusTlv() const noexcept { return msgPwStatusTlv_; }
+   /// The judgement, which the constructor runs.
    void handleInitialized();
 
  private:
@@ -356,13 +387,16 @@ class VORN_API LdpLabelRequestMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpLabelRequestMsgParser, LdpMsgParser )
 
  public:
+   /// Parses the message at `offset`; see `LdpMsgParser::LdpMsgParser`.
    LdpLabelRequestMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpLabelRequestMsgParser() override;
    Vorn::String stringValue() const override;
 
-   /// Optional TLVs; null where the message has none.
+   /// The hop count; null where the message has none.
    LdpHopCountTlv const * msgHopCountTlv() const noexcept { return msgHopCountTlv_; }
+   /// The path vector; null where the message has none.
    LdpPathVectorTlv const * msgPathVectorTlv() const noexcept { return msgPathVectorTlv_; }
+   /// The judgement, which the constructor runs.
    void handleInitialized();
 
  private:
@@ -375,12 +409,14 @@ class VORN_API LdpLabelWithdrawMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpLabelWithdrawMsgParser, LdpMsgParser )
 
  public:
+   /// Parses the message at `offset`; see `LdpMsgParser::LdpMsgParser`.
    LdpLabelWithdrawMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpLabelWithdrawMsgParser() override;
    Vorn::String stringValue() const override;
 
    /// The label; null for all labels of the FEC.
    LdpGenLabelTlv const * msgGenLabelTlv() const noexcept { return msgGenLabelTlv_; }
+   /// The judgement, which the constructor runs.
    void handleInitialized();
 
  private:
@@ -393,12 +429,14 @@ class VORN_API LdpLabelReleaseMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpLabelReleaseMsgParser, LdpMsgParser )
 
  public:
+   /// Parses the message at `offset`; see `LdpMsgParser::LdpMsgParser`.
    LdpLabelReleaseMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpLabelReleaseMsgParser() override;
    Vorn::String stringValue() const override;
 
    /// The label; null for all labels of the FEC.
    LdpGenLabelTlv const * msgGenLabelTlv() const noexcept { return msgGenLabelTlv_; }
+   /// The judgement, which the constructor runs.
    void handleInitialized();
 
  private:
@@ -410,12 +448,14 @@ class VORN_API LdpLabelAbortReqMsgParser : public LdpMsgParser {
    VORN_REFLECTED_OBJECT( LdpLabelAbortReqMsgParser, LdpMsgParser )
 
  public:
+   /// Parses the message at `offset`; see `LdpMsgParser::LdpMsgParser`.
    LdpLabelAbortReqMsgParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset, LdpMsgParser * plain = nullptr );
    ~LdpLabelAbortReqMsgParser() override;
    Vorn::String stringValue() const override;
 
-   /// Set on every good message.
+   /// Id of the request that is aborted; set on every good message.
    LdpLabelReqMsgIdTlv const * msgReqMsgIdTlv() const noexcept { return msgReqMsgIdTlv_; }
+   /// The judgement, which the constructor runs.
    void handleInitialized();
 
  private:

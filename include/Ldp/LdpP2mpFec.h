@@ -29,26 +29,31 @@ class VORN_API LdpP2mpFecState : public Vorn::Entity {
    VORN_ENTITY( LdpP2mpFecState, Vorn::Entity )
 
  public:
+   /// Makes the two children as well.
    explicit LdpP2mpFecState( Mpls::FwdEqvClass const & p2mpFecId );
 
    VORN_KEY( 0x102, Mpls::FwdEqvClass, p2mpFecId );
    /// Labels of the FEC. Made by the constructor, under the name labelSet.
    VORN_CHILD( 0x103, MplsLabelSet, mplsLabelSet, MplsLabelSet, local );
-   /// Peers that have been told. Made by the constructor.
+   /// Peers to which the FEC has been advertised. Made by the constructor.
    VORN_CHILD( 0x104, LdpIdentifierSet, advertisedTo, AdvertisedTo, replicated );
    /// Why the FEC exists.
    VORN_VALUE_COLL( 0x105, bool, LdpP2mpFecStateMembership, membership, Membership, local );
-   /// Sessions to which we have sent a label, and those from which we have one.
+   /// Sessions to which we have sent a label.
    VORN_VALUE_COLL( 0x106, bool, LdpSessionId, localSessionMember, LocalSessionMember, replicated );
+   /// Sessions from which we have a label.
    VORN_VALUE_COLL( 0x107, bool, LdpSessionId, remoteSessionMember, RemoteSessionMember, replicated );
+   /// Place of this router in the tree.
    VORN_MUTABLE( 0x108, LdpP2mpFecRole, p2mpFecRole, P2mpFecRole, replicated ) = unknown;
    /// The peer towards the root.
    VORN_MUTABLE( 0x109, LdpIdentifier, upstreamLsr, UpstreamLsr, local );
    /// Next hops towards the root.
    VORN_VALUE_COLL( 0x10a, bool, Via, via, Via, local );
-   /// Reverse maps of the next hops, for the writer's own look-ups, as in `LdpFecConfig`.
+   /// Next hops by interface address; like the next two a reverse map, for the writer's own look-ups.
    VORN_LOCAL_ENTITY_COLL( 0x10b, IntfIpViaMapping, Lumo::IpGenAddr, intfIpViaMapping );
+   /// The peer behind each next hop.
    VORN_LOCAL_VALUE_COLL( 0x10c, LdpIdentifier, Via, viaLdpIdMapping );
+   /// Next hops by peer.
    VORN_LOCAL_ENTITY_COLL( 0x10d, LdpIdViaMapping, LdpIdentifier, ldpIdViaMapping );
    /// Whether the protocol works for this FEC.
    VORN_MUTABLE( 0x10e, bool, isProtocolOperational, IsProtocolOperational, local ) = false;
@@ -66,6 +71,7 @@ class VORN_API LdpP2mpFecStateColl : public Vorn::Entity {
    explicit LdpP2mpFecStateColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The P2MP FECs, by their value.
    VORN_ENTITY_COLL( 0x102, LdpP2mpFecState, Mpls::FwdEqvClass, p2mpFecState, P2mpFecState, replicated );
    /// Means nothing but its changes: observers are to look at their own state. 255 goes on with 0.
    VORN_COUNTER( 0x103, U8, notifyCounter, NotifyCounter, local ) = 0;
@@ -82,6 +88,7 @@ class VORN_API LdpP2mpLabelTerminatingInfo : public Vorn::Entity {
    explicit LdpP2mpLabelTerminatingInfo( Lumo::MplsLabel const & label ) : label_( label ) {}
 
    VORN_KEY( 0x102, Lumo::MplsLabel, label );
+   /// The P2MP FECs.
    VORN_SET( 0x103, Mpls::FwdEqvClass, p2mpFec, P2mpFec, replicated );
 
    VORN_NEXT_LINK;
@@ -97,6 +104,7 @@ class VORN_API LdpP2mpLabelTerminatingInfoColl : public Vorn::Entity {
    explicit LdpP2mpLabelTerminatingInfoColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// What ends at each label.
    VORN_ENTITY_COLL( 0x102, LdpP2mpLabelTerminatingInfo, Lumo::MplsLabel, labelTerminatingInfo,
                      LabelTerminatingInfo, replicated );
 
@@ -112,7 +120,9 @@ class VORN_API LdpP2mpFecCounters : public Vorn::Entity {
    explicit LdpP2mpFecCounters( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// TLVs in mappings received, by type.
    VORN_COUNTER_COLL( 0x102, U64, LdpTlvType, labelMappingRxTlv, LabelMappingRxTlv, local );
+   /// TLVs in mappings sent, by type.
    VORN_COUNTER_COLL( 0x103, U64, LdpTlvType, labelMappingTxTlv, LabelMappingTxTlv, local );
 
    VORN_OBSERVERS;

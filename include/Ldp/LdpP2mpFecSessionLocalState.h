@@ -23,7 +23,9 @@ class VORN_API LdpP2mpFecSessionLocalEphemeralState : public Vorn::Entity {
    explicit LdpP2mpFecSessionLocalEphemeralState( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// State of the active label.
    VORN_MUTABLE( 0x102, LdpLocalLabelState, activeLabelState, ActiveLabelState, local ) = noneSent;
+   /// The active label.
    VORN_MUTABLE( 0x103, Lumo::MplsLabel, activeLabel, ActiveLabel, local );
 
    VORN_OBSERVERS;
@@ -35,14 +37,17 @@ class VORN_API LdpP2mpFecSessionLocalState : public Vorn::Entity {
    VORN_ENTITY( LdpP2mpFecSessionLocalState, Vorn::Entity )
 
  public:
+   /// Makes the child as well.
    explicit LdpP2mpFecSessionLocalState( LdpFecSessionId const & ldpP2mpFecSessionId );
 
    VORN_KEY( 0x102, LdpFecSessionId, ldpP2mpFecSessionId );
+   /// State of the exchange about our label.
    VORN_MUTABLE( 0x103, LdpLocalLabelSessionState, localLabelSessionState, LocalLabelSessionState, local );
-   /// Made by the constructor, under the empty name.
+   /// The label that is active now. Made by the constructor, under the empty name.
    VORN_CHILD( 0x104, LdpP2mpFecSessionLocalEphemeralState, ephemeralState, EphemeralState, local );
-   /// Messages received and sent, by type.
+   /// Messages received, by type.
    VORN_COUNTER_COLL( 0x105, U64, LdpMsgType, ldpMsgRx, LdpMsgRx, local );
+   /// Messages sent, by type.
    VORN_COUNTER_COLL( 0x106, U64, LdpMsgType, ldpMsgTx, LdpMsgTx, local );
 
    VORN_NEXT_LINK;
@@ -59,6 +64,7 @@ class VORN_API LdpP2mpFecSessionLocalStatePerSessionColl : public Vorn::Entity {
         : ldpSessionId_( ldpSessionId ) {}
 
    VORN_KEY( 0x102, LdpSessionId, ldpSessionId );
+   /// The P2MP FECs, each with the session.
    VORN_ENTITY_COLL( 0x103, LdpP2mpFecSessionLocalState, LdpFecSessionId, p2mpFecSessionLocalState,
                      P2mpFecSessionLocalState, local );
 
@@ -75,6 +81,7 @@ class VORN_API LdpP2mpFecSessionLocalStateColl : public Vorn::Entity {
    explicit LdpP2mpFecSessionLocalStateColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The P2MP FECs of each session.
    VORN_ENTITY_COLL( 0x102, LdpP2mpFecSessionLocalStatePerSessionColl, LdpSessionId,
                      p2mpFecSessionLocalStateColl, P2mpFecSessionLocalStateColl, local );
 
@@ -92,8 +99,9 @@ class VORN_API LdpP2mpFecSessionLocalStateNotifier : public Vorn::Entity {
         : ldpSessionId_( ldpSessionId ) {}
 
    VORN_KEY( 0x102, LdpSessionId, ldpSessionId );
+   /// The FEC session that changed last.
    VORN_MUTABLE( 0x103, LdpFecSessionId, p2mpFecSessionId, P2mpFecSessionId, local );
-   /// 255 goes on with 0.
+   /// Moves with each change; 255 goes on with 0.
    VORN_COUNTER( 0x104, U8, notifyCounter, NotifyCounter, local ) = 0;
 
    VORN_NEXT_LINK;
@@ -111,6 +119,7 @@ class VORN_API LdpP2mpFecSessionLocalStateNotifierColl : public Vorn::Entity {
    VORN_NAME;
    /// For the writer, as context; it is tied to no key.
    VORN_MUTABLE( 0x102, LdpSessionId, ldpSessionId, LdpSessionId, local );
+   /// The notifiers, by session.
    VORN_ENTITY_COLL( 0x103, LdpP2mpFecSessionLocalStateNotifier, LdpSessionId,
                      p2mpFecSessionLocalStateNotifier, P2mpFecSessionLocalStateNotifier, local );
 

@@ -15,12 +15,16 @@ class VORN_API LdpP2mpFecSessionRemoteState : public Vorn::Entity {
    explicit LdpP2mpFecSessionRemoteState( LdpFecSessionId const & ldpP2mpFecSessionId )
         : ldpP2mpFecSessionId_( ldpP2mpFecSessionId ) {}
 
+   /// State of the peer's label.
    VORN_MUTABLE( 0x102, LdpPeerLabelState, peerLabelState, PeerLabelState, local ) = noneRcvd;
+   /// The peer's label.
    VORN_MUTABLE( 0x103, Lumo::MplsLabel, peerLabel, PeerLabel, local );
+   /// Whether the FEC session is in use on the peer's side.
    VORN_MUTABLE( 0x104, bool, remoteFecSessionInUse, RemoteFecSessionInUse, local ) = false;
    VORN_KEY( 0x105, LdpFecSessionId, ldpP2mpFecSessionId );
-   /// Messages received and sent, by type.
+   /// Messages received, by type.
    VORN_COUNTER_COLL( 0x106, U64, LdpMsgType, ldpMsgRx, LdpMsgRx, local );
+   /// Messages sent, by type.
    VORN_COUNTER_COLL( 0x107, U64, LdpMsgType, ldpMsgTx, LdpMsgTx, local );
 
    VORN_NEXT_LINK;
@@ -37,6 +41,7 @@ class VORN_API LdpP2mpFecSessionRemoteStatePerSessionColl : public Vorn::Entity 
         : ldpSessionId_( ldpSessionId ) {}
 
    VORN_KEY( 0x102, LdpSessionId, ldpSessionId );
+   /// The P2MP FECs, each with the session.
    VORN_ENTITY_COLL( 0x103, LdpP2mpFecSessionRemoteState, LdpFecSessionId, p2mpFecSessionRemoteState,
                      P2mpFecSessionRemoteState, local );
 
@@ -53,6 +58,7 @@ class VORN_API LdpP2mpFecSessionRemoteStateColl : public Vorn::Entity {
    explicit LdpP2mpFecSessionRemoteStateColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The P2MP FECs of each session.
    VORN_ENTITY_COLL( 0x102, LdpP2mpFecSessionRemoteStatePerSessionColl, LdpSessionId,
                      p2mpFecSessionRemoteStateColl, P2mpFecSessionRemoteStateColl, local );
 
@@ -70,9 +76,11 @@ class VORN_API LdpP2mpFecSessionRemoteStateNotifier : public Vorn::Entity {
         : ldpSessionId_( ldpSessionId ) {}
 
    VORN_KEY( 0x102, LdpSessionId, ldpSessionId );
+   /// The FEC session that changed last.
    VORN_MUTABLE( 0x103, LdpFecSessionId, p2mpFecSessionId, P2mpFecSessionId, local );
+   /// Type of the message that changed it.
    VORN_MUTABLE( 0x104, LdpMsgType, msgType, MsgType, local ) = LdpNotification;
-   /// 255 goes on with 0.
+   /// Moves with each change; 255 goes on with 0.
    VORN_COUNTER( 0x105, U8, notifyCounter, NotifyCounter, local ) = 0;
 
    VORN_NEXT_LINK;
@@ -90,6 +98,7 @@ class VORN_API LdpP2mpFecSessionRemoteStateNotifierColl : public Vorn::Entity {
    VORN_NAME;
    /// For the writer, as context; it is tied to no key.
    VORN_MUTABLE( 0x102, LdpSessionId, ldpSessionId, LdpSessionId, local );
+   /// The notifiers, by session.
    VORN_ENTITY_COLL( 0x103, LdpP2mpFecSessionRemoteStateNotifier, LdpSessionId,
                      p2mpFecSessionRemoteStateNotifier, P2mpFecSessionRemoteStateNotifier, local );
 

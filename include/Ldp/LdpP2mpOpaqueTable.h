@@ -25,6 +25,7 @@ class VORN_API LdpP2mpOpaqueTable : public Vorn::Entity {
    explicit LdpP2mpOpaqueTable( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The opaque values and their indices, which somebody else owns.
    VORN_REFERENCE( 0x102, Mpls::MldpOpaqueValueTable, table, Table, replicated );
    VORN_FUNCTION( 0x103, getOrCreateOpaqueIndex );
    VORN_FUNCTION( 0x104, getOpaqueIndex );

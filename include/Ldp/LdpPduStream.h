@@ -69,6 +69,7 @@ class VORN_API LdpPdu {
 /// Cuts the octets of one connection into PDUs, or judges datagrams.
 class VORN_API LdpPduStream {
  public:
+   /// A stream at its beginning.
    LdpPduStream() noexcept = default;
    /// What is left behind is a stream at its beginning.
    LdpPduStream( LdpPduStream && other ) noexcept { *this = std::move( other ); }

@@ -23,8 +23,9 @@ class VORN_API LdpPeerConfig : public Vorn::Entity {
    /// Configuration sequence number of the last hello. 16 bits here, 32 in an adjacency's status: who
    /// compares the two compares the low half. Copies and tools depend on both widths.
    VORN_MUTABLE( 0x106, U16, peerConfigSeqNum, PeerConfigSeqNum, local ) = 0;
-   /// Status of the peer, and that of its last adjacency event.
+   /// Status of the peer.
    VORN_MUTABLE( 0x107, LdpStatusCode, statusCode, StatusCode, local ) = success;
+   /// Status of the peer's last adjacency event.
    VORN_MUTABLE( 0x108, LdpStatusCode, latestAdjStatusCode, LatestAdjStatusCode, local ) = success;
 
    VORN_NEXT_LINK;
@@ -40,6 +41,7 @@ class VORN_API LdpPeerConfigColl : public Vorn::Entity {
    explicit LdpPeerConfigColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The peers, by identifier.
    VORN_ENTITY_COLL( 0x102, LdpPeerConfig, LdpIdentifier, peerConfig, PeerConfig, replicated );
 
    VORN_OBSERVERS;
@@ -68,6 +70,7 @@ class VORN_API LdpPeerStatusColl : public Vorn::Entity {
    explicit LdpPeerStatusColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The peers, by identifier.
    VORN_ENTITY_COLL( 0x102, LdpPeerStatus, LdpIdentifier, peerStatus, PeerStatus, local );
 
    VORN_OBSERVERS;

@@ -18,8 +18,9 @@ class VORN_API LdpProtoParam : public Vorn::Entity {
    explicit LdpProtoParam( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
-   /// Ports of discovery and of sessions.
+   /// UDP port of discovery.
    VORN_CONSTANT( 0x102, U16, ldpUdpPort, 646 );
+   /// TCP port of sessions.
    VORN_CONSTANT( 0x103, U16, ldpTcpPort, 646 );
    /// Size of a packet buffer in octets: the largest PDU that is received, and the largest maximum PDU length
    /// that a peer may propose.
@@ -28,42 +29,49 @@ class VORN_API LdpProtoParam : public Vorn::Entity {
    VORN_CONSTANT( 0x105, U16, ldpProtocolVersion, 1 );
    /// PDU length in effect by default, in octets.
    VORN_CONSTANT( 0x106, U16, defaultMaxPduLength, 4096 );
-   /// First codes of messages and of TLVs that have the U bit set.
+   /// First type field of a message with the U bit set.
    VORN_CONSTANT( 0x107, U16, msgTypeIgnoreBegin, 32768 );
+   /// First type field of a TLV with the U bit set.
    VORN_CONSTANT( 0x108, U16, tlvTypeIgnoreBegin, 32768 );
-   /// Hold time that never expires.
+   /// Hold time that never expires, as hellos carry it.
    VORN_CONSTANT( 0x109, U16, infiniteHelloHoldTime, 65535 );
-   /// Wait before the hello for a new adjacency.
+   /// Wait before the hello for a new adjacency, in seconds.
    VORN_CONSTANT( 0x10a, double, ldpNewAdjHelloWaitTime, 0.1 );
-   /// Wait before a new session is started.
+   /// Wait before a new session is started, in seconds.
    VORN_CONSTANT( 0x10b, double, ldpNewSessionWaitTime, 0.5 );
-   /// Link hellos: interval and hold time.
+   /// Interval of link hellos, in seconds.
    VORN_CONSTANT( 0x10c, U16, defaultBasicHelloInterval, 5 );
+   /// Hold time of link hellos, in seconds.
    VORN_CONSTANT( 0x10d, U16, defaultBasicHelloHoldTime, 15 );
-   /// Targeted hellos: interval and hold time.
+   /// Interval of targeted hellos, in seconds.
    VORN_CONSTANT( 0x10e, U16, defaultTargetHelloInterval, 15 );
+   /// Hold time of targeted hellos, in seconds.
    VORN_CONSTANT( 0x10f, U16, defaultTargetHelloHoldTime, 45 );
+   /// Keep-alive time of sessions, in seconds.
    VORN_CONSTANT( 0x110, U16, defaultSessionKeepAliveTime, 30 );
-   /// First and largest delay before a session is tried again.
+   /// First delay before a session is tried again, in seconds.
    VORN_CONSTANT( 0x111, double, defaultRetryBackoffTime, 15.0 );
+   /// Largest delay before a session is tried again, in seconds.
    VORN_CONSTANT( 0x112, double, defaultMaxRetryBackoffTime, 120.0 );
-   /// Delay before a session is tried again that ended without a fatal error.
+   /// Delay before a session is tried again that ended without a fatal error, in seconds.
    VORN_CONSTANT( 0x113, double, ldpNonFatalSessionRetryTime, 10.0 );
-   /// Wait before an immediate hello.
+   /// Wait before an immediate hello, in seconds.
    VORN_CONSTANT( 0x114, double, ldpImmediateHelloWaitTime, 0.1 );
    /// Type-of-service octet of the protocol's packets.
    VORN_CONSTANT( 0x115, Lumo::IpDscp, ldpIpTos, Lumo::IpDscp( 192 ) );
-   /// Delays before a session is tried again after a change of what it runs on: an address, the LDP
-   /// identifier, multicast LDP, the graceful restart reconnect time.
+   /// Delay before a session is tried again after a change of an address, in seconds.
    VORN_CONSTANT( 0x116, double, ldpIpChangeSessionRetryTime, 2.0 );
+   /// The same after a change of the LDP identifier.
    VORN_CONSTANT( 0x117, double, ldpIdChangeSessionRetryTime, 2.0 );
+   /// The same after multicast LDP was turned on or off.
    VORN_CONSTANT( 0x118, double, ldpMldpChangeSessionRetryTime, 2.0 );
+   /// The same after a change of the graceful restart reconnect time.
    VORN_CONSTANT( 0x119, double, ldpGrReconnectChangeSessionRetryTime, 2.0 );
    /// Retries of the TCP connection with exponential backoff.
    VORN_CONSTANT( 0x11a, U16, ldpTcpConnExponentialBackoffRetries, 5 );
    /// Retries to start the listener.
    VORN_CONSTANT( 0x11b, U32, ldpMaxStartListenerRetries, 5 );
-   /// How long hello redundancy keeps a session whose last adjacency has gone.
+   /// How long hello redundancy keeps a session whose last adjacency has gone, in seconds.
    VORN_CONSTANT( 0x11c, double, defaultHelloRedundancyTimeout, 600.0 );
    /// Whether hellos carry the IPv4 transport address TLV. The attribute's name is spelled so.
    VORN_MUTABLE( 0x11d, bool, tlvIpTransportAddrIncude, TlvIpTransportAddrIncude, replicated ) = true;
@@ -78,13 +86,17 @@ class VORN_API LdpProtoParam : public Vorn::Entity {
                  replicated ) = true;
    /// Service name, in lower case.
    VORN_CONSTANT( 0x122, Vorn::String, serviceName, "ldp" );
-   /// Graceful restart (RFC 3478, 2 and 3).
+   /// Holding timeout of graceful restart (RFC 3478), in seconds.
    VORN_CONSTANT( 0x123, U32, defaultGrHoldingTimeout, 90 );
+   /// Reconnect timeout of graceful restart, in seconds.
    VORN_CONSTANT( 0x124, U32, defaultGrReconnectTimeout, 90 );
+   /// Neighbor liveness timeout of graceful restart, in seconds.
    VORN_CONSTANT( 0x125, U32, defaultGrNeighborLivenessTimeout, 180 );
+   /// Largest recovery timeout of graceful restart, in seconds.
    VORN_CONSTANT( 0x126, U32, defaultGrMaxRecoveryTimeout, 180 );
-   /// Delays of the state machines over the configuration and at the root.
+   /// Delay of the state machines over the configuration, in seconds.
    VORN_CONSTANT( 0x127, double, ldpProtoConfigSmDelay, 1.0 );
+   /// Delay of the state machines at the root, in seconds.
    VORN_CONSTANT( 0x128, double, ldpRootSmDelay, 2.0 );
 
    VORN_OBSERVERS;
@@ -95,16 +107,19 @@ VORN_FACTORY( LdpProtoParam, ldpProtoParamFactory )
 /// numbers. Its text is the word in decimal.
 class VORN_API LdpProtoParamSetting {
    VORN_VALUE( LdpProtoParamSetting )
+   /// The whole word.
    VORN_FIELD( 0x2, U64, value ) = 0;
+   /// Bit numbers of the flags below.
    VORN_CONSTANT( 0x3, U32, bitAnvlTestCompatible, 0 );
    VORN_CONSTANT( 0x4, U32, bitAnvlTestAdvDsplForce, 2 );
    VORN_CONSTANT( 0x5, U32, bitAnvlTestAllFecs, 3 );
    VORN_CONSTANT( 0x6, U32, bitEdgeRouterRole, 8 );
    VORN_CONSTANT( 0x7, U32, bitPwStatusMethodLabelWithdraw, 9 );
-   /// For a conformance test run; the next two force the advertisement discipline in it, and take in all
-   /// FECs.
+   /// For a conformance test run.
    VORN_BIT( 0x8, bitAnvlTestCompatible(), anvlTestCompatible );
+   /// Force the advertisement discipline in such a run.
    VORN_BIT( 0x9, bitAnvlTestAdvDsplForce(), anvlTestAdvDsplForce );
+   /// Take in all FECs in such a run.
    VORN_BIT( 0xa, bitAnvlTestAllFecs(), anvlTestAllFecs );
    /// The router plays the edge role.
    VORN_BIT( 0xb, bitEdgeRouterRole(), edgeRouterRole );

@@ -25,6 +25,7 @@ class VORN_API LdpFecTlvPwIdElementHdrTypeField : public Lumo::NetU16 {
    /// C bit: a control word is to be used.
    bool controlWordBit() const noexcept { return bits< 0x8000 >(); }
    void controlWordBitIs( bool controlWord ) noexcept { bitsIs< 0x8000 >( controlWord ); }
+   /// PW type, the 15 bits behind the C bit.
    U16 pwType() const noexcept { return bits< 0x7fff >(); }
    void pwTypeIs( U16 type ) noexcept { bitsIs< 0x7fff >( type ); }
 };
@@ -36,19 +37,23 @@ class VORN_API LdpFecTlvPwIdElementHdr : public LdpFecTlvElementHdr {
    VORN_REFLECTED( LdpFecTlvPwIdElementHdr, LdpFecTlvElementHdr )
 
  public:
+   /// C bit and PW type, the raw field.
    LdpFecTlvPwIdElementHdrTypeField pwTypeField() const noexcept { return pwTypeField_; }
    void pwTypeFieldIs( LdpFecTlvPwIdElementHdrTypeField field ) noexcept { pwTypeField_ = field; }
    /// Octets of the PW ID and the interface parameters.
    U8 pwInfoLen() const noexcept { return pwInfoLen_; }
    void pwInfoLenIs( U8 octets ) noexcept { pwInfoLen_ = octets; }
+   /// The group, the raw field.
    Lumo::NetU32 groupIdNbo() const noexcept { return groupId_; }
    void groupIdNboIs( Lumo::NetU32 groupId ) noexcept { groupId_ = groupId; }
 
-   /// The group, the C bit (a control word is used) and the type.
+   /// The group.
    Pseudowire::GroupId groupId() const noexcept { return Pseudowire::GroupId( groupId_.value() ); }
    void groupIdIs( Pseudowire::GroupId groupId ) noexcept { groupId_.valueIs( groupId.value() ); }
+   /// C bit: a control word is to be used.
    bool controlWord() const noexcept { return pwTypeField_.controlWordBit(); }
    void controlWordIs( bool controlWord ) noexcept { pwTypeField_.controlWordBitIs( controlWord ); }
+   /// PW type; any number of 15 bits may come, it need not be an enumerator.
    Pseudowire::PseudowireType pwType() const noexcept {
       return Pseudowire::PseudowireType( pwTypeField_.pwType() );
    }
@@ -75,9 +80,10 @@ class VORN_API LdpPwIntfParamSubTlv : public Vorn::NrcPtrInterface {
    /// Octets of the head.
    static constexpr U8 tlvHdrSizeExclude = 2;
 
-   /// The code of the parameter, raw and as an enumerator.
+   /// The code of the parameter, the raw field.
    U8 typeField() const noexcept { return typeField_; }
    void typeFieldIs( U8 code ) noexcept { typeField_ = code; }
+   /// The code of the parameter; any octet may come, it need not be an enumerator.
    LdpPwIntfParamSubTlvType type() const noexcept { return LdpPwIntfParamSubTlvType( typeField_ ); }
    /// Octets of the whole parameter, head included.
    U8 length() const noexcept { return length_; }
@@ -107,6 +113,7 @@ class VORN_API LdpPwIntfMtuSubTlv : public LdpPwIntfParamSubTlvOf< intfMtu > {
    /// MTU in octets.
    Lumo::NetU16 mtu() const noexcept { return mtu_; }
    void mtuIs( Lumo::NetU16 mtu ) noexcept { mtu_ = mtu; }
+   /// `success`, or `badTlvLength` for any length but 4.
    LdpStatusCode validate() const;
 
  private:
@@ -134,8 +141,10 @@ class VORN_API LdpPwRequestedVlanIdSubTlv : public LdpPwIntfParamSubTlvOf< reque
    VORN_REFLECTED( LdpPwRequestedVlanIdSubTlv, LdpPwIntfParamSubTlv )
 
  public:
+   /// The VLAN id.
    Lumo::NetU16 vlanId() const noexcept { return vlanId_; }
    void vlanIdIs( Lumo::NetU16 vlanId ) noexcept { vlanId_ = vlanId; }
+   /// `success`, or `badTlvLength` for any length but 4.
    LdpStatusCode validate() const;
 
  private:
@@ -151,6 +160,7 @@ class VORN_API LdpPwFragIndicatorSubTlv : public LdpPwIntfParamSubTlvOf< fragInd
    /// Not zero: the sender can reassemble fragments.
    Lumo::NetU16 fragIndicator() const noexcept { return fragIndicator_; }
    void fragIndicatorIs( Lumo::NetU16 indicator ) noexcept { fragIndicator_ = indicator; }
+   /// `success`, or `badTlvLength` for any length but 4.
    LdpStatusCode validate() const;
 
  private:
@@ -179,10 +189,14 @@ class VORN_API LdpPwVccvParamSubTlv : public LdpPwIntfParamSubTlvOf< vccvParam >
    VORN_REFLECTED( LdpPwVccvParamSubTlv, LdpPwIntfParamSubTlv )
 
  public:
+   /// The two octets.
    LdpPwVccvParamField vccvParam() const noexcept { return vccvParam_; }
    void vccvParamIs( LdpPwVccvParamField param ) noexcept { vccvParam_ = param; }
+   /// Control channel types, one bit each.
    U8 ccTypes() const noexcept { return vccvParam_.ccTypes(); }
+   /// Connectivity verification types, one bit each.
    U8 cvTypes() const noexcept { return vccvParam_.cvTypes(); }
+   /// `success`, or `badTlvLength` for any length but 4.
    LdpStatusCode validate() const;
 
  private:
@@ -195,6 +209,7 @@ class VORN_API LdpPwIntfParamFlags {
    VORN_REFLECTED( LdpPwIntfParamFlags, void )
 
  public:
+   /// Masks of the flags below.
    static constexpr U32 intfMtu_ = 1;
    static constexpr U32 intfDesc_ = 2;
    static constexpr U32 requestedVlanId_ = 4;
@@ -209,14 +224,19 @@ class VORN_API LdpPwIntfParamFlags {
    /// The whole word.
    U32 value() const noexcept { return value_; }
    void valueIs( U32 value );
+   /// Whether there was an interface MTU.
    bool intfMtu() const noexcept { return value_ & intfMtu_; }
    void intfMtuIs( bool sent ) noexcept { flagIs( intfMtu_, sent ); }
+   /// Whether there was an interface description.
    bool intfDesc() const noexcept { return value_ & intfDesc_; }
    void intfDescIs( bool sent ) noexcept { flagIs( intfDesc_, sent ); }
+   /// Whether there was a requested VLAN id.
    bool requestedVlanId() const noexcept { return value_ & requestedVlanId_; }
    void requestedVlanIdIs( bool sent ) noexcept { flagIs( requestedVlanId_, sent ); }
+   /// Whether there was a fragmentation indicator.
    bool fragIndicator() const noexcept { return value_ & fragIndicator_; }
    void fragIndicatorIs( bool sent ) noexcept { flagIs( fragIndicator_, sent ); }
+   /// Whether there was a VCCV parameter.
    bool vccvParam() const noexcept { return value_ & vccvParam_; }
    void vccvParamIs( bool sent ) noexcept { flagIs( vccvParam_, sent ); }
 
@@ -239,6 +259,7 @@ class VORN_API LdpPwStatusField : public Lumo::NetU32 {
  public:
    using NetU32::NetU32;
 
+   /// The pseudowire does not forward.
    bool pwNotForwarding() const noexcept { return bits< 0x01 >(); }
    void pwNotForwardingIs( bool set ) noexcept { bitsIs< 0x01 >( set ); }
    /// Local attachment circuit, ingress: receive fault.
@@ -269,11 +290,13 @@ class VORN_API LdpPwStatusTlv : public LdpTlvHdr {
    VORN_REFLECTED( LdpPwStatusTlv, LdpTlvHdr )
 
  public:
+   /// The status word.
    LdpPwStatusField pwStatusField() const noexcept { return pwStatusField_; }
    void pwStatusFieldIs( LdpPwStatusField field ) noexcept { pwStatusField_ = field; }
 
    /// Header first; `badTlvLength` for any length but 4.
    LdpStatusCode validate() const;
+   /// Text of the TLV; an error form where `validate()` refuses it.
    Vorn::String stringValue() const;
 
  private:

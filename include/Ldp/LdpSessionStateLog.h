@@ -23,9 +23,11 @@ class VORN_API LdpSessionStateLogEntry {
    VORN_VALUE( LdpSessionStateLogEntry )
    /// When the state was entered, in seconds. The caller says so: the log reads no clock.
    VORN_CTOR_FIELD( 0x2, double, timeStamp ) = 0.0;
-   /// The state, the status code that caused it, and a reason for a person.
+   /// The state.
    VORN_CTOR_FIELD( 0x3, SessionState, sessionState ) = stateUnknown;
+   /// The status code that caused it.
    VORN_CTOR_FIELD( 0x4, LdpStatusCode, code ) = success;
+   /// The reason, for a person.
    VORN_CTOR_FIELD( 0x5, Vorn::String, reason );
 
  public:
@@ -57,6 +59,7 @@ class VORN_API LdpSessionStateLogEntryColl : public Vorn::Entity {
    VORN_FUNCTION( 0x103, internalAddLogEntry_ );
    VORN_FUNCTION( 0x104, shouldAddSessionStateLogEntry );
    VORN_FUNCTION( 0x105, addSessionStateLogEntry );
+   /// The entries, from the oldest to the newest.
    VORN_QUEUE( 0x106, LdpSessionStateLogEntry, sessionStateLogEntry, SessionStateLogEntry, replicated );
 
  public:

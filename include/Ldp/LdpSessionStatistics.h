@@ -12,7 +12,9 @@ namespace Ldp {
 /// What a message was about.
 class VORN_API LdpMsgIdFecMappingInfo {
    VORN_VALUE( LdpMsgIdFecMappingInfo )
+   /// The FEC.
    VORN_CTOR_FIELD( 0x2, Mpls::FwdEqvClass, fwdEqvClass );
+   /// Type of the message.
    VORN_CTOR_FIELD( 0x3, LdpMsgType, msgType ) = LdpNotification;
    /// Tells an entry from the default value that is read where there is none.
    VORN_CTOR_FIELD( 0x4, bool, valid ) = false;
@@ -30,7 +32,9 @@ VORN_TEXT( LdpMsgIdFecMappingInfo )
 /// What a message about a pseudowire was about.
 class VORN_API PwMsgIdFecMappingInfo {
    VORN_VALUE( PwMsgIdFecMappingInfo )
+   /// The pseudowire FEC.
    VORN_CTOR_FIELD( 0x2, PwFwdEqvClass, fwdEqvClass );
+   /// Type of the message.
    VORN_CTOR_FIELD( 0x3, LdpMsgType, msgType ) = LdpNotification;
    /// Tells an entry from the default value that is read where there is none.
    VORN_CTOR_FIELD( 0x4, bool, valid ) = false;
@@ -54,19 +58,24 @@ class VORN_API LdpSessionStatistics : public Vorn::Entity {
    VORN_KEY( 0x102, LdpSessionId, ldpSessionId );
    /// What the messages were about, by message id.
    VORN_LOCAL_VALUE_COLL( 0x103, LdpMsgIdFecMappingInfo, U32, ldpMsgIdFecMappingInfo );
-   /// PDUs received and sent, and those received that were bad.
+   /// PDUs received.
    VORN_LOCAL_COUNTER( 0x104, U64, ldpPduRxCount ) = 0;
+   /// PDUs sent.
    VORN_LOCAL_COUNTER( 0x105, U64, ldpPduTxCount ) = 0;
+   /// PDUs received that were bad.
    VORN_LOCAL_COUNTER( 0x106, U64, ldpPduRxErrorCount ) = 0;
-   /// What the messages about pseudowires were about, by message id: ours, and the peer's.
+   /// What our messages about pseudowires were about, by message id.
    VORN_LOCAL_VALUE_COLL( 0x107, PwMsgIdFecMappingInfo, U32, pwLocalMsgIdInfo );
+   /// What the peer's messages about pseudowires were about, by message id.
    VORN_LOCAL_VALUE_COLL( 0x108, PwMsgIdFecMappingInfo, U32, pwRemoteMsgIdInfo );
-   /// Messages received and sent, by type.
+   /// Messages received, by type.
    VORN_COUNTER_COLL( 0x109, U64, LdpMsgType, ldpMsgRxCount, LdpMsgRxCount, replicated );
+   /// Messages sent, by type.
    VORN_COUNTER_COLL( 0x10a, U64, LdpMsgType, ldpMsgTxCount, LdpMsgTxCount, replicated );
-   /// Notifications received and sent, by status code.
+   /// Notifications received, by status code.
    VORN_COUNTER_COLL( 0x10b, U64, LdpStatusCode, ldpMsgNotificationRxCount, LdpMsgNotificationRxCount,
                       replicated );
+   /// Notifications sent, by status code.
    VORN_COUNTER_COLL( 0x10c, U64, LdpStatusCode, ldpMsgNotificationTxCount, LdpMsgNotificationTxCount,
                       replicated );
 
@@ -83,6 +92,7 @@ class VORN_API LdpSessionStatisticsColl : public Vorn::Entity {
    explicit LdpSessionStatisticsColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The statistics, by session.
    VORN_ENTITY_COLL( 0x102, LdpSessionStatistics, LdpSessionId, sessionStatistics, SessionStatistics,
                      replicated );
 

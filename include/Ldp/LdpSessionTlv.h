@@ -37,15 +37,19 @@ class VORN_API LdpCommonHelloTlv : public LdpTlvHdrOf< commonHelloTlv > {
    VORN_REFLECTED( LdpCommonHelloTlv, LdpTlvHdr )
 
  public:
+   /// Proposed hold time in seconds, the raw field.
    Lumo::NetU16 holdTimeNbo() const noexcept { return holdTime_; }
+   /// T and R bits, the raw field.
    LdpCommonHelloTargetField targetHelloField() const noexcept { return targetHelloField_; }
    void targetHelloFieldIs( LdpCommonHelloTargetField field ) noexcept { targetHelloField_ = field; }
 
    /// Proposed hold time in seconds; 0 is the default of the kind of hello, 0xffff is infinite.
    U16 holdTime() const noexcept { return holdTime_.value(); }
    void holdTimeIs( U16 seconds ) noexcept { holdTime_.valueIs( seconds ); }
+   /// T bit: a targeted hello.
    bool targetedHello() const noexcept { return targetHelloField_.targetedHello(); }
    void targetedHelloIs( bool targeted ) noexcept { targetHelloField_.targetedHelloIs( targeted ); }
+   /// R bit: the sender asks for targeted hellos in return.
    bool requestSendTargetedHello() const noexcept { return targetHelloField_.requestSendTargetedHello(); }
    void requestSendTargetedHelloIs( bool request ) noexcept {
       targetHelloField_.requestSendTargetedHelloIs( request );
@@ -53,6 +57,7 @@ class VORN_API LdpCommonHelloTlv : public LdpTlvHdrOf< commonHelloTlv > {
 
    /// `success`, or `badTlvLength` for any length but 4.
    LdpStatusCode validate() const;
+   /// Text of the TLV; an error form where `validate()` refuses it.
    Vorn::String stringValue() const;
 
  private:
@@ -66,11 +71,13 @@ class VORN_API LdpIpTransportAddrTlv : public LdpTlvHdrOf< ipv4TransportAddrTlv 
    VORN_REFLECTED( LdpIpTransportAddrTlv, LdpTlvHdr )
 
  public:
+   /// The address from which the sender's sessions run.
    Lumo::IpAddr ipAddr() const noexcept { return ipAddr_; }
    void ipAddrIs( Lumo::IpAddr const & ipAddr ) noexcept { ipAddr_ = ipAddr; }
 
    /// `success`, or `badTlvLength` for any length but 4.
    LdpStatusCode validate() const;
+   /// Text of the TLV; an error form where `validate()` refuses it.
    Vorn::String stringValue() const;
 
  private:
@@ -83,12 +90,15 @@ class VORN_API LdpConfigSeqNumTlv : public LdpTlvHdrOf< configSeqNumTlv > {
    VORN_REFLECTED( LdpConfigSeqNumTlv, LdpTlvHdr )
 
  public:
+   /// The sequence number, the raw field.
    Lumo::NetU32 configSeqNumNbo() const noexcept { return configSeqNum_; }
+   /// Number that changes with the sender's configuration.
    U32 configSeqNum() const noexcept { return configSeqNum_.value(); }
    void configSeqNumIs( U32 number ) noexcept { configSeqNum_.valueIs( number ); }
 
    /// `success`, or `badTlvLength` for any length but 4.
    LdpStatusCode validate() const;
+   /// Text of the TLV; an error form where `validate()` refuses it.
    Vorn::String stringValue() const;
 
  private:
@@ -101,11 +111,13 @@ class VORN_API LdpIp6TransportAddrTlv : public LdpTlvHdrOf< ipv6TransportAddrTlv
    VORN_REFLECTED( LdpIp6TransportAddrTlv, LdpTlvHdr )
 
  public:
+   /// The address from which the sender's sessions run.
    Lumo::Ip6Addr ip6Addr() const noexcept { return ip6Addr_; }
    void ip6AddrIs( Lumo::Ip6Addr const & ip6Addr ) noexcept { ip6Addr_ = ip6Addr; }
 
    /// `success`, or `badTlvLength` for any length but 16.
    LdpStatusCode validate() const;
+   /// Text of the TLV; an error form where `validate()` refuses it.
    Vorn::String stringValue() const;
 
  private:
@@ -139,11 +151,14 @@ class VORN_API LdpCommonSessionParamTlv : public LdpTlvHdr {
    /// Shortest keep-alive time that a session can have, in seconds.
    static constexpr U16 minKeepAliveTime = 3;
 
-   /// The raw fields.
+   /// Version of the protocol, the raw field.
    Lumo::NetU16 protocolVersionNbo() const noexcept { return protocolVersion_; }
+   /// Proposed keep-alive time in seconds, the raw field.
    Lumo::NetU16 keepAliveTimeNbo() const noexcept { return keepAliveTime_; }
+   /// A and D bits, the raw field.
    LdpCommonSessionParamTlvAdField adField() const noexcept { return adField_; }
    void adFieldIs( LdpCommonSessionParamTlvAdField field ) noexcept { adField_ = field; }
+   /// Proposed maximum PDU length in octets, the raw field.
    Lumo::NetU16 maxPduLengthNbo() const noexcept { return maxPduLength_; }
 
    /// Version of the protocol; 1 is the only one.
@@ -152,8 +167,10 @@ class VORN_API LdpCommonSessionParamTlv : public LdpTlvHdr {
    /// Proposed keep-alive time in seconds.
    U16 keepAliveTime() const noexcept { return keepAliveTime_.value(); }
    void keepAliveTimeIs( U16 seconds ) noexcept { keepAliveTime_.valueIs( seconds ); }
+   /// A bit: label advertisement discipline; set is downstream on demand.
    bool advDiscipline() const noexcept { return adField_.advDiscipline(); }
    void advDisciplineIs( bool onDemand ) noexcept { adField_.advDisciplineIs( onDemand ); }
+   /// D bit: loop detection based on path vectors.
    bool loopDetect() const noexcept { return adField_.loopDetect(); }
    void loopDetectIs( bool detect ) noexcept { adField_.loopDetectIs( detect ); }
    /// Path vector limit, in LSRs.
@@ -169,6 +186,7 @@ class VORN_API LdpCommonSessionParamTlv : public LdpTlvHdr {
    /// Header first, then length, version, keep-alive time and maximum PDU length, each with a code of its
    /// own.
    LdpStatusCode validate() const;
+   /// Text of the TLV; an error form where `validate()` refuses it.
    Vorn::String stringValue() const;
 
  private:
@@ -200,6 +218,7 @@ class VORN_API LdpFtSessionFlags : public Lumo::NetU16 {
    /// S: the sender saved its state.
    U16 saveState() const noexcept { return bits< 0x0008 >(); }
    void saveStateIs( U16 flag ) noexcept { bitsIs< 0x0008 >( flag ); }
+   /// The bits without a name; kept.
    U16 reserved() const noexcept { return bits< 0x7ff0 >(); }
    void reservedIs( U16 reserved ) noexcept { bitsIs< 0x7ff0 >( reserved ); }
    /// R: the session is a reconnection.
@@ -213,8 +232,10 @@ class VORN_API LdpFtSessionTlv : public LdpTlvHdr {
    VORN_REFLECTED( LdpFtSessionTlv, LdpTlvHdr )
 
  public:
+   /// The flags.
    LdpFtSessionFlags ftFlags() const noexcept { return ftFlags_; }
    void ftFlagsIs( LdpFtSessionFlags flags ) noexcept { ftFlags_ = flags; }
+   /// The reserved field; kept.
    Lumo::NetU16 reserved() const noexcept { return reserved_; }
    void reservedIs( Lumo::NetU16 reserved ) noexcept { reserved_ = reserved; }
    /// Reconnect timeout in milliseconds, as it stands in the TLV.
@@ -229,6 +250,7 @@ class VORN_API LdpFtSessionTlv : public LdpTlvHdr {
 
    /// Header first; `badTlvLength` for any length but 12; `malformedTlv` for flags that do not go together.
    LdpStatusCode validate() const;
+   /// Text of the TLV; an error form where `validate()` refuses it.
    Vorn::String stringValue() const;
 
  private:
@@ -249,6 +271,7 @@ class VORN_API LdpStateBit : public Lumo::NetU8 {
    /// Set when the capability is advertised, clear when it is withdrawn.
    bool state() const noexcept { return value() & 0x80; }
    void stateIs( bool advertised ) noexcept { valueIs( U8( ( value() & ~0x80 ) | advertised << 7 ) ); }
+   /// The bits behind the S bit; kept.
    U8 reserved() const noexcept { return value() & 0x7f; }
    void reservedIs( U8 reserved ) noexcept { valueIs( U8( ( value() & ~0x7f ) | ( reserved & 0x7f ) ) ); }
 };
@@ -258,6 +281,7 @@ class VORN_API LdpCapabilityParameterTlv : public LdpTlvHdr {
    VORN_REFLECTED( LdpCapabilityParameterTlv, LdpTlvHdr )
 
  public:
+   /// The octet with the S bit.
    LdpStateBit stateBit() const noexcept { return stateBit_; }
    void stateBitIs( LdpStateBit bit ) noexcept { stateBit_ = bit; }
    /// Whether the capability is advertised.

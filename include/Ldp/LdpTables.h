@@ -17,6 +17,7 @@ class VORN_API LdpIdentifierSet : public Vorn::Entity {
    explicit LdpIdentifierSet( Mpls::FwdEqvClass const & fwdEqvClass ) : fwdEqvClass_( fwdEqvClass ) {}
 
    VORN_KEY( 0x102, Mpls::FwdEqvClass, fwdEqvClass );
+   /// The peers.
    VORN_SET( 0x103, LdpIdentifier, ldpIdentifier, LdpIdentifier, replicated );
 
    VORN_OBSERVERS;

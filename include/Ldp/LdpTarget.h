@@ -21,9 +21,9 @@ class VORN_API LdpTargetBaseConfig : public Vorn::Entity {
    explicit LdpTargetBaseConfig( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
-   /// Between two hellos.
+   /// Between two hellos, in seconds.
    VORN_MUTABLE( 0x102, U16, interval, Interval, local ) = 15;
-   /// Hold time that hellos propose.
+   /// Hold time that hellos propose, in seconds.
    VORN_MUTABLE( 0x103, U16, holdTime, HoldTime, local ) = 45;
 
    VORN_OBSERVERS;
@@ -60,8 +60,9 @@ class VORN_API LdpTargetConfig : public LdpTargetBaseConfig {
         : LdpTargetBaseConfig( Vorn::Name() ), targetIpAddr_( targetIpAddr ) {}
 
    VORN_KEY( 0x182, Lumo::IpAddr, targetIpAddr );
+   /// Whether the target is configured.
    VORN_MUTABLE( 0x183, ConfigState, configState, ConfigState, local ) = configDisabled;
-   /// The reasons.
+   /// The reasons for which the target exists.
    VORN_VALUE_COLL( 0x184, bool, LdpTargetMembership, targetMembership, TargetMembership, replicated );
 
    VORN_NEXT_LINK;
@@ -80,6 +81,7 @@ class VORN_API LdpTargetConfigColl : public Vorn::Entity {
    VORN_NAME;
    /// What they share; null until somebody makes it.
    VORN_CHILD( 0x102, LdpTargetCommonConfig, ldpTargetCommonConfig, LdpTargetCommonConfig, replicated );
+   /// What is wanted of each target, by address.
    VORN_ENTITY_COLL( 0x103, LdpTargetConfig, Lumo::IpAddr, adjTargetConfig, AdjTargetConfig, replicated );
 
    VORN_OBSERVERS;
@@ -98,12 +100,15 @@ class VORN_API LdpTargetStatus : public Vorn::Entity {
    VORN_MUTABLE( 0x103, U32, pktVersion, PktVersion, local ) = 0;
    /// Whether hellos are being sent.
    VORN_MUTABLE( 0x104, bool, running, Running, local ) = false;
-   /// Timers in force, in seconds.
+   /// Interval of hellos in force, in seconds.
    VORN_MUTABLE( 0x105, U16, interval, Interval, replicated ) = 0;
+   /// Hold time in force, in seconds.
    VORN_MUTABLE( 0x106, U16, holdTime, HoldTime, local ) = 0;
-   /// Hellos received and sent, and those received that were bad.
+   /// Hellos received.
    VORN_COUNTER( 0x107, U32, rxPktCount, RxPktCount, local ) = 0;
+   /// Hellos sent.
    VORN_COUNTER( 0x108, U32, txPktCount, TxPktCount, local ) = 0;
+   /// Hellos received that were bad.
    VORN_COUNTER( 0x109, U32, errPktCount, ErrPktCount, local ) = 0;
 
    VORN_NEXT_LINK;
@@ -119,6 +124,7 @@ class VORN_API LdpTargetStatusColl : public Vorn::Entity {
    explicit LdpTargetStatusColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// Run-time state of each target, by address.
    VORN_ENTITY_COLL( 0x102, LdpTargetStatus, Lumo::IpAddr, adjTargetStatus, AdjTargetStatus, replicated );
 
    VORN_OBSERVERS;

@@ -13,6 +13,7 @@ class VORN_API LdpTcpConnConfig : public Lumo::TcpClientConfig {
    VORN_CTOR_TYPES( Lumo::IpGenAddr, Lumo::Port, Lumo::IpGenAddr, LdpIdentifier )
 
  public:
+   /// A connection from `clientIpAddr` to the server; `requestTime` becomes the present time.
    LdpTcpConnConfig( Lumo::IpGenAddr const & serverIpAddr, Lumo::Port serverPort,
                      Lumo::IpGenAddr const & clientIpAddr, LdpIdentifier const & ldpIdentifier );
 
@@ -37,6 +38,7 @@ class VORN_API LdpTcpConnConfigColl : public Vorn::Entity {
    explicit LdpTcpConnConfigColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The connections, by peer.
    VORN_ENTITY_COLL( 0x102, LdpTcpConnConfig, LdpIdentifier, connConfig, ConnConfig, local );
 
    VORN_OBSERVERS;
@@ -72,6 +74,7 @@ class VORN_API LdpTcpConnStatusColl : public Vorn::Entity {
    explicit LdpTcpConnStatusColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// What became of each connection, by peer.
    VORN_ENTITY_COLL( 0x102, LdpTcpConnStatus, LdpIdentifier, connStatus, ConnStatus, local );
 
    VORN_OBSERVERS;

@@ -15,8 +15,9 @@ class VORN_API LdpTcpServerConfig : public Vorn::Entity {
    explicit LdpTcpServerConfig( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
-   /// Where it listens: 0.0.0.0 for every address, and the port of the protocol.
+   /// Address on which it listens; 0.0.0.0 for every one.
    VORN_MUTABLE( 0x102, Lumo::IpAddr, listenIpAddr, ListenIpAddr, local );
+   /// TCP port on which it listens; the default is that of the protocol.
    VORN_MUTABLE( 0x103, U16, listenPort, ListenPort, local ) = 646;
    /// Seconds before a failed listener is tried again.
    VORN_MUTABLE( 0x104, U32, retryInterval, RetryInterval, local ) = 1;
@@ -33,6 +34,7 @@ class VORN_API LdpTcpServerStatus : public Vorn::Entity {
    explicit LdpTcpServerStatus( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// Whether it listens.
    VORN_MUTABLE( 0x102, bool, listening, Listening, local ) = false;
    /// Why it does not listen, for a person.
    VORN_MUTABLE( 0x103, Vorn::String, reason, Reason, local );

@@ -24,20 +24,25 @@ class VORN_API LdpTlvParser : public Vorn::PtrInterface {
    VORN_REFLECTED_OBJECT( LdpTlvParser, void )
 
  public:
-   /// `offset` counts from the packet's front, here and everywhere in the decoders. No packet asserts.
+   /// A parser of the TLV at `offset`, which counts from the packet's front, here and everywhere in the
+   /// decoders. No packet asserts.
    LdpTlvParser( Vorn::Ptr< Lumo::Pkt > pkt, U32 offset );
    ~LdpTlvParser() override;
 
-   /// What the constructor was given.
+   /// The packet that the constructor was given.
    Vorn::Ptr< Lumo::Pkt > const & pkt() const noexcept { return pkt_; }
+   /// Where the TLV begins, in octets from the packet's front.
    U32 offset() const noexcept { return offset_; }
    /// View of the header, at the offset whatever the packet holds there.
    LdpTlvHdr const * header() const noexcept { return header_; }
 
-   /// Fields of the header.
+   /// U bit; like the fields below zero where the header is not wholly in the packet.
    bool unknown() const noexcept { return hasHeader() && header_->unknown(); }
+   /// F bit.
    bool forwardUnknown() const noexcept { return hasHeader() && header_->forwardUnknown(); }
+   /// TLV type; any number of 14 bits may come, it need not be an enumerator.
    LdpTlvType type() const noexcept { return hasHeader() ? header_->type() : LdpTlvType( 0 ); }
+   /// Octets of the value.
    U16 length() const noexcept { return hasHeader() ? header_->length() : U16( 0 ); }
 
    /// Lays the header's view, which the constructor has done. It does no bounds check.
@@ -46,6 +51,7 @@ class VORN_API LdpTlvParser : public Vorn::PtrInterface {
  protected:
    /// Whether so many octets from the offset on lie in the packet.
    bool hasOctets( U64 octets ) const noexcept { return offset_ + octets <= pkt_->frontBytes(); }
+   /// Whether the header lies in the packet.
    bool hasHeader() const noexcept { return hasOctets( sizeof( LdpTlvHdr ) ); }
    /// The view for those who read it without asking further; null unless all of it lies in the packet.
    LdpTlvHdr const * wholeHeader() const noexcept { return hasHeader() ? header_ : nullptr; }
@@ -84,8 +90,9 @@ class LdpBodyTlvParser : public LdpTlvParser {
    Body const * header2() const noexcept { return hasBody() ? body() : nullptr; }
    Body * header2() noexcept { return hasBody() ? body() : nullptr; }
 
-   /// The body's judgement and text.
+   /// The body's judgement.
    LdpStatusCode validate() const { return body()->validate(); }
+   /// The body's text; empty where the header is not wholly in the packet, or the packet cuts the body.
    Vorn::String stringValue() const {
       bool const refused = hasHeader() && ldpLengthRefuses( *body(), pkt_->frontBytes() - offset_ );
       return refused || hasBody() ? body()->stringValue() : Vorn::String();
@@ -94,6 +101,7 @@ class LdpBodyTlvParser : public LdpTlvParser {
  protected:
    /// The TLV as its kind, wherever it stands.
    Body * body() const noexcept { return static_cast< Body * >( header_ ); }
+   /// Whether all of the TLV lies in the packet.
    bool hasBody() const noexcept {
       // A body without fields of its own reads as far as its length reaches.
       constexpr bool variable = sizeof( Body ) == sizeof( LdpTlvHdr );
@@ -109,6 +117,7 @@ class LdpBodyTlvParser : public LdpTlvParser {
          return true;
       }
    }
+   /// Whether both hold.
    bool hasBodyOfItsType() const noexcept { return hasBody() && hasTextOfItsType(); }
 };
 
@@ -198,7 +207,9 @@ class VORN_API LdpHopCountTlvParser : public LdpBodyTlvParser< LdpHopCountTlv > 
 class VORN_API LdpPathVectorTlvParser : public LdpBodyTlvParser< LdpPathVectorTlv > {
    LDP_TLV_PARSER( LdpPathVectorTlvParser )
    LDP_TLV_GETTER( U32, lsrIdNum )
+   /// The id at that position, from 0; the zero address behind the last.
    Lumo::IpAddr lsrId( U32 position ) const noexcept;
+   /// The first position of that id, counted from 1; 0 when it is absent.
    U32 lsrIdPosition( Lumo::IpAddr const & lsrId ) const noexcept;
 };
 
@@ -225,12 +236,17 @@ class VORN_API LdpAddressListTlvParser : public LdpBodyTlvParser< LdpAddressList
 class VORN_API LdpPwStatusTlvParser : public LdpBodyTlvParser< LdpPwStatusTlv > {
    LDP_TLV_PARSER( LdpPwStatusTlvParser )
    LDP_TLV_FIELD( LdpPwStatusField, pwStatusField )
-   /// False as well where there is no TLV to say so.
+   /// Whether the whole status word is 0; false as well where there is no TLV to say so.
    bool pwForwarding() const { return header2() && pwStatusField().pwForwarding(); }
+   /// The pseudowire does not forward.
    bool pwNotForwarding() const { return pwStatusField().pwNotForwarding(); }
+   /// Local attachment circuit, ingress: receive fault.
    bool localACIngrRecvFault() const { return pwStatusField().localACIngrRecvFault(); }
+   /// Local attachment circuit, egress: transmit fault.
    bool localACEgrTransFault() const { return pwStatusField().localACEgrTransFault(); }
+   /// Local PSN-facing PW, ingress: receive fault.
    bool localPsnPwIngrRecvFault() const { return pwStatusField().localPsnPwIngrRecvFault(); }
+   /// Local PSN-facing PW, egress: transmit fault.
    bool localPsnPwEgrTransFault() const { return pwStatusField().localPsnPwEgrTransFault(); }
 };
 
@@ -253,6 +269,7 @@ class VORN_API LdpPwStatusTlvParser : public LdpBodyTlvParser< LdpPwStatusTlv > 
    X( LdpStatusTlvParser, ldpStatusTlvParserFactory )                                                        \
    X( LdpAddressListTlvParser, ldpAddressListTlvParserFactory )                                              \
    X( LdpPwStatusTlvParser, ldpPwStatusTlvParserFactory )
+/// Declares the factory of one parser.
 #define LDP_TLV_PARSER_FACTORY( Type, factory )                                                              \
    VORN_API Vorn::Ptr< Type > factory( Vorn::Ptr< Lumo::Pkt > const & pkt, U32 offset );
 VORN_LDP_TLV_PARSERS( LDP_TLV_PARSER_FACTORY )

@@ -25,6 +25,7 @@ VORN_API U8 hopCountInc( U8 rcvdHopCount );
 /// asserts. It neither locks nor waits.
 class VORN_API ReentrantAssert {
  public:
+   /// Enters the scope; asserts where another is open on the flag.
    explicit ReentrantAssert( bool * flag );
    ReentrantAssert( ReentrantAssert const & ) = delete;
    ReentrantAssert & operator=( ReentrantAssert const & ) = delete;
@@ -34,8 +35,9 @@ class VORN_API ReentrantAssert {
    bool * flag_;
 };
 
-/// What kind of interface it is, by its name.
+/// Whether it is a management or internal interface, by its name.
 VORN_API bool isManagementOrInternalInterface( Lumo::IntfId const & intfId );
+/// Whether it is a loopback interface, by its name.
 VORN_API bool isLoopbackInterface( Lumo::IntfId const & intfId );
 /// Whether LDP can run there: VLAN, port-channel, Ethernet and sub-interfaces, and loopbacks if they count.
 VORN_API bool isLdpSupportedInterface( Lumo::IntfId const & intfId, bool loopbackCounts );
@@ -56,6 +58,7 @@ VORN_API Vorn::Ptr< LdpMsgParser > ldpMsgParserGet( Vorn::Ptr< Lumo::Pkt > const
 
 /// What `ldpPduGuard` found.
 struct VORN_API LdpPduGuardResult {
+   /// The inputs that are looked for.
    enum Input : U8 {
       none,             ///< the PDU and all its messages can be parsed, printed and read
       wrappedUnit,      ///< a message or TLV with a length field of 65532, which ends the process
@@ -63,6 +66,7 @@ struct VORN_API LdpPduGuardResult {
                         ///< included; its parser never returns from it, whatever the element's own lengths
                         ///< say
    };
+   /// Which of them was found.
    Input input;
    /// Offset of the unit's first octet, or of the P2MP element's type octet, from the packet's front.
    U32 offset;

@@ -25,10 +25,13 @@ class VORN_API PwConfig : public Vorn::Entity {
         : pwKey_( pwKey ), pwType_( pwType ) {}
 
    VORN_KEY( 0x102, Pseudowire::PseudowireLdpRequestKey, pwKey );
+   /// Type of the pseudowire.
    VORN_CTOR_ARG( 0x103, Pseudowire::PseudowireType, pwType );
+   /// Group of the pseudowire.
    VORN_MUTABLE( 0x104, Pseudowire::GroupId, groupId, GroupId, local );
    /// The label that the peer is to use.
    VORN_MUTABLE( 0x105, Lumo::MplsLabel, localLabel, LocalLabel, local );
+   /// Whether a control word is preferred.
    VORN_MUTABLE( 0x106, bool, preferControlWord, PreferControlWord, local ) = false;
    /// MTU of the attachment circuit in octets; 0 for none.
    VORN_MUTABLE( 0x107, U32, mtu, Mtu, local ) = 0;
@@ -49,6 +52,7 @@ class VORN_API PwConfigColl : public Vorn::Entity {
    explicit PwConfigColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The requests, by key.
    VORN_ENTITY_COLL( 0x102, PwConfig, Pseudowire::PseudowireLdpRequestKey, config, Config, local );
 
    VORN_OBSERVERS;
@@ -64,7 +68,9 @@ class VORN_API PwStatus : public Vorn::Entity {
    explicit PwStatus( Pseudowire::PseudowireLdpRequestKey const & pwKey ) : pwKey_( pwKey ) {}
 
    VORN_KEY( 0x102, Pseudowire::PseudowireLdpRequestKey, pwKey );
+   /// How status is signalled.
    VORN_MUTABLE( 0x103, PwStatusMethod, pwStatusMethod, PwStatusMethod, local ) = pwStatusMethodTlv;
+   /// Whether a control word is used.
    VORN_MUTABLE( 0x104, bool, negotiatedControlWord, NegotiatedControlWord, local ) = true;
 
    VORN_NEXT_LINK;
@@ -80,6 +86,7 @@ class VORN_API PwStatusColl : public Vorn::Entity {
    explicit PwStatusColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// What came of each request, by key.
    VORN_ENTITY_COLL( 0x102, PwStatus, Pseudowire::PseudowireLdpRequestKey, status, Status, local );
 
    VORN_OBSERVERS;

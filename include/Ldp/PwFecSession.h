@@ -14,13 +14,17 @@ namespace Ldp {
 /// unlike in an `LdpFecSessionId`. Who reads these texts depends on either order.
 class VORN_API PwFecSessionId {
    VORN_VALUE( PwFecSessionId )
+   /// The pseudowire FEC.
    VORN_CTOR_FIELD( 0x2, PwFwdEqvClass, pwFwdEqvClass );
+   /// The session.
    VORN_CTOR_FIELD( 0x3, LdpSessionId, ldpSessionId );
+   /// Name of the attribute that stands for the whole value.
    VORN_CONSTANT( 0x4, Vorn::String, defaultAttribute, "stringValue" );
-   /// Throws RangeException for a text that is not of that form.
+   /// The text above, written and read. The reader throws RangeException for a text that is not of that form.
    VORN_VALUE_TEXT( 0x5, stringValue, stringValueIs );
-   /// A PW ID of 0 is none.
+   /// Whether there is a PW ID: 0 is none.
    VORN_VALUE_FUNCTION( 0x6, bool, isValid );
+   /// Equal values have equal hashes.
    VORN_VALUE_FUNCTION( 0x7, U32, hash );
 
  public:
@@ -56,21 +60,27 @@ class VORN_API PwFecSessionConfig : public Vorn::Entity {
    VORN_CTOR_TYPES( PwFecSessionId, PwFecSessionMember )
 
  public:
+   /// Enters `initMember` as the first member. Ends the process for an id that is not valid.
    PwFecSessionConfig( PwFecSessionId const & pwFecSessionId, PwFecSessionMember initMember );
 
    VORN_KEY( 0x102, PwFecSessionId, pwFecSessionId );
+   /// The member that made the config.
    VORN_CTOR_ARG( 0x103, PwFecSessionMember, initMember );
    /// Interface parameters and group.
    VORN_MUTABLE( 0x104, PwFwdEqvClassParams, fecParams, FecParams, local );
-   /// Parts of the above: the FEC, and the FEC with its parameters.
+   /// The FEC of `pwFecSessionId`.
    VORN_DERIVED( 0x105, PwFwdEqvClass, pwFwdEqvClass );
+   /// That FEC with its parameters.
    VORN_DERIVED( 0x106, PwFwdEqvClassInfo, fecInfo );
+   /// The label.
    VORN_MUTABLE( 0x107, Lumo::MplsLabel, label, Label, local );
+   /// How status is signalled.
    VORN_MUTABLE( 0x108, PwStatusMethod, pwStatusMethod, PwStatusMethod, local ) = pwStatusMethodTlv;
    /// The PW status word (RFC 8077, 6.3.2).
    VORN_MUTABLE( 0x109, Pseudowire::PseudowireLdpStatusFlags, pwStatusFlags, PwStatusFlags, local );
    /// Why the label is withdrawn.
    VORN_MUTABLE( 0x10a, LdpStatusCode, labelWithdrawStatusCode, LabelWithdrawStatusCode, local ) = success;
+   /// Whether a control word is preferred.
    VORN_MUTABLE( 0x10b, bool, preferControlWord, PreferControlWord, local ) = false;
    /// Who wants it.
    VORN_VALUE_COLL( 0x10c, bool, PwFecSessionMember, member, Member, local );
@@ -91,6 +101,7 @@ class VORN_API PwFecSessionConfigColl : public Vorn::Entity {
    explicit PwFecSessionConfigColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// What is to be signalled, by FEC session.
    VORN_ENTITY_COLL( 0x102, PwFecSessionConfig, PwFecSessionId, fecSessionConfig, FecSessionConfig, local );
 
    VORN_OBSERVERS;
@@ -106,22 +117,28 @@ class VORN_API LocalPwFecSessionStatus : public Vorn::Entity {
         : pwFecSessionId_( pwFecSessionId ) {}
 
    VORN_KEY( 0x102, PwFecSessionId, pwFecSessionId );
+   /// State of the exchange about our label.
    VORN_MUTABLE( 0x103, LdpLocalLabelSessionState, labelSessionState, LabelSessionState, local );
    /// Whether a mapping is in force.
    VORN_MUTABLE( 0x104, bool, mappingActive, MappingActive, local ) = false;
+   /// Whether this direction is still at work.
    VORN_MUTABLE( 0x105, PwFecSessionStatusState, fecSessionState, FecSessionState,
                  local ) = pwFecSessionActive;
-   /// Id of the peer's last Label Request, and of the one answered last.
+   /// Id of the peer's last Label Request.
    VORN_MUTABLE( 0x106, U32, labelRequestMsgId, LabelRequestMsgId, local ) = 0;
+   /// Id of the peer's Label Request that was answered last.
    VORN_MUTABLE( 0x107, U32, labelRequestMsgIdAcked, LabelRequestMsgIdAcked, local ) = 0;
-   /// Id and label of the peer's last Label Release.
+   /// Id of the peer's last Label Release.
    VORN_MUTABLE( 0x108, U32, labelReleaseMsgId, LabelReleaseMsgId, local ) = 0;
+   /// The label that it released.
    VORN_MUTABLE( 0x109, Lumo::MplsLabel, labelReleaseLabel, LabelReleaseLabel, local );
-   /// The label that was mapped, and one whose withdraw has not been answered.
+   /// The label that was mapped.
    VORN_MUTABLE( 0x10a, Lumo::MplsLabel, labelMappingSent, LabelMappingSent, local );
+   /// A label whose withdraw has not been answered.
    VORN_MUTABLE( 0x10b, Lumo::MplsLabel, labelWithdrawOutstanding, LabelWithdrawOutstanding, local );
-   /// Messages received and sent, by type.
+   /// Messages received, by type.
    VORN_COUNTER_COLL( 0x10c, U64, LdpMsgType, ldpMsgRx, LdpMsgRx, local );
+   /// Messages sent, by type.
    VORN_COUNTER_COLL( 0x10d, U64, LdpMsgType, ldpMsgTx, LdpMsgTx, local );
 
    VORN_NEXT_LINK;
@@ -137,6 +154,7 @@ class VORN_API LocalPwFecSessionStatusColl : public Vorn::Entity {
    explicit LocalPwFecSessionStatusColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// What this speaker has sent, by FEC session.
    VORN_ENTITY_COLL( 0x102, LocalPwFecSessionStatus, PwFecSessionId, fecSessionStatus, FecSessionStatus,
                      local );
 
@@ -150,28 +168,35 @@ class VORN_API RemotePwFecSessionStatus : public Vorn::Entity {
    VORN_ENTITY( RemotePwFecSessionStatus, Vorn::Entity )
 
  public:
+   /// Makes the two label sets as well.
    explicit RemotePwFecSessionStatus( PwFecSessionId const & pwFecSessionId );
 
    VORN_KEY( 0x102, PwFecSessionId, pwFecSessionId );
+   /// Whether this direction is still at work.
    VORN_MUTABLE( 0x103, PwFecSessionStatusState, fecSessionState, FecSessionState,
                  local ) = pwFecSessionActive;
-   /// Id and label of the peer's last Label Withdraw.
+   /// Id of the peer's last Label Withdraw.
    VORN_MUTABLE( 0x104, U32, labelWithdrawMsgId, LabelWithdrawMsgId, local ) = 0;
+   /// The label that it withdrew.
    VORN_MUTABLE( 0x105, Lumo::MplsLabel, labelWithdrawLabel, LabelWithdrawLabel, local );
    /// Id of our last Label Release.
    VORN_MUTABLE( 0x106, U32, labelReleaseMsgId, LabelReleaseMsgId, local ) = 0;
+   /// State of the exchange about the peer's label.
    VORN_MUTABLE( 0x107, LdpPeerLabelSessionState, labelSessionState, LabelSessionState, local );
-   /// The peer's labels, and those to be released. Made by the constructor, under the empty name and for no
-   /// FEC.
+   /// The peer's labels. Made by the constructor, under the empty name and for no FEC, like the next.
    VORN_CHILD( 0x108, MplsLabelSet, mplsLabelSet, MplsLabelSet, local );
+   /// The peer's labels that are to be released.
    VORN_CHILD( 0x109, MplsLabelSet, mplsReleaseLabelSet, MplsReleaseLabelSet, local );
+   /// How the peer signals status.
    VORN_MUTABLE( 0x10a, PwStatusMethod, peerPwStatusMethod, PeerPwStatusMethod,
                  local ) = pwStatusMethodUndefined;
    /// The peer's PW status word (RFC 8077, 6.3.2).
    VORN_MUTABLE( 0x10b, Pseudowire::PseudowireLdpStatusFlags, pwStatusFlags, PwStatusFlags, local );
+   /// Whether the last message was a Label Withdraw.
    VORN_MUTABLE( 0x10c, bool, lastMsgTypeWithdraw, LastMsgTypeWithdraw, local ) = false;
-   /// Messages received and sent, by type.
+   /// Messages received, by type.
    VORN_COUNTER_COLL( 0x10d, U64, LdpMsgType, ldpMsgRx, LdpMsgRx, local );
+   /// Messages sent, by type.
    VORN_COUNTER_COLL( 0x10e, U64, LdpMsgType, ldpMsgTx, LdpMsgTx, local );
 
    VORN_NEXT_LINK;
@@ -187,6 +212,7 @@ class VORN_API RemotePwFecSessionStatusColl : public Vorn::Entity {
    explicit RemotePwFecSessionStatusColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// What the peers have sent, by FEC session.
    VORN_ENTITY_COLL( 0x102, RemotePwFecSessionStatus, PwFecSessionId, fecSessionStatus, FecSessionStatus,
                      local );
 
@@ -202,8 +228,10 @@ class VORN_API PwFecSessionMsgPipeColl : public Vorn::Entity {
    explicit PwFecSessionMsgPipeColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The pipes of our direction, by FEC session.
    VORN_REFERENCE_COLL( 0x102, LdpMsgPipe, PwFecSessionId, localFecSessionMsgPipe, LocalFecSessionMsgPipe,
                         local );
+   /// The pipes of the peers' direction, by FEC session.
    VORN_REFERENCE_COLL( 0x103, LdpMsgPipe, PwFecSessionId, remoteFecSessionMsgPipe, RemoteFecSessionMsgPipe,
                         local );
 

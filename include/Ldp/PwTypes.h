@@ -13,6 +13,7 @@ class VORN_API PwFwdEqvClass {
    VORN_REFLECTED( PwFwdEqvClass, void )
 
  public:
+   /// Name of the attribute that stands for the whole value.
    static constexpr char const * defaultAttribute = "stringValue";
 
    /// The default has no PW ID and no type.
@@ -21,8 +22,9 @@ class VORN_API PwFwdEqvClass {
                   bool controlWord ) noexcept
         : pwId_( pwId ), pwType_( pwType ), controlWord_( controlWord ) {}
 
-   /// The identity as it was sent.
+   /// The number that names the pseudowire between two peers.
    Pseudowire::PseudowireId pwId() const noexcept { return pwId_; }
+   /// The type of the pseudowire.
    Pseudowire::PseudowireType pwType() const noexcept { return pwType_; }
    /// C bit: a control word is used.
    bool controlWord() const noexcept { return controlWord_; }
@@ -64,6 +66,7 @@ class VORN_API PwFwdEqvClassParams {
 
  public:
    PwFwdEqvClassParams() noexcept = default;
+   /// The MTU of a FEC that says none.
    static constexpr U32 unspecifiedMtu = 0;
 
    /// The group of the FEC.
@@ -75,6 +78,7 @@ class VORN_API PwFwdEqvClassParams {
    /// Interface description; any octets.
    Vorn::String const & intfDescription() const noexcept { return intfDescription_; }
    void intfDescriptionIs( Vorn::String const & text ) noexcept { intfDescription_ = text; }
+   /// Requested VLAN id; 0 for none.
    Bridging::VlanIdOrNone requestedVlanId() const noexcept { return requestedVlanId_; }
    void requestedVlanIdIs( Bridging::VlanIdOrNone vlanId ) noexcept { requestedVlanId_ = vlanId; }
    /// Whether the sender can reassemble fragments.
@@ -83,6 +87,7 @@ class VORN_API PwFwdEqvClassParams {
    /// VCCV control channel types, one bit each.
    U8 vccvCcTypes() const noexcept { return vccvCcTypes_; }
    void vccvCcTypesIs( U8 types ) noexcept { vccvCcTypes_ = types; }
+   /// VCCV connectivity verification types, one bit each.
    Pseudowire::VccvCvTypes vccvCvTypes() const noexcept { return vccvCvTypes_; }
    void vccvCvTypesIs( Pseudowire::VccvCvTypes types ) noexcept { vccvCvTypes_ = types; }
 
@@ -111,17 +116,22 @@ class VORN_API PwFwdEqvClassInfo {
 
  public:
    PwFwdEqvClassInfo() noexcept = default;
+   /// The identity.
    PwFwdEqvClass const & fwdEqvClass() const noexcept { return fwdEqvClass_; }
    void fwdEqvClassIs( PwFwdEqvClass const & fwdEqvClass ) noexcept { fwdEqvClass_ = fwdEqvClass; }
+   /// The parameters.
    PwFwdEqvClassParams const & params() const noexcept { return params_; }
    void paramsIs( PwFwdEqvClassParams const & params ) noexcept { params_ = params; }
 
-   /// Parts of the two.
+   /// The number that names the pseudowire, of the identity.
    Pseudowire::PseudowireId pwId() const noexcept { return fwdEqvClass_.pwId(); }
+   /// The group, of the parameters.
    Pseudowire::GroupId groupId() const noexcept { return params_.groupId(); }
    void groupIdIs( Pseudowire::GroupId groupId ) noexcept { params_.groupIdIs( groupId ); }
+   /// Interface description, of the parameters.
    Vorn::String const & intfDescription() const noexcept { return params_.intfDescription(); }
    void intfDescriptionIs( Vorn::String const & text ) noexcept { params_.intfDescriptionIs( text ); }
+   /// Requested VLAN id, of the parameters; 0 for none.
    Bridging::VlanIdOrNone requestedVlanId() const noexcept { return params_.requestedVlanId(); }
    void requestedVlanIdIs( Bridging::VlanIdOrNone vlanId ) noexcept { params_.requestedVlanIdIs( vlanId ); }
 

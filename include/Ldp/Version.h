@@ -5,9 +5,11 @@
 
 #include "Vorn/Api.h"
 
-/// The version in parts, for comparisons by the preprocessor.
+/// The first part of the version, for comparisons by the preprocessor.
 #define LDP_VERSION_MAJOR 0
+/// The second part of the version.
 #define LDP_VERSION_MINOR 1
+/// The third part of the version.
 #define LDP_VERSION_PATCH 0
 
 /// The version as text, "MAJOR.MINOR.PATCH".
@@ -16,6 +18,7 @@
    "." LDP_VERSION_TEXT( LDP_VERSION_MINOR ) "." LDP_VERSION_TEXT( LDP_VERSION_PATCH )
 /// The text of a number that a macro stands for.
 #define LDP_VERSION_TEXT( number ) LDP_VERSION_DIGITS( number )
+/// The text of a number.
 #define LDP_VERSION_DIGITS( number ) #number
 
 namespace Ldp {

@@ -14,10 +14,13 @@ class VORN_API IntfId {
    IntfId() noexcept = default;
    explicit IntfId( Vorn::String name ) noexcept : name_( std::move( name ) ) {}
 
+   /// The name as it stands.
    Vorn::String const & stringValue() const noexcept { return name_; }
+   /// Equal values have equal hashes.
    U32 hash() const noexcept { return name_.hash(); }
 
    VORN_FROM_LOG( IntfId )
+   /// Whether the value equals a default one.
    bool operator!() const noexcept { return name_.empty(); }
    friend bool operator==( IntfId const &, IntfId const & ) noexcept = default;
    friend bool operator<( IntfId const & a, IntfId const & b ) noexcept { return a.name_ < b.name_; }
@@ -26,13 +29,20 @@ class VORN_API IntfId {
    Vorn::String name_;
 };
 
-/// The kinds of interface. A sub-interface is the name of its parent, a dot and a number.
+/// Whether it is a VLAN interface. A sub-interface, here and below, is the name of its parent, a dot and a
+/// number.
 VORN_API bool isVlanIntfId( IntfId const & intfId );
+/// Whether it is a port-channel.
 VORN_API bool isPortChannelIntfId( IntfId const & intfId );
+/// Whether it is an Ethernet interface.
 VORN_API bool isEthIntfId( IntfId const & intfId );
+/// Whether it is a sub-interface.
 VORN_API bool isSubIntfId( IntfId const & intfId );
+/// Whether it is a loopback interface.
 VORN_API bool isLoopbackIntfId( IntfId const & intfId );
+/// Whether it is an internal interface.
 VORN_API bool isInternalIntfId( IntfId const & intfId );
+/// Whether it is a management interface.
 VORN_API bool isMgmtIntfId( IntfId const & intfId );
 
 /// The name as it stands, quoted in text.

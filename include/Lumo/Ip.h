@@ -37,6 +37,7 @@ class VORN_API IpAddr {
    constexpr explicit IpAddr( U32 host ) noexcept
         : octets_{ U8( host >> 24 ), U8( host >> 16 ), U8( host >> 8 ), U8( host ) } {}
 
+   /// The octets in network order.
    constexpr U8 const * octets() const noexcept { return octets_.data(); }
    constexpr U8 * octets() noexcept { return octets_.data(); }
    /// The address as a number in host order.
@@ -44,6 +45,7 @@ class VORN_API IpAddr {
       return U32( octets_[0] ) << 24 | U32( octets_[1] ) << 16 | U32( octets_[2] ) << 8 | octets_[3];
    }
 
+   /// Equal values have equal hashes.
    U32 hash() const noexcept;
    /// Dotted decimal.
    Vorn::String stringValue() const;
@@ -70,9 +72,11 @@ class VORN_API Ip6Addr {
 
    constexpr Ip6Addr() noexcept = default;
 
+   /// The octets in network order.
    constexpr U8 const * octets() const noexcept { return octets_.data(); }
    constexpr U8 * octets() noexcept { return octets_.data(); }
 
+   /// Equal values have equal hashes.
    U32 hash() const noexcept { return hashWith( 0 ); }
    /// That of the address with a length or the like beside it.
    U32 hashWith( U64 small ) const noexcept;
@@ -98,11 +102,13 @@ VORN_TEXT( Ip6Addr )
 class VORN_API IpGenAddr {
  public:
    constexpr IpGenAddr() noexcept = default;
+   /// An address of that family.
    IpGenAddr( IpAddr const & addr ) noexcept;
    IpGenAddr( Ip6Addr const & addr ) noexcept : family_( ipv6 ), addr_( addr ) {}
    /// Reads an address of either family. Throws RangeException.
    explicit IpGenAddr( Vorn::String const & text );
 
+   /// The family; `noFamily` of the default.
    AddressFamily family() const noexcept { return family_; }
    /// The octets, 4, 16 or none of which belong to the address; those behind are zero.
    U8 const * octets() const noexcept { return addr_.octets(); }
@@ -113,7 +119,9 @@ class VORN_API IpGenAddr {
 
    /// That of the 16-octet field, whatever the family.
    U32 hash() const noexcept { return addr_.hash(); }
+   /// That of the address with a length or the like beside it.
    U32 hashWith( U64 small ) const noexcept { return addr_.hashWith( small ); }
+   /// The address as text; "none" without a family.
    Vorn::String stringValue() const;
 
    VORN_FROM_LOG( IpGenAddr )
@@ -140,13 +148,16 @@ class VORN_API IpGenPrefix {
    /// `addr` has a family, and `bits` fits it.
    IpGenPrefix( IpGenAddr const & addr, U32 bits ) noexcept;
 
+   /// The address, without bits behind the length.
    IpGenAddr const & address() const noexcept { return address_; }
    /// The address of an IPv4 prefix, 0.0.0.0 of any other.
    IpAddr v4Addr() const noexcept { return address_.ipAddr(); }
    /// Prefix length in bits.
    U32 len() const noexcept { return len_; }
 
+   /// Equal values have equal hashes.
    U32 hash() const noexcept;
+   /// As in 10.0.0.0/8.
    Vorn::String stringValue() const;
 
    VORN_FROM_LOG( IpGenPrefix )
@@ -163,7 +174,7 @@ VORN_TEXT( IpGenPrefix )
 /// The same by the name that others know it by.
 using IpGenPrefixBase = IpGenPrefix;
 
-/// Forms in the attribute log: an IPv4 address as a 32-bit number, others as family, then octets.
+/// In the attribute log an IPv4 address is a 32-bit number, anything else the family and then the octets.
 VORN_API void logOut( Vorn::NboAttrLog::Out & out, IpAddr const & value );
 VORN_API void logIn( Vorn::NboAttrLog::In & in, IpAddr * value );
 VORN_API void logOut( Vorn::NboAttrLog::Out & out, Ip6Addr const & value );

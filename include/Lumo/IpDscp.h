@@ -14,6 +14,7 @@ class VORN_API IpDscp {
    constexpr IpDscp() noexcept = default;
    constexpr explicit IpDscp( U8 value ) noexcept : value_( value ) {}
 
+   /// The octet.
    constexpr U8 value() const noexcept { return value_; }
 
    VORN_FROM_LOG( IpDscp )

@@ -14,10 +14,12 @@ class VORN_API IpAddrWithMask {
    /// `bits` is at most 32.
    IpAddrWithMask( IpAddr const & address, U32 bits ) noexcept : address_( address ), len_( bits ) {}
 
+   /// The address.
    IpAddr const & address() const noexcept { return address_; }
    /// Length of the mask in bits.
    U32 len() const noexcept { return len_; }
 
+   /// Equal values have equal hashes.
    U32 hash() const noexcept;
    VORN_FROM_LOG( IpAddrWithMask )
    /// Whether the value equals a default one.
@@ -39,10 +41,12 @@ class VORN_API IpGenAddrWithMask {
    /// `bits` is at most 32 for an IPv4 address and 128 for an IPv6 one.
    IpGenAddrWithMask( IpGenAddr const & address, U32 bits ) noexcept : address_( address ), len_( bits ) {}
 
+   /// The address.
    IpGenAddr const & address() const noexcept { return address_; }
    /// Length of the mask in bits.
    U32 len() const noexcept { return len_; }
 
+   /// Equal values have equal hashes.
    U32 hash() const noexcept;
    VORN_FROM_LOG( IpGenAddrWithMask )
    /// Whether the value equals a default one.

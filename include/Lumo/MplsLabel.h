@@ -11,6 +11,7 @@ namespace Lumo {
 /// A label value: 20 bits on the wire (RFC 3032, 2.1), and a few values above that which no packet carries.
 class VORN_API MplsLabel {
  public:
+   /// The smallest label value.
    static constexpr U32 min = 0;
    /// Stands for no label, one above the 20-bit range.
    static constexpr U32 null = 0x100000;
@@ -21,7 +22,9 @@ class VORN_API MplsLabel {
    /// Throws RangeException for a value above `luWithdraw`.
    explicit MplsLabel( U32 value );
 
+   /// The label as a number; `null` for none.
    constexpr U32 value() const noexcept { return value_; }
+   /// Equal values have equal hashes.
    U32 hash() const noexcept { return Vorn::hashWords( value_ ); }
 
    VORN_FROM_LOG( MplsLabel )

@@ -20,7 +20,9 @@ class VORN_API NamespaceName {
    /// The namespace in which a process finds itself unless it goes elsewhere.
    static NamespaceName defaultNamespace() { return NamespaceName( "default" ); }
 
+   /// The name as it stands.
    Vorn::String const & stringValue() const noexcept { return name_; }
+   /// Equal values have equal hashes.
    U32 hash() const noexcept { return name_.hash(); }
 
    VORN_FROM_LOG( NamespaceName )

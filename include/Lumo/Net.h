@@ -16,6 +16,7 @@ class NetU8 {
    constexpr NetU8() noexcept = default;
    constexpr explicit NetU8( U8 value ) noexcept : v0_( value ) {}
 
+   /// The octet.
    constexpr U8 value() const noexcept { return v0_; }
    constexpr void valueIs( U8 value ) noexcept { v0_ = value; }
 
@@ -45,12 +46,16 @@ class NetU16 {
    /// What the constructor takes to make an equal value.
    constexpr U16 ctorValue() const noexcept { return value(); }
 
-   /// The two octets in wire order.
+   /// The first octet in wire order.
    constexpr U8 v0() const noexcept { return v_[0]; }
+   /// The second octet in wire order.
    constexpr U8 v1() const noexcept { return v_[1]; }
+   /// Sets the first octet in wire order.
    constexpr void v0Is( U8 octet ) noexcept { v_[0] = octet; }
+   /// Sets the second octet in wire order.
    constexpr void v1Is( U8 octet ) noexcept { v_[1] = octet; }
 
+   /// Equal values have equal hashes.
    constexpr U32 hash() const noexcept {
       U32 x = ( U32( value() ) ^ 61 ) * 9;
       x = ( x ^ ( x >> 4 ) ) * 668265261;
@@ -108,6 +113,7 @@ class NetU32 {
    constexpr void v2Is( U8 octet ) noexcept { v_[2] = octet; }
    constexpr void v3Is( U8 octet ) noexcept { v_[3] = octet; }
 
+   /// Equal values have equal hashes.
    constexpr U32 hash() const noexcept {
       U32 const v = value();
       U32 x = ( v ^ 61 ^ ( v >> 16 ) ) * 9;
@@ -145,6 +151,7 @@ inline Vorn::String valueToStrep( NetU8 const & value ) { return Vorn::valueToSt
 inline Vorn::String valueToStrep( NetU16 const & value ) { return Vorn::valueToStrep( value.value() ); }
 inline Vorn::String valueToStrep( NetU32 const & value ) { return Vorn::valueToStrep( value.value() ); }
 
+/// In decimal, the value in host order.
 inline std::ostream & operator<<( std::ostream & out, NetU8 const & value ) {
    return out << valueToStrep( value );
 }

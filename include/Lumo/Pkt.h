@@ -25,9 +25,11 @@ class VORN_API Pkt : public Vorn::PtrInterface {
    /// A packet without bytes yet, with room for `bytes` of them, for an owner who fills it before it is
    /// handed on and not while anybody else holds it.
    static Vorn::Ptr< Pkt > withRoom( std::size_t bytes );
-   /// Its room, and how many bytes of it count.
+   /// The room of a packet that `withRoom` made.
    U8 * room() noexcept { return owned_.data(); }
+   /// Bytes of that room.
    std::size_t roomBytes() const noexcept { return owned_.size(); }
+   /// Says how many bytes of the room count.
    void frontBytesIs( std::size_t bytes );
 
    /// First byte of the contiguous data; a place even where there is none.

@@ -19,22 +19,30 @@ class VORN_API FwdEqvClass {
    };
 
    FwdEqvClass() noexcept = default;
+   /// The prefix form.
    explicit FwdEqvClass( Lumo::IpGenPrefix const & prefix ) noexcept
         : address_( prefix.address() ), first_( prefix.len() ) {}
+   /// The form of two words.
    FwdEqvClass( U32 first, U32 second ) noexcept : tag_( wordsTag ), first_( first ), second_( second ) {}
+   /// The point-to-multipoint form.
    FwdEqvClass( Lumo::IpGenAddr const & root, U32 index ) noexcept
         : tag_( p2mpTag ), address_( root ), first_( index ) {}
 
+   /// What the value holds.
    Tag tag() const noexcept { return tag_; }
+   /// The prefix; the default one of the other forms.
    Lumo::IpGenPrefix prefix() const noexcept {
       if ( tag_ != prefixTag || address_.family() == Lumo::noFamily ) return {};
       return Lumo::IpGenPrefix( address_, first_ );
    }
+   /// The root address of the point-to-multipoint form; the default one of the others.
    Lumo::IpGenAddr root() const noexcept { return tag_ == p2mpTag ? address_ : Lumo::IpGenAddr(); }
    /// First word, or the index of the point-to-multipoint form.
    U32 first() const noexcept { return tag_ == prefixTag ? 0 : first_; }
+   /// Second word; 0 of the other forms.
    U32 second() const noexcept { return second_; }
 
+   /// Equal values have equal hashes.
    U32 hash() const noexcept;
    /// `10.0.0.0/8`, `words(1,2)` or `p2mp(10.0.0.1,7)`.
    Vorn::String stringValue() const;

@@ -16,7 +16,9 @@ class VORN_API MldpOpaqueIndex : public Vorn::Entity {
    explicit MldpOpaqueIndex( U32 const & index ) : index_( index ) {}
 
    VORN_KEY( 0x102, U32, index );
+   /// The opaque value; any octets.
    VORN_MUTABLE( 0x103, Vorn::String, oValStr, OValStr, replicated );
+   /// The FECs that use it.
    VORN_SET( 0x104, FwdEqvClass, membership, Membership, replicated );
 
    VORN_NEXT_LINK;
@@ -32,6 +34,7 @@ class VORN_API MldpOpaqueIndexColl : public Vorn::Entity {
    explicit MldpOpaqueIndexColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The indices, each with its opaque value.
    VORN_ENTITY_COLL( 0x102, MldpOpaqueIndex, U32, opaqueIndex, OpaqueIndex, replicated );
 
    VORN_OBSERVERS;
@@ -46,6 +49,7 @@ class VORN_API MldpOpaqueVal : public Vorn::Entity {
    explicit MldpOpaqueVal( Vorn::String const & oValStr ) : oValStr_( oValStr ) {}
 
    VORN_KEY( 0x102, Vorn::String, oValStr );
+   /// The index.
    VORN_MUTABLE( 0x103, U32, oValIndex, OValIndex, replicated ) = 0;
 
    VORN_NEXT_LINK;
@@ -61,6 +65,7 @@ class VORN_API MldpOpaqueValColl : public Vorn::Entity {
    explicit MldpOpaqueValColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The opaque values, each with its index.
    VORN_ENTITY_COLL( 0x102, MldpOpaqueVal, Vorn::String, opaqueVal, OpaqueVal, replicated );
 
    VORN_OBSERVERS;
@@ -72,10 +77,13 @@ class VORN_API MldpOpaqueValueTable : public Vorn::Entity {
    VORN_ENTITY( MldpOpaqueValueTable, Vorn::Entity )
 
  public:
+   /// Makes the two collections as well.
    explicit MldpOpaqueValueTable( Vorn::Name const & name );
 
    VORN_NAME;
+   /// The indices.
    VORN_CHILD( 0x102, MldpOpaqueIndexColl, opaqueIndexColl, OpaqueIndexColl, replicated );
+   /// The opaque values.
    VORN_CHILD( 0x103, MldpOpaqueValColl, opaqueValColl, OpaqueValColl, replicated );
 
    VORN_OBSERVERS;

@@ -18,6 +18,7 @@ class VORN_API LabelBindingTable : public Vorn::Entity {
    explicit LabelBindingTable( RouterId const & routerId ) : routerId_( routerId ) {}
 
    VORN_KEY( 0x102, RouterId, routerId );
+   /// The label of each FEC.
    VORN_VALUE_COLL( 0x103, Lumo::MplsLabel, FwdEqvClass, labelBinding, LabelBinding, replicated );
 
    VORN_NEXT_LINK;
@@ -33,13 +34,14 @@ class VORN_API LabelBindingTableColl : public Vorn::Entity {
    explicit LabelBindingTableColl( Vorn::Name const & name ) : name_( name ) {}
 
    VORN_NAME;
+   /// The tables, by router.
    VORN_ENTITY_COLL( 0x102, LabelBindingTable, RouterId, labelBindingTable, LabelBindingTable, replicated );
 
    VORN_OBSERVERS;
 };
 VORN_FACTORY( LabelBindingTableColl, labelBindingTableCollFactory )
 
-/// What the multicast tree knows. The model only makes and holds these.
+/// Labels by FEC and router. The model only makes and holds this and what follows, for the multicast tree.
 class VORN_API FecRouterLabelInfoColl : public Vorn::Entity {
    VORN_ENTITY( FecRouterLabelInfoColl, Vorn::Entity )
 
@@ -51,6 +53,7 @@ class VORN_API FecRouterLabelInfoColl : public Vorn::Entity {
    VORN_OBSERVERS;
 };
 VORN_FACTORY( FecRouterLabelInfoColl, fecRouterLabelInfoCollFactory )
+/// Next hops by FEC and router.
 class VORN_API FecRouterNexthopInfoColl : public Vorn::Entity {
    VORN_ENTITY( FecRouterNexthopInfoColl, Vorn::Entity )
 
@@ -62,6 +65,7 @@ class VORN_API FecRouterNexthopInfoColl : public Vorn::Entity {
    VORN_OBSERVERS;
 };
 VORN_FACTORY( FecRouterNexthopInfoColl, fecRouterNexthopInfoCollFactory )
+/// Next hops of routers by interface.
 class VORN_API IntfRouterNexthopInfoColl : public Vorn::Entity {
    VORN_ENTITY( IntfRouterNexthopInfoColl, Vorn::Entity )
 
@@ -73,6 +77,7 @@ class VORN_API IntfRouterNexthopInfoColl : public Vorn::Entity {
    VORN_OBSERVERS;
 };
 VORN_FACTORY( IntfRouterNexthopInfoColl, intfRouterNexthopInfoCollFactory )
+/// Routers by address.
 class VORN_API IpAddrRouterIdInfoColl : public Vorn::Entity {
    VORN_ENTITY( IpAddrRouterIdInfoColl, Vorn::Entity )
 
@@ -84,6 +89,7 @@ class VORN_API IpAddrRouterIdInfoColl : public Vorn::Entity {
    VORN_OBSERVERS;
 };
 VORN_FACTORY( IpAddrRouterIdInfoColl, ipAddrRouterIdInfoCollFactory )
+/// Next hops of addresses.
 class VORN_API IpNexthopInfoColl : public Vorn::Entity {
    VORN_ENTITY( IpNexthopInfoColl, Vorn::Entity )
 
@@ -95,6 +101,7 @@ class VORN_API IpNexthopInfoColl : public Vorn::Entity {
    VORN_OBSERVERS;
 };
 VORN_FACTORY( IpNexthopInfoColl, ipNexthopInfoCollFactory )
+/// Forwarding by label.
 class VORN_API LabelForwardingInfoColl : public Vorn::Entity {
    VORN_ENTITY( LabelForwardingInfoColl, Vorn::Entity )
 
@@ -106,6 +113,7 @@ class VORN_API LabelForwardingInfoColl : public Vorn::Entity {
    VORN_OBSERVERS;
 };
 VORN_FACTORY( LabelForwardingInfoColl, labelForwardingInfoCollFactory )
+/// Interfaces on which MPLS runs.
 class VORN_API MplsIntfColl : public Vorn::Entity {
    VORN_ENTITY( MplsIntfColl, Vorn::Entity )
 
@@ -117,6 +125,7 @@ class VORN_API MplsIntfColl : public Vorn::Entity {
    VORN_OBSERVERS;
 };
 VORN_FACTORY( MplsIntfColl, mplsIntfCollFactory )
+/// Addresses of routers.
 class VORN_API RouterIpAddrInfoColl : public Vorn::Entity {
    VORN_ENTITY( RouterIpAddrInfoColl, Vorn::Entity )
 
@@ -128,6 +137,7 @@ class VORN_API RouterIpAddrInfoColl : public Vorn::Entity {
    VORN_OBSERVERS;
 };
 VORN_FACTORY( RouterIpAddrInfoColl, routerIpAddrInfoCollFactory )
+/// Next hops of routers by address.
 class VORN_API RouterIpNexthopInfoColl : public Vorn::Entity {
    VORN_ENTITY( RouterIpNexthopInfoColl, Vorn::Entity )
 
@@ -139,6 +149,7 @@ class VORN_API RouterIpNexthopInfoColl : public Vorn::Entity {
    VORN_OBSERVERS;
 };
 VORN_FACTORY( RouterIpNexthopInfoColl, routerIpNexthopInfoCollFactory )
+/// Next hops of routers.
 class VORN_API RouterNexthopInfoColl : public Vorn::Entity {
    VORN_ENTITY( RouterNexthopInfoColl, Vorn::Entity )
 

@@ -24,9 +24,12 @@ VORN_ENUM( FecFilteredState, VORN_MPLS_FEC_FILTERED_STATES )
 class VORN_API RouterId {
  public:
    RouterId() noexcept = default;
+   /// The router of that id.
    explicit RouterId( Lumo::IpAddr const & id ) noexcept : id_( id ) {}
 
+   /// The id.
    Lumo::IpAddr const & id() const noexcept { return id_; }
+   /// Equal values have equal hashes.
    U32 hash() const noexcept { return id_.hash(); }
 
    VORN_FROM_LOG( RouterId )

@@ -50,9 +50,12 @@ class VORN_API PseudowireLdpRequestKey {
    PseudowireLdpRequestKey( Lumo::IpGenAddr const & neighbor, PseudowireId pwId ) noexcept
         : neighbor_( neighbor ), pwId_( pwId ) {}
 
+   /// Address of the neighbor.
    Lumo::IpGenAddr const & neighbor() const noexcept { return neighbor_; }
+   /// Number of the pseudowire.
    PseudowireId pwId() const noexcept { return pwId_; }
 
+   /// Equal values have equal hashes.
    U32 hash() const noexcept { return neighbor_.hashWith( pwId_.value() ); }
    VORN_FROM_LOG( PseudowireLdpRequestKey )
    /// Whether the value equals a default one.

@@ -18,9 +18,13 @@ inline constexpr U32 byteOrderMark = 0x01020304; ///< reads otherwise on a machi
 
 /// Stands at offset 0. Regions are given as offset and size in octets, within the file.
 struct FileHeader {
+   /// `fileMagic`.
    char magic[8];
+   /// `fileVersion`.
    U32 version;
+   /// `byteOrderMark`, in the byte order of the machine that wrote the file.
    U32 byteOrder;
+   /// Id of the process that traced.
    U32 processId;
    U32 blockBytes;         ///< size of a block, its head included
    U64 ticksPerSecond;     ///< rate of the clock of the records
@@ -51,6 +55,7 @@ inline constexpr U32 maxOctets = 256;       ///< no run of octets in a record is
 /// block that the same site opened is closed.
 inline constexpr U16 closeFlag = 0x8000;
 inline constexpr U16 clockFlag = 0x4000;
+/// The greatest number of a call site.
 inline constexpr U16 maxMsgId = 0x3fff;
 
 /// Length word of a run of octets: this flag if it was cut.

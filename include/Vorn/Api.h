@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
+/// Marks what the shared library exports.
 #define VORN_API __attribute__( ( visibility( "default" ) ) )
 
 /// Unsigned integers of exact width, the vocabulary of wire formats and attributes.

@@ -181,9 +181,11 @@ using LastLine = LineRank< 0x82 >;
 /// the attribute log knows nothing: `bool inContext( U32 id ) const` of the class says when.
 #define VORN_CONTEXT_OPS_( Type, x )                                                                         \
    VORN_ARG_( ::Vorn::contextOps< VORN_SELF_, Type, &Self::x, &Self::x##Is, &Self::inContext > )
+/// A scalar of that kind.
 #define VORN_CONTEXT( id, Type, x, X )                                                                       \
    VORN_SCALAR_OPS_( id, Type, x, X, ::Vorn::VornKind::mutableAttr, replicated, 0,                           \
                      VORN_CONTEXT_OPS_( Type, x ) )
+/// A reference of that kind.
 #define VORN_CONTEXT_REFERENCE( id, Type, x, X )                                                             \
    VORN_SCALAR_OPS_( id, ::Vorn::Ptr< Type >, x, X, ::Vorn::VornKind::reference, replicated, 0,              \
                      VORN_CONTEXT_OPS_( ::Vorn::Ptr< Type >, x ) )

@@ -18,6 +18,7 @@ class Connection {
    class Out;
 };
 
+/// The end of an attribute log that writes: records gather here until the host takes their octets.
 class VORN_API Connection::Out : public PtrInterface {
  public:
    /// Tokens around the value of a record.
@@ -27,6 +28,7 @@ class VORN_API Connection::Out : public PtrInterface {
    static constexpr U32 recordHeadBytes = 10;
    /// The longest record, without its length field. A writer that would exceed it fails, a reader refuses it.
    static constexpr U32 maxRecordBytes = 64u << 20;
+   /// Octets of the smallest buffer.
    static constexpr U32 minCapacity = 64;
 
    /// The octets that are ready; good until anything else happens to the log or the model.
@@ -40,6 +42,7 @@ class VORN_API Connection::Out : public PtrInterface {
    String const & failure() const noexcept { return failure_; }
 
    // What values are written with, within a record only.
+   /// Writes an integer in network byte order; within a record only.
    void putU8( U8 value ) { put( &value, 1 ); }
    void putU16( U16 value ) {
       value = __builtin_bswap16( value );
@@ -53,6 +56,7 @@ class VORN_API Connection::Out : public PtrInterface {
       value = __builtin_bswap64( value );
       put( &value, sizeof value );
    }
+   /// Writes octets as they stand; within a record only.
    void put( void const * octets, std::size_t bytes ) {
       if ( std::size_t( limit_ - at_ ) >= bytes ) [[likely]] {
          std::memcpy( at_, octets, bytes );

@@ -47,8 +47,10 @@ class VORN_API Entity : public PtrInterface {
    /// Takes the entity down while it is whole: tells its observers, deletes its children with notification,
    /// unbinds the observers, and lets go of what was made meanwhile. Who overrides it calls this.
    void zeroReferencesIs( bool zero ) override;
+   /// The record of the object's own type.
    VornType const * fwkType() const override { return &_vornType; }
 
+   /// Gives the entity its name behind its construction, as whoever restores it from a copy does.
    virtual void nameIsFromBackup( Name const & name );
    /// The name that the entity was constructed with; empty for an entity that has a key in its place.
    virtual Name name() const { return {}; }
@@ -62,6 +64,8 @@ class VORN_API Entity : public PtrInterface {
                                                     Ptr< NboAttrLog::Out > const & out );
    /// The entity's adapter on a log, or null.
    Ptr< StreamAdapter > vornNboAttrLogSa( Ptr< NboAttrLog::Out > const & out ) const;
+   /// For a host that restores entities from a backup of its own; nothing here does, or calls this and the
+   /// next three.
    virtual void reconstruct();
    virtual bool hasBackupSupport() const { return false; }
    virtual void saveConstructParams();
@@ -90,6 +94,7 @@ class VORN_API Entity : public PtrInterface {
    Ptr< Entity > entity( String const & childName ) const;
 
  protected:
+   /// For the attribute lines.
    static void vornClosed( ... ); // no type is whose lines are not closed by VORN_OBSERVERS
 
  private:
@@ -105,9 +110,13 @@ class Child {
    Child & operator=( Child const & ) = delete;
    ~Child() { replace( nullptr ); }
 
+   /// The child, or null.
    Ptr< Type > const & get() const noexcept { return child_; }
+   /// The child's members.
    Type * operator->() const noexcept { return child_.ptr(); }
+   /// Whether there is a child.
    explicit operator bool() const noexcept { return bool( child_ ); }
+   /// Whether there is none.
    bool operator!() const noexcept { return !child_; }
 
    /// Puts another child, or none, in the place of the present one, which leaves and is returned.

@@ -20,6 +20,7 @@ class VORN_API Exception : public std::exception {
 
    /// What was wrong, for a person.
    String const & message() const noexcept { return message_; }
+   /// The same as a C string.
    char const * what() const noexcept override { return message_.charPtr(); }
 
  private:

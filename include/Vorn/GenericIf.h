@@ -22,11 +22,13 @@ namespace Vorn {
 
 /// What can be done with values of a type. `type` is the record of the value's type.
 struct GenericIfMethods {
+   /// Destroys the value.
    void ( *genericIfDestruct )( void * value );
    /// Makes a copy of `*from` at `value`, or a default value for a null `from`.
    void ( *genericIfConstruct )( void * value, void const * from );
    /// Throws where the type has no hash.
    U32 ( *genericIfHash )( void const * value, VornType const * type );
+   /// The text of the value.
    String ( *genericIfStrRep )( void const * value, VornType const * type );
    /// Reads a whole text; throws RangeException and leaves the value as it was.
    void ( *genericIfStrepToValue )( void * value, String const & text, VornType const * type );
@@ -36,10 +38,13 @@ struct GenericIfMethods {
    /// The strict reader: moves `it` behind what it has read.
    void ( *sequenceTo )( String::IteratorConst & it, String::IteratorConst const & end, void * value,
                          VornType const * type );
+   /// Whether the two values are equal.
    bool ( *equal )( void const * a, void const * b );
+   /// Makes `*to` equal to `*from`.
    void ( *assign )( void * to, void const * from );
    /// The value's form in the attribute log; null for a type that has none.
    void ( *logOut )( NboAttrLog::Out & out, void const * value );
+   /// Reads the value from that form.
    void ( *logIn )( NboAttrLog::In & in, void * value );
 };
 
@@ -83,6 +88,7 @@ struct IteratorVTable {
    void ( *iterObj )( VornAttr const & attr, void * it, void * out ); ///< the member into `out`
    void ( *iterKey )( VornAttr const & attr, void * it, void * out ); ///< its key into `out`
    bool ( *iterNonnull )( VornAttr const & attr, void * it );         ///< whether it is not at the end
+   /// To the next member.
    void ( *iterInc )( VornAttr const & attr, void * it );
    void ( *iterDel )( VornAttr const & attr, void * it );    ///< destroys the iterator and frees it
    bool ( *iterMarked )( VornAttr const & attr, void * it ); ///< whether the member is marked for deletion
@@ -97,10 +103,15 @@ class VORN_API Iterator {
    Iterator & operator=( Iterator const & ) = delete;
    ~Iterator();
 
+   /// Whether it stands on a member.
    explicit operator bool() const { return it_ && vtable_->iterNonnull( attr_, it_ ); }
+   /// To the next member.
    void advance() { vtable_->iterInc( attr_, it_ ); }
+   /// Copies the member to `*out`.
    void object( void * out ) const { vtable_->iterObj( attr_, it_, out ); }
+   /// Copies the member's key to `*out`.
    void key( void * out ) const { vtable_->iterKey( attr_, it_, out ); }
+   /// Whether the member is marked for deletion.
    bool markedForDeletion() const { return vtable_->iterMarked( attr_, it_ ); }
 
  private:
@@ -118,10 +129,14 @@ class VORN_API Value {
    Value & operator=( Value const & ) = delete;
    ~Value();
 
+   /// The record of the value's type.
    VornType const * type() const noexcept { return type_; }
+   /// Where the value stands.
    void * data() noexcept { return data_; }
    void const * data() const noexcept { return data_; }
+   /// The value as text.
    String stringValue() const { return type_->methods->genericIfStrRep( data_, type_ ); }
+   /// Reads the value from its text; throws RangeException for any other.
    void stringValueIs( String const & text ) { type_->methods->genericIfStrepToValue( data_, text, type_ ); }
    friend bool operator==( Value const & a, Value const & b ) {
       return a.type_ == b.type_ && a.type_->methods->equal( a.data_, b.data_ );
@@ -138,6 +153,7 @@ class VORN_API Value {
 class VORN_API NotifieeConst {
  public:
    virtual ~NotifieeConst();
+   /// The attribute of that id has changed; the second form also says for which key.
    virtual void onRawAttribute( U32 attributeId ) = 0;
    virtual void onRawAttribute( U32 attributeId, void const * key, bool keyed ) = 0;
 };
@@ -153,6 +169,7 @@ VORN_API String attributeText( void const * object, VornType const & type, VornA
 
 namespace GenericIfImpl {
 
+/// Throws, for a type that lacks what was asked of it.
 [[noreturn]] VORN_API void throwTypeException( VornType const * type );
 [[noreturn]] VORN_API void throwUnhashableException( VornType const * type );
 [[noreturn]] VORN_API void throwSetFalseValueException( VornAttr const & attr );

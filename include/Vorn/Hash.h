@@ -20,6 +20,7 @@ namespace Vorn {
 
 /// What a process's hashes are made with.
 struct HashSecret {
+   /// Random words.
    U64 word[4];
 };
 /// Drawn before anything else in the library is initialized, and then the same until the process ends.
@@ -86,6 +87,7 @@ VORN_API U32 hashBytes( void const * data, std::size_t bytes ) noexcept;
 /// Hashes of the built-in integers that are too wide to be a hash word themselves.
 template< bool >
 struct VornHashBase {
+   /// The hash of that integer.
    static U32 hashU64( U64 value ) noexcept { return hashWords( value ); }
 };
 

@@ -16,6 +16,7 @@ namespace Vorn {
 
 /// The link that a member carries: its field `next_`, which this alone may touch.
 struct NextLink {
+   /// The link of that member.
    template< class Member >
    static Entity *& of( Member & member ) noexcept {
       return member.next_;
@@ -34,7 +35,9 @@ struct NextLink {
 /// What the type-erased part asks of members.
 class HashMapVTableGeneric {
  public:
+   /// Hash of a member's key.
    virtual U32 hash( Entity const & member ) const = 0;
+   /// Whether the member has that key.
    virtual bool keyEquals( void const * key, Entity const & member ) const = 0;
    /// With `b`: whether `b`'s key is below `a`'s. Without: whether `key` is below `a`'s; true for a null key.
    virtual bool keyLessThan( void const * key, Entity const & a, Entity const * b ) const = 0;
@@ -48,11 +51,14 @@ class HashMapVTableGeneric {
 /// The map without its types.
 class VORN_API HashMapGeneric {
  public:
+   /// Binary logarithm of the number of buckets of a new map.
    static constexpr U8 initialExponent = 4;
 
+   /// Number of members.
    U32 members() const noexcept { return memberCount_; }
    /// Raised by each insertion and deletion.
    U32 modificationCount() const noexcept { return modificationCount_; }
+   /// Number of buckets.
    U32 buckets() const noexcept { return 1u << exponent_; }
 
    /// The member that follows `member`, in the map or not; the first for null. `bucket` becomes its bucket,
@@ -77,8 +83,11 @@ class VORN_API HashMapGeneric {
    void newMemberG( Entity & member, U32 hash );
    /// Takes a member out of its bucket, which leaves its parent, and drops the map's reference.
    void deleteMember( Entity & member, U32 bucket );
+   /// The bucket of keys that have that hash.
    U32 bucketOf( U32 hash ) const noexcept { return bitReverse( hash ) >> ( 32 - exponent_ ); }
+   /// The first member of a bucket, or null.
    Entity * first( U32 bucket ) const noexcept { return buckets_ ? buckets_[bucket] : nullptr; }
+   /// The link of a member.
    Entity *& next( Entity & member ) const noexcept {
       return *reinterpret_cast< Entity ** >( reinterpret_cast< char * >( &member ) + nextPosition_ );
    }
@@ -127,6 +136,7 @@ class HashMapVTable final : public HashMapVTableGeneric {
       if ( old ) old->referenceDec();
    }
 
+   /// The one object of this class.
    static HashMapVTable const instance;
 
  private:
@@ -151,6 +161,7 @@ class HashMap : public HashMapGeneric {
    Member * member( Key const & key ) const { return member( key, keyHash( key ) ); }
    // Some keys take long to hash, so it is done once for what belongs together: `hash` is the key's
    // `keyHash()`.
+   /// The member with that key, whose hash the caller knows, or null.
    Member * member( Key const & key, U32 hash ) const {
       for ( Entity * at = first( bucketOf( hash ) ); at; at = next( *at ) ) {
          auto * const member = static_cast< Member * >( at );
@@ -171,10 +182,14 @@ class HashMap : public HashMapGeneric {
       }
       return same + others >= HashMap2018BktHdr::maxSlots;
    }
+   /// Puts a member in whose key is not in the map; `hash` is the key's.
    void newMember( Member & member, U32 hash ) { newMemberG( member, hash ); }
+   /// Takes a member out; `hash` is its key's.
    void del( Member & member, U32 hash ) { deleteMember( member, bucketOf( hash ) ); }
 
+   /// For a walk over all members.
    IteratorConst begin() const { return IteratorConst( *this ); }
+   /// The end of such a walk.
    std::nullptr_t end() const noexcept { return nullptr; }
 };
 
@@ -191,7 +206,9 @@ class HashMap< Owner, Member, Key >::IteratorConst {
       stand( map.startAtHash( &key, keyHash( key ), &bucket_ ) );
    }
 
+   /// Whether it stands on a member.
    explicit operator bool() const noexcept { return bool( member_ ); }
+   /// The member.
    Member * operator->() const noexcept { return member_.ptr(); }
    Member & operator*() const noexcept { return *member_; }
    Ptr< Member > const & ptr() const noexcept { return member_; }
@@ -213,6 +230,7 @@ class HashMap< Owner, Member, Key >::IteratorConst {
       map.del( *member_, hash );
       return true;
    }
+   /// To the member that follows, whether or not the present one is still in the map.
    void advance() {
       if ( count_ != map_->modificationCount() ) {
          stand( map_->findNextG( member_.ptr(), &bucket_ ) );

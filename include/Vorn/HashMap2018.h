@@ -32,14 +32,18 @@ namespace Vorn {
 template< class Key, class Value, bool lru >
 class HashMap2018NodeExternKey;
 
+/// A key with its value beside it, in a map that does not care for the order of use.
 template< class Key, class Value >
 class HashMap2018NodeExternKey< Key, Value, false > : public HashMap2018LinkNodeBase {
  public:
+   /// A member of that key and value.
    HashMap2018NodeExternKey( Key const & key, Value value ) noexcept
         : key_( key ), value_( std::move( value ) ) {}
 
+   /// The key.
    Key const & key() const noexcept { return key_; }
    Key const & fwkKey() const noexcept { return key_; }
+   /// The value.
    Value const & value() const noexcept { return value_; }
    Value & value() noexcept { return value_; }
    void valueIs( Value value ) noexcept { value_ = std::move( value ); }
@@ -55,8 +59,10 @@ class HashMap2018NodeExternKey< Key, Value, false > : public HashMap2018LinkNode
 template< class Key >
 class HashMap2018NodeExternKey< Key, void, false > : public HashMap2018LinkNodeBase {
  public:
+   /// The member of that key.
    explicit HashMap2018NodeExternKey( Key const & key ) noexcept : key_( key ) {}
 
+   /// The key.
    Key const & key() const noexcept { return key_; }
    Key const & fwkKey() const noexcept { return key_; }
 
@@ -68,10 +74,13 @@ class HashMap2018NodeExternKey< Key, void, false > : public HashMap2018LinkNodeB
 template< class Key, class Value, class KeyFunktor >
 class HashMap2018NodeInternalKey : public HashMap2018LinkNodeBase {
  public:
+   /// A member with that value.
    explicit HashMap2018NodeInternalKey( Value value ) noexcept : value_( std::move( value ) ) {}
 
+   /// The key, taken from the value.
    Key key() const noexcept { return fwkKey(); }
    Key fwkKey() const noexcept { return KeyFunktor()( value_ ); }
+   /// The value.
    Value const & value() const noexcept { return value_; }
    /// The new value must have the same key.
    void valueIs( Value _value ) noexcept {
@@ -89,6 +98,7 @@ class HashMap2018NodeInternalKey : public HashMap2018LinkNodeBase {
 template< class Node, class Key >
 class HashMap2018NodeOps {
  public:
+   /// Short names of what the record speaks of.
    using VTable = HashMap2018VTable;
    using Base = HashMap2018LinkNodeBase;
    using BktHdr = HashMap2018BktHdr;
@@ -96,8 +106,10 @@ class HashMap2018NodeOps {
    static_assert( alignof( Node ) <= 8, "nodes stand at multiples of 8" );
    static_assert( std::is_nothrow_move_constructible_v< Node > && std::is_nothrow_move_assignable_v< Node > );
 
+   /// Whether nodes may be moved as octets.
    static constexpr bool trivial = std::is_trivially_copyable_v< Node >;
 
+   /// The record.
    static constexpr VTable table() noexcept {
       return { alignof( Node ),
                sizeof( Node ),
@@ -203,10 +215,13 @@ class HashMap2018NodeOps {
 /// What the nodes of a map hold, and so what they are.
 template< class Key, class Value, class KeyFunktor >
 struct HashMap2018NodeOf {
+   /// The class of the nodes.
    using Node = HashMap2018NodeInternalKey< Key, Value, KeyFunktor >;
 };
+/// Without a functor the key stands beside the value.
 template< class Key, class Value >
 struct HashMap2018NodeOf< Key, Value, void > {
+   /// The class of the nodes.
    using Node = HashMap2018NodeExternKey< Key, Value, false >;
 };
 
@@ -214,16 +229,21 @@ struct HashMap2018NodeOf< Key, Value, void > {
 template< class Owner, class Key, class Value = void, class KeyFunktor = void >
 class HashMap2018 : public HashMap2018Generic {
  public:
+   /// What a member is: `key()` and `value()`.
    using Node = typename HashMap2018NodeOf< Key, Value, KeyFunktor >::Node;
    using NodeOps = HashMap2018NodeOps< Node, Key >;
 
    static constexpr HashMap2018VTable vt_ = NodeOps::table();
+   /// Whether the map has no values.
    static constexpr bool isSet = std::is_void_v< Value >;
+   /// What `valueIs` takes.
    using Argument = std::conditional_t< isSet, std::monostate, Value >;
+   /// Whether the key is part of the value.
    static constexpr bool keyInValue = !std::is_void_v< KeyFunktor >;
 
    template< class NodeType >
    class IteratorOf;
+   /// Positions in the map.
    using Iterator = IteratorOf< Node >;
    using IteratorConst = IteratorOf< Node const >;
 
@@ -238,6 +258,7 @@ class HashMap2018 : public HashMap2018Generic {
    /// The member with that key, or null.
    Node * operator[]( Key const & key ) noexcept { return lookup( key ); }
    Node const * operator[]( Key const & key ) const noexcept { return lookup( key ); }
+   /// Whether there is a member with that key.
    bool has( Key const & key ) const noexcept { return lookup( key ); }
    /// The value under that key, or a default value.
    auto value( Key const & key ) const requires( !isSet ) {
@@ -268,6 +289,7 @@ class HashMap2018 : public HashMap2018Generic {
    /// map.del( key ) ) use( deleted->value() )`.
    class Deleted {
     public:
+      /// Takes the member with that key out of the map.
       Deleted( HashMap2018 & map, Key const & key ) noexcept
            : there_( map.deleteMemberG( vt_, HashKey< Key >::form( key ), slot_ ) ) {}
       Deleted( Deleted const & ) = delete;
@@ -275,7 +297,9 @@ class HashMap2018 : public HashMap2018Generic {
       ~Deleted() {
          if ( there_ ) std::launder( reinterpret_cast< Node * >( slot_ ) )->~Node();
       }
+      /// Whether there was one.
       explicit operator bool() const noexcept { return there_; }
+      /// The member.
       Node const & operator*() const noexcept {
          return *std::launder( reinterpret_cast< Node const * >( slot_ ) );
       }
@@ -293,10 +317,12 @@ class HashMap2018 : public HashMap2018Generic {
    /// Marks every member for deletion, the first half of mark and sweep. Members inserted later are not
    /// marked.
    void vornMarkAllForDeletion() noexcept { vornMarkAllForDeletionG( vt_ ); }
+   /// Marks the member with that key, or takes its mark away.
    void vornMarkedForDeletionIs( Key const & key, bool marked ) noexcept {
       vornMarkedForDeletionGIs( vt_, HashKey< Key >::form( key ), marked );
    }
 
+   /// For a walk over all members.
    Iterator begin() noexcept { return Iterator( *this ); }
    IteratorConst begin() const noexcept { return IteratorConst( *this ); }
    /// The first member, null where there is none.
@@ -305,6 +331,7 @@ class HashMap2018 : public HashMap2018Generic {
    Node const * atOrBehind( Key const & key ) const noexcept {
       return static_cast< Node const * >( atOrBehindG( vt_, HashKey< Key >::form( key ) ) );
    }
+   /// The end of such a walk.
    std::default_sentinel_t end() const noexcept { return {}; }
 
  private:
@@ -324,6 +351,7 @@ template< class Owner, class Key, class Value, class KeyFunktor >
 template< class NodeType >
 class HashMap2018< Owner, Key, Value, KeyFunktor >::IteratorOf : public HashMap2018IteratorGeneric {
  public:
+   /// The map, const for a walk that only reads.
    using Map = std::conditional_t< std::is_const_v< NodeType >, HashMap2018 const, HashMap2018 >;
 
    /// On the first member.
@@ -332,19 +360,26 @@ class HashMap2018< Owner, Key, Value, KeyFunktor >::IteratorOf : public HashMap2
    IteratorOf( Map & map, Key const & key ) noexcept
         : HashMap2018IteratorGeneric( map, HashMap2018::vt_, HashKey< Key >::form( key ) ) {}
 
+   /// The member as the iterator found it, deleted since or not.
    NodeType * currNodeMaybeStale() const noexcept {
       return static_cast< NodeType * >( HashMap2018IteratorGeneric::currNodeMaybeStale() );
    }
+   /// The member in the map; null once it has been deleted.
    NodeType * currNodeNonStale() const noexcept {
       return static_cast< NodeType * >( HashMap2018IteratorGeneric::currNodeNonStale() );
    }
+   /// To the next member.
    void advance() noexcept { advanceBy( sizeof( NodeType ) ); }
+   /// The member as the iterator found it.
    NodeType & operator*() const noexcept { return *currNodeMaybeStale(); }
+   /// The member as the iterator found it.
    NodeType * operator->() const noexcept { return currNodeMaybeStale(); }
+   /// To the next member.
    IteratorOf & operator++() noexcept {
       advance();
       return *this;
    }
+   /// Whether the walk is at its end.
    bool operator==( std::default_sentinel_t ) const noexcept { return !*this; }
 };
 

@@ -35,10 +35,14 @@ class LinkQueueNode final : public PtrInterface {
    VORN_OBJECT( LinkQueueNode )
 
  public:
+   /// An element in no queue.
    LinkQueueNode( Index index, Value value ) : index_( index ), value_( std::move( value ) ) {}
 
+   /// The index.
    Index index() const noexcept { return index_; }
+   /// The value.
    Value const & value() const noexcept { return value_; }
+   /// Sets the value.
    void valueIs( Value value ) noexcept { value_ = std::move( value ); }
    /// Whether the node is in a queue. A removed node keeps its index and value.
    bool linked() const noexcept { return linked_; }
@@ -64,9 +68,11 @@ AllocTrackTypeInfo LinkQueueNode< Owner, Index, Value >::vornAllocTrackTypeInfo_
 template< class Owner, class Index, class Value >
 class LinkQueue {
  public:
+   /// What an element is.
    using Node = LinkQueueNode< Owner, Index, Value >;
    template< class NodeType >
    class TIterator;
+   /// Positions in the queue.
    using Iterator = TIterator< Node >;
    using IteratorConst = TIterator< Node const >;
 
@@ -140,8 +146,10 @@ class LinkQueue {
       }
    }
 
+   /// For a walk from head to tail.
    Iterator begin() noexcept { return Iterator( *this ); }
    IteratorConst begin() const noexcept { return IteratorConst( *this ); }
+   /// The end of such a walk.
    std::default_sentinel_t end() const noexcept { return {}; }
 
  private:
@@ -303,12 +311,18 @@ class LinkQueue< Owner, Index, Value >::TIterator {
    TIterator( LinkQueue const & queue, Index index ) noexcept
         : queue_( &queue ), node_( queue.behind( queue.before( index ) ) ) {}
 
+   /// Whether it stands on an element.
    explicit operator bool() const noexcept { return bool( node_ ); }
+   /// Whether it is at the end.
    bool operator!() const noexcept { return !node_; }
+   /// Whether it is at the end.
    bool operator==( std::default_sentinel_t ) const noexcept { return !node_; }
 
+   /// The element.
    Ptr< NodeType > const & ptr() const noexcept { return node_; }
+   /// The element.
    NodeType & operator*() const noexcept { return *node_; }
+   /// The element.
    NodeType * operator->() const noexcept { return node_.ptr(); }
    /// Whether it stands on an element whose index is not 0.
    bool hasBookmark() const noexcept { return node_ && node_->index() != 0; }
@@ -317,6 +331,7 @@ class LinkQueue< Owner, Index, Value >::TIterator {
    void advance() noexcept {
       node_ = node_->linked() ? node_->next_.ptr() : queue_->youngerThan( node_->index() );
    }
+   /// To the element that follows.
    TIterator & operator++() noexcept {
       advance();
       return *this;

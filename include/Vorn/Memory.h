@@ -60,12 +60,12 @@ inline constexpr U32 memClassKeep = 1024;          ///< most free blocks that a 
 inline constexpr std::size_t memLargeKeep = 65536; ///< most bytes that a class of large ones holds back
 VORN_API extern MemClass memClasses_[memClassNum];
 
-/// The class of a block, `memClassNum` or more for one that has none, and how large the blocks of a class
-/// are.
+/// The class of a block, `memClassNum` or more for one that has none.
 constexpr std::size_t memClassOf( std::size_t size ) noexcept {
    std::size_t const small = ( size + memClassBytes - 1 ) / memClassBytes;
    return small < memSmallNum ? small : memSmallNum + std::size_t( std::bit_width( ( size - 1 ) >> 10 ) );
 }
+/// How large the blocks of a class are, in bytes.
 constexpr std::size_t memBytesOf( std::size_t memClass ) noexcept {
    return memClass < memSmallNum ? memClass * memClassBytes
                                  : std::size_t( 1024 ) << ( memClass - memSmallNum );
@@ -122,6 +122,7 @@ inline void vornMemFree( void * block, std::size_t size ) noexcept {
 /// `vornAllocTrackTypeInfo_`; a hash map feeds the same counter form for its buckets.
 class VORN_API AllocTrackTypeInfo {
  public:
+   /// A counter for that type, or for memory that belongs to none.
    constexpr explicit AllocTrackTypeInfo( VornType const * type ) noexcept : type_( type ) {}
 
    /// The type whose objects are counted; null for memory that belongs to no type.
@@ -131,6 +132,7 @@ class VORN_API AllocTrackTypeInfo {
    /// Bytes of the objects alive now.
    U64 bytes() const noexcept { return bytes_; }
 
+   /// Counts an object of `size` bytes, or `count` of them, that was made or destroyed.
    void trackAllocation( std::size_t size ) noexcept { trackArrayAllocation( 1, size ); }
    void trackDeallocation( std::size_t size ) noexcept { trackArrayDeallocation( 1, size ); }
    void trackArrayAllocation( U64 count, std::size_t size ) noexcept { add( count, count * size ); }

@@ -71,8 +71,11 @@ class VORN_API PtrInterface::NotifieeConst : public PtrInterface {
    /// comes to an observer under construction. `onZeroReferences` comes to all that are registered.
    void hasNotificationActiveIs( bool active ) override;
 
+   /// Whether it has been registered.
    bool isRegisteredNotifiee() const noexcept { return registered_; }
+   /// Whether the binding leaves the object's life alone.
    bool isWeakReference() const noexcept { return weak_; }
+   /// Whether callbacks of changes come to it.
    bool hasNotificationActive() const noexcept { return active_; }
    /// Whether it ties its notifier to an attribute log.
    bool isStreamAdapter() const noexcept { return streamAdapter_; }
@@ -112,6 +115,7 @@ class VORN_API PtrInterface::NotifieeConst : public PtrInterface {
 
 /// One attribute as notification sees it: constant, one for each attribute.
 struct NotifieeChange {
+   /// Id of the attribute.
    U32 attributeId;
    VornType const * type; ///< the type that declares the attribute
    /// Makes the one virtual call of the attribute.
@@ -127,6 +131,7 @@ class VORN_API NotifieeList {
    NotifieeList & operator=( NotifieeList const & ) = delete;
    ~NotifieeList() { deleteAll(); }
 
+   /// Whether nobody observes.
    bool empty() const noexcept { return !first_; }
 
    /// Tells the observers of `notifier`, whose list this is, of a change that is stored already.

@@ -14,9 +14,12 @@ template< class Tag, class Word, Word initial = 0 >
 class Number {
  public:
    constexpr Number() noexcept = default;
+   /// The number of that value.
    constexpr explicit Number( Word value ) noexcept : value_( value ) {}
 
+   /// The value.
    constexpr Word value() const noexcept { return value_; }
+   /// Equal values have equal hashes.
    U32 hash() const noexcept { return VornHashBase< false >::hashU64( value_ ); }
 
    VORN_FROM_LOG( Number )

@@ -109,6 +109,7 @@ class VORN_API PtrInterface : public VFPtrInterface {
 /// destroyed here.
 class Hold {
  public:
+   /// Keeps that object from now on.
    explicit Hold( PtrInterface const & object ) noexcept
         : object_( object ), counted_( object.references() != 0 ) {
       object.referenceInc();
@@ -139,11 +140,15 @@ concept PointsTo = requires( From * from, To *& to ) {
 template< class T >
 class Ptr {
  public:
+   /// What it points to.
    using element_type = T;
 
    constexpr Ptr() noexcept = default;
+   /// Null.
    constexpr Ptr( std::nullptr_t ) noexcept {}
+   /// To that object, or null.
    Ptr( T * object ) noexcept : object_( object ) { inc(); }
+   /// To the object of another pointer.
    Ptr( Ptr const & other ) noexcept : object_( other.object_ ) { inc(); }
    Ptr( Ptr && other ) noexcept : object_( other.release() ) {}
    /// From a pointer to a derived class, or to the same class with write access.
@@ -169,7 +174,9 @@ class Ptr {
    T * ptr() const noexcept { return object_; }
    T * operator->() const noexcept { return object_; }
    T & operator*() const noexcept { return *object_; }
+   /// Whether it points to an object.
    explicit operator bool() const noexcept { return object_ != nullptr; }
+   /// Whether it is null.
    bool operator!() const noexcept { return !object_; }
 
    /// Hands the reference over to the caller and leaves this pointer empty.

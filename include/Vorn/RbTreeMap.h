@@ -42,6 +42,7 @@ class RbTreeNode {
 /// The tree without its keys: linking, unlinking, order, balance.
 class VORN_API RbTreeMapGeneric {
  public:
+   /// A node without its key.
    using NodeBase = RbTreeNode;
    /// Where a child hangs, and the way to lesser or greater keys.
    enum Side : U32 { lesser = 0, greater = 1 };
@@ -64,7 +65,9 @@ class VORN_API RbTreeMapGeneric {
    /// Takes a node out of the map. The map's reference on it passes to the caller.
    void _memberDelG( NodeBase * node ) noexcept;
 
+   /// The top of the tree, or null.
    NodeBase * root() const noexcept { return root_; }
+   /// The node below on that side, or null.
    static NodeBase * child( NodeBase const * node, Side side ) noexcept { return node->child_[side]; }
    /// The node with the least key below and including `node`, or null.
    static NodeBase * first( NodeBase * node ) noexcept;
@@ -75,6 +78,7 @@ class VORN_API RbTreeMapGeneric {
    /// Takes one node off such a tree; null when none is left. The map's reference passes to the caller.
    static NodeBase * takeAny( NodeBase *& tree ) noexcept;
 
+   /// Takes a reference.
    static void refInc( NodeBase * node ) noexcept { Vorn::refInc( node->refs_ ); }
    /// Drops a reference. True: it was the last, and the node is the caller's to destroy.
    static bool refDecLast( NodeBase * node ) noexcept { return Vorn::refDec( node->refs_ ) == 0; }
@@ -114,6 +118,7 @@ class RbTreeMap : public RbTreeMapGeneric {
    /// The member with that key, or null.
    Node * operator[]( Key const & key ) noexcept { return lookup( key ); }
    Node const * operator[]( Key const & key ) const noexcept { return lookup( key ); }
+   /// Whether there is a member with that key.
    bool has( Key const & key ) const noexcept { return lookup( key ); }
    /// The value under that key, or a default value.
    Value value( Key const & key ) const {
@@ -139,7 +144,9 @@ class RbTreeMap : public RbTreeMapGeneric {
       }
    }
 
+   /// For a walk in ascending order.
    IteratorConst begin() const noexcept { return IteratorConst( *this ); }
+   /// The end of such a walk.
    std::default_sentinel_t end() const noexcept { return {}; }
 
    /// Counts the nodes of all maps of this type.
@@ -181,12 +188,16 @@ class RbTreeMap : public RbTreeMapGeneric {
 template< class Owner, class Key, class Value >
 class RbTreeMap< Owner, Key, Value >::Node : public RbTreeNode {
  public:
+   /// A member of that key and value, in no map.
    Node( Key const & key, Value value ) : key_( key ), value_( std::move( value ) ) {}
 
+   /// The key.
    Key const & key() const noexcept { return key_; }
+   /// The value.
    Value const & value() const noexcept { return value_; }
    void valueIs( Value value ) noexcept { value_ = std::move( value ); }
 
+   /// Memory for a node, counted.
    static void * operator new( std::size_t size ) {
       void * const block = vornMemAlloc( size );
       vornAllocTrackTypeInfo_.trackAllocation( size );
@@ -232,6 +243,7 @@ class RbTreeMap< Owner, Key, Value >::IteratorConst {
    IteratorConst( RbTreeMap const & map, Key const & key ) noexcept : map_( &map ) {
       nodeIs( map.notLess( key ) );
    }
+   /// On the member of another iterator.
    IteratorConst( IteratorConst const & other ) noexcept : map_( other.map_ ) { nodeIs( other.node_ ); }
    IteratorConst & operator=( IteratorConst const & other ) noexcept {
       map_ = other.map_;
@@ -240,12 +252,17 @@ class RbTreeMap< Owner, Key, Value >::IteratorConst {
    }
    ~IteratorConst() { nodeIs( nullptr ); }
 
+   /// Whether it stands on a member.
    explicit operator bool() const noexcept { return node_ != nullptr; }
+   /// Whether it is at the end.
    bool operator!() const noexcept { return !node_; }
    bool operator==( std::default_sentinel_t ) const noexcept { return !node_; }
 
+   /// The member's key.
    Key const & key() const noexcept { return node()->key(); }
+   /// The member's value.
    Value const & value() const noexcept { return node()->value(); }
+   /// The member.
    Node const & operator*() const noexcept { return *node(); }
    Node const * operator->() const noexcept { return node(); }
 

@@ -24,7 +24,9 @@ VORN_API String valueToStrep( double value );
 /// In single quotes; quote and backslash escaped, octets that do not print as `\xNN`.
 VORN_API String valueToStrep( String const & value );
 
+/// The name of a truth value.
 String valueToStrep( std::same_as< bool > auto value ) { return boolToStrep( value ); }
+/// In decimal.
 template< std::unsigned_integral T >
 requires( !std::same_as< T, bool > && !std::same_as< T, unsigned long long > ) String
      valueToStrep( T value ) {
@@ -37,6 +39,8 @@ VORN_API void needString( String::IteratorConst & it, String::IteratorConst cons
 
 /// Reads decimal digits up to `max`.
 VORN_API U64 unsignedFromSequence( String::IteratorConst & it, String::IteratorConst const & end, U64 max );
+/// Reads a value from the text that `valueToStrep` gives it, and moves `it` behind that. Throws
+/// RangeException for any other.
 VORN_API void sequenceToValue( String::IteratorConst & it, String::IteratorConst const & end, bool * value );
 VORN_API void sequenceToValue( String::IteratorConst & it, String::IteratorConst const & end,
                                double * value );
@@ -82,11 +86,15 @@ void strepToValue( String const & text, T * value ) {
 template< class Word >
 struct EnumType;
 
+/// The one word that enumerations have.
 template<>
 struct VORN_API EnumType< unsigned int > {
    /// Name of the enumerator with that value, or null.
    static char const * name( unsigned int value, VornType const * type ) noexcept;
+   /// That name, or the number in decimal where there is none.
    static String valueToStrep( unsigned int value, VornType const * type );
+   /// Reads either from the front of a text and moves `it` behind it; throws RangeException for anything
+   /// else.
    static unsigned int sequenceToValue( String::IteratorConst & it, String::IteratorConst const & end,
                                         VornType const * type );
 };
@@ -117,4 +125,5 @@ VORN_API String compositeText( char const * typeName, char const * const * names
    VORN_API extern ::Vorn::VornType const Type##_vornType;                                                   \
    VORN_TEXT( Type )                                                                                         \
    constexpr ::Vorn::VornType const * vornTypeOf( Type ) { return &Type##_vornType; }
+/// One enumerator of a list.
 #define VORN_ENUMERATOR( name, number, ... ) name = number,

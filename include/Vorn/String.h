@@ -17,12 +17,15 @@ class VORN_API String {
    /// A position in the octets; `begin()` to `end()` is what the text readers consume.
    using IteratorConst = char const *;
 
+   /// The empty string.
    constexpr String() noexcept = default;
    String( char const * text ) : String( std::string_view( text ) ) {}
+   /// A copy of those octets.
    explicit String( std::string_view octets );
    /// The `bytes` octets at `octets`.
    String( void const * octets, std::size_t bytes )
         : String( std::string_view( static_cast< char const * >( octets ), bytes ) ) {}
+   /// The octets of another string, shared or taken.
    String( String const & other ) noexcept : data_( other.data_ ) {
       if ( data_ ) refInc( data_->refs );
    }
@@ -37,19 +40,24 @@ class VORN_API String {
 
    /// Number of octets.
    U32 bytes() const noexcept { return data_ ? data_->bytes : 0; }
+   /// Whether there are none.
    bool empty() const noexcept { return bytes() == 0; }
    bool operator!() const noexcept { return empty(); }
    /// The octets, with a zero octet behind the last.
    char const * charPtr() const noexcept {
       return data_ ? reinterpret_cast< char const * >( data_ + 1 ) : nothing_;
    }
+   /// The first octet.
    IteratorConst begin() const noexcept { return charPtr(); }
+   /// Behind the last octet.
    IteratorConst end() const noexcept { return charPtr() + bytes(); }
+   /// The octets as a view, good as long as the string stays.
    std::string_view view() const noexcept { return { charPtr(), bytes() }; }
 
    /// Hash of the octets; 0 for the empty string.
    U32 hash() const noexcept;
 
+   /// Appends octets.
    String & operator+=( std::string_view octets );
    String & operator+=( String const & text ) { return *this += text.view(); }
    String & operator+=( char const * text ) { return *this += std::string_view( text ); }
@@ -86,6 +94,7 @@ VORN_API std::ostream & operator<<( std::ostream & out, String const & text );
 class VORN_API Name : public String {
  public:
    using String::String;
+   /// The empty name.
    constexpr Name() noexcept = default;
    Name( String const & text ) noexcept : String( text ) {}
 };

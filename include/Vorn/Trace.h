@@ -35,6 +35,7 @@ class VORN_API TraceFacility {
    /// caller owns the stream.
    static void sinkIs( std::ostream * sink );
 
+   /// Name of the facility.
    String const & name() const noexcept { return name_; }
    /// Whether that level is on.
    bool enabled( FacilityLevel level ) const noexcept {
@@ -57,6 +58,7 @@ class VORN_API TraceHandle {
    /// `allOn` switches on all levels of a facility that has been neither set nor named before.
    TraceHandle( String name, bool allOn );
 
+   /// The facility.
    TraceFacility const & facility() const noexcept { return *facility_; }
    /// Whether that level of the facility is on.
    bool enabled( TraceFacility::FacilityLevel level ) const noexcept { return facility_->enabled( level ); }

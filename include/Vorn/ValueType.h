@@ -30,7 +30,9 @@ namespace Vorn {
 /// Methods of a value type; what the type lacks (hash, text, log form) is refused when it is asked for.
 template< class T, class Dummy = void >
 struct GenericIfValueMethods {
+   /// Destroys the value.
    static void genericIfDestruct( void * value ) { static_cast< T * >( value )->~T(); }
+   /// Makes a copy of `*from` at `value`, or a default value for a null `from`.
    static void genericIfConstruct( void * value, void const * from ) {
       if ( from ) {
          new ( value ) T( *static_cast< T const * >( from ) );
@@ -38,6 +40,7 @@ struct GenericIfValueMethods {
          new ( value ) T{};
       }
    }
+   /// Hash of the value; throws where the type has none.
    static U32 genericIfHash( void const * value, VornType const * type ) {
       [[maybe_unused]] T const & v = *static_cast< T const * >( value );
       if constexpr ( requires { v.hash(); } ) {
@@ -48,25 +51,32 @@ struct GenericIfValueMethods {
          GenericIfImpl::throwUnhashableException( type );
       }
    }
+   /// The text of the value.
    static String genericIfStrRep( void const * value, VornType const * ) {
       return valueToStrep( *static_cast< T const * >( value ) );
    }
+   /// Reads a whole text. Throws RangeException for any other, and then the value stays as it was.
    static void genericIfStrepToValue( void * value, String const & text, VornType const * ) {
       strepToValue( text, static_cast< T * >( value ) );
    }
+   /// Reads a value from the front of a text and moves `it` behind it.
    static void sequenceTo( String::IteratorConst & it, String::IteratorConst const & end, void * value,
                            VornType const * ) {
       sequenceToValue( it, end, static_cast< T * >( value ) );
    }
+   /// Whether the two values are equal.
    static bool equal( void const * a, void const * b ) {
       return *static_cast< T const * >( a ) == *static_cast< T const * >( b );
    }
+   /// Makes `*to` equal to `*from`.
    static void assign( void * to, void const * from ) {
       *static_cast< T * >( to ) = *static_cast< T const * >( from );
    }
+   /// Writes the value's form in the attribute log.
    static void logOutOf( NboAttrLog::Out & out, void const * value ) {
       NboAttrLog::toLog( out, *static_cast< T const * >( value ) );
    }
+   /// Reads the value from that form.
    static void logInOf( NboAttrLog::In & in, void * value ) {
       NboAttrLog::fromLog( in, static_cast< T * >( value ) );
    }
@@ -87,11 +97,14 @@ struct GenericIfValueMethods {
 /// Methods of an enumeration, whatever its names: those of its word, with texts by the record.
 template< class Word >
 struct GenericIfEnumMethods : GenericIfValueMethods< Word > {
+   /// The methods of the word.
    using Base = GenericIfValueMethods< Word >;
 
+   /// The text of a value by the type's record.
    static String genericIfStrRep( void const * value, VornType const * type ) {
       return EnumType< Word >::valueToStrep( *static_cast< Word const * >( value ), type );
    }
+   /// Reads a whole text. Throws RangeException for any other, and then the value stays as it was.
    static void genericIfStrepToValue( void * value, String const & text, VornType const * type ) {
       auto it = text.begin();
       Word read;
@@ -99,6 +112,7 @@ struct GenericIfEnumMethods : GenericIfValueMethods< Word > {
       strepToValueEnd( text, it );
       *static_cast< Word * >( value ) = read;
    }
+   /// Reads a value from the front of a text and moves `it` behind it.
    static void sequenceTo( String::IteratorConst & it, String::IteratorConst const & end, void * value,
                            VornType const * type ) {
       *static_cast< Word * >( value ) = EnumType< Word >::sequenceToValue( it, end, type );
@@ -337,4 +351,5 @@ constexpr VornAttr enumeratorRecord( char const * name, U32 value ) {
       *value = Type( ::Vorn::EnumType< unsigned int >::sequenceToValue( it, end, &Type##_vornType ) );       \
    }                                                                                                         \
    VORN_TEXT_STREAM( Type )
+/// The record of one enumerator of a list.
 #define VORN_ENUMERATOR_RECORD( name, number, ... ) ::Vorn::enumeratorRecord( #name, U32( number ) ),

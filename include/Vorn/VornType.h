@@ -27,7 +27,9 @@ struct IteratorVTable;
 
 /// One constructor argument: its name and its type. A pair of nulls ends a table.
 struct VornCtorArg {
+   /// The argument's name.
    char const * name;
+   /// Record of the argument's type.
    VornType const * type;
 };
 
@@ -89,6 +91,7 @@ struct VornAttr {
 
    /// Attribute id; for an enumerator its numeric value.
    constexpr U32 id() const noexcept { return U32( flags ); }
+   /// Kind of the attribute.
    constexpr VornKind kind() const noexcept { return VornKind( flags >> 48 ); }
    /// Whether the attribute log carries it.
    constexpr bool logged() const noexcept { return flags >> 40 & 1; }
@@ -138,22 +141,29 @@ struct VornType {
    U32( *genericIfAttributeOp )
    ( void * result, void * object, VornAttr const & attr, U32 op, void const * key,
      void const * const * args );
+   /// See GenericIf.h.
    void * ( *genericIfIterator )( void * object, VornAttr const & attr,
                                   GenericIf::IteratorVTable const ** vtable );
+   /// See GenericIf.h.
    Ptr< PtrInterface > ( *genericIfNotifiee )( GenericIf::NotifieeConst & observer );
    U32 sizeAndFlags; ///< bytes of an instance; in the top four bits 8 for entities and values, 1 for overlays
    U32 attributeNum; ///< number of attributes
    U32 flags;        ///< 0xffff, and bit 25 if instances have a table of virtual operations
    U32 instantiatingNum; ///< number of attributes that make and own entities
 
+   /// Bits of `flags` and of `sizeAndFlags`.
    static constexpr U32 plainFlags = 0x0000ffff;
    static constexpr U32 polymorphicFlag = 0x02000000;
    static constexpr U32 objectSizeFlag = 0x80000000;
    static constexpr U32 overlaySizeFlag = 0x10000000;
 
+   /// Bytes of an instance.
    constexpr U32 size() const noexcept { return sizeAndFlags & 0x0fffffff; }
+   /// Whether instances are views over foreign bytes.
    constexpr bool isOverlay() const noexcept { return sizeAndFlags & overlaySizeFlag; }
+   /// Whether instances have a table of virtual operations.
    constexpr bool isPolymorphic() const noexcept { return flags & polymorphicFlag; }
+   /// Whether the type is an enumeration.
    constexpr bool isEnum() const noexcept {
       return attributes && attributes->name && attributes->kind() == VornKind::enumerator;
    }
@@ -232,6 +242,7 @@ VORN_API VornType const * typeNode( char const * name ) noexcept;
 
 /// Registers a type when the library is loaded; each record has one.
 struct TypeRegistration {
+   /// Registers that type.
    explicit TypeRegistration( VornType const * type ) { typeNodeIs( type ); }
 };
 

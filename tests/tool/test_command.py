@@ -9,6 +9,7 @@ import unittest
 
 from ldptool import *
 
+MANUAL = os.path.join(os.path.dirname(__file__), "..", "..", "docs", "ldptool.1")
 BASIC = os.path.join(CAPTURES, "basic-v4.pcap")
 GOOD = pdu(hello(1), keepalive(2), lsr="10.0.0.9")
 BAD = pdu(message(0x0100, 3), mapping(4))
@@ -175,6 +176,17 @@ class Mistakes(unittest.TestCase):
             self.assertEqual((result.status, result.err), (0, ""))
         self.assertIn("ldptool decode --json session.pcap", result.out)
         self.assertIn("Exit status:", result.out)
+
+    def test_the_manual_page_has_every_option(self):
+        commands = re.findall(r"^  ([a-z]+) ", run("--help").out.split("Subcommands:")[1], re.M)
+        helps = [run("--help").out, *(run(command, "--help").out for command in commands)]
+        options = {name for text in helps for names in re.findall(r"^  (-[a-z,-]+)", text, re.M) for name in names.split(",")}
+        with open(MANUAL) as file:
+            page = re.sub(r"\\f.", "", file.read().replace("\\-", "-"))
+        bold = re.findall(r"^\.(?:TP\n|[BRI]+ )(.*)", page, re.M)
+        self.assertEqual(set(re.findall(r"(?<![\w-])--?[a-z]+", "\n".join(bold))), options)
+        for command in commands:
+            self.assertIn(f".B ldptool {command}\n", page)
 
 
 if __name__ == "__main__":

@@ -2,7 +2,9 @@
 monitor is tempted to get wrong: captures that begin late, strays, several links in one file, labels that come back."""
 
 import os
+import pty
 import resource
+import select
 import signal
 import socket
 import subprocess
@@ -221,6 +223,18 @@ class Labels(unittest.TestCase):
         talk.say(1, 0x0403, fec(TEN), label(100))
         self.assertEqual(self.words(talk), (0b100, 0b110))
 
+    def test_label_resources(self):
+        """A peer that had no label to give has some again: that is about what it refused, and about nothing else."""
+        talk = Talk()
+        talk.say(1, 0x0400, fec(TEN, prefix("11.0.0.0", 8)), label(30))
+        words = lambda: [state["peerLabelSessionState"]["value"] for _, state in sorted(
+            states(talk.frames)["10.0.0.1:0"]["ldpFecSessionStatusColl"]["fecSessionStatus"].items())]
+        for _ in range(2):
+            talk.say(2, 0x0001, status_tlv(14, talk.say(1, 0x0401, fec(TEN)), 0x0401))
+            self.assertEqual(words(), [0x80000020, 0])
+            talk.say(2, 0x0001, status_tlv(15))
+            self.assertEqual(words(), [0x80000000, 0])
+
     def test_typed_wildcard(self):
         wildcard = lambda family: b"\5\2\2" + struct.pack("!H", family)
         talk = Talk()
@@ -335,6 +349,7 @@ class Endings(unittest.TestCase):
         result = subprocess.run([LDPTOOL, *arguments], stderr=subprocess.PIPE, timeout=60, **kw)
         self.assertEqual((result.returncode, result.stderr.count(b"\n")), (2, 1), result.stderr)
         self.assertTrue(result.stderr.startswith(b"ldptool: "), result.stderr)
+        return result.stderr
 
     def test_output_that_cannot_be_written(self):
         file = os.path.join(CAPTURES, "basic-v4.pcap")
@@ -384,6 +399,30 @@ class Endings(unittest.TestCase):
         finally:
             process.kill()
         self.assertEqual((process.returncode, out.decode(), err), (0, "the replica agrees\n", b""))
+
+    def test_no_right_to_capture(self):
+        error = self.ends("watch", "-i", "lo", stdout=subprocess.DEVNULL, preexec_fn=lambda: os.geteuid() or os.setuid(54321))
+        self.assertIn(b"setcap cap_net_raw+ep", error)
+
+    def test_live_tables_refresh_on_a_terminal(self):
+        ours, its = pty.openpty()
+        process = subprocess.Popen([LDPTOOL, "watch", "-i", "lo"], stdout=its, stderr=subprocess.PIPE)
+        os.close(its)
+        shown = b""
+        try:
+            with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as sender:
+                while process.poll() is None and b"1 speakers" not in shown:
+                    sender.sendto(pdu(hello(1)), ("127.0.0.1", 646))
+                    if select.select([ours], [], [], 0.2)[0]:
+                        shown += os.read(ours, 65536)
+            if process.poll() == 2:
+                self.skipTest("no right to capture: " + process.stderr.read().decode())
+            process.send_signal(signal.SIGINT)
+            self.assertEqual((process.wait(60), process.stderr.read()), (0, b""))
+        finally:
+            process.kill()
+            os.close(ours)
+        self.assertIn(b"\x1b[H", shown)
 
     def test_replica_that_dies(self):
         with open(os.path.join(CAPTURES, "basic-v4.pcap"), "rb") as capture:

@@ -153,7 +153,9 @@ void initializing( Found & found, Evidence const & evidence, LdpIdentifier const
       } else {
          found.push_back( { who + " ends the session: " + wordsOf( code ),
                             { seen.first, seen.last },
-                            "the log of " + who } );
+                            code == holdTimerExpired ? "why no hello of " + textOf( b ) +
+                                                            " came: its load, the link, multicast on it"
+                                                     : "the log of " + who } );
       }
    }
    if ( there.inits && there.named != b && there.named.lsrId() == b.lsrId() )

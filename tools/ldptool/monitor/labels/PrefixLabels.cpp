@@ -143,10 +143,11 @@ void onWildcard( Exchange const & exchange, AnyLabel label, Lumo::AddressFamily 
 void onNotification( Exchange const & exchange, LdpStatusTlv const & status ) {
    LdpStatusCode const code = status.statusData();
    if ( code == labelResourcesAvailable ) {
-      for ( Fec const & fec : fecsOf( exchange.receiver ) )
-         FecEnd( exchange.receiver, fec ).peerWord( []( auto & word ) {
-            word.peerNoLabelResourceIs( false );
-         } );
+      for ( Fec const & fec : std::exchange( exchange.receiver.refused, {} ) ) {
+         FecEnd requester( exchange.receiver, fec );
+         if ( requester.state )
+            requester.peerWord( []( auto & word ) { word.peerNoLabelResourceIs( false ); } );
+      }
    }
    auto const info = exchange.receiver.statistics->ldpMsgIdFecMappingInfo( status.msgId() );
    if ( !info.valid() ) return;
@@ -157,6 +158,7 @@ void onNotification( Exchange const & exchange, LdpStatusTlv const & status ) {
    if ( code == noLabelResources && requester.state ) {
       requester.state->peerNoLabelResourceCountIs( requester.state->peerNoLabelResourceCount() + 1 );
       requester.peerWord( []( auto & word ) { word.peerNoLabelResourceIs( true ); } );
+      exchange.receiver.refused.insert( requester.fec );
    }
    requested.dropIfIdle();
    requester.dropIfIdle();
@@ -183,6 +185,7 @@ void forget( SessionEnd & end, bool keepsPeerLabels ) {
    }
    end.mapped.reset();
    end.held.reset();
+   end.refused.clear();
    if ( !end.stale.empty() ) end.mapped.emplace(), end.held.emplace(); // what is stale is not meant
    if ( end.stale.empty() && !end.agent.compact() )
       end.agent.status().ldpFecSessionStatusColl()->fecSessionStatusBySessionCollDel( end.id );

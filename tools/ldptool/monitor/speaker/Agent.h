@@ -95,6 +95,9 @@ struct SessionEnd {
    std::optional< std::vector< Mpls::FwdEqvClass > > mapped;
    std::optional< std::vector< Mpls::FwdEqvClass > > held;
 
+   /// Prefixes for which the peer had no label to give; until it says that it has some again.
+   std::set< Mpls::FwdEqvClass > refused;
+
    /// States of prefixes, where the model's objects are made only to be changed or shown.
    std::unordered_map< Mpls::FwdEqvClass, CompactFec, FecHash > compactFecs;
 
