@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Makes the Debian packages, has lintian judge them, and uses them in a clean Debian: a program is built against libldp-dev and a
-# capture is decoded with ldptool, each with nothing installed but what its package asks for.
+# capture is decoded with ldptool and by Python, each with nothing installed but what its package asks for.
 #
 #   scripts/deb.sh FOLDER     the packages lie there at the end
 set -euo pipefail
@@ -34,6 +34,9 @@ in_root apt-get -qq update
 install_debs ./libldp0_*.deb ./ldptool_*.deb
 in_root ldptool --version
 [[ $( in_root ldptool decode /shared/many-initial.pcap | wc -l ) -gt 100 ]]
+install_debs ./python3-ldp_*.deb
+in_root python3 -c 'import ldp; print( ldp.watch( "/shared/many-initial.pcap" ).run().root.speaker.keys(), ldp.LdpAdjStatus.operHoldTime.__doc__ )' |
+   grep "10.255.0.1:0.*in seconds"
 install_debs ./libldp-dev_*.deb g++ pkg-config
 in_root sh -c 'g++ -std=c++20 -o /observe /shared/observe.cpp $( pkg-config --cflags --libs Ldp ) && /observe' | grep -q 'holdTimerExpired'
 echo "deb.sh: installed and used"

@@ -3,7 +3,7 @@
 # missing.
 #
 #   scripts/setup.sh GROUP...
-#      tool         ldptool and the libraries            tests        the suite and the benchmarks, ldptool included
+#      tool         ldptool and the libraries            tests        the suite, the benchmarks, the Python module
 #      clang        second compiler, sanitizers, fuzzer, formatting    docs         reference documentation
 #      deb          making and trying Debian packages, comparing interfaces
 #      comparison   what the benchmarks are measured against: decoders, and libraries that a table leaves out where they are missing
@@ -14,10 +14,10 @@ for group in "$@"; do
    case "$group" in
       tool | tests) packages+=( libtins-dev libpcap-dev libmicrohttpd-dev zlib1g-dev libcli11-dev rapidjson-dev ) ;;&
       tool) ;;
-      tests) packages+=( git libgtest-dev librapidcheck-dev libbenchmark-dev python3-jsonschema ) ;;
+      tests) packages+=( git libgtest-dev librapidcheck-dev libbenchmark-dev python3-jsonschema pybind11-dev python3-dev python3-pytest ) ;;
       clang) packages+=( git clang clang-format libclang-rt-14-dev libc++-14-dev libc++abi-14-dev ) ;;
       docs) packages+=( doxygen ) ;;
-      deb) packages+=( git debhelper dpkg-dev lintian mmdebstrap abigail-tools ) ;;
+      deb) packages+=( git debhelper dh-python dpkg-dev lintian mmdebstrap abigail-tools pybind11-dev python3-dev ) ;;
       comparison) packages+=( tcpdump tshark libabsl-dev libboost-dev libsigc++-2.0-dev libprotobuf-dev protobuf-compiler ) ;;
       *) echo "usage: scripts/setup.sh [tool|tests|clang|docs|deb|comparison]..." >&2; exit 2 ;;
    esac

@@ -21,6 +21,7 @@ MAY_INCLUDE = {
     "decode": {"decode", "framework"},
     "model": {"model", "framework"},
     "tools": {"tools", "model", "decode", "framework"},
+    "python": {"python", "tools", "model", "decode", "framework"},
     "examples": {"model", "decode", "framework"},
 }
 

@@ -196,27 +196,42 @@ bool Capture::passes( Octets octets, int linkType ) {
    return pcap_offline_filter( filter.get(), &header, octets.data() ) != 0;
 }
 
+std::FILE * Capture::stream() const {
+   return live_ ? nullptr : file_ ? file_.get() : pcap_file( handle_.get() );
+}
+
 void Capture::run( PduSink & sink, CaptureRange const & range ) {
+   begin( sink, range );
+   while ( read( packetsAtOnce ) ) {}
+}
+
+void Capture::begin( PduSink & sink, CaptureRange const & range ) {
    sink_ = &sink;
    range_ = range;
    streams_ = std::make_unique< Streams >( sink, limits_.flows );
-   std::FILE * const stream = live_ ? nullptr : file_ ? file_.get() : pcap_file( handle_.get() );
-   std::int64_t const size = sizeOf( stream );
+}
+
+bool Capture::read( int packets ) {
+   if ( !streams_ ) return false; // it has ended
    std::string failure;
-   bool more = true;
-   while ( more && !stopped_ ) {
-      more = file_ ? readPcapng( failure ) : readPcap( failure );
-      if ( live_ ) sink.onIdle();
-      if ( size ) sink.onProgress( ftello( stream ), size );
-   }
-   if ( size ) sink.onProgress( size, size );
+   bool const more = !stopped_ && ( file_ ? readPcapng( packets, failure ) : readPcap( packets, failure ) );
+   if ( live_ ) sink_->onIdle();
+   if ( std::int64_t const size = sizeOf( stream() ) ) sink_->onProgress( ftello( stream() ), size );
+   if ( more && !stopped_ ) return true;
+   finish();
+   if ( failure.empty() && otherLinkTypes_ && otherLinkTypes_ == counters_.packets )
+      failure = unsupported( linkType_ );
+   if ( !failure.empty() ) throw InputError( name_ + ": " + failure );
+   return false;
+}
+
+void Capture::finish() {
+   if ( std::int64_t const size = sizeOf( stream() ) ) sink_->onProgress( size, size );
    streams_->finish();
    counters_.repeatedOctets = streams_->repeatedOctets();
    counters_.straySegments = streams_->straySegments();
    counters_.forgottenFlows = streams_->forgotten();
-   if ( failure.empty() && otherLinkTypes_ && otherLinkTypes_ == counters_.packets )
-      failure = unsupported( linkType_ );
-   if ( !failure.empty() ) throw InputError( name_ + ": " + failure );
+   streams_.reset();
 }
 
 CaptureCounters const & Capture::counters() {
@@ -226,7 +241,7 @@ CaptureCounters const & Capture::counters() {
 }
 
 // Some packets of anything but pcapng; false when there are no more.
-bool Capture::readPcap( std::string & failure ) {
+bool Capture::readPcap( int packets, std::string & failure ) {
    auto const each = []( u_char * self, pcap_pkthdr const * header, u_char const * octets ) {
       auto & capture = *reinterpret_cast< Capture * >( self );
       ++capture.counters_.packets;
@@ -245,19 +260,18 @@ bool Capture::readPcap( std::string & failure ) {
    };
    if ( live_ ) { // by itself libpcap would wait for a packet, and the sink would never be idle on a silent
                   // link
-      pollfd packets{ pcap_get_selectable_fd( handle_.get() ), POLLIN, 0 };
-      poll( &packets, 1, waitMilliseconds ); // a signal ends it too
+      pollfd ready{ pcap_get_selectable_fd( handle_.get() ), POLLIN, 0 };
+      poll( &ready, 1, waitMilliseconds ); // a signal ends it too
    }
-   int const status =
-        pcap_dispatch( handle_.get(), packetsAtOnce, each, reinterpret_cast< u_char * >( this ) );
+   int const status = pcap_dispatch( handle_.get(), packets, each, reinterpret_cast< u_char * >( this ) );
    if ( thrown_ ) std::rethrow_exception( std::exchange( thrown_, nullptr ) );
    if ( status == PCAP_ERROR ) failure = pcap_geterr( handle_.get() );
    return status > 0 || ( status == 0 && live_ );
 }
 
-bool Capture::readPcapng( std::string & failure ) {
+bool Capture::readPcapng( int packets, std::string & failure ) {
    PcapngReader::Packet packet;
-   for ( int i = 0; i < packetsAtOnce && !stopped_; ++i ) {
+   for ( int i = 0; i < packets && !stopped_; ++i ) {
       try {
          if ( !pcapng_->next( packet ) ) return false;
       } catch ( InputError const & error ) {

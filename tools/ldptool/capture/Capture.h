@@ -50,6 +50,10 @@ class Capture {
    /// Throws InputError when the file turns out damaged; what stands before the damage has been delivered by
    /// then.
    void run( PduSink & sink, CaptureRange const & range = {} );
+   /// The same step by step, for whoever has other things to do in between: after `begin`, `read` delivers
+   /// what some packets hold, at most so many, and says whether there may be more. It ends as `run` does.
+   void begin( PduSink & sink, CaptureRange const & range = {} );
+   bool read( int packets );
    /// The time up to which it was to be read, once that is known.
    std::optional< double > endTime() const { return range_.to.time; }
 
@@ -78,8 +82,10 @@ class Capture {
    void handleIs( Handle handle );
    bool isWanted( Octets octets, Arrival const & arrival, int linkType );
    bool passes( Octets octets, int linkType );
-   bool readPcap( std::string & failure );
-   bool readPcapng( std::string & failure );
+   bool readPcap( int packets, std::string & failure );
+   bool readPcapng( int packets, std::string & failure );
+   std::FILE * stream() const;
+   void finish();
    std::string const * interfaceOf( std::uint32_t index );
    void onPacket( Octets octets, Arrival const & arrival, int linkType, std::string const * interface );
    void onFragment( Octets ipPacket, Arrival const & arrival, Place const & place );

@@ -17,13 +17,15 @@ using Octets = std::span< std::uint8_t const >;
 
 /// Where a PDU comes from: a flow of a capture, or a line of text.
 struct Origin {
-   Arrival arrival; ///< the packet in which the PDU ends; `frame` is the line's number without a flow
+   Arrival arrival; ///< the packet in which the PDU ends; without a flow, `frame` is the line's number
    Flow const * flow = nullptr;   ///< null for a line of text
    Place const * place = nullptr; ///< of a datagram; null for everything else
    /// Nothing proves that the octets are of the conversation: they stand far from where it is.
    bool stray = false;
    /// A SYN, or its answer, with a TCP option that authenticates it.
    bool authenticated = false;
+   /// What the number in `arrival` counts where there is no flow.
+   char const * unit = "line";
 };
 
 /// What TCP did on its way to a connection, or against it.

@@ -13,13 +13,13 @@ using namespace Ldp;
 template< class Writer >
 void writeOrigin( Writer & out, Origin const & origin ) {
    Arrival const & arrival = origin.arrival;
-   if ( !origin.flow ) return out.member( "line", arrival.frame );
+   if ( !origin.flow ) return out.member( origin.unit, arrival.frame );
    Flow const & flow = *origin.flow;
    out.member( "frame", arrival.frame );
    out.key( "time" );
    out.time( arrival.seconds, arrival.nanoseconds );
-   out.member( "src", addressText( flow, flow.source ) );
-   out.member( "dst", addressText( flow, flow.destination ) );
+   out.member( "src", addressOf( flow, flow.source ) );
+   out.member( "dst", addressOf( flow, flow.destination ) );
    out.member( "sport", flow.sourcePort );
    out.member( "dport", flow.destinationPort );
    out.member( "proto", flow.protocol == protocolTcp ? "tcp" : "udp" );

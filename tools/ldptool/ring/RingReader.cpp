@@ -167,32 +167,37 @@ void RingReader::readBlocks() {
 }
 
 void RingReader::forEach( std::function< void( RingRecord const & ) > const & visit ) {
-   std::map< U32, Writer > writers;
-   for ( BlockAt const & block : blocks_ ) {
-      Writer & writer = writers[block.head.writer];
-      writer.nanoseconds = block.head.nanoseconds;
-      std::string_view octets = block.records;
-      while ( !octets.empty() ) {
-         if ( !readRecord( octets, block, writer, visit ) ) {
-            ++damaged_;
-            break; // where the next record begins is not known any more
-         }
-      }
-   }
+   for ( RingRecord record; next( record ); )
+      visit( record );
 }
 
-bool RingReader::readRecord( std::string_view & octets, BlockAt const & block, Writer & writer,
-                             std::function< void( RingRecord const & ) > const & visit ) {
+bool RingReader::next( RingRecord & record ) {
+   for ( ; block_ < blocks_.size(); ++block_, inBlock_ = false ) {
+      BlockAt const & block = blocks_[block_];
+      Writer & writer = writers_[block.head.writer];
+      if ( !inBlock_ ) {
+         inBlock_ = true;
+         writer.nanoseconds = block.head.nanoseconds;
+         rest_ = block.records;
+      }
+      if ( rest_.empty() ) continue;
+      record = {};
+      if ( readRecord( block, writer, record ) ) return true;
+      ++damaged_; // where the next record begins is not known any more
+   }
+   return false;
+}
+
+bool RingReader::readRecord( BlockAt const & block, Writer & writer, RingRecord & record ) {
    U16 word;
-   if ( !take( octets, word ) ) return false;
+   if ( !take( rest_, word ) ) return false;
    auto const site = sites_.find( word & Skein::maxMsgId );
    if ( site == sites_.end() ) return false;
-   RingRecord record;
    record.site = &site->second;
    record.timed = word & Skein::clockFlag;
    if ( record.timed ) {
       U64 ticks;
-      if ( !take( octets, ticks ) ) return false;
+      if ( !take( rest_, ticks ) ) return false;
       writer.nanoseconds = toNanoseconds( ticks, block.head );
    }
    record.nanoseconds = writer.nanoseconds;
@@ -215,20 +220,18 @@ bool RingReader::readRecord( std::string_view & octets, BlockAt const & block, W
          open.erase( match.base() - 1, open.end() );
       }
       record.depth = U32( open.size() );
-      visit( record );
       return true;
    }
 
    std::string_view items = record.site->items;
-   std::string_view const arguments = octets;
-   if ( !readItems( items, octets, &record.text, 0 ) ) return false;
+   std::string_view const arguments = rest_;
+   if ( !readItems( items, rest_, &record.text, 0 ) ) return false;
    record.depth = U32( writer.open.size() );
    if ( record.site->block ) {
       record.kind = RingRecord::open;
       if ( writer.open.size() < maxDepth )
          writer.open.push_back( { record.site, arguments, record.nanoseconds, record.timed } );
    }
-   visit( record );
    return true;
 }
 

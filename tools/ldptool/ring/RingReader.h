@@ -61,8 +61,10 @@ class RingReader {
 
    // Hands over all records, the oldest first; those of one block stay together.
    void forEach( std::function< void( RingRecord const & ) > const & visit );
+   // The same one by one: the next record, or false when there are no more.
+   bool next( RingRecord & record );
 
-   // Blocks, or the description region, that could not be read to their end. Complete after forEach.
+   // Blocks, or the description region, that could not be read to their end. Complete behind the last record.
    U32 damaged() const { return damaged_; }
 
  private:
@@ -89,8 +91,7 @@ class RingReader {
    void readHeader();
    void readDescriptions();
    void readBlocks();
-   bool readRecord( std::string_view & octets, BlockAt const & block, Writer & writer,
-                    std::function< void( RingRecord const & ) > const & visit );
+   bool readRecord( BlockAt const & block, Writer & writer, RingRecord & record );
    bool readItems( std::string_view & items, std::string_view & octets, std::string * text,
                    unsigned nesting ) const;
    bool readChoice( std::string_view & items, std::string_view & octets, std::string * text,
@@ -105,6 +106,11 @@ class RingReader {
    std::vector< BlockAt > blocks_; // the oldest first
    bool threaded_ = false;
    U32 damaged_ = 0;
+   // Where `next` is.
+   std::map< U32, Writer > writers_;
+   std::size_t block_ = 0;
+   bool inBlock_ = false;
+   std::string_view rest_; // of its records
 };
 
 } // namespace LdpTool

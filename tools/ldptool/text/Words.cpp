@@ -21,12 +21,16 @@ bool isWithin( Lumo::IpGenPrefix const & prefix, Lumo::IpGenPrefix const & withi
                            : Lumo::IpGenPrefix( prefix.address().ip6Addr(), within.len() ) );
 }
 
-std::string addressText( Flow const & flow, std::array< std::uint8_t, 16 > const & address ) {
-   auto const text = [&]( auto value ) {
+Lumo::IpGenAddr addressOf( Flow const & flow, std::array< std::uint8_t, 16 > const & address ) {
+   auto const filled = [&]( auto value ) {
       std::copy_n( address.begin(), value.size, value.octets() );
-      return std::string( value.stringValue().view() );
+      return Lumo::IpGenAddr( value );
    };
-   return flow.addressSize == Lumo::IpAddr::size ? text( Lumo::IpAddr() ) : text( Lumo::Ip6Addr() );
+   return flow.addressSize == Lumo::IpAddr::size ? filled( Lumo::IpAddr() ) : filled( Lumo::Ip6Addr() );
+}
+
+std::string addressText( Flow const & flow, std::array< std::uint8_t, 16 > const & address ) {
+   return std::string( addressOf( flow, address ).stringValue().view() );
 }
 
 char const * reservedLabelWord( Lumo::MplsLabel label ) {

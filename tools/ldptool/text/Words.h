@@ -86,7 +86,8 @@ std::string pwStatusText( U32 flags );
 /// Whether a prefix is the other or one of its parts.
 bool isWithin( Lumo::IpGenPrefix const & prefix, Lumo::IpGenPrefix const & within );
 
-/// Text of one of a flow's addresses.
+/// One of a flow's addresses, and its text.
+Lumo::IpGenAddr addressOf( Flow const & flow, std::array< std::uint8_t, 16 > const & address );
 std::string addressText( Flow const & flow, std::array< std::uint8_t, 16 > const & address );
 
 /// Text of a PDU that is refused, as its parser words it.

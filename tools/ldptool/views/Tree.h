@@ -25,6 +25,10 @@ void writeTree( JsonWriter & json, Vorn::Entity const & entity, TreeContent cont
 void writeValue( JsonWriter & json, Vorn::VornType const & type, void const * value );
 /// A key's text, or any other value's, without the quotes around it.
 std::string plainText( Vorn::VornType const & type, void const * value );
+/// The only field of a value that is no more than it, say the identifier in a session's; else null.
+Vorn::VornAttr const * onlyField( Vorn::VornType const & type );
+/// Whether an attribute of a value is a member of its object: a field, or a flag.
+bool isPart( Vorn::VornAttr const & attr );
 /// What values of the type are in JSON.
 char const * jsonForm( Vorn::VornType const & type );
 /// Whether collections with such keys are arrays of objects with `key` and `value`, since the keys have no

@@ -21,18 +21,6 @@ bool isOneOf( VornType const & type ) {
 bool isUnsigned( VornType const & type ) { return isOneOf< U8, U16, U32, U64 >( type ); }
 bool isBool( VornType const & type ) { return isOneOf< bool >( type ); }
 
-/// The only field of a value that is no more than it, say the identifier in a session's; else null.
-VornAttr const * onlyField( VornType const & type ) {
-   VornAttr const * only = nullptr;
-   for ( VornAttr const * attr = type.attributes; attr && attr->name; ++attr ) {
-      if ( attr->isView() && isBool( *attr->type ) ) return nullptr;
-      if ( !attr->isField() ) continue;
-      if ( only ) return nullptr;
-      only = attr;
-   }
-   return only;
-}
-
 /// Whether a value is an object of its fields (and flags). Numbers side by side have a notation that everyone
 /// knows, as an LDP identifier has.
 bool isStructure( VornType const & type ) {
@@ -55,7 +43,7 @@ Number as( void const * value ) {
 void writeStructure( JsonWriter & json, VornType const & type, void const * value ) {
    json.object();
    for ( VornAttr const * attr = type.attributes; attr->name; ++attr ) {
-      if ( !attr->isField() && !( attr->isView() && isBool( *attr->type ) ) ) continue;
+      if ( !isPart( *attr ) ) continue;
       Value field( attr->type );
       Vorn::GenericIf::attributeOp( type, field.data(), const_cast< void * >( value ), *attr,
                                     Vorn::GenericIf::read, nullptr, nullptr );
@@ -109,6 +97,19 @@ void writeMembers( JsonWriter & json, Entity const & entity, VornAttr const & at
 }
 
 } // namespace
+
+VornAttr const * onlyField( VornType const & type ) {
+   VornAttr const * only = nullptr;
+   for ( VornAttr const * attr = type.attributes; attr && attr->name; ++attr ) {
+      if ( attr->isView() && isBool( *attr->type ) ) return nullptr;
+      if ( !attr->isField() ) continue;
+      if ( only ) return nullptr;
+      only = attr;
+   }
+   return only;
+}
+
+bool isPart( VornAttr const & attr ) { return attr.isField() || ( attr.isView() && isBool( *attr.type ) ); }
 
 std::string plainText( VornType const & type, void const * value ) {
    if ( isOneOf< Vorn::String >( type ) )
