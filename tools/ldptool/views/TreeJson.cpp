@@ -53,9 +53,16 @@ void writeStructure( JsonWriter & json, VornType const & type, void const * valu
    json.endObject();
 }
 
+template< class Number >
+bool writeIf( JsonWriter & json, VornType const & type, void const * value ) {
+   if ( &type != Vorn::recordOf< Number >() ) return false;
+   json.value( as< Number >( value ) );
+   return true;
+}
+
 template< class... Numbers >
 void writeNumber( JsonWriter & json, VornType const & type, void const * value ) {
-   ( ( &type == Vorn::recordOf< Numbers >() && ( json.value( as< Numbers >( value ) ), true ) ) || ... );
+   static_cast< void >( ( writeIf< Numbers >( json, type, value ) || ... ) );
 }
 
 /// Names and notations are texts; of what is a number without a field, only the text says so.
