@@ -164,9 +164,8 @@ py::object tupleOf( VornType const & type, void const * value, SourcePtr const &
 /// What has neither fields nor a conversion: a number if its text is one, else the text.
 py::object wordOf( VornType const & type, void const * value ) {
    std::string const text = LdpTool::plainText( type, value );
-   bool const number = !text.empty() && text.size() <= 10 && ( text[0] != '0' || text.size() == 1 ) &&
-                       text.find_first_not_of( "0123456789" ) == text.npos;
-   return number ? py::int_( std::stoull( text ) ) : textOf( text );
+   auto const number = LdpTool::numberIn( text );
+   return number ? py::int_( *number ) : textOf( text );
 }
 
 using Convert = py::object ( * )( VornType const & type, void const * value, SourcePtr const & source );

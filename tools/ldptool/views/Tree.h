@@ -5,7 +5,9 @@
 #include "text/JsonWriter.h"
 #include "views/Reflection.h"
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 
 namespace LdpTool {
 
@@ -25,6 +27,8 @@ void writeTree( JsonWriter & json, Vorn::Entity const & entity, TreeContent cont
 void writeValue( JsonWriter & json, Vorn::VornType const & type, void const * value );
 /// A key's text, or any other value's, without the quotes around it.
 std::string plainText( Vorn::VornType const & type, void const * value );
+/// The number that such a text is, of one that has neither fields nor names; none for any other text.
+std::optional< std::uint64_t > numberIn( std::string const & text );
 /// The only field of a value that is no more than it, say the identifier in a session's; else null.
 Vorn::VornAttr const * onlyField( Vorn::VornType const & type );
 /// Whether an attribute of a value is a member of its object: a field, or a flag.

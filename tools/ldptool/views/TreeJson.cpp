@@ -68,9 +68,8 @@ void writeNumber( JsonWriter & json, VornType const & type, void const * value )
 /// Names and notations are texts; of what is a number without a field, only the text says so.
 void writeWord( JsonWriter & json, VornType const & type, void const * value ) {
    std::string const text = plainText( type, value );
-   bool const number = !text.empty() && text.size() <= 10 && ( text[0] != '0' || text.size() == 1 ) &&
-                       text.find_first_not_of( "0123456789" ) == text.npos;
-   number ? json.value( std::uint64_t( std::stoull( text ) ) ) : json.value( text );
+   auto const number = numberIn( text );
+   number ? json.value( *number ) : json.value( text );
 }
 
 void writeMembers( JsonWriter & json, Entity const & entity, VornAttr const & attr, TreeContent content,
@@ -122,6 +121,12 @@ std::string plainText( VornType const & type, void const * value ) {
    if ( isOneOf< Vorn::String >( type ) )
       return std::string( static_cast< Vorn::String const * >( value )->view() );
    return unquoted( type.methods->genericIfStrRep( value, &type ) );
+}
+
+std::optional< std::uint64_t > numberIn( std::string const & text ) {
+   bool const number = !text.empty() && text.size() <= 10 && ( text[0] != '0' || text.size() == 1 ) &&
+                       text.find_first_not_of( "0123456789" ) == text.npos;
+   return number ? std::optional< std::uint64_t >( std::stoull( text ) ) : std::nullopt;
 }
 
 char const * jsonForm( VornType const & type ) {

@@ -227,6 +227,7 @@ void FecEnd::rebind( Mpls::LabelBindingTable & bindings, MplsLabel gone, AnyLabe
 void FecEnd::drop() {
    auto const coll = model.ldpFecSessionStatusColl();
    end.compactFecs.erase( fec );
+   end.refused.erase( fec );
    if ( auto const view = coll->fecSessionStatusBySessionColl( end.id ) ) view->fecSessionStatusDel( id() );
    coll->fecSessionStatusDel( id() );
    state = nullptr;
